@@ -1,0 +1,42 @@
+#pragma once
+
+#include "common/Jni.h"
+
+namespace tarn {
+
+/// Scoped holder of a Java string argument's characters.
+///
+///     const JniString name(env, javaName);
+///     use(name.get());       // fetched on first use, the same pointer from then on
+///                            // given back at scope exit, if they were fetched
+class JniString {
+public:
+    JniString(JNIEnv *environment, jstring string) : env(environment), str(string), chars(nullptr) {
+    }
+    ~JniString() {
+        if (chars != nullptr) {
+            env->ReleaseStringUTFChars(str, chars);
+        }
+    }
+    JniString(const JniString &) = delete;
+    JniString &operator=(const JniString &) = delete;
+
+    /// Modified UTF-8, NUL-terminated, never null; a null Java string counts as an empty one. Throws
+    /// JavaExceptionPending when the virtual machine has no memory for the characters.
+    const char *get() const {
+        if (str == nullptr) {
+            return "";
+        }
+        if (chars == nullptr) {
+            chars = jni::required(env->GetStringUTFChars(str, nullptr));
+        }
+        return chars;
+    }
+
+private:
+    JNIEnv *env;
+    jstring str;
+    mutable const char *chars;
+};
+
+} // namespace tarn

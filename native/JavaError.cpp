@@ -1,0 +1,23 @@
+#include "native/JavaError.h"
+
+#include "common/Jni.h"
+#include "common/LogLine.h"
+
+namespace tarn {
+
+void ThrowJavaError(JNIEnv *env, const std::string &message) {
+    try {
+        const jstring text = jni::newString(env, message.c_str());
+        const jclass runtimeException = jni::findClass(env, "java/lang/RuntimeException");
+        const jmethodID constructor = jni::methodId(env, runtimeException, "<init>", "(Ljava/lang/String;)V");
+        env->Throw(static_cast<jthrowable>(jni::newObject(env, runtimeException, constructor, text)));
+    } catch (const JavaExceptionPending &) {
+        // The exception that stopped this one is pending in its place.
+    }
+}
+
+void LogMessage(JNIEnv *env, const std::string &message, const std::string &level) {
+    deliverLogLine(env, "com/kelvo/tarn/providers/solaris/SolarisNativeMethod", message.c_str(), level.c_str());
+}
+
+} // namespace tarn

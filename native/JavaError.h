@@ -1,0 +1,54 @@
+#pragma once
+
+#include <jni.h>
+
+#include <string>
+#include <utility>
+
+namespace tarn {
+
+/// A failure of the host-information modules. Thrown and caught by value; its message is what reaches Java.
+class NativeError {
+public:
+    explicit NativeError(std::string text) : message(std::move(text)) {
+    }
+    std::string getMessage() const {
+        return message;
+    }
+
+private:
+    std::string message;
+};
+
+/// The mount table at `path` cannot be opened.
+class MountTableError : public NativeError {
+public:
+    explicit MountTableError(std::string path) : NativeError("Unable to open mount table file: " + std::move(path)) {
+    }
+};
+
+/// No UFS or NFS file system is mounted at `mountPoint`.
+class LogicalDiskNotFound : public NativeError {
+public:
+    explicit LogicalDiskNotFound(std::string mountPoint)
+        : NativeError("Logical Disk Not Found: " + std::move(mountPoint)) {
+    }
+};
+
+/// The kernel keeps no I/O statistics for the disk `name`.
+class DiskIONameNotFound : public NativeError {
+public:
+    explicit DiskIONameNotFound(std::string name)
+        : NativeError("Unable to find Disk IO Information name: " + std::move(name)) {
+    }
+};
+
+/// Leaves a java.lang.RuntimeException with this message pending; the caller returns to Java at once. When Java cannot
+/// make it, the exception that says so is pending instead.
+void ThrowJavaError(JNIEnv *env, const std::string &message);
+
+/// Hands one line to the agent's log. `level` ("info", "warn") names a static method of SolarisNativeMethod. A line
+/// that cannot be delivered is dropped: no exception is pending afterwards.
+void LogMessage(JNIEnv *env, const std::string &message, const std::string &level);
+
+} // namespace tarn

@@ -1,0 +1,312 @@
+#include <algorithm>
+#include <cstdarg>
+#include <cstring>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "platform/replay/Descriptors.h"
+#include "platform/replay/Journal.h"
+
+// Files, directories and devices.
+
+namespace replay {
+namespace {
+
+/// Open devices by descriptor: the lowest free number, after those of the standard streams.
+class DescriptorTable {
+public:
+    int add(OpenDevice opened) {
+        const std::lock_guard lock(mutex);
+        const auto free = std::ranges::find(devices, nullptr);
+        const auto index = free - devices.begin();
+        if (free == devices.end()) {
+            devices.emplace_back();
+        }
+        devices[static_cast<std::size_t>(index)] = std::make_shared<const OpenDevice>(std::move(opened));
+        return static_cast<int>(index) + firstDescriptor;
+    }
+
+    /// Null when nothing is open there.
+    std::shared_ptr<const OpenDevice> find(int descriptor) {
+        const std::lock_guard lock(mutex);
+        return isInTable(descriptor) ? at(descriptor) : nullptr;
+    }
+
+    /// Frees the descriptor, and returns what was open there.
+    std::shared_ptr<const OpenDevice> remove(int descriptor) {
+        const std::lock_guard lock(mutex);
+        return isInTable(descriptor) ? std::exchange(at(descriptor), nullptr) : nullptr;
+    }
+
+private:
+    bool isInTable(int descriptor) const {
+        return descriptor >= firstDescriptor && static_cast<std::size_t>(descriptor - firstDescriptor) < devices.size();
+    }
+
+    std::shared_ptr<const OpenDevice> &at(int descriptor) {
+        return devices[static_cast<std::size_t>(descriptor - firstDescriptor)];
+    }
+
+    static constexpr int firstDescriptor = 3;
+
+    std::mutex mutex;
+    std::vector<std::shared_ptr<const OpenDevice>> devices;
+};
+
+DescriptorTable descriptors;
+
+/// An open directory; what the system calls a DIR.
+struct Directory {
+    std::shared_ptr<const Host> host;
+    const std::vector<std::string> *names;
+    std::string path;
+    std::size_t next = 0;
+    std::vector<struct dirent> entry = {}; // the last one read, and behind it room for a name longer than its field
+};
+
+std::string flagsText(int flags) {
+    const int mode = flags & O_ACCMODE;
+    std::string text = mode == O_RDONLY ? "O_RDONLY" : mode == O_WRONLY ? "O_WRONLY" : "O_RDWR";
+    if ((flags & O_NDELAY) != 0) {
+        text += "|O_NDELAY";
+    }
+    if (const int others = flags & ~O_ACCMODE & ~O_NDELAY; others != 0) {
+        text += "|" + std::to_string(others);
+    }
+    return text;
+}
+
+const char *requestName(int request) {
+    switch (request) {
+    case DKIOCINFO:
+        return "DKIOCINFO";
+    case DKIOCGGEOM:
+        return "DKIOCGGEOM";
+    case DKIOCGVTOC:
+        return "DKIOCGVTOC";
+    case USCSICMD:
+        return "USCSICMD";
+    default:
+        return nullptr;
+    }
+}
+
+std::string pathOf(const std::shared_ptr<const OpenDevice> &opened) {
+    return opened == nullptr ? "?" : opened->path;
+}
+
+int failWithUnless(int error) {
+    return error == 0 ? 0 : failWith(error);
+}
+
+/// Gives out what the disk has. 0, or an errno.
+template <class Structure>
+int copyOut(const std::optional<Structure> &source, void *argument) {
+    if (!source) {
+        return EIO;
+    }
+    *static_cast<Structure *>(argument) = *source;
+    return 0;
+}
+
+/// 0, or an errno.
+int answerRequest(const OpenDevice &opened, int request, void *argument) {
+    const Disk &disk = *opened.device.disk;
+    const char *name = requestName(request);
+    if (name == nullptr) {
+        return ENOTTY;
+    }
+    if (const int error = disk.failure(name, opened.flags); error != 0) {
+        return error;
+    }
+    if (argument == nullptr) {
+        return EFAULT;
+    }
+    switch (request) {
+    case DKIOCINFO: {
+        auto &information = *static_cast<dk_cinfo *>(argument);
+        information = {};
+        information.dki_partition = static_cast<ushort_t>(opened.device.slice);
+        return 0;
+    }
+    case DKIOCGGEOM:
+        return copyOut(disk.geometry, argument);
+    case DKIOCGVTOC:
+        return copyOut(disk.vtoc, argument);
+    default:
+        return sendScsiCommand(disk, *static_cast<uscsi_cmd *>(argument));
+    }
+}
+
+void describeDevice(const Device &device, struct ::stat &status) {
+    status = {};
+    status.st_mode = (device.raw ? S_IFCHR : S_IFBLK) | S_IRUSR | S_IWUSR | S_IRGRP;
+    status.st_nlink = 1;
+    status.st_rdev = device.number();
+}
+
+void describeFile(mode_t kind, struct ::stat &status) {
+    status = {};
+    status.st_mode = kind | S_IRUSR | S_IXUSR | S_IRGRP | S_IROTH;
+    status.st_nlink = 1;
+}
+
+/// "/dev/rdsk/." and "/dev/rdsk/.." are directories when "/dev/rdsk" is.
+bool isDirectory(const FileTree &files, std::string_view path) {
+    const std::string_view last = path.substr(path.rfind('/') + 1);
+    if (last == "." || last == "..") {
+        path.remove_suffix(std::min(last.size() + 1, path.size()));
+    }
+    return files.directory(path) != nullptr;
+}
+
+/// 0, or an errno.
+int describePath(const Host &host, std::string_view path, struct ::stat &status) {
+    const FileNode *node = host.files.find(path);
+    if (node == nullptr) {
+        if (!isDirectory(host.files, path)) {
+            return ENOENT;
+        }
+        describeFile(S_IFDIR, status);
+        return 0;
+    }
+    if (!node->device) {
+        if (node->link) {
+            return ENOENT; // it leads nowhere
+        }
+        describeFile(S_IFREG, status);
+        return 0;
+    }
+    if (const int error = node->device->disk->failure("stat"); error != 0) {
+        return error;
+    }
+    describeDevice(*node->device, status);
+    return 0;
+}
+
+int openPath(const char *path, int flags) {
+    std::shared_ptr<const Host> host = currentHost();
+    const FileNode *node = host->files.find(path);
+    if (node == nullptr || !node->device) {
+        return failWith(ENXIO);
+    }
+    if (const int error = node->device->disk->failure("open", flags); error != 0) {
+        return failWith(error);
+    }
+    return descriptors.add({std::move(host), *node->device, flags, path});
+}
+
+ssize_t readLinkText(std::string_view path, char *buffer, std::size_t size) {
+    const std::shared_ptr<const Host> host = currentHost();
+    const FileNode *node = host->files.find(path);
+    if (node == nullptr) {
+        return failWith(isDirectory(host->files, path) ? EINVAL : ENOENT);
+    }
+    if (const int error = node->ofDisk ? node->device->disk->failure("readlink") : 0; error != 0) {
+        return failWith(error);
+    }
+    if (!node->link) {
+        return failWith(EINVAL);
+    }
+    const std::size_t length = std::min(size, node->link->size());
+    std::memcpy(buffer, node->link->data(), length);
+    return static_cast<ssize_t>(length);
+}
+
+DIR *openDirectory(const char *path) {
+    std::shared_ptr<const Host> host = currentHost();
+    const std::vector<std::string> *names = host->files.directory(path);
+    if (names == nullptr) {
+        return failWith<DIR *>(host->files.find(path) == nullptr ? ENOENT : ENOTDIR);
+    }
+    return reinterpret_cast<DIR *>(std::make_unique<Directory>(Directory{std::move(host), names, path}).release());
+}
+
+} // namespace
+} // namespace replay
+
+namespace solaris {
+
+using namespace replay;
+
+int open(const char *path, int flags, ...) {
+    return noted(openPath(path, flags), [&] { return std::string("open ") + path + " " + flagsText(flags); });
+}
+
+int close(int descriptor) {
+    const std::shared_ptr<const OpenDevice> opened = descriptors.remove(descriptor);
+    const int error = opened == nullptr ? EBADF : opened->device.disk->failure("close", opened->flags);
+    return noted(failWithUnless(error), [&] { return "close " + pathOf(opened); });
+}
+
+int fstat(int descriptor, struct ::stat *status) {
+    const std::shared_ptr<const OpenDevice> opened = descriptors.find(descriptor);
+    const int error = opened == nullptr ? EBADF : opened->device.disk->failure("fstat", opened->flags);
+    if (error == 0) {
+        describeDevice(opened->device, *status);
+    }
+    return noted(failWithUnless(error), [&] { return "fstat " + pathOf(opened); });
+}
+
+int ioctl(int descriptor, int request, ...) {
+    std::va_list arguments;
+    va_start(arguments, request);
+    void *argument = va_arg(arguments, void *);
+    va_end(arguments);
+    const std::shared_ptr<const OpenDevice> opened = descriptors.find(descriptor);
+    const int error = opened == nullptr ? EBADF : answerRequest(*opened, request, argument);
+    return noted(failWithUnless(error), [&] {
+        const char *name = requestName(request);
+        const std::string text = "ioctl " + (name == nullptr ? std::to_string(request) : name) + " ";
+        return request == USCSICMD && argument != nullptr ? text + scsiCommandText(*static_cast<uscsi_cmd *>(argument))
+                                                          : text + pathOf(opened);
+    });
+}
+
+int stat(const char *path, struct ::stat *status) {
+    return noted(failWithUnless(describePath(*currentHost(), path, *status)),
+                 [&] { return std::string("stat ") + path; });
+}
+
+ssize_t readlink(const char *path, char *buffer, size_t size) {
+    return noted(readLinkText(path, buffer, size), [&] { return std::string("readlink ") + path; });
+}
+
+int ustat(dev_t device, struct ::ustat *status) {
+    const std::shared_ptr<const Host> host = currentHost();
+    const Disk *disk = host->files.mountedFrom(device);
+    const int error = disk == nullptr ? EINVAL : disk->failure("ustat");
+    if (error == 0) {
+        *status = {};
+    }
+    return noted(failWithUnless(error),
+                 [&] { return "ustat " + std::to_string(major(device)) + "," + std::to_string(minor(device)); });
+}
+
+DIR *opendir(const char *path) {
+    return noted(openDirectory(path), [&] { return std::string("opendir ") + path; });
+}
+
+struct dirent *readdir(DIR *directory) {
+    Directory &opened = *reinterpret_cast<Directory *>(directory);
+    if (opened.next == opened.names->size()) {
+        return nullptr;
+    }
+    const std::string &name = (*opened.names)[opened.next++];
+    const std::size_t size = offsetof(struct dirent, d_name) + name.size() + 1;
+    opened.entry.assign(size / sizeof(struct dirent) + 1, {});
+    struct dirent *entry = opened.entry.data();
+    entry->d_ino = opened.next;
+    entry->d_reclen = static_cast<unsigned short>(size);
+    std::memcpy(reinterpret_cast<char *>(entry) + offsetof(struct dirent, d_name), name.c_str(), name.size() + 1);
+    return entry;
+}
+
+int closedir(DIR *directory) {
+    const std::unique_ptr<Directory> opened(reinterpret_cast<Directory *>(directory));
+    note([&] { return "closedir " + opened->path; });
+    return 0;
+}
+
+} // namespace solaris

@@ -1,0 +1,213 @@
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "platform/replay/Host.h"
+#include "platform/replay/Journal.h"
+
+// The host bus adapter library: one load state for the whole process, and handles that end with it.
+
+namespace replay {
+namespace {
+
+/// The library while it is loaded.
+struct Library {
+    std::shared_ptr<const Host> host;
+    std::unordered_map<HBA_HANDLE, const HbaAdapter *> open;
+    std::unordered_map<const HbaAdapter *, unsigned> openAttempts;
+    std::unordered_map<const HbaAnswers *, std::size_t> answersGiven;
+
+    const HbaAdapter *adapter(HBA_UINT32 index) const {
+        const auto &adapters = host->hba->adapters;
+        return index < adapters.size() ? &adapters[index] : nullptr;
+    }
+
+    /// What the next call answers of those that the description gives a status for.
+    HBA_STATUS nextAnswer(const HbaAnswers &answers) {
+        if (answers.always) {
+            return answers.statuses.front();
+        }
+        std::size_t &given = answersGiven[&answers];
+        return given < answers.statuses.size() ? answers.statuses[given++] : HBA_STATUS_OK;
+    }
+};
+
+std::mutex libraryMutex;
+std::optional<Library> library;
+HBA_HANDLE lastHandle = 0; // over every load, so that a stale handle stays one
+
+/// The adapter's name as the journal shows it.
+std::string nameOf(HBA_HANDLE handle) {
+    if (library) {
+        if (const auto found = library->open.find(handle); found != library->open.end()) {
+            return found->second->name;
+        }
+    }
+    return "?";
+}
+
+/// Answers a call on a handle: leaves its line, and lets `answer` do what is the call's own.
+template <class Answer>
+HBA_STATUS answerCall(const char *call, HBA_HANDLE handle, const std::string &arguments, const Answer &answer) {
+    const std::lock_guard lock(libraryMutex);
+    note([&] { return std::string(call) + " " + nameOf(handle) + arguments; });
+    if (!library) {
+        return HBA_STATUS_ERROR;
+    }
+    const auto found = library->open.find(handle);
+    return found == library->open.end() ? HBA_STATUS{HBA_STATUS_ERROR_INVALID_HANDLE} : answer(*found->second);
+}
+
+/// Gives out `source`, unless the description has another status for the call.
+template <class Structure>
+HBA_STATUS copyOut(const Structure &source, const HbaAnswers &answers, Structure *into) {
+    const HBA_STATUS status = library->nextAnswer(answers);
+    if (status == HBA_STATUS_OK) {
+        *into = source;
+    }
+    return status;
+}
+
+/// The entries follow one another beyond the array of one that the structure declares.
+HBA_STATUS copyMapping(const HbaAdapter &adapter, HBA_FCPTARGETMAPPING *mapping) {
+    const HBA_STATUS status = library->nextAnswer(adapter.status.GetFcpTargetMapping);
+    if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_MORE_DATA) {
+        return status;
+    }
+    const std::size_t present = adapter.targetMapping.size();
+    const HBA_UINT32 claimed = adapter.NumberOfEntries.value_or(static_cast<HBA_UINT32>(present));
+    const HBA_UINT32 room = mapping->NumberOfEntries;
+    const std::size_t written = std::min<std::size_t>(claimed, room);
+    auto *entries = reinterpret_cast<char *>(mapping) + offsetof(HBA_FCPTARGETMAPPING, entry);
+    const std::size_t real = std::min(written, present);
+    if (real != 0) {
+        std::memcpy(entries, adapter.targetMapping.data(), real * sizeof(HBA_FCPSCSIENTRY));
+    }
+    std::memset(entries + real * sizeof(HBA_FCPSCSIENTRY), 0, (written - real) * sizeof(HBA_FCPSCSIENTRY));
+    mapping->NumberOfEntries = claimed;
+    return claimed > room ? HBA_STATUS_ERROR_MORE_DATA : status;
+}
+
+std::string number(HBA_UINT32 value) {
+    return " " + std::to_string(value);
+}
+
+} // namespace
+} // namespace replay
+
+using namespace replay;
+
+HBA_STATUS HBA_LoadLibrary() {
+    std::shared_ptr<const Host> host = currentHost();
+    const std::lock_guard lock(libraryMutex);
+    note([] { return std::string("HBA_LoadLibrary"); });
+    if (library || !host->hba) {
+        return HBA_STATUS_ERROR;
+    }
+    library.emplace().host = std::move(host);
+    return HBA_STATUS_OK;
+}
+
+HBA_STATUS HBA_FreeLibrary() {
+    const std::lock_guard lock(libraryMutex);
+    note([] { return std::string("HBA_FreeLibrary"); });
+    if (!library) {
+        return HBA_STATUS_ERROR;
+    }
+    library.reset();
+    return HBA_STATUS_OK;
+}
+
+HBA_UINT32 HBA_GetNumberOfAdapters() {
+    const std::lock_guard lock(libraryMutex);
+    note([] { return std::string("HBA_GetNumberOfAdapters"); });
+    return library ? static_cast<HBA_UINT32>(library->host->hba->adapters.size()) : 0;
+}
+
+HBA_STATUS HBA_GetAdapterName(HBA_UINT32 index, char *name) {
+    const std::lock_guard lock(libraryMutex);
+    note([&] { return "HBA_GetAdapterName" + number(index); });
+    if (!library) {
+        return HBA_STATUS_ERROR;
+    }
+    const HbaAdapter *adapter = library->adapter(index);
+    if (adapter == nullptr) {
+        return HBA_STATUS_ERROR_ILLEGAL_INDEX;
+    }
+    const HBA_STATUS status = library->nextAnswer(adapter->status.GetAdapterName);
+    if (status == HBA_STATUS_OK) {
+        std::memcpy(name, adapter->name.c_str(), adapter->name.size() + 1);
+    }
+    return status;
+}
+
+HBA_HANDLE HBA_OpenAdapter(char *name) {
+    const std::lock_guard lock(libraryMutex);
+    note([&] { return std::string("HBA_OpenAdapter ") + name; });
+    if (!library) {
+        return 0;
+    }
+    const auto &adapters = library->host->hba->adapters;
+    const auto adapter = std::ranges::find(adapters, std::string_view(name), &HbaAdapter::name);
+    if (adapter == adapters.end() || library->openAttempts[&*adapter]++ < adapter->openFailures) {
+        return 0;
+    }
+    library->open[++lastHandle] = &*adapter;
+    return lastHandle;
+}
+
+void HBA_CloseAdapter(HBA_HANDLE handle) {
+    const std::lock_guard lock(libraryMutex);
+    note([&] { return "HBA_CloseAdapter " + nameOf(handle); });
+    if (library) {
+        library->open.erase(handle);
+    }
+}
+
+void HBA_RefreshInformation(HBA_HANDLE handle) {
+    answerCall("HBA_RefreshInformation", handle, "", [](const HbaAdapter &) { return HBA_STATUS{HBA_STATUS_OK}; });
+}
+
+HBA_STATUS HBA_GetAdapterAttributes(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES *attributes) {
+    return answerCall("HBA_GetAdapterAttributes", handle, "", [&](const HbaAdapter &adapter) {
+        return copyOut(adapter.attributes, adapter.status.GetAdapterAttributes, attributes);
+    });
+}
+
+HBA_STATUS HBA_GetAdapterPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTATTRIBUTES *attributes) {
+    return answerCall("HBA_GetAdapterPortAttributes", handle, number(port), [&](const HbaAdapter &adapter) {
+        return port >= adapter.ports.size() ? HBA_STATUS_ERROR_ILLEGAL_INDEX
+                                            : copyOut(adapter.ports[port].attributes,
+                                                      adapter.ports[port].status.GetAdapterPortAttributes, attributes);
+    });
+}
+
+HBA_STATUS HBA_GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTSTATISTICS *statistics) {
+    return answerCall("HBA_GetPortStatistics", handle, number(port), [&](const HbaAdapter &adapter) {
+        return port >= adapter.ports.size()
+                   ? HBA_STATUS_ERROR_ILLEGAL_INDEX
+                   : copyOut(adapter.ports[port].statistics, adapter.ports[port].status.GetPortStatistics, statistics);
+    });
+}
+
+HBA_STATUS HBA_GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_UINT32 discovered,
+                                           HBA_PORTATTRIBUTES *attributes) {
+    const std::string arguments = number(port) + number(discovered);
+    return answerCall("HBA_GetDiscoveredPortAttributes", handle, arguments, [&](const HbaAdapter &adapter) {
+        if (port >= adapter.ports.size() || discovered >= adapter.ports[port].discovered.size()) {
+            return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
+        }
+        const HbaDiscoveredPort &remote = adapter.ports[port].discovered[discovered];
+        return copyOut(remote.attributes, remote.status.GetDiscoveredPortAttributes, attributes);
+    });
+}
+
+HBA_STATUS HBA_GetFcpTargetMapping(HBA_HANDLE handle, HBA_FCPTARGETMAPPING *mapping) {
+    return answerCall("HBA_GetFcpTargetMapping", handle, number(mapping->NumberOfEntries),
+                      [&](const HbaAdapter &adapter) { return copyMapping(adapter, mapping); });
+}

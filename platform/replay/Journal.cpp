@@ -1,0 +1,45 @@
+#include "platform/replay/Journal.h"
+
+#include <cstring>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "platform/replay/Replay.h"
+
+namespace replay {
+
+std::atomic<bool> journalIsOn = false;
+
+namespace {
+
+std::mutex linesMutex;
+std::vector<std::string> lines;
+
+} // namespace
+
+void addToJournal(std::string line) {
+    const std::lock_guard lock(linesMutex);
+    if (journalIsOn) {
+        lines.push_back(std::move(line));
+    }
+}
+
+std::string errnoName(int error) {
+    const char *name = strerrorname_np(error);
+    return name == nullptr ? std::to_string(error) : name;
+}
+
+void startJournal() {
+    const std::lock_guard lock(linesMutex);
+    lines.clear();
+    journalIsOn = true;
+}
+
+std::vector<std::string> stopJournal() {
+    const std::lock_guard lock(linesMutex);
+    journalIsOn = false;
+    return std::exchange(lines, {});
+}
+
+} // namespace replay

@@ -1,0 +1,107 @@
+#include <cstring>
+#include <functional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/replay/Host.h"
+#include "platform/replay/Journal.h"
+
+// The kernel statistics library.
+
+namespace replay {
+namespace {
+
+/// A record as one handle shows it: its own data, and how often it was read.
+struct ChainRecord : kstat_t {
+    const KernelRecord *source;
+    std::size_t reads;
+    KernelSample data;
+};
+
+/// What a kstat_ctl_t is part of. The records stay where they are until it is closed.
+struct Chain : kstat_ctl_t {
+    std::shared_ptr<const Host> host;
+    std::vector<ChainRecord> records;
+
+    explicit Chain(std::shared_ptr<const Host> opened) : kstat_ctl_t{1, nullptr, -1}, host(std::move(opened)) {
+        for (const KernelRecord &source : *host->kstat) {
+            records.push_back({source, &source, 0, {}});
+        }
+        for (std::size_t i = records.size(); i-- > 0;) {
+            records[i].ks_next = kc_chain;
+            kc_chain = &records[i];
+        }
+    }
+};
+
+template <std::size_t size>
+std::string_view textOf(const char (&field)[size]) {
+    return {field, strnlen(field, size)};
+}
+
+std::string nameOf(const kstat_t &record) {
+    return std::string(textOf(record.ks_module)) + ":" + std::to_string(record.ks_instance) + ":" +
+           std::string(textOf(record.ks_name));
+}
+
+/// The record when it is one of the chain's.
+ChainRecord *recordOf(Chain &chain, kstat_t *record) {
+    auto *found = static_cast<ChainRecord *>(record);
+    const std::less<const ChainRecord *> before;
+    return before(found, chain.records.data()) || !before(found, chain.records.data() + chain.records.size()) ? nullptr
+                                                                                                              : found;
+}
+
+kid_t readRecord(Chain &chain, kstat_t *header, void *buffer) {
+    ChainRecord *record = recordOf(chain, header);
+    if (record == nullptr) {
+        return failWith(EINVAL);
+    }
+    const std::vector<KernelSample> &samples = record->source->samples;
+    if (samples.empty()) {
+        return failWith(ENXIO);
+    }
+    record->data = samples[std::min(record->reads++, samples.size() - 1)];
+    record->ks_data = std::visit([](auto &data) -> void * { return &data; }, record->data);
+    if (buffer != nullptr) {
+        std::memcpy(buffer, record->ks_data, record->ks_data_size);
+    }
+    return chain.kc_chain_id;
+}
+
+} // namespace
+} // namespace replay
+
+using namespace replay;
+
+kstat_ctl_t *kstat_open() {
+    std::shared_ptr<const Host> host = currentHost();
+    kstat_ctl_t *control =
+        host->kstat ? std::make_unique<Chain>(std::move(host)).release() : failWith<kstat_ctl_t *>(ENOENT);
+    return noted(control, [] { return std::string("kstat_open"); });
+}
+
+int kstat_close(kstat_ctl_t *control) {
+    const std::unique_ptr<Chain> chain(static_cast<Chain *>(control));
+    note([] { return std::string("kstat_close"); });
+    return 0;
+}
+
+kid_t kstat_read(kstat_ctl_t *control, kstat_t *record, void *buffer) {
+    return noted(readRecord(*static_cast<Chain *>(control), record, buffer),
+                 [&] { return "kstat_read " + nameOf(*record); });
+}
+
+kstat_t *kstat_lookup(kstat_ctl_t *control, const char *module, int instance, const char *name) {
+    kstat_t *record = control->kc_chain;
+    while (record != nullptr && !((module == nullptr || textOf(record->ks_module) == module) &&
+                                  (instance == -1 || record->ks_instance == instance) &&
+                                  (name == nullptr || textOf(record->ks_name) == name))) {
+        record = record->ks_next;
+    }
+    return noted(record == nullptr ? failWith<kstat_t *>(ENOENT) : record, [&] {
+        return std::string("kstat_lookup ") + (module == nullptr ? "*" : module) + ":" +
+               (instance == -1 ? "*" : std::to_string(instance)) + ":" + (name == nullptr ? "*" : name);
+    });
+}

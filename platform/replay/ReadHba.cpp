@@ -1,0 +1,114 @@
+#include "platform/replay/HostSections.h"
+
+namespace replay {
+
+/// A number, or a list of them.
+template <>
+struct Reader<HbaAnswers> {
+    static void read(const Json &value, const Place &place, HbaAnswers &into) {
+        into.always = !value.is_array();
+        if (into.always) {
+            Reader<HBA_STATUS>::read(value, place, into.statuses.emplace_back());
+        } else {
+            Reader<std::vector<HBA_STATUS>>::read(value, place, into.statuses);
+        }
+    }
+};
+
+template <>
+inline constexpr auto members<HBA_PORTATTRIBUTES> = table<HBA_PORTATTRIBUTES>(
+    MEMBER(HBA_PORTATTRIBUTES, NodeWWN), MEMBER(HBA_PORTATTRIBUTES, PortWWN), MEMBER(HBA_PORTATTRIBUTES, PortFcId),
+    MEMBER(HBA_PORTATTRIBUTES, PortType), MEMBER(HBA_PORTATTRIBUTES, PortState),
+    MEMBER(HBA_PORTATTRIBUTES, PortSupportedClassofService), MEMBER(HBA_PORTATTRIBUTES, PortSupportedFc4Types),
+    MEMBER(HBA_PORTATTRIBUTES, PortActiveFc4Types), MEMBER(HBA_PORTATTRIBUTES, PortSymbolicName),
+    MEMBER(HBA_PORTATTRIBUTES, OSDeviceName), MEMBER(HBA_PORTATTRIBUTES, PortSupportedSpeed),
+    MEMBER(HBA_PORTATTRIBUTES, PortSpeed), MEMBER(HBA_PORTATTRIBUTES, PortMaxFrameSize),
+    MEMBER(HBA_PORTATTRIBUTES, FabricName), MEMBER(HBA_PORTATTRIBUTES, NumberofDiscoveredPorts));
+
+template <>
+inline constexpr auto members<HBA_PORTSTATISTICS> = table<HBA_PORTSTATISTICS>(
+    MEMBER(HBA_PORTSTATISTICS, SecondsSinceLastReset), MEMBER(HBA_PORTSTATISTICS, TxFrames),
+    MEMBER(HBA_PORTSTATISTICS, TxWords), MEMBER(HBA_PORTSTATISTICS, RxFrames), MEMBER(HBA_PORTSTATISTICS, RxWords),
+    MEMBER(HBA_PORTSTATISTICS, LIPCount), MEMBER(HBA_PORTSTATISTICS, NOSCount), MEMBER(HBA_PORTSTATISTICS, ErrorFrames),
+    MEMBER(HBA_PORTSTATISTICS, DumpedFrames), MEMBER(HBA_PORTSTATISTICS, LinkFailureCount),
+    MEMBER(HBA_PORTSTATISTICS, LossOfSyncCount), MEMBER(HBA_PORTSTATISTICS, LossOfSignalCount),
+    MEMBER(HBA_PORTSTATISTICS, PrimitiveSeqProtocolErrCount), MEMBER(HBA_PORTSTATISTICS, InvalidTxWordCount),
+    MEMBER(HBA_PORTSTATISTICS, InvalidCRCCount));
+
+template <>
+inline constexpr auto members<HBA_ADAPTERATTRIBUTES> = table<HBA_ADAPTERATTRIBUTES>(
+    MEMBER(HBA_ADAPTERATTRIBUTES, Manufacturer), MEMBER(HBA_ADAPTERATTRIBUTES, SerialNumber),
+    MEMBER(HBA_ADAPTERATTRIBUTES, Model), MEMBER(HBA_ADAPTERATTRIBUTES, ModelDescription),
+    MEMBER(HBA_ADAPTERATTRIBUTES, NodeWWN), MEMBER(HBA_ADAPTERATTRIBUTES, NodeSymbolicName),
+    MEMBER(HBA_ADAPTERATTRIBUTES, HardwareVersion), MEMBER(HBA_ADAPTERATTRIBUTES, DriverVersion),
+    MEMBER(HBA_ADAPTERATTRIBUTES, OptionROMVersion), MEMBER(HBA_ADAPTERATTRIBUTES, FirmwareVersion),
+    MEMBER(HBA_ADAPTERATTRIBUTES, VendorSpecificID), MEMBER(HBA_ADAPTERATTRIBUTES, NumberOfPorts),
+    MEMBER(HBA_ADAPTERATTRIBUTES, DriverName));
+
+template <>
+inline constexpr auto
+    members<HBA_SCSIID> = table<HBA_SCSIID>(MEMBER(HBA_SCSIID, OSDeviceName), MEMBER(HBA_SCSIID, ScsiBusNumber),
+                                            MEMBER(HBA_SCSIID, ScsiTargetNumber), MEMBER(HBA_SCSIID, ScsiOSLun));
+
+template <>
+inline constexpr auto members<HBA_FCPID> = table<HBA_FCPID>(MEMBER(HBA_FCPID, FcId), MEMBER(HBA_FCPID, NodeWWN),
+                                                            MEMBER(HBA_FCPID, PortWWN), MEMBER(HBA_FCPID, FcpLun));
+
+template <>
+inline constexpr auto members<HBA_FCPSCSIENTRY> = table<HBA_FCPSCSIENTRY>(MEMBER(HBA_FCPSCSIENTRY, ScsiId),
+                                                                          MEMBER(HBA_FCPSCSIENTRY, FcpId));
+
+template <>
+inline constexpr auto members<HbaDiscoveredPort::Status> =
+    table<HbaDiscoveredPort::Status>(MEMBER(HbaDiscoveredPort::Status, GetDiscoveredPortAttributes));
+
+template <>
+inline constexpr auto members<HbaDiscoveredPort> = table<HbaDiscoveredPort>(MEMBER(HbaDiscoveredPort, attributes),
+                                                                            MEMBER(HbaDiscoveredPort, status));
+
+template <>
+inline constexpr auto members<HbaPort::Status> = table<HbaPort::Status>(MEMBER(HbaPort::Status,
+                                                                               GetAdapterPortAttributes),
+                                                                        MEMBER(HbaPort::Status, GetPortStatistics));
+
+template <>
+inline constexpr auto members<HbaPort> = table<HbaPort>(MEMBER(HbaPort, attributes), MEMBER(HbaPort, statistics),
+                                                        MEMBER(HbaPort, discovered), MEMBER(HbaPort, status));
+
+template <>
+inline constexpr auto
+    members<HbaAdapter::Status> = table<HbaAdapter::Status>(MEMBER(HbaAdapter::Status, GetAdapterName),
+                                                            MEMBER(HbaAdapter::Status, GetAdapterAttributes),
+                                                            MEMBER(HbaAdapter::Status, GetFcpTargetMapping));
+
+template <>
+inline constexpr auto
+    members<HbaAdapter> = table<HbaAdapter>(MEMBER(HbaAdapter, name), MEMBER(HbaAdapter, openFailures),
+                                            MEMBER(HbaAdapter, attributes), MEMBER(HbaAdapter, ports),
+                                            MEMBER(HbaAdapter, targetMapping), MEMBER(HbaAdapter, NumberOfEntries),
+                                            MEMBER(HbaAdapter, status));
+
+template <>
+inline constexpr auto members<Hba> = table<Hba>(MEMBER(Hba, adapters));
+
+template <>
+void complete(const Json &value, const Place &, HbaPort &port) {
+    if (!isGiven(value, {"attributes", "NumberofDiscoveredPorts"})) {
+        port.attributes.NumberofDiscoveredPorts = static_cast<HBA_UINT32>(port.discovered.size());
+    }
+}
+
+template <>
+void complete(const Json &value, const Place &place, HbaAdapter &adapter) {
+    constexpr std::size_t nameRoom = 256; // of HBA_GetAdapterName, with the zero at the end
+    requireRoom(adapter.name.size(), nameRoom - 1, "bytes", place.member("name"));
+    if (!isGiven(value, {"attributes", "NumberOfPorts"})) {
+        adapter.attributes.NumberOfPorts = static_cast<HBA_UINT32>(adapter.ports.size());
+    }
+}
+
+void readHba(const Json &value, const Place &place, Host &host) {
+    read(value, place, host.hba);
+}
+
+} // namespace replay

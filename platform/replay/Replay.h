@@ -1,0 +1,29 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// The replayed host, as tests, benchmarks and the command line steer it. The calls themselves are those of
+/// platform/solaris.h, kstat.h and hbaapi.h; docs/host-descriptions.md says what a description holds.
+namespace replay {
+
+/// Why a host description was refused: one line that names the file, when there is one, and the member.
+class HostDescriptionError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+/// Make this description the current host, from the next call on. What was opened before keeps the host it was opened
+/// on. Raise HostDescriptionError, and leave the host as it is, when the description cannot be used.
+void loadHostFile(const std::string &path);
+void loadHostText(const std::string &json);
+
+/// Begin an empty journal: from now on every platform call leaves a line, its name and then its salient arguments.
+/// When the call failed and set errno, the name of that error ends the line. readdir and getmntent, which only
+/// move within what was opened, leave none.
+void startJournal();
+
+/// The lines since the start, in the order of the calls; nothing more is kept after it.
+std::vector<std::string> stopJournal();
+
+} // namespace replay

@@ -1,0 +1,100 @@
+#include <algorithm>
+#include <span>
+
+#include "platform/replay/Descriptors.h"
+#include "platform/replay/ScsiCommands.h"
+
+namespace replay {
+namespace {
+
+constexpr short checkCondition = 2; // SCSI status
+
+std::span<const unsigned char> descriptorBlock(const uscsi_cmd &command) {
+    const auto *bytes = reinterpret_cast<const unsigned char *>(command.uscsi_cdb);
+    return {bytes, bytes == nullptr ? std::size_t{0} : command.uscsi_cdblen};
+}
+
+bool isCommand(const ScsiCommand &command, std::span<const unsigned char> cdb) {
+    if (cdb.size() != command.length) {
+        return false;
+    }
+    for (std::size_t i = 0; i < cdb.size(); ++i) {
+        if (cdb[i] != command.cdb[i] && i != command.countAt && i != command.countAt + 1) {
+            return false;
+        }
+    }
+    return true;
+}
+
+const ScsiCommand *recognise(std::span<const unsigned char> cdb) {
+    const auto found =
+        std::ranges::find_if(scsiCommands, [&](const ScsiCommand &command) { return isCommand(command, cdb); });
+    return found == scsiCommands.end() ? nullptr : &*found;
+}
+
+/// Bytes that the descriptor block asks for or announces.
+std::size_t countOf(const ScsiCommand &command, std::span<const unsigned char> cdb) {
+    return static_cast<std::size_t>(cdb[command.countAt] << 8 | cdb[command.countAt + 1]);
+}
+
+std::string hexText(std::span<const unsigned char> bytes) {
+    constexpr const char *digits = "0123456789abcdef";
+    std::string text;
+    for (const unsigned char byte : bytes) {
+        text += text.empty() ? "" : " ";
+        text += {digits[byte >> 4], digits[byte & 15]};
+    }
+    return text;
+}
+
+/// The device does not do what it was told.
+int refuseCommand(uscsi_cmd &command) {
+    command.uscsi_status = checkCondition;
+    command.uscsi_resid = command.uscsi_buflen;
+    return EIO;
+}
+
+} // namespace
+
+int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
+    const std::span<const unsigned char> cdb = descriptorBlock(command);
+    const ScsiCommand *known = recognise(cdb);
+    if (known == nullptr) {
+        return refuseCommand(command);
+    }
+    const std::size_t count = countOf(*known, cdb);
+    const bool fromDevice = (command.uscsi_flags & USCSI_READ) != 0;
+    if (fromDevice == known->sendsData || (known->sendsData && command.uscsi_buflen < count)) {
+        return EINVAL;
+    }
+    if (command.uscsi_bufaddr == nullptr && command.uscsi_buflen != 0) {
+        return EFAULT;
+    }
+    const auto answer = disk.scsi.find(known->name);
+    if (answer == disk.scsi.end()) {
+        return refuseCommand(command);
+    }
+    std::size_t moved = count;
+    if (!known->sendsData) {
+        moved = std::min({answer->second.size(), count, command.uscsi_buflen});
+        std::copy_n(answer->second.data(), moved, command.uscsi_bufaddr);
+    } else if (count == 0 || static_cast<unsigned char>(*command.uscsi_bufaddr) != logSelectPage) {
+        return refuseCommand(command);
+    }
+    command.uscsi_status = 0;
+    command.uscsi_resid = command.uscsi_buflen - moved;
+    return 0;
+}
+
+std::string scsiCommandText(const uscsi_cmd &command) {
+    const std::span<const unsigned char> cdb = descriptorBlock(command);
+    const ScsiCommand *known = recognise(cdb);
+    std::string text = hexText(cdb);
+    if (known != nullptr && known->sendsData && command.uscsi_bufaddr != nullptr) {
+        const auto *data = reinterpret_cast<const unsigned char *>(command.uscsi_bufaddr);
+        text += " data " + hexText({data, std::min(countOf(*known, cdb), command.uscsi_buflen)});
+    }
+    return text;
+}
+
+} // namespace replay

@@ -1,0 +1,65 @@
+# What ./tarn, ./test and ./bench share: install what the machine lacks, build what is missing. To be sourced.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcrypt-dev
+                openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java)
+test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3)
+bench_packages=(libbenchmark-dev)
+
+say() {
+    printf '%s\n' "$*" >&2
+}
+
+# Runs a long step quietly; when it fails, shows what it said and gives up.
+run_quietly() {
+    local log
+    log=$(mktemp)
+    if ! "$@" >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        say "failed: $*"
+        exit 2
+    fi
+    rm -f "$log"
+}
+
+install_packages() {
+    local missing=() package as_root=()
+    for package in "$@"; do
+        dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+    done
+    if [ ${#missing[@]} -eq 0 ]; then
+        return
+    fi
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            say "these packages are missing, and installing them takes root or sudo: ${missing[*]}"
+            exit 2
+        fi
+        as_root=(sudo)
+    fi
+    say "Installing ${#missing[@]} packages: ${missing[*]}"
+    run_quietly "${as_root[@]}" apt-get update
+    run_quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
+        "${missing[@]}"
+}
+
+# build PRESET [CMAKE-OPTION...] -- TARGET...: says something only when there is something to build.
+build() {
+    local preset=$1 options=() tree
+    shift
+    while [ "$1" != -- ]; do
+        options+=("$1")
+        shift
+    done
+    shift
+    tree=$root/build/$preset
+    if [ ! -f "$tree/build.ninja" ] || [ ${#options[@]} -gt 0 ]; then
+        run_quietly cmake -S "$root" --preset "$preset" "${options[@]}"
+    fi
+    if ! ninja -C "$tree" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
+        say "Building $preset: $*"
+        run_quietly ninja -C "$tree" "$@"
+    fi
+}
