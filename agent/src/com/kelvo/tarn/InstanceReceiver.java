@@ -1,0 +1,7 @@
+package com.kelvo.tarn;
+
+/** Takes the instances of an enumeration, one at a time. */
+@FunctionalInterface
+public interface InstanceReceiver {
+    void test(TrInstance instance);
+}

@@ -1,0 +1,48 @@
+package com.kelvo.tarn.cli;
+
+import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
+import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import java.util.List;
+import java.util.Locale;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Parameters;
+
+@Command(name = "disk-io", description = "What was read from and written to each disk, since boot.")
+final class DiskIoCommand extends Listing<String, SolarisDiskIOInformation> {
+    @Parameters(arity = "0..1", paramLabel = "DISK", description = "Only this disk, such as c0t0d0.")
+    private String disk;
+
+    DiskIoCommand() {
+        super("disk");
+    }
+
+    @Override
+    protected String wanted() {
+        return disk;
+    }
+
+    @Override
+    protected List<SolarisDiskIOInformation> all() {
+        return new SolarisNativeMethod().enumerateDiskIOInformation();
+    }
+
+    @Override
+    protected SolarisDiskIOInformation one(String name) {
+        return new SolarisNativeMethod().getDiskIOInformation(name);
+    }
+
+    @Override
+    protected Table<SolarisDiskIOInformation> table() {
+        return new Table<SolarisDiskIOInformation>()
+            .text("Disk", data -> data.diskName().isEmpty() ? "-" : data.diskName())
+            .text("Instance", SolarisDiskIOInformation::instanceName)
+            .bytes("Read", SolarisDiskIOInformation::bytesRead)
+            .bytes("Written", SolarisDiskIOInformation::bytesWritten)
+            .number("Busy", data -> seconds(data.runTime()))
+            .number("Last queued at", data -> seconds(data.waitLastUpdate()));
+    }
+
+    private static String seconds(long nanoseconds) {
+        return String.format(Locale.ROOT, "%.3f s", nanoseconds / 1e9);
+    }
+}

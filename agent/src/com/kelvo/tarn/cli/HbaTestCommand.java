@@ -1,0 +1,31 @@
+package com.kelvo.tarn.cli;
+
+import com.kelvo.tarn.providers.hba.HbaCache;
+import java.io.PrintWriter;
+import java.util.ArrayList;
+import java.util.List;
+import picocli.CommandLine.Command;
+
+@Command(name = "hba-test", description = "What the HBA library says of its adapters, line by line, failures included.")
+final class HbaTestCommand extends Inquiry<List<String>> {
+    @Override
+    protected List<String> ask() {
+        List<String> lines = new ArrayList<>();
+        new HbaCache(false, false).testHbaLibrary(lines);
+        return lines;
+    }
+
+    @Override
+    protected void show(List<String> lines, PrintWriter out) {
+        lines.forEach(out::println);
+        if (lines.isEmpty()) {
+            out.println("no host bus adapters");
+        }
+    }
+
+    /** The adapters, and what failed: all lines that are not details of the one before. */
+    @Override
+    protected void summarize(List<String> lines, PrintWriter out) {
+        show(lines.stream().filter(line -> !line.startsWith(" ")).toList(), out);
+    }
+}

@@ -1,0 +1,26 @@
+package com.kelvo.tarn.cli;
+
+import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
+import java.io.PrintWriter;
+import picocli.CommandLine.Command;
+
+@Command(name = "operating-system",
+         description = "The operating system with its memory and swap, sampled over a second.")
+final class OperatingSystemCommand extends Inquiry<SolarisOperatingSystem> {
+    @Override
+    protected SolarisOperatingSystem ask() {
+        return new SolarisNativeMethod().getOperatingSystem();
+    }
+
+    @Override
+    protected void show(SolarisOperatingSystem system, PrintWriter out) {
+        Table.labels(out, "Name", system.name(), "Host name", system.hostName(), "Version", system.version(),
+                     "Memory", size(system.totalPhysicalKB()), "Free memory", size(system.freePhysicalKB()),
+                     "Swap", size(system.totalSwapKB()), "Free swap", size(system.freeSwapKB()));
+    }
+
+    private static String size(long kilobytes) {
+        return "%d KB (%s)".formatted(kilobytes, Units.bytes(kilobytes * 1024.0));
+    }
+}

@@ -1,0 +1,50 @@
+package com.kelvo.tarn.providers.hba;
+
+import com.kelvo.tarn.NativeLibrary;
+import com.kelvo.tarn.TrInstance;
+import java.util.List;
+
+/** The host's Fibre Channel adapters with everything behind them. */
+public final class HbaCache {
+    static {
+        NativeLibrary.load();
+    }
+
+    private final boolean leadville;
+    private final boolean forceLeadville;
+
+    /**
+     * Chooses how OS device names are made: by the Leadville heuristic, which takes what follows the last "/" and drops
+     * the "s2" slice, for names in "/dev/rdsk/", or, forced, for every name.
+     */
+    public HbaCache(boolean leadville, boolean forceLeadville) {
+        this.leadville = leadville;
+        this.forceLeadville = forceLeadville;
+    }
+
+    /** An adapter; a port that cannot be read is null. */
+    public record Hba(TrInstance instance, HbaPort[] ports) {
+    }
+
+    /** A port; its statistics are null, and so is a remote port, when they cannot be read. */
+    public record HbaPort(TrInstance instance, TrInstance statistics, HbaDiscoveredPort[] discoveredPorts) {
+    }
+
+    /** A remote port with the logical units that are reached through it. */
+    public record HbaDiscoveredPort(TrInstance instance, TrInstance[] targetMappings) {
+    }
+
+    /** An adapter that cannot be read is null. */
+    public native Hba[] fillHbaCache(HbaClassNames names);
+
+    /** Adds to the list what the HBA library says of itself, line by line. */
+    public native void testHbaLibrary(List<String> lines);
+
+    public boolean usingLeadvilleHeuristicForTargetMappings() {
+        return leadville;
+    }
+
+    public boolean forceLeadvilleHeuristicForTargetMappings() {
+        return forceLeadville;
+    }
+}

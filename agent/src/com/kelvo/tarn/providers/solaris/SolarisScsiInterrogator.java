@@ -1,0 +1,17 @@
+package com.kelvo.tarn.providers.solaris;
+
+import com.kelvo.tarn.NativeLibrary;
+
+/** Asks two-controller disk arrays for their drives' statistics. */
+public final class SolarisScsiInterrogator {
+    static {
+        NativeLibrary.load();
+    }
+
+    /**
+     * The drives' counters in fixed-width fields; "    0" when there are none, "   -2" when the controllers do not
+     * count blocks and have been told to.
+     */
+    public native String scsiInterrogate(String controller1Id, String controller2Id, String vendorId,
+                                         String productId);
+}

@@ -1,0 +1,51 @@
+package javax.wbem.cim;
+
+import java.math.BigInteger;
+
+/** What the four CIM unsigned integers have in common: a value of up to 64 bits that is never negative. */
+public abstract class UnsignedInt {
+    private final long bits;
+
+    /** Takes the value's bits, once it is known to have at most that many. */
+    UnsignedInt(BigInteger value, int width) {
+        if (value.signum() < 0 || value.bitLength() > width) {
+            throw new NumberFormatException(value + " does not fit " + width + " unsigned bits");
+        }
+        bits = value.longValue();
+    }
+
+    UnsignedInt(long value, int width) {
+        if (value >>> width != 0) {
+            throw new NumberFormatException(value + " does not fit " + width + " unsigned bits");
+        }
+        bits = value;
+    }
+
+    public BigInteger bigIntegerValue() {
+        return new BigInteger(toString());
+    }
+
+    /** The value's bits; negative for a 64-bit value of 2^63 and above. */
+    public long longValue() {
+        return bits;
+    }
+
+    public int intValue() {
+        return (int) bits;
+    }
+
+    @Override
+    public boolean equals(Object other) {
+        return other instanceof UnsignedInt number && number.getClass() == getClass() && number.bits == bits;
+    }
+
+    @Override
+    public int hashCode() {
+        return Long.hashCode(bits);
+    }
+
+    @Override
+    public String toString() {
+        return Long.toUnsignedString(bits);
+    }
+}
