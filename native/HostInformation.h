@@ -58,7 +58,7 @@ jobject runThrowingEntry(JNIEnv *env, Body body) {
             return body();
         } catch (const JavaExceptionPending &) {
             throw;
-        } catch (const NativeError &error) {
+        } catch (NativeError error) {
             ThrowJavaError(env, error.getMessage());
         } catch (...) {
             ThrowJavaError(env, "UNKNOWN EXCEPTION");

@@ -6,8 +6,12 @@
 namespace tarn {
 
 void ThrowJavaError(JNIEnv *env, const std::string &message) {
+    ThrowJavaError(env, message.c_str());
+}
+
+void ThrowJavaError(JNIEnv *env, const char *message) {
     try {
-        const jstring text = jni::newString(env, message.c_str());
+        const jstring text = jni::newString(env, message);
         const jclass runtimeException = jni::findClass(env, "java/lang/RuntimeException");
         const jmethodID constructor = jni::methodId(env, runtimeException, "<init>", "(Ljava/lang/String;)V");
         env->Throw(static_cast<jthrowable>(jni::newObject(env, runtimeException, constructor, text)));

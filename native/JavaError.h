@@ -46,6 +46,7 @@ public:
 /// Leaves a java.lang.RuntimeException with this message pending; the caller returns to Java at once. When Java cannot
 /// make it, the exception that says so is pending instead.
 void ThrowJavaError(JNIEnv *env, const std::string &message);
+void ThrowJavaError(JNIEnv *env, const char *message); // for when there may be no memory for a string
 
 /// Hands one line to the agent's log. `level` ("info", "warn") names a static method of SolarisNativeMethod. A line
 /// that cannot be delivered is dropped: no exception is pending afterwards.

@@ -1,10 +1,11 @@
 #pragma once
 
-#include <kstat.h>
-
+#include <cstring>
+#include <optional>
 #include <string>
 
 #include "native/JavaError.h"
+#include "platform/solaris.h"
 
 namespace tarn {
 
@@ -38,9 +39,16 @@ public:
         return kstat_lookup(control, moduleText.data(), instance, name == nullptr ? nullptr : nameText.data());
     }
 
-    /// Copies the record's data into `buffer`, or with null into the record's own. False when it cannot be read.
-    bool read(kstat_t *record, void *buffer = nullptr) const {
-        return kstat_read(control, record, buffer) != -1;
+    /// What the record holds now, as the published structure of its kind. Nothing when it cannot be read, or is shorter
+    /// than that structure; a longer one begins with it.
+    template <class Structure>
+    std::optional<Structure> read(kstat_t *record) const {
+        if (kstat_read(control, record, nullptr) == -1 || record->ks_data_size < sizeof(Structure)) {
+            return std::nullopt;
+        }
+        Structure data;
+        std::memcpy(&data, record->ks_data, sizeof data);
+        return data;
     }
 
 private:

@@ -1,5 +1,4 @@
 #include <array>
-#include <string>
 
 #include "native/HostInformation.h"
 #include "platform/solaris.h"

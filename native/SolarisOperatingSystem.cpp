@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "common/FieldText.h"
 #include "native/HostInformation.h"
 #include "native/KernelStatistics.h"
 #include "platform/solaris.h"
@@ -28,11 +29,7 @@ long configuration(int name) {
 /// The kernel's paging counters at this moment; nothing when there is no such record or it cannot be read.
 std::optional<vminfo_t> readPagingCounters(const KernelStatistics &statistics) {
     kstat_t *const record = statistics.lookup("unix", 0, "vminfo");
-    vminfo_t counters{};
-    if (record == nullptr || !statistics.read(record, &counters)) {
-        return std::nullopt;
-    }
-    return counters;
+    return record == nullptr ? std::nullopt : statistics.read<vminfo_t>(record);
 }
 
 jobject makeOperatingSystem(JNIEnv *env, const ResultClass &result, jstring name, jstring hostName, jstring version,
@@ -46,10 +43,13 @@ jobject describeOperatingSystem(JNIEnv *env, const ResultClass &result) {
     if (solaris::uname(&names) == -1) {
         throw NativeError("uname failed in getOperatingSystem");
     }
-    const auto text = [env](const std::string &full) { return jni::newString(env, full.substr(0, textLimit).c_str()); };
-    const jstring name = text(names.sysname);
-    const jstring hostName = text(names.nodename);
-    const jstring version = text(std::string(names.version) + "." + names.release);
+    const auto text = [env](std::string full) {
+        full.resize(std::min(full.size(), textLimit));
+        return jni::newString(env, full.c_str());
+    };
+    const jstring name = text(std::string(fieldText(names.sysname)));
+    const jstring hostName = text(std::string(fieldText(names.nodename)));
+    const jstring version = text(std::string(fieldText(names.version)).append(".").append(fieldText(names.release)));
     return makeOperatingSystem(env, result, name, hostName, version, GetOSMemoryInfo());
 }
 
@@ -104,7 +104,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getOperatingSystem(JNI
             return describeOperatingSystem(env, result);
         } catch (const JavaExceptionPending &) {
             throw;
-        } catch (const NativeError &error) {
+        } catch (NativeError error) {
             LogMessage(env, error.getMessage(), "warn");
         } catch (...) {
             // The blank object says that nothing could be learned.

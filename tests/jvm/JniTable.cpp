@@ -59,13 +59,13 @@ struct Overlay {
         table.*member = &Of<member>::call;
     }
 
-    static bool isRefusedNow(JniTable &table, const Function &function) {
+    static bool isRefusedNow(JniTable &table, const Function &function, const std::string &line) {
         const bool refusable =
             table.refusedHow == Refusal::withException ? function.throws != nullptr : function.mayReturnNull;
         if (!refusable || ++table.refusableCalls != table.refusedCall) {
             return false;
         }
-        table.refused = true;
+        table.refused = line;
         if (table.refusedHow == Refusal::withException) {
             table.real->ThrowNew(table.env, table.real->FindClass(table.env, function.throws), "refused");
         }
@@ -111,7 +111,7 @@ struct Overlay {
         if (lacksReceiver(arguments...)) {
             noteWrong(table, "on null: " + line.str());
         }
-        if (isRefusedNow(table, function)) {
+        if (isRefusedNow(table, function, line.str())) {
             if constexpr (std::is_same_v<Result, jint>) {
                 return JNI_ENOMEM;
             } else if constexpr (!std::is_void_v<Result>) {
@@ -293,29 +293,32 @@ std::vector<std::string> unreleased(const std::vector<std::string> &journal) {
 }
 
 int refuseEveryCall(JNIEnv *env, Refusal refusal, const std::function<jobject(JNIEnv *)> &entry,
-                    const std::string &exception) {
+                    const std::string &exception, bool quietly) {
     const std::vector<std::string> nothing;
     for (int n = 1;; ++n) {
         SCOPED_TRACE("with call " + std::to_string(n) + " refused");
         env->PushLocalFrame(16); // as the virtual machine does around a native method
         replay::startJournal();
-        bool refused = false;
+        std::string refused;
         jobject result = nullptr;
         {
             JniTable table(env);
             table.refuse(n, refusal);
             result = entry(env);
-            refused = table.hasRefused();
+            refused = table.refusedLine();
             EXPECT_EQ(table.faults(), nothing);
         }
         EXPECT_EQ(unreleased(replay::stopJournal()), nothing);
         const std::string thrown = takeException(env);
         EXPECT_FALSE(!thrown.empty() && result != nullptr) << "a result beside a pending exception";
-        if (!refused) {
+        if (refused.empty()) {
             EXPECT_EQ(thrown, exception);
+        } else if (refusal == Refusal::withException && result == nullptr && !quietly &&
+                   !refused.starts_with("PushLocalFrame")) {
+            EXPECT_FALSE(thrown.empty()) << "null, and nobody is told that this was refused: " << refused;
         }
         env->PopLocalFrame(nullptr);
-        if (!refused || ::testing::Test::HasFailure()) {
+        if (refused.empty() || ::testing::Test::HasFailure()) {
             return n - 1;
         }
     }

@@ -30,6 +30,11 @@ public:
 
     /// Whether the chosen call came.
     bool hasRefused() const {
+        return !refused.empty();
+    }
+
+    /// The chosen call as `calls` has it.
+    const std::string &refusedLine() const {
         return refused;
     }
 
@@ -53,7 +58,7 @@ private:
     int refusedCall = 0;
     Refusal refusedHow = Refusal::withException;
     int refusableCalls = 0;
-    bool refused = false;
+    std::string refused;
     std::vector<std::string> wrong;
     std::map<jclass, std::string> classNames;
     std::map<const char *, int> fetched;
@@ -64,9 +69,10 @@ private:
 std::vector<std::string> unreleased(const std::vector<std::string> &journal);
 
 /// Runs `entry` once for each JNI call it makes, refusing that call, until a run had nothing left to refuse. After each
-/// run nothing may be leaked or forbidden, and a result must not come with an exception. `exception` is what the entry
-/// throws when nothing is refused, as its toString(). Answers the number of refusals.
+/// run nothing may be leaked or forbidden, and either a result or the exception stands, unless a local frame was refused
+/// or the entry is one that ends `quietly`. `exception` is what it throws when nothing is refused, as its toString().
+/// Answers the number of refusals.
 int refuseEveryCall(JNIEnv *env, Refusal refusal, const std::function<jobject(JNIEnv *)> &entry,
-                    const std::string &exception = "");
+                    const std::string &exception = "", bool quietly = false);
 
 } // namespace jvm

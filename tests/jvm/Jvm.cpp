@@ -141,7 +141,8 @@ jobject newQueue(JNIEnv *env, jint capacity) {
 jobject instanceReceiver(JNIEnv *env, jobject queue, const char *method) {
     const auto make = [env](const char *className, const char *name, const char *signature, auto... arguments) {
         const jclass cls = env->FindClass(className);
-        const jobject made = env->CallStaticObjectMethod(cls, env->GetStaticMethodID(cls, name, signature), arguments...);
+        const jmethodID maker = env->GetStaticMethodID(cls, name, signature);
+        const jobject made = env->CallStaticObjectMethod(cls, maker, arguments...);
         return env->ExceptionCheck() == JNI_TRUE ? nullptr : made;
     };
     env->PushLocalFrame(16);

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <new>
 
+#include "native/HostInformation.h"
 #include "platform/replay/Replay.h"
 #include "tests/jvm/JniTable.h"
 #include "tests/jvm/Jvm.h"
@@ -111,6 +114,38 @@ TEST_F(SystemTest, OperatingSystemLogsWhatFailedAndAnswersABlankObject) {
                                   "(Ljava/lang/String;)V");
         EXPECT_EQ(component(env, system, "name"), " ");
         EXPECT_EQ(number(env, system, "totalPhysicalKB"), 0);
+    }
+}
+
+TEST_F(SystemTest, CallsComeInTheirOrder) {
+    replay::loadHostText(R"({"sysinfo": {"SI_SYSNAME": "SunOS", "SI_HOSTNAME": "rill"}})");
+    const Texts expected{
+        "NewStringUTF  ", "NewStringUTF  ", "NewStringUTF  ", "NewStringUTF  ", "NewStringUTF unknown",
+        "FindClass com/kelvo/tarn/providers/solaris/SolarisComputerSystemProvider$SolarisComputerSystem",
+        "GetMethodID com/kelvo/tarn/providers/solaris/SolarisComputerSystemProvider$SolarisComputerSystem <init> "
+        "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;)V",
+        "NewStringUTF SunOS", "NewStringUTF rill",
+        "NewObject com/kelvo/tarn/providers/solaris/SolarisComputerSystemProvider$SolarisComputerSystem"};
+    replay::startJournal();
+    jvm::JniTable table(env);
+    getComputerSystem(env);
+    EXPECT_EQ(table.calls, expected);
+    EXPECT_EQ(replay::stopJournal(), (Texts{"sysinfo SI_SYSNAME", "sysinfo SI_HOSTNAME", "sysinfo SI_PLATFORM EINVAL",
+                                            "sysinfo SI_VERSION EINVAL"}));
+}
+
+TEST_F(SystemTest, NativeFailuresReachJavaAsRuntimeExceptions) {
+    const struct {
+        std::function<jobject()> fail;
+        const char *exception;
+    } cases[] = {
+        {[]() -> jobject { throw std::bad_alloc(); }, "java.lang.RuntimeException: UNKNOWN EXCEPTION"},
+        {[]() -> jobject { throw tarn::DiskIONameNotFound(""); },
+         "java.lang.RuntimeException: Unable to find Disk IO Information name: "},
+    };
+    for (const auto &[fail, exception] : cases) {
+        EXPECT_EQ(tarn::runThrowingEntry(env, fail), nullptr);
+        EXPECT_EQ(jvm::takeException(env), exception);
     }
 }
 

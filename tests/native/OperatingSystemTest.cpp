@@ -56,6 +56,17 @@ TEST(OperatingSystemTest, MemoryComesFromTwoSamples) {
     }
 }
 
+TEST(OperatingSystemTest, TheSamplesAreASecondApartAndEachIsLookedUp) {
+    replay::loadHostText(hostWith("8192", R"(, "data": {})"));
+    replay::startJournal();
+    GetOSMemoryInfo();
+    std::vector<std::string> journal = replay::stopJournal();
+    std::erase_if(journal, [](const std::string &line) { return line.starts_with("sysconf"); });
+    EXPECT_EQ(journal, (std::vector<std::string>{"kstat_open", "kstat_lookup unix:0:vminfo", "kstat_read unix:0:vminfo",
+                                                 "sleep 1", "kstat_lookup unix:0:vminfo", "kstat_read unix:0:vminfo",
+                                                 "kstat_close"}));
+}
+
 TEST(OperatingSystemTest, AHostWithoutStatisticsIsAnError) {
     replay::loadHostText("{}");
     try {

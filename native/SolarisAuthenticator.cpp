@@ -1,0 +1,69 @@
+#include "native/SolarisAuthenticator.h"
+
+#include <jni.h>
+
+#include <array>
+#include <cstring>
+#include <mutex>
+#include <system_error>
+
+#include "common/EntryPoint.h"
+#include "common/JniString.h"
+#include "native/JavaError.h"
+#include "platform/solaris.h"
+
+namespace tarn {
+namespace {
+
+constexpr std::size_t entryTextSize = 100; // of the buffer that receives the texts of one shadow entry
+
+/// Whether hashing the password by the scheme and salt of the stored hash gives that hash again.
+bool matchesHash(const char *password, const char *storedHash) {
+    // The result of crypt is one per process, so nobody else may hash until it is compared.
+    static std::mutex cryptLock;
+    const std::lock_guard lock(cryptLock);
+    const char *const hash = solaris::crypt(password, storedHash);
+    return hash != nullptr && std::strcmp(hash, storedHash) == 0;
+}
+
+} // namespace
+
+PasswordCheck checkPassword(const char *user, const std::function<const char *()> &password) {
+    spwd entry{};
+    std::array<char, entryTextSize> text{};
+    if (solaris::getspnam_r(user, &entry, text.data(), static_cast<int>(text.size())) == nullptr) {
+        const int error = errno;
+        const std::string reason = error == 0 ? "" : "; " + std::generic_category().message(error);
+        return {false, std::string("No password entry for user ") + user + " found" + reason};
+    }
+    const char *const storedHash = entry.sp_pwdp;
+    if (storedHash == nullptr || *storedHash == '\0') {
+        return {true, ""};
+    }
+    if (std::strlen(storedHash) == 1) {
+        return {false, "Salted password is too short"};
+    }
+    return {matchesHash(password(), storedHash), ""};
+}
+
+} // namespace tarn
+
+extern "C" JNIEXPORT jboolean JNICALL
+Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_authenticate(JNIEnv *env, jobject, jstring user,
+                                                                        jstring password) {
+    using namespace tarn;
+    return runEntry([&]() -> jboolean {
+        const JniString userName(env, user);
+        const JniString passwordText(env, password);
+        const PasswordCheck check = checkPassword(userName.get(), [&] { return passwordText.get(); });
+        if (!check.logLine.empty()) {
+            LogMessage(env, check.logLine, "info");
+        }
+        return check.accepted ? JNI_TRUE : JNI_FALSE;
+    });
+}
+
+extern "C" JNIEXPORT jstring JNICALL
+Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_getLibraryBuildDate(JNIEnv *env, jobject) {
+    return env->NewStringUTF("Jan 18 2006");
+}

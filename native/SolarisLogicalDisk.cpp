@@ -1,0 +1,141 @@
+#include "native/SolarisLogicalDisk.h"
+
+#include <string_view>
+
+#include "common/JniString.h"
+#include "native/HostInformation.h"
+#include "platform/solaris.h"
+
+namespace tarn {
+namespace {
+
+constexpr const char *logicalDiskClassName =
+    "com/kelvo/tarn/providers/solaris/SolarisLogicalDiskProvider$SolarisLogicalDisk";
+
+constexpr const char *mountTablePath = "/etc/mnttab";
+
+/// The system's table of mounted file systems, read from its start and closed with its scope.
+class MountTable {
+public:
+    MountTable() : file(solaris::fopen(mountTablePath, "r")) {
+    }
+    ~MountTable() {
+        if (isOpen()) {
+            solaris::fclose(file);
+        }
+    }
+    MountTable(const MountTable &) = delete;
+    MountTable &operator=(const MountTable &) = delete;
+
+    bool isOpen() const {
+        return file != nullptr;
+    }
+
+    /// The next UFS or NFS entry, valid until the next call; null at the end, which a malformed entry is too.
+    const mnttab *nextLogicalDisk() {
+        while (solaris::getmntent(file, &entry) == 0) {
+            const std::string_view type = entry.mnt_fstype;
+            if (type == "ufs" || type == "nfs") {
+                return &entry;
+            }
+        }
+        return nullptr;
+    }
+
+private:
+    FILE *file;
+    mnttab entry{};
+};
+
+void readSizes(const char *mountPoint, LogicalDisk &disk) {
+    struct statvfs64 status {};
+    if (solaris::statvfs64(mountPoint, &status) != 0) {
+        return;
+    }
+    const std::uint64_t fragmentSize = status.f_frsize;
+    disk.totalBytes = status.f_blocks * fragmentSize;
+    disk.availableBytes = status.f_bavail * fragmentSize;
+    disk.freeBytes = status.f_bfree * fragmentSize;
+    disk.blockSize = status.f_bsize;
+}
+
+ResultClass GetClassAndMethod(JNIEnv *env) {
+    return bindResultClass(env, logicalDiskClassName,
+                           "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V");
+}
+
+jobject makeDisk(const char *name, JNIEnv *env, const ResultClass &result, bool withSizes) {
+    const LogicalDisk disk = GetLogicalDisk(name, withSizes);
+    const jni::LocalRef<jstring> device(env, jni::newString(env, disk.device.c_str()));
+    const jni::LocalRef<jstring> mountPoint(env, jni::newString(env, disk.mountPoint.c_str()));
+    const jni::LocalRef<jstring> fileSystemType(env, jni::newString(env, disk.fileSystemType.c_str()));
+    return jni::newObject(env, result.cls, result.constructor, device.get(), mountPoint.get(), fileSystemType.get(),
+                          static_cast<jlong>(disk.totalBytes), static_cast<jlong>(disk.availableBytes),
+                          static_cast<jlong>(disk.freeBytes), static_cast<jlong>(disk.blockSize));
+}
+
+} // namespace
+
+std::vector<std::string> ListLogicalDisks() {
+    std::vector<std::string> mountPoints;
+    MountTable table;
+    if (!table.isOpen()) {
+        return mountPoints;
+    }
+    while (const mnttab *const entry = table.nextLogicalDisk()) {
+        mountPoints.emplace_back(entry->mnt_mountp);
+    }
+    return mountPoints;
+}
+
+LogicalDisk GetLogicalDisk(const std::string &name, bool withSizes) {
+    MountTable table;
+    if (!table.isOpen()) {
+        throw MountTableError(mountTablePath);
+    }
+    while (const mnttab *const entry = table.nextLogicalDisk()) {
+        if (name != entry->mnt_mountp) {
+            continue;
+        }
+        LogicalDisk disk;
+        disk.device = entry->mnt_special;
+        disk.mountPoint = name;
+        disk.fileSystemType = entry->mnt_fstype;
+        if (withSizes) {
+            readSizes(entry->mnt_mountp, disk);
+        }
+        return disk;
+    }
+    throw LogicalDiskNotFound(name);
+}
+
+} // namespace tarn
+
+extern "C" JNIEXPORT jobject JNICALL
+Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateLogicalDiskNames(JNIEnv *env, jobject) {
+    using namespace tarn;
+    return runThrowingEntry(env, [&] {
+        const ResultClass result = GetClassAndMethod(env);
+        JavaVector list(env);
+        for (const std::string &mountPoint : ListLogicalDisks()) {
+            try {
+                list.add(makeDisk(mountPoint.c_str(), env, result, false));
+            } catch (NativeError error) {
+                // Unmounted since it was listed; the others are still there.
+                LogMessage(env, error.getMessage(), "warn");
+            }
+        }
+        return list.get();
+    });
+}
+
+extern "C" JNIEXPORT jobject JNICALL
+Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getLogicalDiskByName(JNIEnv *env, jobject,
+                                                                               jstring mountPoint) {
+    using namespace tarn;
+    return runThrowingEntry(env, [&] {
+        const ResultClass result = GetClassAndMethod(env);
+        const JniString name(env, mountPoint);
+        return makeDisk(name.get(), env, result, true);
+    });
+}
