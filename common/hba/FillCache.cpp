@@ -1,0 +1,181 @@
+#include <algorithm>
+#include <array>
+#include <new>
+
+#include "common/hba/Conversions.h"
+#include "common/hba/HbaCacheImpl.h"
+#include "common/hba/LocalRoom.h"
+#include "common/hba/Messages.h"
+#include "common/hba/RemotePortIndex.h"
+#include "common/hba/TargetMappingTable.h"
+
+namespace tarn {
+
+/// One walk over every adapter, port, remote port and target mapping. What the HBA library refuses becomes a line in the
+/// log and a hole in the result. A record goes into the result before its own arrays are filled.
+class HbaCacheImpl::Fill {
+public:
+    Fill(HbaCacheImpl &cacheImpl, jint grantedReferences)
+        : cache(cacheImpl), env(cacheImpl.env), room(cacheImpl.env, grantedReferences, referencesBefore) {
+    }
+
+    jobjectArray walkAdapters(jsize count) {
+        const jobjectArray result = jni::newObjectArray(env, count, cache.hbaRecord.cls);
+        for (index = 0; index < count; ++index) {
+            walkAdapter(result);
+        }
+        return result;
+    }
+
+private:
+    void walkAdapter(jobjectArray result) {
+        const WithAdapterHandle adapter(cache.library, static_cast<HBA_UINT32>(index), adapterName.data());
+        shownName = adapterName;
+        terminateString(shownName.data(), adapterNameSize);
+        handle = adapter.handle;
+        if (handle == 0) {
+            warn(unableToOpen(index, shownName.data(), adapter.status).c_str());
+            return;
+        }
+        refreshInformation(handle, adapterName.data());
+        if (refuses("GetAdapterAttributes", HBA_GetAdapterAttributes(handle, &adapterAttributes))) {
+            return;
+        }
+        room.take(3);
+        const jobject hba = cache.MakeHba(index, adapterAttributes);
+        const jsize portCount = believed("ports", adapterAttributes.NumberOfPorts, maximumPorts);
+        const jobjectArray ports = jni::newObjectArray(env, portCount, cache.hbaPortRecord.cls);
+        jni::setElement(env, result, index, cache.hbaRecord.constructor.make(hba, ports));
+
+        fetchTargetMapping();
+        room.reserve(std::int64_t{referencesPerPort} * portCount);
+        for (jsize p = 0; p < portCount; ++p) {
+            walkPort(ports, p);
+        }
+        mapping.release();
+    }
+
+    /// The mapping serves all ports of the adapter. When it cannot be had, they are walked without one.
+    void fetchTargetMapping() {
+        bool isFetched =
+            mapping.fetch([this](HBA_FCPTARGETMAPPING *storage) { return HBA_GetFcpTargetMapping(handle, storage); });
+        HBA_STATUS status = mapping.status();
+        try {
+            remotePorts.build(mapping.entries());
+        } catch (const std::bad_alloc &) {
+            isFetched = false;
+            status = HBA_STATUS_ERROR_MORE_DATA;
+        }
+        if (!isFetched) {
+            warn(BadStatus("GetFcpTargetMapping", status, index, shownName.data()));
+        }
+    }
+
+    void walkPort(jobjectArray ports, jsize p) {
+        const auto port = static_cast<HBA_UINT32>(p);
+        if (refuses("GetAdapterPortAttributes", HBA_GetAdapterPortAttributes(handle, port, &portAttributes))) {
+            return;
+        }
+        room.take(referencesPerPort);
+        const jobject portInstance = cache.MakeHbaPort(index, p, portAttributes);
+        jobject statistics = nullptr;
+        if (!refuses("GetPortStatistics", HBA_GetPortStatistics(handle, port, &portStatistics))) {
+            statistics = cache.MakeHbaPortStats(portAttributes, portStatistics);
+        }
+        const jsize discoveredCount = believed("discovered ports of port " + std::to_string(p),
+                                               portAttributes.NumberofDiscoveredPorts, maximumDiscoveredPorts);
+        const jobjectArray discovered = jni::newObjectArray(env, discoveredCount, cache.hbaDiscoveredPortRecord.cls);
+        jni::setElement(env, ports, p, cache.hbaPortRecord.constructor.make(portInstance, statistics, discovered));
+
+        room.reserve(std::int64_t{referencesPerDiscoveredPort} * discoveredCount);
+        for (jsize d = 0; d < discoveredCount; ++d) {
+            walkDiscoveredPort(discovered, p, d, portInstance);
+        }
+    }
+
+    void walkDiscoveredPort(jobjectArray discovered, jsize p, jsize d, jobject portInstance) {
+        if (refuses("GetDiscoveredPortAttributes",
+                    HBA_GetDiscoveredPortAttributes(handle, static_cast<HBA_UINT32>(p), static_cast<HBA_UINT32>(d),
+                                                    &discoveredAttributes))) {
+            return;
+        }
+        room.take(referencesPerDiscoveredPort);
+        const jobject remote = cache.MakeHbaDiscoPort(index, p, discoveredAttributes);
+        const auto matches = remotePorts.find(discoveredAttributes.PortWWN);
+        const jobjectArray targets = jni::newObjectArray(env, static_cast<jsize>(matches.size()), cache.trInstance.cls);
+        jni::setElement(env, discovered, d, cache.hbaDiscoveredPortRecord.constructor.make(remote, targets));
+
+        room.reserve(static_cast<std::int64_t>(matches.size()));
+        jsize k = 0;
+        for (const RemotePortIndex::Place &match : matches) {
+            room.take(1);
+            jni::setElement(
+                env, targets, k++,
+                cache.MakeTargetMapping(portInstance, remote, mapping.entries()[match.position], adapterAttributes));
+        }
+    }
+
+    /// Whether the call failed, which is logged.
+    bool refuses(const char *callName, HBA_STATUS status) {
+        if (status == HBA_STATUS_OK) {
+            return false;
+        }
+        warn(BadStatus(callName, status, index, shownName.data()));
+        return true;
+    }
+
+    /// The count, or none, which is logged, when it is out of all reason.
+    jsize believed(const std::string &what, HBA_UINT32 count, HBA_UINT32 maximum) {
+        if (count <= maximum) {
+            return static_cast<jsize>(count);
+        }
+        warn(tooMany(what, count, adapterText(index, shownName.data()), maximum).c_str());
+        return 0;
+    }
+
+    void warn(const char *message) {
+        room.take(3); // the name of the log's class, the class, the line
+        cache.warn(message);
+    }
+
+    static constexpr jint referencesBefore = 19;           // the classes and the result
+    static constexpr jint referencesPerPort = 4;           // the port, its statistics, an array, the record
+    static constexpr jint referencesPerDiscoveredPort = 3; // the remote port, an array, the record
+
+    HbaCacheImpl &cache;
+    JNIEnv *const env;
+    LocalRoom room;
+
+    // The adapter that the walk has come to.
+    jsize index = 0;
+    HBA_HANDLE handle = 0;
+    std::array<char, adapterNameSize> adapterName{};
+    std::array<char, adapterNameSize> shownName{}; // without what a Java string cannot hold
+    HBA_ADAPTERATTRIBUTES adapterAttributes{};
+    TargetMappingTable mapping;
+    RemotePortIndex remotePorts;
+
+    HBA_PORTATTRIBUTES portAttributes{};
+    HBA_PORTSTATISTICS portStatistics{};
+    HBA_PORTATTRIBUTES discoveredAttributes{};
+};
+
+jobjectArray HbaCacheImpl::FillCache() {
+    constexpr jint referencesPerAdapter = 10;
+    const HBA_UINT32 count = HBA_GetNumberOfAdapters();
+    if (count > maximumAdapters) {
+        warn(tooMany("adapters", count, "the HBA library", maximumAdapters).c_str());
+        return nullptr;
+    }
+    const auto adapters = static_cast<jsize>(count);
+    if (env->EnsureLocalCapacity(referencesPerAdapter * adapters) < 0) {
+        return nullptr;
+    }
+    try {
+        return Fill(*this, std::max(entryCapacity, referencesPerAdapter * adapters)).walkAdapters(adapters);
+    } catch (const NoLocalRoom &) {
+        return nullptr;
+    }
+}
+
+} // namespace tarn

@@ -1,0 +1,73 @@
+#include "common/hba/HbaCacheImpl.h"
+
+#include <array>
+
+#include "common/JniString.h"
+#include "common/LogLine.h"
+#include "common/hba/Conversions.h"
+
+namespace tarn {
+
+HbaCacheImpl::HbaCacheImpl(JNIEnv *environment, jobject hbaCacheObject, jobject hbaClassNamesObject)
+    : env(environment), hbaCache(hbaCacheClass, hbaCacheObject),
+      hbaClassNames(hbaClassNamesClass, hbaClassNamesObject) {
+}
+
+void HbaCacheImpl::info(const char *message) {
+    const WithTracing tracing("info");
+    log("info", message);
+}
+
+void HbaCacheImpl::warn(const char *message) {
+    const WithTracing tracing("warn");
+    log("warn", message);
+}
+
+void HbaCacheImpl::log(const char *level, const char *message) {
+    try {
+        const JniString className(env, needed(hbaClassNames.getNativeMethodClassName()));
+        deliverLogLine(env, className.get(), message, level);
+    } catch (const JavaExceptionPending &) {
+        env->ExceptionClear();
+    } catch (const NoInstance &) {
+        // Nobody says where the log is.
+    }
+}
+
+HbaCacheImpl::Values HbaCacheImpl::defaultValues(jobject cimClass) {
+    return {trProperty, needed(jni::callObject(env, needed(cimClass), trClass.meth_getDefaultValues()))};
+}
+
+jobject HbaCacheImpl::makeInstance(jobject cimClass, const Values &values) {
+    return trInstance.constructor.make(needed(cimClass), values.object());
+}
+
+jobject HbaCacheImpl::nameOf(jobject cimClass) {
+    return jni::callObject(env, needed(cimClass), trClass.meth_getName());
+}
+
+jobject HbaCacheImpl::wwnText(const HBA_wwn &wwn) {
+    return jni::newString(env, toString(wwn));
+}
+
+jobject HbaCacheImpl::uint32(HBA_UINT32 value) {
+    return unsignedInt32.constructor.make(jlong{value});
+}
+
+jobject HbaCacheImpl::uint64(long long value) {
+    const WithTracing tracing("uint64");
+    constexpr jsize size = 9; // a zero byte keeps the sign bit clear
+    const jbyteArray bytes = jni::required(env->NewByteArray(size));
+    std::array<jbyte, size> buffer{};
+    for (unsigned k = 0; k < 8; ++k) {
+        buffer[k + 1] = static_cast<jbyte>(static_cast<unsigned long long>(value) >> (7 - k) * 8);
+    }
+    env->SetByteArrayRegion(bytes, 0, size, buffer.data());
+    return unsignedInt64.constructor.make(bytes);
+}
+
+jobject HbaCacheImpl::string(char *text, int size) {
+    return jni::newString(env, terminateString(text, size));
+}
+
+} // namespace tarn

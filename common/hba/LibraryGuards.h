@@ -1,0 +1,56 @@
+#pragma once
+
+#include <mutex>
+
+#include "platform/solaris.h"
+
+namespace tarn {
+
+/// The HBA library, loaded for as long as this lives. A library that does not load shows in the calls that follow.
+///
+/// The library keeps one load state for the whole process: it refuses a second load, and a free takes it away from
+/// every user. So whoever holds this holds the process-wide lock with it, and a second native call waits for the first.
+class WithHbaLibrary {
+public:
+    WithHbaLibrary();
+    ~WithHbaLibrary();
+    WithHbaLibrary(const WithHbaLibrary &) = delete;
+    WithHbaLibrary &operator=(const WithHbaLibrary &) = delete;
+
+private:
+    std::unique_lock<std::mutex> lock;
+};
+
+inline constexpr int adapterNameSize = 256; // terminator included
+
+/// An open adapter, closed with its scope.
+class WithAdapterHandle {
+public:
+    /// Looks up the adapter's name into `adapterName` (256 bytes; empty when it cannot be learned) and opens the
+    /// adapter, in two attempts at most.
+    WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 adapterIndex, char *adapterName);
+    ~WithAdapterHandle();
+    WithAdapterHandle(const WithAdapterHandle &) = delete;
+    WithAdapterHandle &operator=(const WithAdapterHandle &) = delete;
+
+    WithHbaLibrary &library;
+    HBA_HANDLE handle; ///< 0: the adapter is not open
+    HBA_STATUS status; ///< of the name lookup
+};
+
+/// Refreshes what the library knows of the adapter, and tells whether it did: the Solaris qlc driver's adapters, which
+/// are known by their names, are read as they stand.
+bool refreshInformation(HBA_HANDLE handle, const char *adapterName);
+
+/// Marks the scope of a member function by its name. The marks are there for a debugger.
+class WithTracing {
+public:
+    explicit WithTracing(const char *functionName) : name(functionName) {
+    }
+    WithTracing(const WithTracing &) = delete;
+    WithTracing &operator=(const WithTracing &) = delete;
+
+    const char *const name;
+};
+
+} // namespace tarn

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "platform/solaris.h"
+
+// The wording of what the HBA library refuses, the same in the agent's log and in the self-test's lines.
+
+namespace tarn {
+
+/// The text of a status of the HBA API; empty for a value that the API does not name.
+const char *StatusString(HBA_STATUS status);
+
+/// The line for a failed call; `callName` lacks its "HBA_". One buffer per thread: the line is valid until the thread's
+/// next call.
+const char *BadStatus(const char *callName, HBA_STATUS status, int adapterIndex, const char *adapterName);
+
+/// The line for an adapter that gave no handle; `status` is that of the lookup of its name.
+std::string unableToOpen(int adapterIndex, const char *adapterName, HBA_STATUS status);
+
+// Counts that no host reaches. A library that reports more is not believed: walking them would end in as many failed
+// calls, and making room for them in as much lost memory.
+inline constexpr HBA_UINT32 maximumAdapters = 4096;
+inline constexpr HBA_UINT32 maximumPorts = 4096;              // of an adapter, virtual ports included
+inline constexpr HBA_UINT32 maximumDiscoveredPorts = 65536;   // of a port
+inline constexpr HBA_UINT32 maximumMappingEntries = 1U << 20; // of an adapter: 304 MB of entries
+
+/// The line for a count above its maximum: "ports", 4294967295 of them, reported by "HBA adapter 0 (hba-0)".
+std::string tooMany(const std::string &what, HBA_UINT32 count, const std::string &reporter, HBA_UINT32 maximum);
+
+/// An adapter as `tooMany` names it.
+std::string adapterText(int adapterIndex, const char *adapterName);
+
+} // namespace tarn

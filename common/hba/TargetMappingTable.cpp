@@ -1,0 +1,48 @@
+#include "common/hba/TargetMappingTable.h"
+
+#include <algorithm>
+
+#include "common/hba/Messages.h"
+
+namespace tarn {
+
+bool TargetMappingTable::fetch(const Query &query) {
+    release();
+    HBA_UINT32 room = ownRoom;
+    lastStatus = ask(query, own, room);
+    if (lastStatus == HBA_STATUS_ERROR_MORE_DATA) {
+        room = mapping->NumberOfEntries;
+        if (!takeFromHeap(room)) {
+            return false;
+        }
+        lastStatus = ask(query, heap.get(), room);
+    }
+    if (lastStatus != HBA_STATUS_OK || mapping->NumberOfEntries > room) {
+        return false;
+    }
+    count = mapping->NumberOfEntries;
+    return true;
+}
+
+void TargetMappingTable::release() {
+    heap.reset();
+    mapping = nullptr;
+    count = 0;
+}
+
+/// The memory comes zeroed, page by page as it is used, so that entries which a library counts but does not write are
+/// empty ones.
+bool TargetMappingTable::takeFromHeap(HBA_UINT32 entryCount) {
+    if (entryCount <= maximumMappingEntries) {
+        heap.reset(std::calloc(1, std::max(mappingSize(entryCount), sizeof(HBA_FCPTARGETMAPPING))));
+    }
+    return heap != nullptr;
+}
+
+HBA_STATUS TargetMappingTable::ask(const Query &query, void *storage, HBA_UINT32 room) {
+    mapping = static_cast<HBA_FCPTARGETMAPPING *>(storage);
+    mapping->NumberOfEntries = room;
+    return query(mapping);
+}
+
+} // namespace tarn
