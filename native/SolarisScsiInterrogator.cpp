@@ -1,0 +1,29 @@
+#include "native/SolarisScsiInterrogatorC.h"
+
+#include <jni.h>
+
+#include <cstring>
+
+#include "common/EntryPoint.h"
+#include "common/JniString.h"
+
+extern "C" JNIEXPORT jstring JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisScsiInterrogator_scsiInterrogate(
+    JNIEnv *env, jobject, jstring controller1Id, jstring controller2Id, jstring vendorId, jstring productId) {
+    using namespace tarn;
+    return runEntry([&]() -> jstring {
+        char returnString[returnStringSize] = {};
+        const JniString controller1(env, controller1Id);
+        const JniString controller2(env, controller2Id);
+        const JniString vendor(env, vendorId);
+        const JniString product(env, productId);
+        const char *const controller1Text = controller1.get();
+        const char *const controller2Text = controller2.get();
+        const char *const vendorText = vendor.get();
+        const char *const productText = product.get();
+        scsiInterrogatorC(returnString, controller1Text, controller2Text, vendorText, productText);
+        if (returnString[0] == '\0') {
+            std::strcpy(returnString, noDataReport);
+        }
+        return env->NewStringUTF(returnString);
+    });
+}
