@@ -36,6 +36,6 @@ final class ArrayCommand extends Inquiry<String> {
 
     @Override
     protected void show(String report, PrintWriter out) {
-        ArrayReport.print(report, out);
+        ArrayReport.print(report, List.of(controller1, controller2), out);
     }
 }

@@ -14,52 +14,63 @@ final class ArrayReport {
     private static final int counterWidth = 10;
     private static final List<String> counters = List.of(
         "Reads", "Writes", "Blocks", "I/Os", "Recovered", "Unrecovered", "Timeouts", "Retries");
+    private static final int firstError = counters.indexOf("Recovered");
+    private static final String unplaced = "?";
 
     /** What one controller counted for one drive. */
-    private record Row(String tray, String slot, int controller, List<String> counters) {
+    private record Row(String tray, String slot, String controller, List<String> counters) {
     }
 
     private ArrayReport() {
     }
 
-    static void print(String report, PrintWriter out) {
+    /** The controllers are named by the identities that were asked for. */
+    static void print(String report, List<String> controllers, PrintWriter out) {
         switch (report) {
             case noStatistics -> out.println("no drive statistics: no controller of that identity reported a drive");
             case notCounting -> out.println("no drive statistics yet: the controllers count I/Os but no blocks, and "
                 + "were just told to (LOG SELECT); ask again later");
             default -> {
                 Table<Row> table = new Table<Row>().number("Tray", Row::tray).number("Slot", Row::slot)
-                    .number("Controller", Row::controller);
+                    .text("Controller", Row::controller);
                 for (int i = 0; i < counters.size(); i++) {
                     int counter = i;
                     table.number(counters.get(i), row -> row.counters().get(counter));
                 }
-                table.print(rows(report), out);
+                List<Row> rows = rows(report, controllers);
+                if (rows.stream().map(Row::slot).anyMatch(unplaced::equals)) {
+                    table.note(unplaced + ": the places told are those of " + controllers.get(0) + "'s drives, and "
+                               + controllers.get(1) + " has another number of them");
+                }
+                table.print(rows, out);
             }
         }
     }
 
     /**
-     * The first controller's record of each drive, then the second's. The places belong to the first controller that
-     * has any; when the second has records of another number of drives, theirs are not known.
+     * Both controllers' records of each drive, or all of the first controller's, then the second's: the places belong
+     * to the first that has any, and when the second has records of another number of drives, theirs are not known.
      */
-    private static List<Row> rows(String report) {
+    private static List<Row> rows(String report, List<String> controllers) {
         int drives = Integer.parseInt(report.substring(0, numberWidth).strip());
         int records = numberWidth + drives * 2 * placeWidth + numberWidth;
         int recordWidth = counters.size() * counterWidth;
         int total = (report.length() - records) / recordWidth;
         List<Row> rows = new ArrayList<>();
         for (int i = 0; i < total; i++) {
-            int drive = i < drives ? i : i - drives;
-            boolean placed = i < drives || total == 2 * drives;
+            int record = total == 2 * drives ? i % 2 * drives + i / 2 : i;
+            int controller = record < drives ? 0 : 1;
+            int drive = record - controller * drives;
+            boolean placed = controller == 0 || total == 2 * drives;
             int place = numberWidth + drive * 2 * placeWidth;
             List<String> values = new ArrayList<>();
             for (int k = 0; k < counters.size(); k++) {
-                values.add(field(report, records + i * recordWidth + k * counterWidth, counterWidth));
+                String value = field(report, records + record * recordWidth + k * counterWidth, counterWidth);
+                values.add(k < firstError || value.equals("0") ? value : "!! " + value);
             }
-            rows.add(new Row(placed ? field(report, place, placeWidth) : "?",
-                             placed ? field(report, place + placeWidth, placeWidth) : "?",
-                             i < drives ? 1 : 2, values));
+            rows.add(new Row(placed ? field(report, place, placeWidth) : unplaced,
+                             placed ? field(report, place + placeWidth, placeWidth) : unplaced,
+                             controllers.get(controller), values));
         }
         return rows;
     }

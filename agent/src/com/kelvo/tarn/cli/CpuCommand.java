@@ -8,7 +8,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
 @Command(name = "cpu", description = "The clock ticks that each processor spent, since boot.",
-         footer = "The counters have 32 bits and turn negative at 2^31.")
+         footer = "The counters have 32 bits; --json gives them as the library does, negative from 2^31 on.")
 final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData> {
     @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this processor.")
     private Integer id;
@@ -45,7 +45,7 @@ final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData> {
 
     private static void ticks(Table<SolarisCpuUtilizationData> table, String heading,
                               Function<SolarisCpuUtilizationData, Long> ticks) {
-        table.number(heading, data -> ticks.apply(data)).number("", data -> Units.percent(
+        table.number(heading, data -> unsigned(ticks.apply(data))).number("", data -> Units.percent(
             unsigned(ticks.apply(data)),
             unsigned(data.userTicks()) + unsigned(data.kernelTicks()) + unsigned(data.waitTicks())
                 + unsigned(data.idleTicks())));

@@ -38,11 +38,11 @@ final class DiskIoCommand extends Listing<String, SolarisDiskIOInformation> {
             .text("Instance", SolarisDiskIOInformation::instanceName)
             .bytes("Read", SolarisDiskIOInformation::bytesRead)
             .bytes("Written", SolarisDiskIOInformation::bytesWritten)
-            .number("Busy", data -> seconds(data.runTime()))
-            .number("Last queued at", data -> seconds(data.waitLastUpdate()));
+            .number("Busy (s)", data -> seconds(data.runTime()))
+            .number("Queue last changed (s since boot)", data -> seconds(data.waitLastUpdate()));
     }
 
     private static String seconds(long nanoseconds) {
-        return String.format(Locale.ROOT, "%.3f s", nanoseconds / 1e9);
+        return String.format(Locale.ROOT, "%.3f", nanoseconds / 1e9);
     }
 }

@@ -42,11 +42,11 @@ final class DisksCommand extends Listing<String, TrInstance> {
             .text("Disk", row -> row.get(SolarisDiskDriveProvider.name))
             .text("Type", row -> orDash(row.get(SolarisDiskDriveProvider.diskType)))
             .number("Capacity", row -> capacity(row) == 0 ? "-" : Units.bytes(capacity(row)))
-            .number("Heads", row -> row.get(SolarisDiskDriveProvider.heads))
-            .number("Sectors", row -> row.get(SolarisDiskDriveProvider.sectorsPerTrack))
-            .number("Cylinders", row -> row.get(SolarisDiskDriveProvider.physicalCylinders))
-            .number("Data", row -> row.get(SolarisDiskDriveProvider.dataCylinders))
-            .number("Alternate", row -> row.get(SolarisDiskDriveProvider.alternateCylinders))
+            .number("Heads", row -> known(row, SolarisDiskDriveProvider.heads))
+            .number("Sectors/track", row -> known(row, SolarisDiskDriveProvider.sectorsPerTrack))
+            .number("Cylinders", row -> known(row, SolarisDiskDriveProvider.physicalCylinders))
+            .number("Data", row -> known(row, SolarisDiskDriveProvider.dataCylinders))
+            .number("Alternate", row -> known(row, SolarisDiskDriveProvider.alternateCylinders))
             .text("Device", row -> orDash(row.get(SolarisDiskDriveProvider.deviceIdentifier)));
     }
 
@@ -57,6 +57,11 @@ final class DisksCommand extends Listing<String, TrInstance> {
 
     private static long figure(TrInstance row, TrProperty property) {
         return ((UnsignedInt) row.get(property)).longValue();
+    }
+
+    /** The library has no type for a disk whose geometry or label does not answer, and zeros for figures. */
+    private static Object known(TrInstance row, TrProperty property) {
+        return row.get(SolarisDiskDriveProvider.diskType) == null ? "-" : row.get(property);
     }
 
     private static Object orDash(Object text) {

@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli;
 
 import com.kelvo.tarn.providers.hba.HbaCache;
 import java.io.PrintWriter;
+import java.util.stream.Stream;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 
@@ -19,6 +20,9 @@ final class HbaCommand extends Inquiry<HbaCache.Hba[]> {
     @Override
     protected void show(HbaCache.Hba[] adapters, PrintWriter out) {
         print(adapters, false, out);
+        if (!options.or(tarn().hba()).any() && Stream.of(adapters).anyMatch(HbaTree::showsDeviceNames)) {
+            out.println("Device names are made of bus, target and LUN; --leadville shows those of /dev/rdsk");
+        }
     }
 
     @Override

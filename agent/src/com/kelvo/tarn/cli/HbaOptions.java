@@ -14,7 +14,8 @@ final class HbaOptions {
             description = "hba, report: names in /dev/rdsk/ lose their directory and their s2 slice.")
     private boolean leadville;
 
-    @Option(names = "--force-leadville", description = "hba, report: every device name loses them.")
+    @Option(names = "--force-leadville", description = "hba, report: all names, not only those in /dev/rdsk/, lose "
+            + "their directory and their s2 slice.")
     private boolean forceLeadville;
 
     boolean any() {

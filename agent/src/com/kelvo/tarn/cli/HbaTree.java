@@ -12,6 +12,7 @@ import java.util.Locale;
 import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
+import java.util.function.Function;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.wbem.cim.UnsignedInt;
@@ -20,7 +21,6 @@ import javax.wbem.cim.UnsignedInt16;
 /** Draws an adapter with all that it sees. Two exclamation marks stand before what is not healthy. */
 final class HbaTree {
     private static final String trouble = "!! ";
-    private static final String unreadable = trouble + "(not readable)";
 
     private static final Map<UnsignedInt, String> states = Map.of(
         HbaPortProvider.PORT_STATE_ONLINE, "online", HbaPortProvider.PORT_STATE_OFFLINE, "offline",
@@ -29,7 +29,8 @@ final class HbaTree {
         HbaPortProvider.PORT_STATE_LOOPBACK, "loopback");
 
     private static final Set<UnsignedInt> troubledStatuses =
-        Set.of(HbaPortProvider.OPERATIONAL_STATUS_IN_SERVICE, HbaPortProvider.OPERATIONAL_STATUS_ERROR);
+        Set.of(HbaPortProvider.OPERATIONAL_STATUS_IN_SERVICE, HbaPortProvider.OPERATIONAL_STATUS_ERROR,
+               HbaPortProvider.OPERATIONAL_STATUS_UNKNOWN);
 
     private static final Map<UnsignedInt, String> types = Map.of(
         HbaPortProvider.PORT_TYPE_N, "N port", HbaPortProvider.PORT_TYPE_NL, "NL port",
@@ -43,18 +44,22 @@ final class HbaTree {
     private static final Map<Long, String> speeds =
         Map.of(1143535043L, "1 Gb/s", 2287070085L, "2 Gb/s", 11435350430L, "10 Gb/s");
 
-    private static final List<TrProperty> errorCounters = List.of(
-        FCPortStatisticsProvider.linkFailures, FCPortStatisticsProvider.lossOfSyncCounter,
-        FCPortStatisticsProvider.lossOfSignalCounter, FCPortStatisticsProvider.primitiveSeqProtocolErrCount,
-        FCPortStatisticsProvider.invalidTransmissionWords, FCPortStatisticsProvider.crcErrors,
-        FCPortStatisticsProvider.errorFrames, FCPortStatisticsProvider.dumpedFrames);
+    private static final List<Map.Entry<TrProperty, String>> errorCounters = List.of(
+        Map.entry(FCPortStatisticsProvider.linkFailures, trouble + "link failures"),
+        Map.entry(FCPortStatisticsProvider.crcErrors, trouble + "CRC errors"),
+        Map.entry(FCPortStatisticsProvider.lossOfSyncCounter, "loss of sync"),
+        Map.entry(FCPortStatisticsProvider.lossOfSignalCounter, "loss of signal"),
+        Map.entry(FCPortStatisticsProvider.primitiveSeqProtocolErrCount, "sequence protocol errors"),
+        Map.entry(FCPortStatisticsProvider.invalidTransmissionWords, "invalid words"),
+        Map.entry(FCPortStatisticsProvider.errorFrames, "error frames"),
+        Map.entry(FCPortStatisticsProvider.dumpedFrames, "dumped frames"));
 
     private HbaTree() {
     }
 
     /** In brief, a port's remote ports are counted, and only those in trouble are drawn. */
     static Tree of(int index, HbaCache.Hba adapter, boolean brief) {
-        Tree tree = new Tree("Adapter " + index + ": " + adapter(adapter == null ? null : adapter.instance()));
+        Tree tree = new Tree(label("Adapter", index, adapter == null ? null : adapter.instance(), HbaTree::adapter));
         if (adapter != null) {
             for (int i = 0; i < adapter.ports().length; i++) {
                 tree.add(port(i, adapter.ports()[i], brief));
@@ -63,18 +68,27 @@ final class HbaTree {
         return tree;
     }
 
+    /** Whether a logical unit is seen through the adapter, under whatever name. */
+    static boolean showsDeviceNames(HbaCache.Hba adapter) {
+        return adapter != null
+            && Stream.of(adapter.ports()).anyMatch(port -> port != null && units(port.discoveredPorts()) > 0);
+    }
+
     private static Tree port(int index, HbaCache.HbaPort port, boolean brief) {
-        String label = "Port " + index + ": ";
+        String label = label("Port", index, port == null ? null : port.instance(), HbaTree::port);
         if (port == null) {
-            return new Tree(label + unreadable);
+            return new Tree(label);
         }
-        Tree tree = new Tree(label + join(port(port.instance()), brief ? reach(port.discoveredPorts()) : ""));
+        HbaCache.HbaDiscoveredPort[] remotePorts = port.discoveredPorts();
+        Tree tree = new Tree(!brief ? label
+            : join(label, "remote ports: " + remotePorts.length, "LUNs: " + units(remotePorts)));
         if (!brief) {
             tree.add(new Tree(counters(port.statistics())));
         }
-        for (HbaCache.HbaDiscoveredPort remote : port.discoveredPorts()) {
+        for (int i = 0; i < remotePorts.length; i++) {
+            HbaCache.HbaDiscoveredPort remote = remotePorts[i];
             TrInstance instance = remote == null ? null : remote.instance();
-            Tree branch = new Tree("Remote port: " + port(instance));
+            Tree branch = new Tree(label("Remote port", i, instance, HbaTree::port));
             if (!brief && remote != null) {
                 Stream.of(remote.targetMappings()).map(HbaTree::unit).map(Tree::new).forEach(branch::add);
             }
@@ -85,8 +99,17 @@ final class HbaTree {
         return tree;
     }
 
+    private static String label(String thing, int index, TrInstance instance, Function<TrInstance, String> facts) {
+        return instance == null ? unreadable(thing.toLowerCase(Locale.ROOT) + " " + index)
+            : thing + " " + index + ": " + facts.apply(instance);
+    }
+
+    private static String unreadable(String thing) {
+        return trouble + thing + " not readable (see the log)";
+    }
+
     private static String adapter(TrInstance adapter) {
-        return adapter == null ? unreadable : join(
+        return join(
             labelled("", adapter, HostBusAdapterProvider.manufacturer),
             labelled("", adapter, HostBusAdapterProvider.model),
             labelled("serial ", adapter, HostBusAdapterProvider.serialNumber),
@@ -96,9 +119,6 @@ final class HbaTree {
     }
 
     private static String port(TrInstance port) {
-        if (port == null) {
-            return unreadable;
-        }
         String state = states.getOrDefault(number(port, HbaPortProvider.portState), "state unknown");
         long fcId = number(port, HbaPortProvider.portFcId).longValue();
         return join(
@@ -117,22 +137,22 @@ final class HbaTree {
             && Stream.of(statuses).anyMatch(troubledStatuses::contains);
     }
 
-    private static String reach(HbaCache.HbaDiscoveredPort[] remotePorts) {
-        return "remote ports: %d, LUNs: %d".formatted(remotePorts.length,
-            Stream.of(remotePorts).filter(Objects::nonNull).mapToInt(remote -> remote.targetMappings().length).sum());
+    private static int units(HbaCache.HbaDiscoveredPort[] remotePorts) {
+        return Stream.of(remotePorts).filter(Objects::nonNull).mapToInt(remote -> remote.targetMappings().length).sum();
     }
 
     /** The frames, and whatever errors there were. */
     private static String counters(TrInstance statistics) {
         if (statistics == null) {
-            return "Frames: " + unreadable;
+            return unreadable("counters");
         }
         Stream<String> frames = Stream.of(FCPortStatisticsProvider.packetsTransmitted,
                                           FCPortStatisticsProvider.packetsReceived)
             .map(counter -> isKept(statistics, counter) ? number(statistics, counter).toString() : "an unknown number");
         String errors = errorCounters.stream()
-            .filter(counter -> number(statistics, counter).longValue() != 0 && isKept(statistics, counter))
-            .map(counter -> counter.getName() + " " + number(statistics, counter))
+            .filter(counter -> number(statistics, counter.getKey()).longValue() != 0)
+            .filter(counter -> isKept(statistics, counter.getKey()))
+            .map(counter -> counter.getValue() + " " + number(statistics, counter.getKey()))
             .collect(Collectors.joining(", "));
         return "Frames: %s sent, %s received".formatted(frames.toArray()) + (errors.isEmpty() ? "" : "; " + errors);
     }
@@ -144,7 +164,7 @@ final class HbaTree {
 
     private static String unit(TrInstance mapping) {
         if (mapping == null) {
-            return unreadable;
+            return unreadable("LUN");
         }
         UnsignedInt lun = number(mapping, TargetMappingProvider.scsiLun);
         UnsignedInt exported = number(mapping, TargetMappingProvider.exportedLUN);

@@ -78,7 +78,7 @@ abstract class Inquiry<T> implements Callable<Integer> {
             document.put("exception", answer.thrown());
             out.println(Json.text(document));
         } else {
-            answer.page().accept(out);
+            answer.page().accept(new Page(out));
             out.flush();
             log.forEach(err::println);
             if (answer.thrown() != null) {

@@ -37,10 +37,10 @@ final class LogicalDisksCommand extends Listing<String, SolarisLogicalDisk> {
             .text("Mount point", SolarisLogicalDisk::mountPoint)
             .text("Type", SolarisLogicalDisk::fileSystemType)
             .text("Device", SolarisLogicalDisk::device);
-        return mountPoint == null ? table : table
+        return mountPoint == null ? table.note("logical-disks MOUNT-POINT shows sizes") : table
             .bytes("Total", SolarisLogicalDisk::totalBytes)
             .bytes("Available", SolarisLogicalDisk::availableBytes)
             .bytes("Free", SolarisLogicalDisk::freeBytes)
-            .number("Block size", SolarisLogicalDisk::blockSize);
+            .unsigned("Block size", SolarisLogicalDisk::blockSize);
     }
 }

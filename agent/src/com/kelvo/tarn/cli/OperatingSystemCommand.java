@@ -16,11 +16,15 @@ final class OperatingSystemCommand extends Inquiry<SolarisOperatingSystem> {
     @Override
     protected void show(SolarisOperatingSystem system, PrintWriter out) {
         Table.labels(out, "Name", system.name(), "Host name", system.hostName(), "Version", system.version(),
-                     "Memory", size(system.totalPhysicalKB()), "Free memory", size(system.freePhysicalKB()),
-                     "Swap", size(system.totalSwapKB()), "Free swap", size(system.freeSwapKB()));
+                     "Memory", size(system.totalPhysicalKB(), system.totalPhysicalKB()),
+                     "Free memory", size(system.freePhysicalKB(), system.totalPhysicalKB()),
+                     "Swap", size(system.totalSwapKB(), system.totalSwapKB()),
+                     "Free swap", size(system.freeSwapKB(), system.totalSwapKB()));
     }
 
-    private static String size(long kilobytes) {
-        return "%d KB (%s)".formatted(kilobytes, Units.bytes(kilobytes * 1024.0));
+    /** Nothing of nothing is what the library says when the system did not tell. */
+    private static String size(long kilobytes, long total) {
+        return kilobytes == 0 && total == 0 ? "unknown"
+            : "%d KB (%s)".formatted(kilobytes, Units.bytes(kilobytes * 1024.0));
     }
 }

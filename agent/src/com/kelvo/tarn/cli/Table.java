@@ -11,6 +11,7 @@ final class Table<R> {
     }
 
     private final List<Column<R>> columns = new ArrayList<>();
+    private String note = "";
 
     Table<R> text(String heading, Function<R, Object> cell) {
         columns.add(new Column<>(heading, false, cell));
@@ -22,16 +23,27 @@ final class Table<R> {
         return this;
     }
 
-    /** A number of bytes, exactly and in a readable unit. */
+    /** A counter of 64 bits without a sign. */
+    Table<R> unsigned(String heading, Function<R, Long> cell) {
+        return number(heading, row -> Long.toUnsignedString(cell.apply(row)));
+    }
+
+    /** An unsigned number of bytes, exactly and in a readable unit. */
     Table<R> bytes(String heading, Function<R, Long> cell) {
-        return number(heading, row -> cell.apply(row)).number("", row -> Units.bytes(cell.apply(row)));
+        return unsigned(heading, cell).number("", row -> Units.bytes(Units.unsigned(cell.apply(row))));
+    }
+
+    /** A line under the table. */
+    Table<R> note(String text) {
+        note = text;
+        return this;
     }
 
     void print(List<R> rows, PrintWriter out) {
         List<List<String>> lines = new ArrayList<>();
         lines.add(columns.stream().map(Column::heading).toList());
         for (R row : rows) {
-            lines.add(columns.stream().map(column -> String.valueOf(column.cell().apply(row))).toList());
+            lines.add(columns.stream().map(column -> cell(column, row)).toList());
         }
         int[] widths = new int[columns.size()];
         for (List<String> line : lines) {
@@ -47,6 +59,13 @@ final class Table<R> {
             }
             out.println(text.toString().stripTrailing());
         }
+        if (!note.isEmpty()) {
+            out.println(note);
+        }
+    }
+
+    private static <R> String cell(Column<R> column, R row) {
+        return Page.printable(String.valueOf(column.cell().apply(row)));
     }
 
     /** Pairs of a label and its value, one a line. */

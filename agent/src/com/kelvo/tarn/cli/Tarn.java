@@ -17,8 +17,8 @@ import picocli.CommandLine.Spec;
 /** The command line: what the library tells of a host, for people or, as JSON, for programs. */
 @Command(name = "tarn", synopsisSubcommandLabel = "COMMAND",
          description = "Shows what the native library tells of a host.",
-         footer = {"", "Exit status: 0 done; 1 the library raised an exception; 2 bad usage or an unreadable host "
-                   + "description; 3 the password is not that user's."},
+         footer = {"", "Exit status: 0 done; 1 the library raised an exception; 2 bad usage, an unreadable host "
+                   + "description, or a result that cannot be written; 3 the password is not that user's."},
          subcommands = {ReportCommand.class, ComputerSystemCommand.class, OperatingSystemCommand.class,
                         LogicalDisksCommand.class, ProcessorsCommand.class, CpuCommand.class, DiskIoCommand.class,
                         DisksCommand.class, PartitionsCommand.class, HbaCommand.class, HbaTestCommand.class,
@@ -46,21 +46,21 @@ public final class Tarn {
 
     public static void main(String[] arguments) {
         PrintWriter out = utf8(FileDescriptor.out);
-        PrintWriter err = utf8(FileDescriptor.err);
+        PrintWriter err = new Page(utf8(FileDescriptor.err));
         int status = new CommandLine(new Tarn())
             .setOut(out)
             .setErr(err)
             .setExpandAtFiles(false)
-            .setParameterExceptionHandler((exception, given) -> {
-                complain(err, exception.getMessage() + (exception.getCause() == null ? " (try 'tarn --help')" : ""));
-                return CommandLine.ExitCode.USAGE;
-            })
+            .setParameterExceptionHandler(new BadUsage())
             .setExecutionExceptionHandler((exception, commandLine, parsed) -> {
                 complain(err, exception.toString());
                 return CommandLine.ExitCode.SOFTWARE;
             })
             .execute(arguments);
-        out.flush();
+        if (out.checkError()) {
+            complain(err, "the result cannot be written");
+            status = CommandLine.ExitCode.USAGE;
+        }
         err.flush();
         System.exit(status);
     }
@@ -75,6 +75,9 @@ public final class Tarn {
         String path = host != null ? host : System.getenv().getOrDefault("TARN_HOST", "");
         if (host == null && path.isEmpty()) {
             return;
+        }
+        if (path.isEmpty()) {
+            throw new ParameterException(spec.commandLine(), "--host: no file named");
         }
         try {
             ReplayHost.load(path);

@@ -22,6 +22,11 @@ final class Units {
             : String.format(Locale.ROOT, "%.1f %ciB", bytes, prefixes.charAt(prefix));
     }
 
+    /** The unsigned reading of 64 bits. */
+    static double unsigned(long bits) {
+        return bits < 0 ? bits + 0x1p64 : bits;
+    }
+
     /** A part of a whole, such as "12.5%"; nothing when there is no whole. */
     static String percent(long part, long whole) {
         return whole == 0 ? "" : String.format(Locale.ROOT, "%.1f%%", 100.0 * part / whole);

@@ -8,9 +8,5 @@ public final class SolarisComputerSystemProvider {
     /** What the system information calls tell; what they do not is blank. */
     public record SolarisComputerSystem(
         String systemName, String hostName, String serialNumber, String platform, String version) {
-        @Override
-        public String toString() {
-            return "%s: %s %s on %s".formatted(hostName, systemName, version, platform);
-        }
     }
 }

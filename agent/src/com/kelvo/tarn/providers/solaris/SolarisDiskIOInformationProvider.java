@@ -8,10 +8,5 @@ public final class SolarisDiskIOInformationProvider {
     /** Bytes since boot; times in nanoseconds. The disk name is empty when the instance has none. */
     public record SolarisDiskIOInformation(
         String instanceName, String diskName, long bytesRead, long bytesWritten, long waitLastUpdate, long runTime) {
-        @Override
-        public String toString() {
-            return "%s (%s): %d bytes read, %d bytes written".formatted(
-                instanceName, diskName, bytesRead, bytesWritten);
-        }
     }
 }

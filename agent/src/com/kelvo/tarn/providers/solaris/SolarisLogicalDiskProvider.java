@@ -9,10 +9,5 @@ public final class SolarisLogicalDiskProvider {
     public record SolarisLogicalDisk(
         String device, String mountPoint, String fileSystemType,
         long totalBytes, long availableBytes, long freeBytes, long blockSize) {
-        @Override
-        public String toString() {
-            return "%s on %s (%s): %d of %d bytes available".formatted(
-                mountPoint, device, fileSystemType, availableBytes, totalBytes);
-        }
     }
 }

@@ -9,10 +9,5 @@ public final class SolarisOperatingSystemProvider {
     public record SolarisOperatingSystem(
         String name, String hostName, String version,
         long totalPhysicalKB, long freePhysicalKB, long totalSwapKB, long freeSwapKB) {
-        @Override
-        public String toString() {
-            return "%s %s on %s: %d of %d KB memory free, %d of %d KB swap free".formatted(
-                name, version, hostName, freePhysicalKB, totalPhysicalKB, freeSwapKB, totalSwapKB);
-        }
     }
 }

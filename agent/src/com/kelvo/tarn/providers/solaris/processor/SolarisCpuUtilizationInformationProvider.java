@@ -8,10 +8,5 @@ public final class SolarisCpuUtilizationInformationProvider {
     /** Clock ticks since boot: 32-bit counters that turn negative at 2^31. */
     public record SolarisCpuUtilizationData(
         int cpuId, long userTicks, long kernelTicks, long waitTicks, long idleTicks) {
-        @Override
-        public String toString() {
-            return "CPU %d: user %d, kernel %d, wait %d, idle %d ticks".formatted(
-                cpuId, userTicks, kernelTicks, waitTicks, idleTicks);
-        }
     }
 }

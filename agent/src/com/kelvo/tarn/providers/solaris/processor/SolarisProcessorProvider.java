@@ -8,9 +8,5 @@ public final class SolarisProcessorProvider {
     /** The state is "online" or "offline". */
     public record SolarisProcessorData(
         int processorId, String processorType, String state, long clockMHz) {
-        @Override
-        public String toString() {
-            return "processor %d: %s, %d MHz, %s".formatted(processorId, processorType, clockMHz, state);
-        }
     }
 }

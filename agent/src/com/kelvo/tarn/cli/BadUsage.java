@@ -1,0 +1,41 @@
+package com.kelvo.tarn.cli;
+
+import picocli.CommandLine.ExitCode;
+import picocli.CommandLine.IParameterExceptionHandler;
+import picocli.CommandLine.ParameterException;
+import picocli.CommandLine.UnmatchedArgumentException;
+
+/** Tells in one line what is wrong with a command line, and where to read what is right. */
+final class BadUsage implements IParameterExceptionHandler {
+    @Override
+    public int handleParseException(ParameterException exception, String[] given) {
+        String hint = exception.getCause() instanceof IllegalArgumentException ? "" // the description is wrong
+            : " (try '" + exception.getCommandLine().getCommandSpec().qualifiedName() + " --help')";
+        Tarn.complain(exception.getCommandLine().getErr(), complaint(exception) + hint);
+        return ExitCode.USAGE;
+    }
+
+    private static String complaint(ParameterException exception) {
+        if (exception instanceof UnmatchedArgumentException unmatched) {
+            return complaint(unmatched, unmatched.getCommandLine().getCommand());
+        }
+        if (exception.getArgSpec() != null && exception.getArgSpec().type() == Integer.class) {
+            return exception.getArgSpec().paramLabel() + ": '" + exception.getValue()
+                + (exception.getValue().matches("[+-]?\\d+") ? "' is out of range" : "' is not a number");
+        }
+        return exception.getMessage();
+    }
+
+    /** Names only the first surplus argument, and no value of an option: it may be a password. */
+    private static String complaint(UnmatchedArgumentException exception, Object command) {
+        if (command instanceof AuthenticateCommand) {
+            return "authenticate takes a user; the password is asked for";
+        }
+        String given = exception.getUnmatched().get(0);
+        String what = !exception.isUnknownOption() ? command instanceof Tarn ? "unknown command" : "surplus argument"
+            : "unknown option";
+        return what + " '" + (exception.isUnknownOption() ? given.replaceFirst("=.*", "") : given) + "'"
+            + exception.getSuggestions().stream().filter(known -> known.charAt(0) == given.charAt(0)).findFirst()
+                .map(known -> " (did you mean " + known + "?)").orElse("");
+    }
+}
