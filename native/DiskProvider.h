@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "common/AgentClasses.h"
 #include "common/Directory.h"
@@ -95,13 +96,13 @@ protected:
 /// per-call object and hands it to the operation. Answers null, or nothing, when one of the three is refused.
 template <class Impl, class Operation>
 auto runProviderEntry(JNIEnv *env, jint capacity, jobject provider, Operation operation) {
-    using Result = decltype(operation(static_cast<Impl *>(nullptr)));
+    using Result = decltype(operation(std::declval<Impl &>()));
     return runEntry([&]() -> Result {
         if (env->EnsureLocalCapacity(capacity) < 0) {
             return Result();
         }
         Impl impl(env, provider);
-        return operation(&impl);
+        return operation(impl);
     });
 }
 

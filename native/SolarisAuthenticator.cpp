@@ -48,9 +48,8 @@ PasswordCheck checkPassword(const char *user, const std::function<const char *()
 
 } // namespace tarn
 
-extern "C" JNIEXPORT jboolean JNICALL
-Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_authenticate(JNIEnv *env, jobject, jstring user,
-                                                                        jstring password) {
+extern "C" JNIEXPORT jboolean JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_authenticate(
+    JNIEnv *env, jobject, jstring user, jstring password) {
     using namespace tarn;
     return runEntry([&]() -> jboolean {
         const JniString userName(env, user);

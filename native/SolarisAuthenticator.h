@@ -11,8 +11,8 @@ struct PasswordCheck {
     std::string logLine; ///< why it was refused, for the "info" log; empty when there is nothing to say
 };
 
-/// Checks a password against the local user's entry in the shadow database. `password` gives the NUL-terminated password
-/// and is only called when there is a hash to compare it with. Any number of threads may check at once.
+/// Checks a password against the local user's entry in the shadow database. `password` gives the password, which NUL
+/// ends, and is only called when there is a hash to compare it with. Any number of threads may check at once.
 PasswordCheck checkPassword(const char *user, const std::function<const char *()> &password);
 
 } // namespace tarn

@@ -117,9 +117,9 @@ jobject DiskDriveImpl::MakeDisk1(const char *name, const char *diskType, jstring
 extern "C" JNIEXPORT void JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisDiskDriveProvider_enumerateDisks(
     JNIEnv *env, jobject provider, jobject receiver) {
     using namespace tarn;
-    runProviderEntry<DiskDriveImpl>(env, enumerateCapacity, provider, [&](DiskDriveImpl *impl) {
+    runProviderEntry<DiskDriveImpl>(env, enumerateCapacity, provider, [&](DiskDriveImpl &impl) {
         try {
-            impl->EnumerateDisks(receiver);
+            impl.EnumerateDisks(receiver);
         } catch (const JavaExceptionPending &) {
             // The caller is not to be stopped by one disk or its own receiver: see below.
         }
@@ -133,5 +133,5 @@ extern "C" JNIEXPORT jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisDiskDriveProvider_getDisk(JNIEnv *env, jobject provider, jstring name) {
     using namespace tarn;
     return runProviderEntry<DiskDriveImpl>(env, getCapacity, provider,
-                                           [&](DiskDriveImpl *impl) { return impl->GetDisk(name); });
+                                           [&](DiskDriveImpl &impl) { return impl.GetDisk(name); });
 }

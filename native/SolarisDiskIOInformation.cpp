@@ -50,8 +50,7 @@ std::vector<diskIOData> getDiskIOData() {
     SolarisDiskMap diskMap;
     std::vector<diskIOData> disks;
     for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
-        const std::optional<kstat_io_t> counters =
-            isDisk(*record) ? statistics.read<kstat_io_t>(record) : std::nullopt;
+        const std::optional<kstat_io_t> counters = isDisk(*record) ? statistics.read<kstat_io_t>(record) : std::nullopt;
         if (!counters) {
             continue;
         }
@@ -103,7 +102,8 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateDiskIOInforma
     using namespace tarn;
     return runThrowingEntry(env, [&] {
         const ResultClass result = GetClassAndMethod(env);
-        return enumerateRecords(env, [] { return getDiskIOData(); },
-                                [&](const diskIOData &data) { return makeDiskIOInfo(data, env, result); });
+        return enumerateRecords(
+            env, [] { return getDiskIOData(); },
+            [&](const diskIOData &data) { return makeDiskIOInfo(data, env, result); });
     });
 }

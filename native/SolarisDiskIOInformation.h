@@ -10,7 +10,7 @@ namespace tarn {
 /// I/O counters of one disk since boot, from its kstat_io record.
 struct diskIOData {
     std::string kstatName;           ///< the record's name, which is the driver's instance name, such as "sd0"
-    std::string deviceName;          ///< name under "/dev/dsk", such as "c0t0d0"; empty when the disk has no slice 0 there
+    std::string deviceName;          ///< name under "/dev/dsk", such as "c0t0d0"; empty when there is no slice 0
     std::uint64_t bytesRead = 0;     ///< nread
     std::uint64_t bytesWritten = 0;  ///< nwritten
     std::int64_t runTime = 0;        ///< rtime: nanoseconds in service

@@ -83,12 +83,12 @@ Java_com_kelvo_tarn_providers_solaris_SolarisDiskPartitionProvider_enumeratePart
                                                                                        jobject receiver) {
     using namespace tarn;
     runProviderEntry<DiskPartitionImpl>(env, enumerateCapacity, provider,
-                                        [&](DiskPartitionImpl *impl) { impl->EnumeratePartitions(receiver); });
+                                        [&](DiskPartitionImpl &impl) { impl.EnumeratePartitions(receiver); });
 }
 
 extern "C" JNIEXPORT jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisDiskPartitionProvider_getPartition(
     JNIEnv *env, jobject provider, jstring name) {
     using namespace tarn;
     return runProviderEntry<DiskPartitionImpl>(env, getCapacity, provider,
-                                               [&](DiskPartitionImpl *impl) { return impl->GetPartition(name); });
+                                               [&](DiskPartitionImpl &impl) { return impl.GetPartition(name); });
 }

@@ -60,8 +60,7 @@ void readSizes(const char *mountPoint, LogicalDisk &disk) {
 }
 
 ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, logicalDiskClassName,
-                           "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V");
+    return bindResultClass(env, logicalDiskClassName, "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V");
 }
 
 jobject makeDisk(const char *name, JNIEnv *env, const ResultClass &result, bool withSizes) {
@@ -129,9 +128,8 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateLogicalDiskNa
     });
 }
 
-extern "C" JNIEXPORT jobject JNICALL
-Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getLogicalDiskByName(JNIEnv *env, jobject,
-                                                                               jstring mountPoint) {
+extern "C" JNIEXPORT jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getLogicalDiskByName(
+    JNIEnv *env, jobject, jstring mountPoint) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {
         const ResultClass result = GetClassAndMethod(env);

@@ -18,7 +18,8 @@ constexpr const char *operatingSystemClassName =
 constexpr std::size_t textLimit = 99; // characters of one reported text
 
 ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, operatingSystemClassName, "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V");
+    return bindResultClass(env, operatingSystemClassName,
+                           "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V");
 }
 
 /// A system-configuration value; 0 when the system does not tell it.

@@ -14,7 +14,7 @@ constexpr const char *processorClassName =
 
 constexpr long processorLimit = 128;
 
-constexpr long largestKnownId = 4095;       // beyond the ids of any SPARC; for a system that does not tell its own limit
+constexpr long largestKnownId = 4095; // beyond the ids of any SPARC; for a system that does not tell its own limit
 constexpr long largestProbedId = 1'048'575; // so that no answer of the system makes the probing endless
 
 /// The largest id a processor can have on this system.
@@ -30,8 +30,8 @@ ResultClass GetClassAndMethod(JNIEnv *env) {
 jobject makeProcessor(const ProcessorInfo &info, JNIEnv *env, const ResultClass &result) {
     const jni::LocalRef<jstring> processorType(env, jni::newString(env, info.processorType.c_str()));
     const jni::LocalRef<jstring> state(env, jni::newString(env, info.state.c_str()));
-    return jni::newObject(env, result.cls, result.constructor, jint{info.processorId}, processorType.get(),
-                          state.get(), jlong{info.clockMHz});
+    return jni::newObject(env, result.cls, result.constructor, jint{info.processorId}, processorType.get(), state.get(),
+                          jlong{info.clockMHz});
 }
 
 } // namespace
@@ -70,8 +70,9 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateProcessors(JN
     });
 }
 
-extern "C" JNIEXPORT jobject JNICALL
-Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getProcessor(JNIEnv *env, jobject, jint id) {
+extern "C" JNIEXPORT jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getProcessor(JNIEnv *env,
+                                                                                                            jobject,
+                                                                                                            jint id) {
     using namespace tarn;
     return runThrowingEntry(env, [&]() -> jobject {
         const ResultClass result = GetClassAndMethod(env);

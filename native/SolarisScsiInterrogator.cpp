@@ -22,7 +22,7 @@ extern "C" JNIEXPORT jstring JNICALL Java_com_kelvo_tarn_providers_solaris_Solar
         const char *const productText = product.get();
         scsiInterrogatorC(returnString, controller1Text, controller2Text, vendorText, productText);
         if (returnString[0] == '\0') {
-            std::strcpy(returnString, noDataReport);
+            std::memcpy(returnString, noDataReport, sizeof noDataReport);
         }
         return env->NewStringUTF(returnString);
     });

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <mutex>
 
+#include "common/Directory.h"
+#include "common/FileDescriptor.h"
 #include "platform/solaris.h"
 
 using namespace tarn;
@@ -37,53 +39,6 @@ using Path = std::array<char, pathSize>;
 /// The tables of the page decoding belong to the process, so one scan at a time uses them.
 std::mutex scanLock;
 
-/// A raw-disk device, opened to read without waiting for it and closed with its scope.
-class RawDevice {
-public:
-    explicit RawDevice(const Path &path) : fd(solaris::open(path.data(), O_RDONLY | O_NDELAY)) {
-    }
-    ~RawDevice() {
-        if (isOpen()) {
-            solaris::close(fd);
-        }
-    }
-    RawDevice(const RawDevice &) = delete;
-    RawDevice &operator=(const RawDevice &) = delete;
-
-    bool isOpen() const {
-        return fd != -1;
-    }
-    int descriptor() const {
-        return fd;
-    }
-
-private:
-    int fd;
-};
-
-/// The names of a directory, which is closed with its scope. One that cannot be opened is empty.
-class DirectoryNames {
-public:
-    explicit DirectoryNames(const char *path) : directory(solaris::opendir(path)) {
-    }
-    ~DirectoryNames() {
-        if (directory != nullptr) {
-            solaris::closedir(directory);
-        }
-    }
-    DirectoryNames(const DirectoryNames &) = delete;
-    DirectoryNames &operator=(const DirectoryNames &) = delete;
-
-    /// Null after the last one.
-    const char *next() {
-        const dirent *const entry = directory == nullptr ? nullptr : solaris::readdir(directory);
-        return entry == nullptr ? nullptr : entry->d_name;
-    }
-
-private:
-    DIR *directory;
-};
-
 /// One of the array's two controllers.
 struct Controller {
     std::array<char, controllerFieldSize> field{};
@@ -100,7 +55,7 @@ struct Lun {
     std::array<char, controllerIdSize> controller{}; // identity of its owner
 };
 
-/// What one call holds. Large, and on the caller's stack.
+/// What one scan holds: about 220 KB, on the stack.
 struct Scan {
     std::array<Controller, 2> controllers{};
     std::array<char, vendorSize> vendorField{};
@@ -115,7 +70,7 @@ struct Scan {
 /// Lays the text over the start of `width` blanks; what does not fit is cut. No terminator is written.
 void fillField(char *field, std::size_t width, const char *text) {
     std::memset(field, ' ', width);
-    std::memcpy(field, text, std::min(std::strlen(text), width));
+    std::copy_n(text, std::min(std::strlen(text), width), field);
 }
 
 void directToDataBuffer(Scan &scan) {
@@ -124,11 +79,15 @@ void directToDataBuffer(Scan &scan) {
     scan.command.uscsi_buflen = dataBufferSize;
 }
 
-/// Sends a read command that asks for `size` bytes, which is as far as the buffer has to be clean and as far as the
-/// answer is looked at. False when the request failed.
-bool read(Scan &scan, const RawDevice &device, int (*command)(int, uscsi_cmd *), std::size_t size) {
-    std::memset(scan.data.data(), 0, size);
-    return command(device.descriptor(), &scan.command) == 0;
+FileDescriptor openToRead(const Path &path) {
+    return FileDescriptor(solaris::open(path.data(), O_RDONLY | O_NDELAY));
+}
+
+/// Sends a read command into a cleared buffer: an answer that is cut short is followed by zeros, not by the one before.
+/// False when the request failed.
+bool read(Scan &scan, const FileDescriptor &device, int (*command)(int, uscsi_cmd *)) {
+    scan.data.fill(0);
+    return command(device.get(), &scan.command) == 0;
 }
 
 void traceCharacters(const unsigned char *characters, std::size_t count) {
@@ -175,18 +134,18 @@ const char *identifyLun(Scan &scan, const char *name, Lun &lun) {
     if (!makePath(lun.path, name)) {
         return "No open.";
     }
-    const RawDevice device(lun.path);
+    const FileDescriptor device = openToRead(lun.path);
     if (!device.isOpen()) {
         return "No open.";
     }
-    if (!read(scan, device, scsiStandardInquiry, inquirySize)) {
+    if (!read(scan, device, scsiStandardInquiry)) {
         return "No SCSI Standard Inquiry.";
     }
     traceInquiry(scan.data.data());
     if (!isOfArray(scan, lun.isUtm)) {
         return "not a recognized LSI-derived LUN - skipping. ";
     }
-    if (!read(scan, device, scsiInquiryVPDC0, inquirySize)) {
+    if (!read(scan, device, scsiInquiryVPDC0)) {
         return "scsiInquiryVPDC0 failed - skipping. ";
     }
     std::memcpy(lun.controller.data(), scan.data.data() + pageC0ControllerAt, controllerIdSize);
@@ -218,8 +177,8 @@ void assignLun(Scan &scan, const Lun &lun) {
 
 /// Chooses one LUN per controller among the whole-disk entries of the raw-device directory.
 void discoverLuns(Scan &scan) {
-    DirectoryNames names(rawDeviceDirectory);
-    while (const char *const name = names.next()) {
+    Directory directory(rawDeviceDirectory);
+    while (const char *const name = directory.next()) {
         if (std::strstr(name, wholeDiskSlice) == nullptr) {
             continue;
         }
@@ -248,9 +207,9 @@ void traceChosenLuns(const Scan &scan) {
                      kind(second));
 }
 
-void sendLogSelect(Scan &scan, const RawDevice &device) {
+void sendLogSelect(Scan &scan, const FileDescriptor &device) {
     scan.command.uscsi_flags = USCSI_WRITE;
-    if (scsiLogSelect30(device.descriptor(), &scan.command) != 0) {
+    if (scsiLogSelect30(device.get(), &scan.command) != 0) {
         standalonePuts("scsiLogSelect30 failed - ignoring");
     }
     directToDataBuffer(scan);
@@ -259,15 +218,15 @@ void sendLogSelect(Scan &scan, const RawDevice &device) {
 /// Reads and decodes both pages of a controller through its chosen LUN. Returns null, or why there is nothing of it.
 const char *readStatistics(Scan &scan, std::size_t index) {
     Controller &controller = scan.controllers[index];
-    const RawDevice device(controller.chosenLun);
+    const FileDescriptor device = openToRead(controller.chosenLun);
     if (!device.isOpen()) {
         return "No open during inbanding.";
     }
-    if (!read(scan, device, scsiReceiveDiagnosticA0, dataBufferSize)) {
+    if (!read(scan, device, scsiReceiveDiagnosticA0)) {
         return "scsiReceiveDiagnosticA0 failed - skipping.";
     }
     processReceiveDiagnosticA0buffer(scan.data.data());
-    if (!read(scan, device, scsiLogSense3B, dataBufferSize)) {
+    if (!read(scan, device, scsiLogSense3B)) {
         return "scsiLogSense3B failed - skipping.";
     }
     processLogSense3Bbuffer(scan.data.data(), &controller.numberOfDrivesOut, scan.commonReturnString[index],
@@ -294,7 +253,7 @@ void composeResult(Scan &scan) {
     const Controller &first = scan.controllers[0];
     const Controller &second = scan.controllers[1];
     if (first.logSelect != 0 || second.logSelect != 0) {
-        std::strcpy(scan.result, logSelectReport);
+        std::memcpy(scan.result, logSelectReport, sizeof logSelectReport);
         return;
     }
     buildReturnString(scan.result, scan.commonReturnString[0], scan.uncommonReturnString[0], first.numberOfDrivesOut,
@@ -306,7 +265,7 @@ void composeResult(Scan &scan) {
 int scsiInterrogatorC(char *returnString, const char *controller1Id, const char *controller2Id, const char *vendorId,
                       const char *productId) {
     if (controller1Id[0] == '\0' || controller2Id[0] == '\0') {
-        std::strcpy(returnString, noDataReport);
+        std::memcpy(returnString, noDataReport, sizeof noDataReport);
         return 0;
     }
     const std::lock_guard<std::mutex> onlyScan(scanLock);
@@ -325,6 +284,6 @@ int scsiInterrogatorC(char *returnString, const char *controller1Id, const char 
     composeResult(scan);
 
     standalonePrintf("returnString:%s\n", scan.result);
-    std::strcpy(returnString, scan.result);
+    std::memcpy(returnString, scan.result, std::strlen(scan.result) + 1);
     return 0;
 }

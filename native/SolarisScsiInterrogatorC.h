@@ -1,9 +1,9 @@
 #pragma once
 
-#include <sys/scsi/impl/uscsi.h>
-
 #include <cstddef>
 #include <cstdint>
+
+#include "platform/solaris.h"
 
 // The array interrogator: finds one LUN per controller of a two-controller array, reads over SCSI pass-through the
 // statistics that the controllers keep of their drives, and returns them as one string of fixed-width numbers.
@@ -33,7 +33,7 @@ static_assert(commonStringSize == 2699 && uncommonStringSize == 35841 && returnS
 
 /// The reports that hold no statistics.
 constexpr const char noDataReport[] = "    0";    // nothing could be read, or no drive has a place
-constexpr const char logSelectReport[] = "   -2"; // a controller had to be told to collect statistics
+constexpr const char logSelectReport[] = "   -2"; // a controller was sent LOG SELECT page 0x30
 
 constexpr unsigned driveChannels = 16;        // that statistics pages report on
 constexpr unsigned translationChannels = 256; // rows of the translation table; pages name 0 to 31
@@ -116,7 +116,7 @@ int scsiInquiryVPDC0(int descriptor, uscsi_cmd *command);        ///< vendor-spe
 int scsiLogSense3B(int descriptor, uscsi_cmd *command);          ///< statistics, at most `dataBufferSize` bytes
 int scsiReceiveDiagnosticA0(int descriptor, uscsi_cmd *command); ///< enclosure translation, likewise
 
-/// Tells the controller to collect statistics. The caller sets `uscsi_flags` to 0 (data to the device) before, and
+/// LOG SELECT of page 0x30 with one parameter. The caller sets `uscsi_flags` to 0 (data to the device) before, and
 /// afterwards puts back the flags and its own buffer and length, which this call has replaced.
 int scsiLogSelect30(int descriptor, uscsi_cmd *command);
 
@@ -153,7 +153,8 @@ int buildReturnString(char *returnString, const char *commonReturnString, const 
 /// Scans the array whose controllers report these identities (at most 16 characters each) in INQUIRY page 0xC0, and
 /// whose data LUNs report `vendorId` (8) and `productId` (16) in their INQUIRY data; longer texts are cut, shorter ones
 /// padded with blanks. The report goes to `returnString` (`returnStringSize` bytes), in which failures show as missing
-/// data. One scan runs at a time, a second one waits. Needs about 220 KB of stack. Returns 0.
+/// data. One scan runs at a time, a second one waits. Needs about 220 KB of stack, 290 KB with the entry's own report
+/// buffer. Returns 0.
 int scsiInterrogatorC(char *returnString, const char *controller1Id, const char *controller2Id, const char *vendorId,
                       const char *productId);
 }

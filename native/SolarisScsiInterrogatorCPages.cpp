@@ -234,7 +234,7 @@ public:
         return count;
     }
 
-    /// Drives that did I/Os of no blocks: the controller is not collecting what is asked for.
+    /// The drives did I/Os, but of no blocks.
     bool needsLogSelect() const {
         return anyIOs && !anyBlocks;
     }

@@ -43,7 +43,8 @@ private:
         }
         room.take(3);
         const jobject hba = cache.MakeHba(index, adapterAttributes);
-        const jsize portCount = believed("ports", adapterAttributes.NumberOfPorts, maximumPorts);
+        const jsize portCount =
+            believed([] { return std::string("ports"); }, adapterAttributes.NumberOfPorts, maximumPorts);
         const jobjectArray ports = jni::newObjectArray(env, portCount, cache.hbaPortRecord.cls);
         jni::setElement(env, result, index, cache.hbaRecord.constructor.make(hba, ports));
 
@@ -59,15 +60,13 @@ private:
     void fetchTargetMapping() {
         bool isFetched =
             mapping.fetch([this](HBA_FCPTARGETMAPPING *storage) { return HBA_GetFcpTargetMapping(handle, storage); });
-        HBA_STATUS status = mapping.status();
         try {
             remotePorts.build(mapping.entries());
         } catch (const std::bad_alloc &) {
             isFetched = false;
-            status = HBA_STATUS_ERROR_MORE_DATA;
         }
         if (!isFetched) {
-            warn(BadStatus("GetFcpTargetMapping", status, index, shownName.data()));
+            warn(BadStatus("GetFcpTargetMapping", mapping.status(), index, shownName.data()));
         }
     }
 
@@ -82,7 +81,7 @@ private:
         if (!refuses("GetPortStatistics", HBA_GetPortStatistics(handle, port, &portStatistics))) {
             statistics = cache.MakeHbaPortStats(portAttributes, portStatistics);
         }
-        const jsize discoveredCount = believed("discovered ports of port " + std::to_string(p),
+        const jsize discoveredCount = believed([p] { return "discovered ports of port " + std::to_string(p); },
                                                portAttributes.NumberofDiscoveredPorts, maximumDiscoveredPorts);
         const jobjectArray discovered = jni::newObjectArray(env, discoveredCount, cache.hbaDiscoveredPortRecord.cls);
         jni::setElement(env, ports, p, cache.hbaPortRecord.constructor.make(portInstance, statistics, discovered));
@@ -125,11 +124,12 @@ private:
     }
 
     /// The count, or none, which is logged, when it is out of all reason.
-    jsize believed(const std::string &what, HBA_UINT32 count, HBA_UINT32 maximum) {
+    template <class What>
+    jsize believed(What what, HBA_UINT32 count, HBA_UINT32 maximum) {
         if (count <= maximum) {
             return static_cast<jsize>(count);
         }
-        warn(tooMany(what, count, adapterText(index, shownName.data()), maximum).c_str());
+        warn(tooMany(what(), count, adapterText(index, shownName.data()), maximum).c_str());
         return 0;
     }
 

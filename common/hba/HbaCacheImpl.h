@@ -19,7 +19,7 @@ public:
     HbaCacheImpl(JNIEnv *environment, jobject hbaCacheObject, jobject hbaClassNamesObject);
 
     /// The whole cache, as HbaCache$Hba[]; an element that could not be read is null. Null when there is no room for
-    /// its local references.
+    /// its local references, and, with a log line, when the library reports more adapters than any host has.
     jobjectArray FillCache();
 
     /// Adds to the java.util.List what the HBA library says of itself, line by line.
@@ -45,7 +45,7 @@ public:
     jobject GetPortType(unsigned int portType);
     jobject GetPortState(unsigned int portState);
     jobject GetOperationalStatus(unsigned int portState);
-    /// One element per bit that is set, from bit 0 up (UnsignedInt16[]).
+    /// One element per bit that is set, from bit 0 up (UnsignedInt16[]). Null when there is no room for so many.
     jobject GetCOS(unsigned int classesOfService);
     /// In bits per second (UnsignedInt64); 0 for a speed that the API does not name.
     jobject GetPortSpeed(unsigned int speed);

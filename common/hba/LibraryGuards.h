@@ -10,6 +10,7 @@ namespace tarn {
 ///
 /// The library keeps one load state for the whole process: it refuses a second load, and a free takes it away from
 /// every user. So whoever holds this holds the process-wide lock with it, and a second native call waits for the first.
+/// Java code that is called meanwhile must not come back for the library on the same thread.
 class WithHbaLibrary {
 public:
     WithHbaLibrary();

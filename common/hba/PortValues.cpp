@@ -101,7 +101,7 @@ jobject HbaCacheImpl::GetCOS(unsigned int classesOfService) {
     const jsize count = std::popcount(classesOfService);
     if (count > namedClasses && env->EnsureLocalCapacity(count + portValuesCapacity) < 0) {
         env->ExceptionClear();
-        throw NoInstance{}; // as if the frame itself had been refused
+        return nullptr; // the instance goes without them
     }
     const jobjectArray classes = jni::newObjectArray(env, count, unsignedInt16.cls);
     jsize next = 0;

@@ -50,7 +50,7 @@ private:
         if (!isRefreshed) {
             addLine("  (HBA_RefreshInformation not called.)");
         }
-        const HBA_UINT32 ports = believed("ports", attributes.NumberOfPorts, maximumPorts);
+        const HBA_UINT32 ports = believed([] { return std::string("ports"); }, attributes.NumberOfPorts, maximumPorts);
         for (HBA_UINT32 p = 0; p < ports; ++p) {
             walkPort(p);
         }
@@ -65,7 +65,7 @@ private:
         addLine("  Port index %d NWWN=%s", static_cast<int>(p), toString(port.NodeWWN));
         addLine("    PWWN=%s FcId=0x%lx", toString(port.PortWWN), static_cast<unsigned long>(port.PortFcId));
 
-        const HBA_UINT32 discovered = believed("discovered ports of port " + std::to_string(p),
+        const HBA_UINT32 discovered = believed([p] { return "discovered ports of port " + std::to_string(p); },
                                                port.NumberofDiscoveredPorts, maximumDiscoveredPorts);
         for (HBA_UINT32 d = 0; d < discovered; ++d) {
             HBA_PORTATTRIBUTES remote{};
@@ -105,11 +105,12 @@ private:
     }
 
     /// The count, or none, which gets its line, when it is out of all reason.
-    HBA_UINT32 believed(const std::string &what, HBA_UINT32 count, HBA_UINT32 maximum) {
+    template <class What>
+    HBA_UINT32 believed(What what, HBA_UINT32 count, HBA_UINT32 maximum) {
         if (count <= maximum) {
             return count;
         }
-        addLine("%s", tooMany(what, count, adapterText(index, name.data()), maximum).c_str());
+        addLine("%s", tooMany(what(), count, adapterText(index, name.data()), maximum).c_str());
         return 0;
     }
 

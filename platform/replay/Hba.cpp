@@ -32,6 +32,9 @@ struct Library {
         if (answers.always) {
             return answers.statuses.front();
         }
+        if (answers.statuses.empty()) {
+            return HBA_STATUS_OK;
+        }
         std::size_t &given = answersGiven[&answers];
         return given < answers.statuses.size() ? answers.statuses[given++] : HBA_STATUS_OK;
     }

@@ -47,6 +47,19 @@ std::string hexText(std::span<const unsigned char> bytes) {
     return text;
 }
 
+/// Whether the page length and the parameter lengths of a LOG SELECT parameter list come out at its end.
+bool isWellFormed(std::span<const unsigned char> list) {
+    constexpr std::size_t headerSize = 4; // of the page, and of each parameter
+    if (list.size() < headerSize || headerSize + static_cast<std::size_t>(list[2] << 8 | list[3]) != list.size()) {
+        return false;
+    }
+    std::size_t at = headerSize;
+    while (at + headerSize <= list.size()) {
+        at += headerSize + list[at + 3];
+    }
+    return at == list.size();
+}
+
 /// The device does not do what it was told.
 int refuseCommand(uscsi_cmd &command) {
     command.uscsi_status = checkCondition;
@@ -78,8 +91,14 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
     if (!known->sendsData) {
         moved = std::min({answer->second.size(), count, command.uscsi_buflen});
         std::copy_n(answer->second.data(), moved, command.uscsi_bufaddr);
-    } else if (count == 0 || static_cast<unsigned char>(*command.uscsi_bufaddr) != logSelectPage) {
-        return refuseCommand(command);
+    } else {
+        const std::span list(reinterpret_cast<const unsigned char *>(command.uscsi_bufaddr), count);
+        if (list.empty() || list.front() != logSelectPage) {
+            return refuseCommand(command);
+        }
+        if (!isWellFormed(list)) {
+            return EINVAL;
+        }
     }
     command.uscsi_status = 0;
     command.uscsi_resid = command.uscsi_buflen - moved;
