@@ -1,106 +1,75 @@
-#include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
+#include <span>
+#include <stdexcept>
 
 #include "tests/native/PageDecoding.h"
 
 // libFuzzer target over the page decoding, which it compares with the checked model. Run by hand:
 //
-//     page_fuzzer --write-seeds=DIR       writes a seed corpus
+//     page_fuzzer --write-seeds DIR       writes a seed corpus
 //     page_fuzzer -max_len=4096 DIR       runs until a finding or an interrupt
 //
-// An input is read as
+// An input is one scan: translation and statistics page of the first controller, then those of the second. Each page is
 //
-//     byte 0     bit 0: the drives of the input before stay, as those of the first controller do for the second
-//                bit 1: the statistics page's parameters are moved to the end of the data buffer
-//     byte 1     how many bytes before the end of the buffer the moved parameters begin, less 4
-//     bytes 2-3  size of the translation page, big-endian
-//     then       the translation page, then the statistics page
+//     bytes 0-1  its size, big-endian
+//     byte 2     0, or how many bytes before the end of the data buffer its contents after the header are moved
+//     then       its bytes, as far as there are any
+
+using namespace pages;
 
 namespace {
 
-using pages::Bytes;
-
-constexpr std::size_t inputHeaderSize = 4;
-constexpr std::uint8_t keepDrives = 1;
-constexpr std::uint8_t moveToEnd = 2;
-
-Bytes cut(const std::uint8_t *begin, const std::uint8_t *end) {
-    Bytes page(begin, begin + std::min<std::ptrdiff_t>(end - begin, pages::bufferSize));
-    page.resize(std::max<std::size_t>(page.size(), 4));
+Bytes takePage(std::span<const std::uint8_t> &input) {
+    Bytes page(4);
+    if (input.size() >= 3) {
+        const auto contents = input.subspan(3, std::min(input[0] * std::size_t{256} + input[1], input.size() - 3));
+        page.assign(contents.begin(), contents.end());
+        page.resize(std::max<std::size_t>(page.size(), 4));
+        if (input[2] != 0) {
+            const Bytes filled = StatisticsPage().fillTo(bufferSize - input[2]).bytes();
+            page.insert(page.begin() + 4, filled.begin() + 4, filled.end());
+            page.resize(bufferSize);
+        }
+        input = input.subspan(3 + contents.size());
+    }
     return page;
 }
 
-/// Puts the page's parameters, but not its header, that far before the end of the buffer.
-Bytes moved(const Bytes &page, std::size_t fromEnd) {
-    Bytes result = pages::StatisticsPage().fillTo(pages::bufferSize - fromEnd).bytes();
-    std::copy_n(page.begin(), 4, result.begin());
-    result.insert(result.end(), page.begin() + 4, page.end());
-    result.resize(pages::bufferSize);
-    return result;
-}
-
-void writeSeed(const std::string &path, std::uint8_t flags, std::uint8_t fromEnd, const Bytes &translation,
-               const Bytes &statistics) {
-    Bytes input{flags, fromEnd};
-    pages::append16(input, static_cast<unsigned>(translation.size()));
-    input.insert(input.end(), translation.begin(), translation.end());
-    input.insert(input.end(), statistics.begin(), statistics.end());
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char *>(input.data()), std::ssize(input));
-}
-
-void writeSeeds(const std::string &directory) {
-    const pages::ControllerPages few(3);
-    const pages::ControllerPages many(60);
-    pages::StatisticsPage dictionary;
-    for (const unsigned code : pages::dictionaryCodes) {
-        dictionary.parameter(code, Bytes(code == 0x8160 ? 128 : 10, 'x'));
+/// `fromEnd` is for the statistics pages.
+void writeSeed(const std::string &path, const ControllerPages &one, const ControllerPages &two, unsigned fromEnd) {
+    Bytes input;
+    for (const Bytes &page : {one.translation, one.statistics, two.translation, two.statistics}) {
+        append(input, 2, page.size());
+        append(input, 1, page[0] == 0x3B ? fromEnd : 0);
+        input.insert(input.end(), page.begin(), page.end());
     }
-    const Bytes longest = pages::withPageLength(few.statistics, 0xFFFF);
-    writeSeed(directory + "/few", 0, 0, few.translation, few.statistics);
-    writeSeed(directory + "/many", keepDrives, 0, many.translation, many.statistics);
-    writeSeed(directory + "/dictionary", 0, 0, few.translation, dictionary.bytes());
-    writeSeed(directory + "/at-end", moveToEnd, 116, few.translation, longest);
-    writeSeed(directory + "/across-end", moveToEnd, 100, few.translation, longest);
-    writeSeed(directory + "/dictionary-at-end", moveToEnd, 255, few.translation,
-              pages::withPageLength(dictionary.bytes(), 0xFFFF));
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char *>(input.data()), std::ssize(input));
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) {
-    constexpr char option[] = "--write-seeds=";
-    for (int i = 1; i < *argc; ++i) {
-        if (std::strncmp((*argv)[i], option, sizeof option - 1) == 0) {
-            writeSeeds((*argv)[i] + sizeof option - 1);
-            std::exit(0);
-        }
+    if (*argc == 3 && std::string((*argv)[1]) == "--write-seeds") {
+        const ControllerPages three(3);
+        StatisticsPage dictionary;
+        std::ranges::for_each(dictionaryCodes, [&](unsigned code) { dictionary.parameter(code, Bytes(10, 'x')); });
+        writeSeed((*argv)[2] + std::string("/start"), {three.translation, dictionary.bytes()}, ControllerPages(16, 7),
+                  0);
+        // The first page ends with the buffer, the second does not fit.
+        writeSeed((*argv)[2] + std::string("/end"), {three.translation, withPageLength(three.statistics, 0xFFFF)},
+                  {three.translation, withPageLength(dictionary.bytes(), 0xFFFF)}, 120);
+        std::exit(0);
     }
     return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *input, std::size_t size) {
-    if (size < inputHeaderSize) {
-        return 0;
-    }
-    const std::uint8_t *const begin = input + inputHeaderSize;
-    const std::uint8_t *const end = input + size;
-    const std::uint8_t *const middle = begin + std::min<std::ptrdiff_t>(end - begin, input[2] * 256 + input[3]);
-    const Bytes translation = cut(begin, middle);
-    Bytes statistics = cut(middle, end);
-    if ((input[0] & moveToEnd) != 0) {
-        statistics = moved(statistics, input[1] + 4U);
-    }
-    static pages::CheckedDecoding decoding;
-    static bool isFirst = true;
-    const bool newScan = isFirst || (input[0] & keepDrives) == 0;
-    isFirst = false;
-    const std::string difference = decoding.run(newScan, translation, statistics);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    std::span<const std::uint8_t> input(data, size);
+    const std::string difference =
+        compareDecodings({{takePage(input), takePage(input)}, {takePage(input), takePage(input)}});
     if (!difference.empty()) {
-        std::fprintf(stderr, "The decoding differs from the model: %s\n", difference.c_str());
-        std::abort();
+        throw std::logic_error("The decoding differs from the model: " + difference);
     }
     return 0;
 }

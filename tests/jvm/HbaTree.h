@@ -10,15 +10,15 @@
 
 namespace jvm {
 
-/// A filled HBA cache as lines: where, what, and the values of the instance in the order of its class's properties, such
-/// as "0/1/0/remote 200000e08b010203|...". A hole is "0/1 null". Of a target mapping's two ports "=|=|" says that they
-/// are those it stands under.
+/// A filled HBA cache as lines: where, what, and the values of the instance in the order of its class's properties,
+/// such as "0/1/0/remote 200000e08b010203|...". A hole is "0/1 null". Of a target mapping's two ports "=|=|" says that
+/// they are those it stands under.
 class HbaTree {
 public:
     HbaTree(JNIEnv *environment, jobjectArray cache) : env(environment) {
         addElements(cache, "", [&](jobject hba, const std::string &at) {
-            lines.push_back(at + "adapter " + instanceText(env, part(hba, "instance", instanceType)));
-            addElements(part(hba, "ports", "[Lcom/kelvo/tarn/providers/hba/HbaCache$HbaPort;"), at,
+            addInstance(hba, "instance", at + "adapter ");
+            addElements(call(env, hba, "ports", (records + "$HbaPort;").c_str()), at,
                         [&](jobject port, const std::string &where) { addPort(port, where); });
         });
     }
@@ -27,36 +27,37 @@ public:
 
     /// What is where, without its values.
     std::vector<std::string> shape() const {
-        std::vector<std::string> places;
-        for (const std::string &line : lines) {
-            places.push_back(line.ends_with(" null") ? line : line.substr(0, line.find(' ')));
+        std::vector<std::string> places = lines;
+        for (std::string &place : places) {
+            place.resize(place.ends_with(" null") ? place.size() : place.find(' '));
         }
         return places;
     }
 
     /// The values of what is there.
     std::string values(const std::string &where) const {
-        const auto found =
-            std::ranges::find_if(lines, [&](const std::string &line) { return line.starts_with(where + " "); });
+        const auto found = std::ranges::find_if(lines, [&](auto &line) { return line.starts_with(where + " "); });
         return found == lines.end() ? "not found" : found->substr(where.size() + 1);
     }
 
 private:
-    static constexpr const char *instanceType = "Lcom/kelvo/tarn/TrInstance;";
+    const std::string records = "()[Lcom/kelvo/tarn/providers/hba/HbaCache";
+
+    jobject addInstance(jobject record, const char *part, const std::string &head) {
+        const jobject instance = call(env, record, part, "()Lcom/kelvo/tarn/TrInstance;");
+        lines.push_back(head + instanceText(env, instance));
+        return instance;
+    }
 
     void addPort(jobject record, const std::string &at) {
-        const jobject port = part(record, "instance", instanceType);
-        lines.push_back(at + "port " + instanceText(env, port));
-        lines.push_back(at + "statistics " + instanceText(env, part(record, "statistics", instanceType)));
-        addElements(part(record, "discoveredPorts", "[Lcom/kelvo/tarn/providers/hba/HbaCache$HbaDiscoveredPort;"), at,
-                    [&](jobject remoteRecord, const std::string &where) {
-                        const jobject remote = part(remoteRecord, "instance", instanceType);
-                        lines.push_back(where + "remote " + instanceText(env, remote));
-                        addElements(part(remoteRecord, "targetMappings", "[Lcom/kelvo/tarn/TrInstance;"), where,
-                                    [&](jobject mapping, const std::string &there) {
-                                        addMapping(mapping, there, port, remote);
-                                    });
-                    });
+        const jobject port = addInstance(record, "instance", at + "port ");
+        addInstance(record, "statistics", at + "statistics ");
+        const auto addRemote = [&](jobject remoteRecord, const std::string &where) {
+            const jobject remote = addInstance(remoteRecord, "instance", where + "remote ");
+            addElements(call(env, remoteRecord, "targetMappings", "()[Lcom/kelvo/tarn/TrInstance;"), where,
+                        [&](jobject mapping, const auto &there) { addMapping(mapping, there, port, remote); });
+        };
+        addElements(call(env, record, "discoveredPorts", (records + "$HbaDiscoveredPort;").c_str()), at, addRemote);
     }
 
     void addMapping(jobject mapping, const std::string &at, jobject port, jobject remote) {
@@ -70,24 +71,15 @@ private:
                         text.substr(text.find('|', text.find('|') + 1) + 1));
     }
 
-    jobject part(jobject record, const char *name, const std::string &type) {
-        return call(env, record, name, ("()" + type).c_str());
-    }
-
-    template <class Add>
-    void addElements(jobject array, const std::string &at, const Add &add) {
-        if (array == nullptr) {
-            lines.push_back(at + "no array");
-            return;
-        }
-        for (jsize i = 0; i < env->GetArrayLength(static_cast<jobjectArray>(array)); ++i) {
+    void addElements(jobject list, const std::string &at, const auto &add) {
+        const auto array = static_cast<jobjectArray>(list);
+        lines.insert(lines.end(), array == nullptr ? 1 : 0, at + "no array");
+        for (jsize i = 0; array != nullptr && i < env->GetArrayLength(array); ++i) {
             env->PushLocalFrame(32);
-            const jobject element = env->GetObjectArrayElement(static_cast<jobjectArray>(array), i);
-            const std::string where = at + std::to_string(i);
-            if (element == nullptr) {
-                lines.push_back(where + " null");
+            if (const jobject element = env->GetObjectArrayElement(array, i); element == nullptr) {
+                lines.push_back(at + std::to_string(i) + " null");
             } else {
-                add(element, where + "/");
+                add(element, at + std::to_string(i) + "/");
             }
             env->PopLocalFrame(nullptr);
         }

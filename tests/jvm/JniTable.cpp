@@ -4,9 +4,10 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
+#include <numeric>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 
 #include "platform/replay/Replay.h"
 #include "tests/jvm/Jvm.h"
@@ -22,6 +23,7 @@ struct Function {
     const char *throws;       // the error that a refusal leaves pending; null: the function cannot fail
     bool mayReturnNull;       // without an exception
     bool allowedWhilePending; // with an exception
+    bool isForbidden = false;
 };
 
 template <class Argument>
@@ -36,27 +38,27 @@ void describe(std::ostream &out, const std::map<jclass, std::string> &classNames
     }
 }
 
-/// Whether a method is called on null, which the JNI does not forgive.
-template <class... Rest>
-bool lacksReceiver(jobject receiver, jmethodID, Rest...) {
-    return receiver == nullptr;
-}
-template <class... Arguments>
-bool lacksReceiver(Arguments...) {
-    return false;
-}
-
 } // namespace
+
+using T = JNINativeInterface_;
 
 struct Overlay {
     template <auto member>
     struct Of;
+    template <auto member>
+    struct Slot {};
 
     /// Puts the recording function over the real one.
     template <auto member>
-    static void lay(JNINativeInterface_ &table, const Function &function) {
+    static void lay(T &table, const Function &function) {
         Of<member>::function = function;
         table.*member = &Of<member>::call;
+    }
+
+    /// For functions that would tell of a reference kept beyond the call, or of a lookup that is not specified.
+    template <auto... members>
+    static void forbid(T &table) {
+        (lay<members>(table, {"a JNI function that the library has no need of", nullptr, false, true, true}), ...);
     }
 
     static bool isRefusedNow(JniTable &table, const Function &function, const std::string &line) {
@@ -72,124 +74,52 @@ struct Overlay {
         return true;
     }
 
-    template <class Reference>
-    static void count(JniTable &table, Reference reference) {
-        if (reference != nullptr) {
-            ++table.frames.back();
-            int live = 0;
-            for (const int inFrame : table.frames) {
-                live += inFrame;
-            }
-            table.peakLocalReferences = std::max(table.peakLocalReferences, live);
-        }
+    static void countReference(JniTable &table, bool isThere) {
+        table.frames.back() += isThere ? 1 : 0;
+        table.peakLocalReferences =
+            std::max(table.peakLocalReferences, std::accumulate(table.frames.begin(), table.frames.end(), 0));
     }
 
-    static void noteWrong(JniTable &table, const std::string &what) {
-        table.wrong.push_back(what);
+    // What opens or closes something is counted: closing before the call, opening after it.
+
+    template <auto member, class... Arguments>
+    static void before(Slot<member>, JniTable &, Arguments...) {
     }
-
-    template <class Result, class... Arguments>
-    static Result record(const Function &function, Result (*real)(JNIEnv *, Arguments...), JNIEnv *env,
-                         Arguments... arguments) {
-        JniTable &table = *laid;
-        env->functions = table.real; // what Java calls meanwhile is its own business
-        struct Relay {
-            ~Relay() {
-                env->functions = &table.table;
-            }
-            JNIEnv *env;
-            JniTable &table;
-        } const relay{env, table};
-
-        std::ostringstream line;
-        line << function.name;
-        (describe(line, table.classNames, arguments), ...);
-        table.calls.push_back(line.str());
-        if (!function.allowedWhilePending && env->ExceptionCheck() == JNI_TRUE) {
-            noteWrong(table, "with an exception pending: " + line.str());
-        }
-        if (lacksReceiver(arguments...)) {
-            noteWrong(table, "on null: " + line.str());
-        }
-        if (isRefusedNow(table, function, line.str())) {
-            if constexpr (std::is_same_v<Result, jint>) {
-                return JNI_ENOMEM;
-            } else if constexpr (!std::is_void_v<Result>) {
-                return Result{};
-            } else {
-                return;
-            }
-        }
-        if constexpr (std::is_void_v<Result>) {
-            real(env, arguments...);
-        } else {
-            const Result result = real(env, arguments...);
-            if constexpr (std::is_convertible_v<Result, jobject>) {
-                count(table, result);
-            }
-            return result;
+    template <auto member, class... Rest>
+    static void before(Slot<member>, JniTable &table, jobject receiver, jmethodID, Rest...) {
+        if (receiver == nullptr) { // which the JNI does not forgive
+            table.wrong.push_back("on null: " + table.calls.back());
         }
     }
-
-    // Functions that open or close something are counted besides.
-
-    static jclass findClass(JNIEnv *env, const char *name) {
-        static const Function function{"FindClass", "java/lang/NoClassDefFoundError", false, false};
-        JniTable &table = *laid;
-        const jclass cls = record(function, table.real->FindClass, env, name);
-        if (cls != nullptr) {
-            table.classNames[cls] = name;
-        }
-        return cls;
-    }
-
-    static const char *getStringUTFChars(JNIEnv *env, jstring string, jboolean *isCopy) {
-        static const Function function{"GetStringUTFChars", "java/lang/OutOfMemoryError", false, false};
-        JniTable &table = *laid;
-        const char *const characters = record(function, table.real->GetStringUTFChars, env, string, isCopy);
-        if (characters != nullptr) {
-            ++table.fetched[characters];
-        }
-        return characters;
-    }
-
-    static void releaseStringUTFChars(JNIEnv *env, jstring string, const char *characters) {
-        static const Function function{"ReleaseStringUTFChars", nullptr, false, true};
-        JniTable &table = *laid;
+    static void before(Slot<&T::ReleaseStringUTFChars>, JniTable &table, jstring, const char *characters) {
         if (--table.fetched[characters] < 0) {
-            noteWrong(table, "characters released that were not fetched");
+            table.wrong.emplace_back("characters released that were not fetched");
         }
-        record(function, table.real->ReleaseStringUTFChars, env, string, characters);
     }
-
-    static jint pushLocalFrame(JNIEnv *env, jint capacity) {
-        static const Function function{"PushLocalFrame", "java/lang/OutOfMemoryError", false, true};
-        JniTable &table = *laid;
-        const jint status = record(function, table.real->PushLocalFrame, env, capacity);
-        if (status >= 0) {
-            table.frames.push_back(0);
-        }
-        return status;
-    }
-
-    static jobject popLocalFrame(JNIEnv *env, jobject survivor) {
-        static const Function function{"PopLocalFrame", nullptr, false, true};
-        JniTable &table = *laid;
+    static void before(Slot<&T::PopLocalFrame>, JniTable &table, jobject) {
         if (table.frames.size() == 1) {
-            noteWrong(table, "a frame popped that was not pushed");
+            table.wrong.emplace_back("a frame popped that was not pushed");
         } else {
             table.frames.pop_back();
         }
-        return record(function, table.real->PopLocalFrame, env, survivor);
+    }
+    static void before(Slot<&T::DeleteLocalRef>, JniTable &table, jobject reference) {
+        table.frames.back() -= reference != nullptr ? 1 : 0;
     }
 
-    static void deleteLocalRef(JNIEnv *env, jobject reference) {
-        static const Function function{"DeleteLocalRef", nullptr, false, true};
-        JniTable &table = *laid;
-        if (reference != nullptr) {
-            --table.frames.back();
+    template <auto member, class Result, class... Arguments>
+    static void after(Slot<member>, JniTable &, Result, Arguments...) {
+    }
+    static void after(Slot<&T::FindClass>, JniTable &table, jclass cls, const char *name) {
+        table.classNames[cls] = cls == nullptr ? "null" : name;
+    }
+    static void after(Slot<&T::GetStringUTFChars>, JniTable &table, const char *characters, jstring, jboolean *) {
+        table.fetched[characters] += characters != nullptr ? 1 : 0;
+    }
+    static void after(Slot<&T::PushLocalFrame>, JniTable &table, jint status, jint) {
+        if (status >= 0) {
+            table.frames.push_back(0);
         }
-        record(function, table.real->DeleteLocalRef, env, reference);
     }
 };
 
@@ -198,18 +128,55 @@ struct Overlay::Of<member> {
     static inline Function function{};
 
     static Result call(JNIEnv *env, Arguments... arguments) {
-        return record(function, laid->real->*member, env, arguments...);
+        JniTable &table = *laid;
+        env->functions = table.real; // what Java calls meanwhile is its own business
+        struct Relay {
+            ~Relay() {
+                laid->env->functions = &laid->table;
+            }
+        } const relay;
+
+        std::ostringstream text;
+        text << function.name;
+        (describe(text, table.classNames, arguments), ...);
+        const std::string &line = table.calls.emplace_back(text.str());
+        if (function.isForbidden) {
+            table.wrong.push_back(line);
+        }
+        if (!function.allowedWhilePending && env->ExceptionCheck() == JNI_TRUE) {
+            table.wrong.push_back("with an exception pending: " + line);
+        }
+        before(Slot<member>{}, table, arguments...);
+        if (isRefusedNow(table, function, line)) {
+            if constexpr (std::is_same_v<Result, jint>) {
+                return JNI_ENOMEM;
+            } else {
+                return Result();
+            }
+        }
+        if constexpr (std::is_void_v<Result>) {
+            (table.real->*member)(env, arguments...);
+        } else {
+            const Result result = (table.real->*member)(env, arguments...);
+            if constexpr (std::is_convertible_v<Result, jobject>) {
+                countReference(table, result != nullptr);
+            }
+            after(Slot<member>{}, table, result, arguments...);
+            return result;
+        }
     }
 };
 
 JniTable::JniTable(JNIEnv *environment) : env(environment), real(environment->functions), table(*real) {
     constexpr const char *outOfMemory = "java/lang/OutOfMemoryError";
     constexpr const char *javaThrew = "java/lang/IllegalStateException";
-    using T = JNINativeInterface_;
+    Overlay::lay<&T::FindClass>(table, {"FindClass", "java/lang/NoClassDefFoundError", false, false});
     Overlay::lay<&T::GetMethodID>(table, {"GetMethodID", "java/lang/NoSuchMethodError", false, false});
     Overlay::lay<&T::GetStaticMethodID>(table, {"GetStaticMethodID", "java/lang/NoSuchMethodError", false, false});
     Overlay::lay<&T::GetStaticFieldID>(table, {"GetStaticFieldID", "java/lang/NoSuchFieldError", false, false});
     Overlay::lay<&T::GetStaticObjectField>(table, {"GetStaticObjectField", nullptr, true, false});
+    Overlay::lay<&T::GetStringUTFChars>(table, {"GetStringUTFChars", outOfMemory, false, false});
+    Overlay::lay<&T::ReleaseStringUTFChars>(table, {"ReleaseStringUTFChars", nullptr, false, true});
     Overlay::lay<&T::NewObjectV>(table, {"NewObject", outOfMemory, false, false});
     Overlay::lay<&T::NewStringUTF>(table, {"NewStringUTF", outOfMemory, false, false});
     Overlay::lay<&T::NewObjectArray>(table, {"NewObjectArray", outOfMemory, false, false});
@@ -222,16 +189,17 @@ JniTable::JniTable(JNIEnv *environment) : env(environment), real(environment->fu
     Overlay::lay<&T::CallStaticObjectMethodV>(table, {"CallStaticObjectMethod", javaThrew, true, false});
     Overlay::lay<&T::CallStaticVoidMethodV>(table, {"CallStaticVoidMethod", javaThrew, false, false});
     Overlay::lay<&T::EnsureLocalCapacity>(table, {"EnsureLocalCapacity", outOfMemory, false, false});
+    Overlay::lay<&T::PushLocalFrame>(table, {"PushLocalFrame", outOfMemory, false, true});
+    Overlay::lay<&T::PopLocalFrame>(table, {"PopLocalFrame", nullptr, false, true});
+    Overlay::lay<&T::DeleteLocalRef>(table, {"DeleteLocalRef", nullptr, false, true});
     Overlay::lay<&T::Throw>(table, {"Throw", outOfMemory, false, false});
     Overlay::lay<&T::ExceptionCheck>(table, {"ExceptionCheck", nullptr, false, true});
     Overlay::lay<&T::ExceptionClear>(table, {"ExceptionClear", nullptr, false, true});
     Overlay::lay<&T::ExceptionDescribe>(table, {"ExceptionDescribe", nullptr, false, true});
-    table.FindClass = &Overlay::findClass;
-    table.GetStringUTFChars = &Overlay::getStringUTFChars;
-    table.ReleaseStringUTFChars = &Overlay::releaseStringUTFChars;
-    table.PushLocalFrame = &Overlay::pushLocalFrame;
-    table.PopLocalFrame = &Overlay::popLocalFrame;
-    table.DeleteLocalRef = &Overlay::deleteLocalRef;
+    Overlay::forbid<&T::NewGlobalRef, &T::NewWeakGlobalRef, &T::NewLocalRef, &T::GetObjectClass, &T::GetSuperclass,
+                    &T::IsInstanceOf, &T::IsSameObject, &T::GetFieldID, &T::GetObjectField, &T::GetStringLength,
+                    &T::GetStringUTFLength, &T::GetStringChars, &T::GetArrayLength, &T::GetObjectArrayElement,
+                    &T::ExceptionOccurred, &T::ThrowNew, &T::MonitorEnter, &T::GetJavaVM>(table);
     laid = this;
     env->functions = &table;
 }
@@ -260,27 +228,21 @@ std::vector<std::string> JniTable::faults() const {
 }
 
 std::vector<std::string> unreleased(const std::vector<std::string> &journal) {
-    static const std::map<std::string, std::string> openedBy{
-        {"close", "open"},   {"closedir", "opendir"},       {"fclose", "fopen"},
-        {"kstat_close", "kstat_open"}, {"HBA_CloseAdapter", "HBA_OpenAdapter"}, {"HBA_FreeLibrary", "HBA_LoadLibrary"},
-    };
-    static const std::set<std::string> openers{"open", "opendir", "fopen", "kstat_open", "HBA_OpenAdapter",
-                                               "HBA_LoadLibrary"};
-    // Lines of failed calls end with the error's name, which no successful one has.
-    const auto hasFailed = [](const std::string &lastWord) {
-        return lastWord.size() > 2 && lastWord[0] == 'E' &&
-               std::all_of(lastWord.begin(), lastWord.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+    constexpr std::pair<const char *, const char *> pairs[] = {
+        {"open", "close"}, {"opendir", "closedir"}, {"fopen", "fclose"}, {"kstat_open", "kstat_close"},
+        {"HBA_OpenAdapter", "HBA_CloseAdapter"}, {"HBA_LoadLibrary", "HBA_FreeLibrary"},
     };
     std::map<std::string, int> open;
     for (const std::string &line : journal) {
         std::istringstream words(line);
         const std::vector<std::string> word{std::istream_iterator<std::string>(words), {}};
+        // Lines of failed calls end with the error's name, which no successful one has.
+        const bool hasFailed = word.back().size() > 2 && word.back()[0] == 'E' &&
+                               word.back().find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
         // Which stream is closed, the journal does not tell.
         const std::string what = word.size() > 1 && word[0] != "fopen" ? " " + word[1] : "";
-        if (openers.count(word[0]) != 0 && !hasFailed(word.back())) {
-            ++open[word[0] + what];
-        } else if (const auto closer = openedBy.find(word[0]); closer != openedBy.end()) {
-            --open[closer->second + what];
+        for (const auto &[opener, closer] : pairs) {
+            open[opener + what] += (word[0] == opener && !hasFailed ? 1 : 0) - (word[0] == closer ? 1 : 0);
         }
     }
     std::vector<std::string> unbalanced;

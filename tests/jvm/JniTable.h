@@ -42,8 +42,9 @@ public:
     /// "GetMethodID java/util/Vector addElement (Ljava/lang/Object;)V", "NewStringUTF rill", "PushLocalFrame 48".
     std::vector<std::string> calls;
 
-    /// What native code did wrong: calls with an exception pending that the JNI does not allow then, releases without a
-    /// fetch, and, once the call has ended, characters and frames that are still held.
+    /// What native code did wrong: calls with an exception pending that the JNI does not allow then, calls of functions
+    /// that the library has no need of, releases without a fetch, and, once the call has ended, characters and frames
+    /// that are still held.
     std::vector<std::string> faults() const;
 
     /// The most local references that were live at once.

@@ -65,10 +65,7 @@ std::vector<std::string> takeWarnings() {
 }
 
 AttachedThread::AttachedThread() {
-    void *attached = nullptr;
-    if (machine->AttachCurrentThread(&attached, nullptr) == JNI_OK) {
-        env = static_cast<JNIEnv *>(attached);
-    }
+    machine->AttachCurrentThread(reinterpret_cast<void **>(&env), nullptr);
 }
 
 AttachedThread::~AttachedThread() {

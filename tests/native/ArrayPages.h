@@ -4,9 +4,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "tests/Lines.h"
 
 // The pages of a pretend disk array and the host description that offers them.
 
@@ -17,20 +19,17 @@ using Counters = std::array<std::uint32_t, 9>; // of one drive, in page order
 
 constexpr std::size_t bufferSize = 65535;
 
-inline void append16(Bytes &bytes, unsigned value) {
-    bytes.push_back(static_cast<unsigned char>(value >> 8 & 0xFF));
-    bytes.push_back(static_cast<unsigned char>(value & 0xFF));
-}
-
-inline void append32(Bytes &bytes, std::uint32_t value) {
-    append16(bytes, value >> 16);
-    append16(bytes, value & 0xFFFF);
+/// Appends the value's low `size` bytes, big-endian.
+inline void append(Bytes &bytes, unsigned size, std::size_t value) {
+    while (size-- > 0) {
+        bytes.push_back(static_cast<unsigned char>(value >> 8 * size));
+    }
 }
 
 /// Puts into the header of a page how many bytes follow it.
 inline Bytes withPageLength(Bytes page, std::size_t length) {
     page[2] = static_cast<unsigned char>(length >> 8);
-    page[3] = static_cast<unsigned char>(length & 0xFF);
+    page[3] = static_cast<unsigned char>(length);
     return page;
 }
 
@@ -38,34 +37,27 @@ inline Bytes withPageLength(Bytes page, std::size_t length) {
 class StatisticsPage {
 public:
     StatisticsPage &parameter(unsigned code, const Bytes &value, std::size_t length) {
-        header(code, length);
+        append(page, 2, code);
+        append(page, 2, length); // after a control byte
         page.insert(page.end(), value.begin(), value.end());
         return *this;
     }
     StatisticsPage &parameter(unsigned code, const Bytes &value) {
         return parameter(code, value, value.size());
     }
-
     StatisticsPage &drive(unsigned channel, unsigned identifier, const Counters &counters) {
-        header(0xC000 + channel * 256 + identifier, 36);
+        parameter(0xC000 + channel * 256 + identifier, {}, 36);
         for (const std::uint32_t counter : counters) {
-            append32(page, counter);
+            append(page, 4, counter);
         }
-        return *this;
-    }
-    StatisticsPage &number(unsigned code, std::uint32_t value) {
-        header(code, 4);
-        append32(page, value);
         return *this;
     }
 
     /// Fills up with parameters of an unknown code until the next one begins at `offset`, at least 4 from here.
     StatisticsPage &fillTo(std::size_t offset) {
-        constexpr std::size_t largest = 4 + 255;
         while (page.size() < offset) {
-            const std::size_t room = offset - page.size();
-            const std::size_t size = room <= largest ? room : std::min(largest, room - 4);
-            parameter(0x0000, Bytes(size - 4, 0xEE));
+            const std::size_t room = offset - page.size() - 4;
+            parameter(0x0000, Bytes(room <= 255 ? room : std::min<std::size_t>(255, room - 4), 0xEE));
         }
         return *this;
     }
@@ -76,11 +68,6 @@ public:
     }
 
 private:
-    void header(unsigned code, std::size_t length) {
-        append16(page, code);
-        append16(page, static_cast<unsigned>(length & 0xFF)); // after a control byte
-    }
-
     Bytes page{0x3B, 0x00, 0x00, 0x00};
 };
 
@@ -94,9 +81,7 @@ struct Place {
 inline Bytes translationPage(const std::vector<Place> &places) {
     Bytes page{0xA0, 0x00, 0x00, 0x00, 1, 2, 3, 4, 5, 6, 7, 8};
     for (const Place &place : places) {
-        for (const unsigned field : {place.channel, place.identifier, place.tray, place.slot}) {
-            page.push_back(static_cast<unsigned char>(field));
-        }
+        append(page, 4, place.channel << 24 | place.identifier << 16 | place.tray << 8 | place.slot);
     }
     return withPageLength(page, page.size() - 4);
 }
@@ -127,6 +112,9 @@ struct ControllerPages {
         translation = translationPage(places);
         statistics = page.bytes();
     }
+    ControllerPages(Bytes translationBytes, Bytes statisticsBytes)
+        : translation(std::move(translationBytes)), statistics(std::move(statisticsBytes)) {
+    }
 
     Bytes translation;
     Bytes statistics;
@@ -137,88 +125,58 @@ struct ArrayLun {
     std::string name; // of the disk, "c2t0d0"
     std::string vendor;
     std::string product;
-    std::string controller; // that owns it
+    std::string controller; // that owns it; when it is empty, the answer ends before the owner
     Bytes translation{};
     Bytes statistics{};
     std::vector<std::string> slices{"s0", "s2"};
-    bool takesLogSelect = false;
-    std::string openFailure{};               // an errno's name
-    std::string failing{};                   // the command that fails, by its name in a host description
-    std::size_t bytesPerAnswer = bufferSize; // at most
+    std::string failing{}; // "open", or the command that fails, by its name in a host description
 };
 
-inline std::string hex(const Bytes &bytes) {
-    static constexpr char digits[] = "0123456789abcdef";
-    std::string text;
-    for (const unsigned char byte : bytes) {
-        text += digits[byte >> 4];
-        text += digits[byte & 0xF];
-        text += ' ';
-    }
-    return text;
+constexpr char vendor[] = "KELVO";
+constexpr char product[] = "ARRAY 9";
+
+inline ArrayLun arrayLun(const std::string &name, const std::string &controller, const ControllerPages &answers,
+                         const std::string &productId = product, const std::string &vendorId = vendor) {
+    return {name, vendorId, productId, controller, answers.translation, answers.statistics};
 }
 
-inline Bytes padded(const std::string &text, std::size_t size) {
-    Bytes bytes(text.begin(), text.end());
-    bytes.resize(size, ' ');
-    return bytes;
+inline std::string padded(std::string text, std::size_t size) {
+    text.resize(size, ' ');
+    return text;
 }
 
 /// The disk of a host description that stands for the LUN.
 inline std::string describeLun(const ArrayLun &lun) {
-    Bytes inquiry(8);
-    for (const Bytes &field : {padded(lun.vendor, 8), padded(lun.product, 16), padded("0710", 4)}) {
-        inquiry.insert(inquiry.end(), field.begin(), field.end());
-    }
-    Bytes pageC0(112, 0x55);
-    const Bytes controller = padded(lun.controller, 16);
-    pageC0.insert(pageC0.end(), controller.begin(), controller.end());
-
-    std::string answers;
-    const auto answer = [&](const char *command, Bytes bytes) {
+    std::vector<std::string> answers;
+    const auto answer = [&](const std::string &command, const auto &bytes) {
         if (command != lun.failing) {
-            bytes.resize(std::min(bytes.size(), lun.bytesPerAnswer));
-            answers += std::string(answers.empty() ? "" : ", ") + "\"" + command + "\": \"" + hex(bytes) + "\"";
+            std::string hex;
+            for (const auto byte : bytes) {
+                hex += {"0123456789abcdef"[byte >> 4 & 0xF], "0123456789abcdef"[byte & 0xF]};
+            }
+            answers.push_back('"' + command + R"(": ")" + hex + '"');
         }
     };
-    answer("INQUIRY", inquiry);
-    answer("INQUIRY C0", pageC0);
+    answer("INQUIRY", padded("", 8) + padded(lun.vendor, 8) + padded(lun.product, 16) + "0710");
+    answer("INQUIRY C0", padded("", 112) + (lun.controller.empty() ? "" : padded(lun.controller, 16)));
     answer("RECEIVE DIAGNOSTIC A0", lun.translation);
     answer("LOG SENSE 3B", lun.statistics);
-    if (lun.takesLogSelect) {
-        answer("LOG SELECT 30", {});
-    }
-    std::string slices;
-    for (const std::string &slice : lun.slices) {
-        slices += (slices.empty() ? "\"" : ", \"") + slice + "\"";
-    }
-    return "{\"name\": \"" + lun.name + "\", \"slices\": [" + slices + "], \"scsi\": {" + answers + "}" +
-           (lun.openFailure.empty() ? "" : ", \"fails\": {\"open\": \"" + lun.openFailure + "\"}") + "}";
+    answer("LOG SELECT 30", Bytes());
+    return R"({"name": ")" + lun.name + R"(", "slices": [")" + tests::joined(lun.slices, R"(", ")") +
+           R"("], "scsi": {)" + tests::joined(answers, ", ") +
+           (lun.failing == "open" ? R"(}, "fails": {"open": "EBUSY"}})" : "}}");
 }
 
 /// The description of a host that has these LUNs, in this order.
 inline std::string describeHost(const std::vector<ArrayLun> &luns) {
-    std::string disks;
-    for (const ArrayLun &lun : luns) {
-        disks += (disks.empty() ? "" : ",\n") + describeLun(lun);
-    }
-    return "{\"disks\": [" + disks + "]}";
+    std::vector<std::string> disks(luns.size());
+    std::ranges::transform(luns, disks.begin(), describeLun);
+    return R"({"disks": [)" + tests::joined(disks, ",\n") + "]}";
 }
 
-/// One zero record of a report, or `count` of them.
+/// The records of a report that stand for a controller without any.
 inline std::string zeroRecords(unsigned count) {
-    std::string text;
-    for (unsigned i = 0; i < count * 8; ++i) {
-        text += "         0";
-    }
-    return text;
-}
-
-/// A number of a report, "%*u".
-inline std::string number(int width, unsigned value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%*u", width, value);
-    return text;
+    return tests::joined(std::vector<std::string>(std::size_t{8} * count, "         0"), "");
 }
 
 } // namespace pages

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <map>
 #include <random>
-#include <set>
-#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -23,278 +23,160 @@ constexpr unsigned dictionaryCodes[] = {
     0x8252, 0x8253, 0x8254, 0x8255, 0x8260, 0x8261, 0x8262, 0x8280, 0x8281, 0x8282, 0x8300, 0x8301, 0x8302, 0x8303,
     0x8304, 0x8305, 0x8310, 0x8311, 0x8312, 0x8313, 0x8314, 0x8404, 0x8405, 0x8420, 0x8421};
 
-/// What the decoding of one statistics page gives.
-struct Report {
-    unsigned drives = 0;
-    std::string common;
-    std::string uncommon;
-    bool logSelect = false;
-    bool operator==(const Report &) const = default;
-};
-
-/// The decoding under test. The buffers end where the promised size ends, so that a sanitizer sees any step outside.
+/// The decoding under test, over one scan. The buffers end where the promised size ends, so that a sanitizer sees any
+/// step outside.
 class Decoder {
 public:
-    /// A new scan.
-    void clear() {
+    Decoder() {
+        std::ranges::fill(paraValue, 0U);
         std::memset(driveStatistics, 0, sizeof driveStatistics);
     }
 
-    void translate(const Bytes &page) {
-        load(page);
+    /// What the next controller's pages give: "DRIVES|COMMON STRING|UNCOMMON STRING", and "|LOG SELECT" if called for.
+    std::string decode(const ControllerPages &pages) {
+        load(pages.translation);
         processReceiveDiagnosticA0buffer(buffer.data());
-    }
-
-    Report decode(const Bytes &page) {
-        load(page);
-        std::memset(common.data(), '#', common.size());
-        std::memset(uncommon.data(), '#', uncommon.size());
-        Report report;
-        report.drives = 0xBAD;
+        load(pages.statistics);
+        unsigned drives = 0xBAD;
         int logSelect = 0;
-        processLogSense3Bbuffer(buffer.data(), &report.drives, common.data(), uncommon.data(), &logSelect);
-        report.common = text(common);
-        report.uncommon = uncommon[0] == '#' ? "" : text(uncommon);
-        report.logSelect = logSelect == 1;
-        return report;
+        uncommon[0] = '\0'; // it is left alone when there are no drives
+        processLogSense3Bbuffer(buffer.data(), &drives, common.data(), uncommon.data(), &logSelect);
+        return std::to_string(drives) + '|' + common.data() + '|' + uncommon.data() +
+               (logSelect == 1 ? "|LOG SELECT" : "");
     }
 
 private:
     void load(const Bytes &page) {
-        std::memcpy(buffer.data(), page.data(), page.size());
-        std::memset(buffer.data() + page.size(), 0, buffer.size() - page.size());
-    }
-
-    static std::string text(const std::vector<char> &characters) {
-        return std::string(characters.data(), strnlen(characters.data(), characters.size()));
+        std::fill_n(buffer.begin(), loaded, '\0');
+        std::ranges::copy(page, buffer.begin());
+        loaded = page.size();
     }
 
     Bytes buffer = Bytes(bufferSize);
+    std::size_t loaded = 0;
     std::vector<char> common = std::vector<char>(2699);
     std::vector<char> uncommon = std::vector<char>(35841);
 };
 
-/// The second opinion: maps for tables, every byte fetched with a check, text put together by the C library.
+/// The second opinion: maps for tables, every byte fetched with a check, text from the C library.
 class Model {
 public:
-    void clear() {
-        drives.clear();
-    }
-
-    void translate(const Bytes &page) {
+    std::string decode(const ControllerPages &pages) {
         places.clear();
-        try {
-            for (std::size_t offset = 12; offset < end(page); offset += 4) {
-                const unsigned slot = byte(page, offset + 3);
-                if (byte(page, offset) < 32) {
-                    places[{byte(page, offset), byte(page, offset + 1)}] = {byte(page, offset + 2), slot};
-                }
+        walk(pages.translation, 12, [this](const Bytes &page, std::size_t at) {
+            const std::pair place(number(page, at + 2, 1), number(page, at + 3, 1));
+            if (number(page, at, 1) < 32) {
+                places[number(page, at, 2)] = place;
             }
-        } catch (const std::out_of_range &) {
-            // That is where the page ends.
-        }
-    }
-
-    Report decode(const Bytes &page) {
-        try {
-            for (std::size_t offset = 4; offset < end(page); offset += 4 + byte(page, offset + 3)) {
-                decodeParameter(page, offset);
-            }
-        } catch (const std::out_of_range &) {
-            // Likewise.
-        }
+            return 4U;
+        });
+        walk(pages.statistics, 4, [this](const Bytes &page, std::size_t at) {
+            const unsigned length = number(page, at + 3, 1);
+            number(page, at + 3 + length, 1); // the whole parameter lies in the buffer
+            decodeValue(number(page, at, 2), page, at + 4);
+            return 4 + length;
+        });
         return report();
     }
 
-    /// Empty, or in what the decoder's tables differ from what the pages said.
-    std::string compareTables() const {
-        for (std::size_t index = 0; index < std::size(dictionaryCodes); ++index) {
-            const auto number = numbers.find(dictionaryCodes[index]);
-            if (number != numbers.end() && paraValue[index] != number->second) {
-                return "paraValue[" + std::to_string(index) + "]";
-            }
-        }
-        std::size_t present = 0;
-        for (const auto &row : driveStatistics) {
-            present += static_cast<std::size_t>(std::ranges::count(row, 1U, &tarn::DriveStatistics::present));
-        }
-        if (present != drives.size()) {
-            return "number of drives present";
-        }
-        for (const auto &[drive, counters] : drives) {
-            if (!std::ranges::equal(driveStatistics[drive.first][drive.second].counters, counters)) {
-                return "driveStatistics[" + std::to_string(drive.first) + "][" + std::to_string(drive.second) + "]";
-            }
-        }
-        return "";
+    /// Whether the decoder's tables hold what the pages said.
+    bool matchesTables() const {
+        return std::ranges::equal(paraValue, numbers) && std::ranges::all_of(drives, [](const auto &drive) {
+                   const auto &[code, counters] = drive;
+                   return std::ranges::equal(driveStatistics[code / 256][code % 256].counters, counters);
+               });
     }
 
 private:
-    static unsigned byte(const Bytes &page, std::size_t offset) {
-        if (offset >= bufferSize) {
-            throw std::out_of_range("buffer");
+    struct EndOfBuffer {};
+
+    static std::uint32_t number(const Bytes &page, std::size_t at, std::size_t size) {
+        std::uint32_t value = 0;
+        for (const std::size_t end = at + size; at < end; ++at) {
+            if (at >= bufferSize) {
+                throw EndOfBuffer();
+            }
+            value = value << 8 | (at < page.size() ? page[at] : 0U);
         }
-        return offset < page.size() ? page[offset] : 0;
+        return value;
     }
 
-    static std::uint32_t word(const Bytes &page, std::size_t offset) {
-        return byte(page, offset) << 24 | byte(page, offset + 1) << 16 | byte(page, offset + 2) << 8 |
-               byte(page, offset + 3);
+    /// Takes step after step, each of which tells its length, until one begins behind the page or leaves the buffer.
+    template <class Step>
+    static void walk(const Bytes &page, std::size_t at, Step step) {
+        try {
+            while (at < number(page, 2, 2) + 4) {
+                at += step(page, at);
+            }
+        } catch (const EndOfBuffer &) {
+            return;
+        }
     }
 
-    static std::size_t end(const Bytes &page) {
-        return byte(page, 2) * 256 + byte(page, 3) + 4;
-    }
-
-    void decodeParameter(const Bytes &page, std::size_t offset) {
-        const unsigned code = byte(page, offset) * 256 + byte(page, offset + 1);
-        byte(page, offset + 3 + byte(page, offset + 3)); // the whole parameter lies in the buffer
-        static const std::set<unsigned> known(std::begin(dictionaryCodes), std::end(dictionaryCodes));
-        if (code == 0x8100 || code == 0x8200) {
-            byte(page, offset + 4 + 9);
-        } else if (code == 0x8160) {
-            byte(page, offset + 4 + 127);
-        } else if (known.contains(code)) {
-            numbers[code] = word(page, offset + 4);
-        } else if (code >= 0xC000 && code <= 0xCFFF) {
-            byte(page, offset + 4 + 35);
+    void decodeValue(unsigned code, const Bytes &page, std::size_t at) {
+        if (code >> 12 == 0xC) {
             Counters counters;
             for (std::size_t i = 0; i < counters.size(); ++i) {
-                counters[i] = word(page, offset + 4 + 4 * i);
+                counters[i] = number(page, at + 4 * i, 4);
             }
-            drives[{code >> 8 & 0xF, code & 0xFF}] = counters;
+            drives[code & 0xFFF] = counters;
+        } else if (code == 0x8100 || code == 0x8160 || code == 0x8200) {
+            number(page, at + (code == 0x8160 ? 127 : 9), 1);
+        } else if (const auto *known = std::ranges::find(dictionaryCodes, code); known != std::end(dictionaryCodes)) {
+            numbers[known - dictionaryCodes] = number(page, at, 4);
         }
     }
 
-    Report report() const {
-        Report result;
-        std::string placesText;
-        bool anyBlocks = false;
-        bool anyIOs = false;
-        for (const auto &[drive, counters] : drives) {
+    std::string report() const {
+        std::string texts[2];
+        unsigned count = 0;
+        std::uint32_t blocks = 0;
+        std::uint32_t requests = 0;
+        char text[81];
+        for (const auto &[drive, c] : drives) {
             const auto place = places.find(drive);
-            if (place == places.end() || place->second.first == 255 || place->second.second == 255 ||
-                result.drives == 448) {
-                continue;
+            if (place != places.end() && std::max(place->second.first, place->second.second) < 255 && count < 448) {
+                ++count;
+                std::snprintf(text, sizeof text, "%3u%3u", place->second.first, place->second.second);
+                texts[0] += text;
+                std::snprintf(text, sizeof text, "%10u%10u%10u%10u%10u%10u%10u%10u", c[0], c[1], c[2], c[3], c[4], c[5],
+                              c[6], c[7]);
+                texts[1] += text;
+                blocks |= c[2];
+                requests |= c[3];
             }
-            ++result.drives;
-            placesText += number(3, place->second.first) + number(3, place->second.second);
-            for (std::size_t i = 0; i < 8; ++i) {
-                result.uncommon += number(10, counters[i]);
-            }
-            anyBlocks |= counters[2] != 0;
-            anyIOs |= counters[3] != 0;
         }
-        result.common = number(5, result.drives) + (result.drives == 0 ? "" : placesText + "   80");
-        result.logSelect = anyIOs && !anyBlocks;
-        return result;
+        std::snprintf(text, sizeof text, "%u|%5u", count, count);
+        return text + texts[0] + (count == 0 ? "|" : "   80|") + texts[1] +
+               (blocks == 0 && requests != 0 ? "|LOG SELECT" : "");
     }
 
-    using Drive = std::pair<unsigned, unsigned>; // channel and identifier: the order of the report
-    std::map<Drive, std::pair<unsigned, unsigned>> places;
-    std::map<Drive, Counters> drives;
-    std::map<unsigned, std::uint32_t> numbers; // by code
+    // By channel * 256 + identifier, which is the order of the report.
+    std::map<unsigned, std::pair<unsigned, unsigned>> places;
+    std::map<unsigned, Counters> drives;
+    std::uint32_t numbers[std::size(paraValue)] = {}; // by index
 };
 
-/// Decoder and model, side by side over any number of scans.
-class CheckedDecoding {
-public:
-    /// One controller of a scan. Empty, or in what the two differ.
-    std::string run(bool newScan, const Bytes &translation, const Bytes &statistics) {
-        if (newScan) {
-            decoder.clear();
-            model.clear();
-        }
-        decoder.translate(translation);
-        model.translate(translation);
-        const Report actual = decoder.decode(statistics);
-        const Report expected = model.decode(statistics);
-        if (actual != expected) {
-            return "report: " + actual.common + actual.uncommon + "\nexpected: " + expected.common + expected.uncommon;
-        }
-        return model.compareTables();
-    }
-
-private:
+/// Decodes the pages of one scan's controllers both ways. Empty, or in what the two differ.
+inline std::string compareDecodings(std::initializer_list<ControllerPages> controllers) {
     Decoder decoder;
     Model model;
-};
-
-/// Pairs of pages, the same for the same seed on every machine: believable ones, ones with bytes changed, and noise.
-class RandomPages {
-public:
-    explicit RandomPages(std::uint64_t seed) : random(seed) {
-        const bool large = below(32) == 0;
-        const unsigned drives = below(large ? 1200 : 40);
-        const unsigned channels = 1 + below(16);
-        std::vector<Place> places;
-        StatisticsPage page;
-        if (below(8) == 0) {
-            page.fillTo(bufferSize - 4 - below(400));
-        }
-        for (unsigned i = 0; i < drives; ++i) {
-            const unsigned channel = below(channels);
-            const unsigned identifier = below(256);
-            places.push_back({channel, below(8) == 0 ? below(256) : identifier, below(256), below(256)});
-            addParameter(page, channel, identifier);
-        }
-        translation = translationPage(places);
-        statistics = page.bytes();
-        // What the data buffer has no room for has not been transferred.
-        statistics.resize(std::min(statistics.size(), bufferSize));
-        const unsigned kind = below(4);
-        if (kind == 1) {
-            mutate(translation);
-            mutate(statistics);
-        } else if (kind == 2) {
-            scramble(translation);
-            scramble(statistics);
+    for (const ControllerPages &pages : controllers) {
+        if (const std::string actual = decoder.decode(pages), expected = model.decode(pages); actual != expected) {
+            return "got " + actual + ", not " + expected;
         }
     }
+    return model.matchesTables() ? "" : "other contents of the tables";
+}
 
-    Bytes translation;
-    Bytes statistics;
-
-private:
-    unsigned below(unsigned limit) {
-        return static_cast<unsigned>(random() % limit);
-    }
-
-    void addParameter(StatisticsPage &page, unsigned channel, unsigned identifier) {
-        const unsigned kind = below(16);
-        if (kind == 0) {
-            page.parameter(below(65536), Bytes(below(256), static_cast<unsigned char>(below(256))));
-        } else if (kind == 1) {
-            const unsigned code = dictionaryCodes[below(std::size(dictionaryCodes))];
-            page.number(code, static_cast<std::uint32_t>(random()));
-        } else {
-            Counters counters{};
-            for (std::uint32_t &counter : counters) {
-                counter = below(3) == 0 ? 0 : static_cast<std::uint32_t>(random() >> below(64));
-            }
-            page.drive(channel, identifier, counters);
-        }
-    }
-
-    void mutate(Bytes &page) {
-        static constexpr unsigned char favourites[] = {0, 1, 3, 0x30, 0x7F, 0x81, 0xC0, 0xCF, 0xFE, 0xFF};
-        for (unsigned changes = 1 + below(8); changes > 0; --changes) {
-            const std::size_t at = below(32) == 0 ? 2 + below(2) : below(static_cast<unsigned>(page.size()));
-            page[at] = below(2) == 0 ? favourites[below(std::size(favourites))] : static_cast<unsigned char>(random());
-        }
-    }
-
-    void scramble(Bytes &page) {
-        page.resize(4 + below(below(16) == 0 ? bufferSize - 3 : 600));
-        for (unsigned char &byte : page) {
-            byte = static_cast<unsigned char>(random());
-        }
-        if (below(8) != 0) {
-            page = withPageLength(page, page.size() - 4);
-        }
-    }
-
-    std::mt19937_64 random;
-};
+/// Bytes of which many are 0: small numbers, and often 0.
+inline Bytes randomBytes(std::mt19937_64 &random, std::size_t size) {
+    Bytes bytes(size);
+    std::ranges::generate(bytes, [&random] {
+        const std::uint64_t number = random();
+        return static_cast<unsigned char>(number % 4 == 0 ? number >> 32 : 0);
+    });
+    return bytes;
+}
 
 } // namespace pages

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <vector>
+
+// Lines of a journal, or of the calls that a JNI table recorded.
+
+namespace tests {
+
+using Lines = std::vector<std::string>;
+
+/// The lines that begin with one of the texts.
+inline Lines beginning(const Lines &lines, const Lines &starts) {
+    Lines found;
+    std::ranges::copy_if(lines, std::back_inserter(found), [&](const std::string &line) {
+        return std::ranges::any_of(starts, [&](const std::string &start) { return line.starts_with(start); });
+    });
+    return found;
+}
+
+inline std::string joined(const Lines &parts, const std::string &separator) {
+    std::string text;
+    for (const std::string &part : parts) {
+        text += (text.empty() ? "" : separator) + part;
+    }
+    return text;
+}
+
+} // namespace tests

@@ -1,0 +1,366 @@
+"""Runs the command line on host descriptions with known answers: python3 tests/cli/run.py PATH-TO-TARN"""
+
+import json
+import os
+import pty
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+import unittest
+from concurrent.futures import ThreadPoolExecutor
+from dataclasses import dataclass, field
+from pathlib import Path
+
+TARN = SCRATCH = None  # the command, and where the descriptions are written
+ANY = object()  # what the case does not compare
+
+
+@dataclass
+class Case:
+    """One run. With result (or picks) it is run with --json and its document compared; else its output is searched."""
+    name: str
+    command: str
+    host: object = None  # the description: an object, or the text of a file; None: the built-in one
+    result: object = ANY
+    picks: dict = field(default_factory=dict)  # path into the result -> value there
+    log: list = field(default_factory=list)  # "level: message"
+    exception: dict | None = None
+    shows: list = field(default_factory=list)  # texts of standard output for people, blanks folded
+    complains: list = field(default_factory=list)  # texts of the one line of standard error, with nothing printed
+    status: int = 0
+    password: str = ""
+    environment: dict = field(default_factory=dict)
+
+    def is_json(self):
+        return self.result is not ANY or bool(self.picks)
+
+
+# ---- A host that has something to say to every command, and what it says ---------------------------------------------
+
+REMOTE = "50060e8000c3a2b1"
+LONG_NAME = f"c2t{REMOTE.upper()}d5"
+PASSWORD = "Hello world!"
+
+
+def mapping(bus, target, lun, exported, name):
+    return {"ScsiId": {"OSDeviceName": name, "ScsiBusNumber": bus, "ScsiTargetNumber": target, "ScsiOSLun": lun},
+            "FcpId": {"PortWWN": REMOTE, "FcpLun": exported << 48}}
+
+
+RICH = {
+    "sysinfo": {"SI_SYSNAME": "SunOS", "SI_HOSTNAME": "rill", "SI_PLATFORM": "SUNW,V440", "SI_VERSION": "Generic"},
+    "uname": {"sysname": "SunOS", "nodename": "rill", "release": "5.9", "version": "Generic"},
+    "sysconf": {"_SC_PAGESIZE": 8192, "_SC_PHYS_PAGES": 1000, "_SC_AVPHYS_PAGES": 500, "_SC_NPROCESSORS_CONF": 2},
+    "processors": [{"id": number, "pi_state": state, "pi_processor_type": "sparcv9", "pi_clock": 1281}
+                   for number, state in ((0, "P_ONLINE"), (5, "P_POWEROFF"))],
+    "kstat": [
+        {"ks_module": "unix", "ks_name": "vminfo", "samples": [{"freemem": 100, "swap_avail": 20, "swap_resv": 10},
+                                                               {"freemem": 200, "swap_avail": 30, "swap_resv": 15}]},
+        {"ks_name": "cpu_stat0", "data": {"idle": 3221225472, "user": 1073741824, "kernel": 2, "wait": 3}},
+        {"ks_module": "cpu_stat", "ks_instance": 2, "ks_name": "cpu_stat2",
+         "data": {"idle": 60, "user": 25, "kernel": 10, "wait": 5}},
+        {"ks_name": "sd0", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
+         "data": {"nread": 5368709120, "nwritten": 1024, "rtime": 7500000000, "wlastupdate": 9000000000}},
+        {"ks_name": "sd9", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO", "data": {"nread": -1}}],
+    "mnttab": ["/dev/dsk/c1t0d0s0\t/\tufs\trw\t1", "swap\t/tmp\ttmpfs\trw\t1", "srv:/home\t/home\tnfs\trw\t1"],
+    "statvfs": {"/": {"f_bsize": 8192, "f_frsize": 1024, "f_blocks": 1000, "f_bfree": 500, "f_bavail": 400}},
+    # The sha256-crypt hash that the scheme's own specification publishes.
+    "shadow": {"root": "$5$saltstring$5B8vYYiY.CVt1RlTTf8KbXBH3hsxY/GNooZaBBGWEc5", "guest": ""},
+    "disks": [
+        {"name": "c1t0d0", "path": "/pci@1f/sd@0,0", "major": 32, "mounted": ["s0"], "slices": ["s0", "s1", "s2"],
+         "geometry": {"dkg_ncyl": 14087, "dkg_acyl": 2, "dkg_nhead": 24, "dkg_nsect": 424, "dkg_pcyl": 14089},
+         "vtoc": {"v_asciilabel": "SUN72G cyl 14087 alt 2 hd 24 sec 424",
+                  "v_part": [{"p_tag": 2, "p_size": 20972736}, {"p_tag": 3, "p_flag": 1, "p_size": 3000000000}]}},
+        {"name": "c1t1d0", "path": "/pci@1f/sd@1,0", "major": 32, "minor": 8, "geometry": {}},
+        {"name": "c1t2d0", "fails": {"open": "EBUSY"}}],
+    "hba": {"adapters": [
+        {"name": "SUNW-qlc-0",
+         "attributes": {"Manufacturer": "QLogic Corp.\t", "Model": "QLA2342", "FirmwareVersion": "3.03.02",
+                        "NodeWWN": "200000e08b010203", "VendorSpecificID": 4294967295},
+         "ports": [
+             {"attributes": {"PortWWN": "210000e08b010203", "PortFcId": 66048, "PortType": 5, "PortState": 2,
+                             "PortSupportedClassofService": 0xa9, "PortSpeed": 2, "FabricName": "100000606951abcd"},
+              "statistics": {"TxFrames": -1, "RxFrames": -9223372036854775808, "LinkFailureCount": 3},
+              "discovered": [{"attributes": {"PortWWN": REMOTE, "PortType": 5, "PortState": 2, "PortSpeed": 1}},
+                             {"status": {"GetDiscoveredPortAttributes": 1}}]},
+             {"attributes": {"PortState": 6}, "status": {"GetPortStatistics": 2}},
+             {"status": {"GetAdapterPortAttributes": 1}}],
+         "targetMapping": [mapping(2, 0, 5, 0x4005, f"/dev/rdsk/{LONG_NAME}s2"),
+                           mapping(0, 1, 0, 0, "/dev/dsk/c4t1d0s0")]},
+        {"name": "hba-1", "openFailures": 2}]}}
+
+
+def rows(names, *rows_of_values):
+    # A row that is shorter than the names lacks the last.
+    return [dict(zip(names.split(), values)) for values in rows_of_values]
+
+
+def instances(name, *table):
+    return [{"class": name, "properties": row} for row in rows(*table)]
+
+
+def raised(message):
+    return {"class": "java.lang.RuntimeException", "message": message}
+
+
+ROOT = {"device": "/dev/dsk/c1t0d0s0", "mountPoint": "/", "fileSystemType": "ufs"}
+NO_SIZES = {"totalBytes": 0, "availableBytes": 0, "freeBytes": 0, "blockSize": 0}
+RESULTS = {
+    "computer-system": {"systemName": "SunOS", "hostName": "rill", "serialNumber": "unknown", "platform": "SUNW,V440",
+                        "version": "Generic"},
+    "operating-system": {"name": "SunOS", "hostName": "rill", "version": "Generic.5.9", "totalPhysicalKB": 8000,
+                         "freePhysicalKB": 800, "totalSwapKB": 120, "freeSwapKB": 80},
+    "logical-disks": [{**ROOT, **NO_SIZES},
+                      {"device": "srv:/home", "mountPoint": "/home", "fileSystemType": "nfs", **NO_SIZES}],
+    "processors": rows("processorId processorType state clockMHz", (0, "sparcv9", "online", 1281),
+                       (5, "sparcv9", "offline", 1281)),
+    "cpu": rows("cpuId userTicks kernelTicks waitTicks idleTicks", (0, 1073741824, 2, 3, -1073741824),
+                (2, 25, 10, 5, 60)),
+    "disk-io": rows("instanceName diskName bytesRead bytesWritten waitLastUpdate runTime",
+                    ("sd0", "c1t0d0", 5368709120, 1024, 9000000000, 7500000000), ("sd9", "", -1, 0, 0, 0)),
+    "disks": instances("Kelvo_DiskDrive", "name deviceIdentifier heads sectorsPerTrack physicalCylinders "
+                       "dataCylinders alternateCylinders diskType",
+                       ("c1t0d0", "/pci@1f/sd@0,0", 24, 424, 14089, 14087, 2, "SUN72G"),
+                       ("c1t1d0", "/pci@1f/sd@1,0", 0, 0, 0, 0, 0)),
+    "partitions": instances("Kelvo_DiskPartition", "name diskName partitionNumber sizeInSectors tag flags mounted",
+                            ("c1t0d0s0", "c1t0d0", 0, 20972736, 2, 0, True),
+                            ("c1t0d0s1", "c1t0d0", 1, 3000000000, 3, 1, False),
+                            ("c1t0d0s2", "c1t0d0", 2, 0, 0, 0, False)),
+    "build-date": "Jan 18 2006"}
+ADAPTERS = {
+    "0.instance.properties.deviceID": "200000e08b010203:0",
+    "0.instance.properties.vendorSpecificID": 4294967295,
+    "0.ports.0.instance.properties.portType": 10,
+    "0.ports.0.instance.properties.supportedCOS": [6, 3, 0, 0],
+    "0.ports.0.statistics.properties.packetsTransmitted": 18446744073709551615,
+    "0.ports.0.discoveredPorts.0.instance.properties.caption": KeyError,
+    "0.ports.0.discoveredPorts.0.targetMappings.0": {"class": "Kelvo_TargetMapping", "properties": {
+        "antecedent": {"class": "Kelvo_HbaPort", "deviceID": "210000e08b010203"},
+        "dependent": {"class": "Kelvo_HbaDiscoveredPort", "deviceID": REMOTE},
+        "scsiBus": 2, "targetId": 0, "scsiLun": 5, "osDeviceName": "c2t0d5", "exportedLUN": 0x4005,
+        "discoveredPortWWN": REMOTE}},
+    "0.ports.0.discoveredPorts.1": None, "0.ports.1.statistics": None, "0.ports.2": None, "1": None}
+UNIT = "0.ports.0.discoveredPorts.0.targetMappings.{}.properties.osDeviceName"
+FIRST_LINE = "HBA 0 name(SUNW-qlc-0) NWWN=200000e08b010203"
+LOGS = {"disks": ["warn: SolarisDiskDrive DKIOCGVTOC"],
+        "hba": ["warn: HBA_GetDiscoveredPortAttributes call returned 1 (Error) for adapter 0 (SUNW-qlc-0)",
+                "warn: HBA_GetPortStatistics call returned 2 (Not supported) for adapter 0 (SUNW-qlc-0)",
+                "warn: HBA_GetAdapterPortAttributes call returned 1 (Error) for adapter 0 (SUNW-qlc-0)",
+                "warn: Unable to open HBA adapter 1 (hba-1) -- status is 0 (OK) (check ownership)"]}
+LOGS["report"] = LOGS["disks"] + LOGS["hba"]
+
+# ---- Disk arrays ----------------------------------------------------------------------------------------------------
+
+
+def lun(number, controller, drives):
+    """A LUN of an array controller; its drives are tuples of channel, identifier, tray, slot and nine counters."""
+    identity = bytes(8) + b"KELVO   Tray Array      0610"
+    places = b"".join(bytes(drive[:4]) for drive in drives)
+    counts = b"".join(bytes([0xC0 + drive[0], drive[1], 0, 36]) +
+                      b"".join(value.to_bytes(4, "big") for value in drive[4]) for drive in drives)
+    translation = bytes(2) + (8 + len(places)).to_bytes(2, "big") + bytes(8) + places
+    statistics = bytes(2) + len(counts).to_bytes(2, "big") + counts
+    return {"name": f"c3t{number}d0", "scsi": {
+        "INQUIRY": identity.hex(" "), "INQUIRY C0": (bytes(112) + controller.encode().ljust(16)).hex(" "),
+        "RECEIVE DIAGNOSTIC A0": translation.hex(), "LOG SENSE 3B": statistics.hex(), "LOG SELECT 30": ""}}
+
+
+def drives(start, number=2, blocks=7):
+    return [(0, i, 0, i + 1, [start + i, 2, blocks, 4, 5, 6, 7, 4294967295, 9]) for i in range(number)]
+
+
+def array(*luns):
+    return {**RICH, "disks": list(luns)}
+
+
+BOTH = array(lun(0, "A", drives(100)), lun(1, "B", drives(200)))
+FEWER = array(lun(0, "A", drives(100)), lun(1, "B", drives(200, number=1)))
+REPORT = "    2  0  1  0  2   80" + "".join("%10u" * 8 % (start, 2, 7, 4, 5, 6, 7, 4294967295)
+                                             for start in (100, 101, 200, 201))
+ARRAY = "array A B KELVO 'Tray Array'"
+
+# ---- Cases ----------------------------------------------------------------------------------------------------------
+
+COMMANDS = [*RESULTS, "hba", "hba-test", "report", "array", "authenticate"]
+NOWHERE = {"TARN_HOST": "/no/such/file.json"}
+
+CASES = [
+    *(Case(f"everything of {name}", name, RICH, result, log=LOGS.get(name, [])) for name, result in RESULTS.items()),
+    Case("the adapters", "hba", RICH, picks=ADAPTERS, log=LOGS["hba"]),
+    Case("the self-test", "hba-test", RICH, picks={"0": FIRST_LINE}),
+    Case("the report", "report", RICH, log=LOGS["report"],
+         picks={**RESULTS, "hba-test.0": FIRST_LINE, "hba." + UNIT.format(1): "c4t1d0", "array": KeyError}),
+    *(Case(f"one: {command}", command, RICH, result) for command, result in (
+        ("processors 5", RESULTS["processors"][1]), ("processors 7", None), ("cpu 2", RESULTS["cpu"][1]),
+        ("logical-disks /", {**ROOT, "totalBytes": 1024000, "availableBytes": 409600, "freeBytes": 512000,
+                             "blockSize": 8192}),
+        ("disk-io c1t0d0", RESULTS["disk-io"][0]), ("disk-io c9t9d9", None), ("disks c1t0d0", RESULTS["disks"][0]),
+        ("disks c1t2d0", None), ("partitions c1t0d0s1", RESULTS["partitions"][1]), ("partitions c1t1d0s0", None))),
+    Case("an exception", "cpu 9", RICH, None, exception=raised("kstat_lookup failed."), status=1),
+    Case("an exception, for people", "cpu 9", RICH, complains=["kstat_lookup failed."], status=1),
+    *(Case(f"device names: {command}", command, RICH, log=LOGS["hba"],
+           picks={UNIT.format(0): first, UNIT.format(1): second}) for command, first, second in (
+               ("--keep-os-device-name hba", f"/dev/rdsk/{LONG_NAME}s2", "/dev/dsk/c4t1d0s0"),
+               ("hba --leadville", LONG_NAME, "c4t1d0"), ("hba --force-leadville", LONG_NAME, "c4t1d0s0"))),
+    Case("device names in the report", "report --force-leadville", RICH, log=LOGS["report"],
+         picks={"hba." + UNIT.format(1): "c4t1d0s0"}),
+    Case("an array", ARRAY, BOTH, REPORT),
+    Case("an array in the report", f"report --{ARRAY}", BOTH, picks={"array": REPORT}, log=ANY),
+    *(Case(f"password of {user}: {password}", f"authenticate {user}", RICH, accepted, log=log, password=password,
+           status=0 if accepted else 3) for user, password, accepted, log in (
+               ("root", PASSWORD + "\n", True, []), ("root", PASSWORD + "\nsecond line\n", True, []),
+               ("root", "Hello World!\n", False, []), ("root", "", False, []), ("guest", "Anything-1\n", True, []),
+               ("nobody", "Anything-2\n", False, ["info: No password entry for user nobody found"]))),
+
+    Case("the report, for people", "report", RICH, log=LOGS["report"], shows=[
+        "Host name: rill", "Platform: SUNW,V440", "Memory: 8000 KB (7.8 MiB)", "Free swap: 80 KB (80.0 KiB)",
+        "/home nfs srv:/home", "5 sparcv9 1281 !! OFFLINE", "3221225472 75.0% 2 25 25.0% 10 10.0% 5 5.0% 60 60.0%",
+        "c1t0d0 sd0 5368709120 5.0 GiB 1024 1.0 KiB 7.500 9.000", "- sd9 18446744073709551615 16.0 EiB",
+        "c1t0d0 SUN72G 68.4 GiB 24 424 14089 14087 2 /pci@1f/sd@0,0", "c1t1d0 - - -",
+        "c1t0d0s0 c1t0d0 0 20972736 10.0 GiB 2 root wm yes", "1 3000000000 1.4 TiB 3 swap wu no", "left out: 1",
+        "├─ Port 0: online", "remote ports: 2, LUNs: 2", "HBA 0 name(SUNW-qlc-0)", "Jan 18 2006"]),
+    Case("the built-in host's report", "report", log=ANY, shows=[f"── {name} ──" for name in COMMANDS[:-3]]),
+    Case("the adapters, for people", "hba", RICH, log=LOGS["hba"], shows=[
+        "Adapter 0: QLogic Corp., QLA2342, firmware 3.03.02, WWN 200000e08b010203",
+        "├─ Port 0: online, 2 Gb/s, N port, WWN 210000e08b010203, FC ID 0x010200, fabric 100000606951abcd",
+        "│ ├─ Frames: an unknown number sent, 9223372036854775808 received; !! link failures 3",
+        "│ ├─ Remote port 0: online, 1 Gb/s, N port, WWN 50060e8000c3a2b1",
+        "│ │ ├─ LUN 5, c2t0d5, bus 2, target 0, exported as LUN 16389",
+        "│ └─ !! remote port 1 not readable", "├─ Port 1: !! LINK DOWN", "│ └─ !! counters not readable",
+        "└─ !! port 2 not readable", "!! adapter 1 not readable", "--leadville shows"]),
+    *(Case(f"for people: {command}: {shown}", command, host, shows=[shown]) for command, host, shown in (
+        ("processors 7", RICH, "no processor 7"), ("authenticate --help", None, "Usage: tarn authenticate"),
+        ("computer-system", {"sysinfo": {"SI_HOSTNAME": "\x1b[2J\x9b"}}, "Host name: \\x1b[2J\\x9b"),
+        ("logical-disks /", RICH, "/ ufs /dev/dsk/c1t0d0s0 1024000 1000.0 KiB 409600 400.0 KiB 512000 500.0 KiB 8192"),
+        (ARRAY, BOTH, "0 1 B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 0 2 A 101 2 7"),
+        (ARRAY, FEWER, "? ? B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 ?: the places told are those of A's drives"),
+        (ARRAY, array(lun(0, "A", drives(100, blocks=0))), "ask again"), (ARRAY, {}, "no drive statistics"))),
+    Case("a password among the arguments", f"authenticate root '{PASSWORD}'", password=PASSWORD, status=2,
+         complains=["the password is asked for"]),
+    Case("a wrong password, for people", "authenticate root", RICH, password="Anything-3\n",
+         shows=["no, that is not the password of root"], status=3),
+    Case("a section's exception ends no other", "report", {"sysinfo": RICH["sysinfo"]}, log=ANY, status=1, picks={
+        "computer-system": RESULTS["computer-system"], "cpu": {"exception": raised("kstat open failed.")},
+        "build-date": "Jan 18 2006"}),
+    Case("a section's exception, for people", "report", {"sysinfo": RICH["sysinfo"]}, log=ANY, status=1,
+         shows=["Host name: rill", "!! kstat open failed.", "no host bus adapters", "Jan 18 2006"]),
+
+    Case("help", "--help", shows=["Usage: tarn", "Exit status", *COMMANDS]),
+    Case("--host comes before TARN_HOST", "build-date", RICH, "Jan 18 2006", environment=NOWHERE),
+    Case("TARN_HOST names no file", "cpu", environment=NOWHERE, complains=["/no/such/file.json"], status=2),
+    *(Case(f"refused: {text}", "--json report", text, complains=["HOST.json", *names], status=2) for text, names in (
+        ("this is no JSON", ["JSON"]), ('{"kernel": {}}', ["kernel"]),
+        ('{"disks": [{}, {"geometry": {"dkg_nhead": 65536}}]}', ["disks[1].geometry.dkg_nhead"]))),
+    *(Case(f"bad usage: {command}", command, complains=[complaint], status=2) for command, complaint in (
+        ("", "command"), ("'no\ncolour'", "unknown command 'no colour'"), ("disk", "did you mean disks?"),
+        ("cpu x", "ID: 'x' is not a number"), ("cpu 3000000000", "range"), ("cpu --host", "--host"),
+        ("--host '' cpu", "--host: no file"), ("--host /no/such/file cpu", "/no/such/file"),
+        ("--leadville cpu", "hba"), ("cpu --leadville", "--leadville"), ("authenticate", "USER"),
+        ("array A B C", "PRODUCT"), ("report --array A B", "--array"), ("report" + 2 * " --array A B C D", "once"))),
+]
+
+# ---- Running --------------------------------------------------------------------------------------------------------
+
+
+def write_host(host):
+    path = Path(tempfile.mkdtemp(dir=SCRATCH)) / "HOST.json"
+    path.write_text(host if isinstance(host, str) else json.dumps(host), encoding="utf-8")
+    return str(path)
+
+
+def run(case):
+    words = shlex.split(case.command) + ["--json"] * case.is_json()
+    if case.host is not None:
+        words = ["--host", write_host(case.host), *words]
+    return subprocess.run([TARN, *words], input=case.password.encode(), capture_output=True, timeout=120,
+                          env={**os.environ, **case.environment})
+
+
+def pick(value, path):
+    for step in path.split("."):
+        try:
+            value = value[int(step)] if isinstance(value, list) else value[step]
+        except KeyError:
+            return KeyError
+    return value
+
+
+class CommandLine(unittest.TestCase):
+    maxDiff = None
+
+    def check(self, case, done):
+        out, err = done.stdout.decode("utf-8"), done.stderr.decode("utf-8")
+        self.assertEqual(done.returncode, case.status, out + err)
+        self.assertIsNone(re.search(r"^\s+at |Exception in thread", out + err, re.M), out + err)
+        if case.password:
+            self.assertNotIn(case.password.splitlines()[0], out + err)
+        if case.complains:
+            self.assertEqual((out, len(err.splitlines())), ("", 1), err)
+        elif case.is_json():
+            self.assertEqual(err, "")
+            self.check_document(case, json.loads(out))
+        else:
+            self.check_log(case, err.splitlines())
+        for text in case.shows:
+            self.assertIn(text, " ".join(out.split()), out)
+        for text in case.complains:
+            self.assertIn(text, err)
+
+    def check_document(self, case, document):
+        self.assertEqual(list(document), ["result", "log", "exception"])
+        self.check_log(case, [f"{line['level']}: {line['message']}" for line in document["log"]])
+        self.assertEqual(document["exception"], case.exception)
+        if case.result is not ANY:
+            self.assertEqual(document["result"], case.result)
+        for path, value in case.picks.items():
+            self.assertEqual(pick(document["result"], path), value, path)
+
+    def check_log(self, case, log):
+        if case.log is not ANY:
+            # The reason that an absent user's line may end with is the platform's.
+            self.assertEqual([re.sub(r"( found); .*", r"\1", line) for line in log], case.log)
+
+    def test_a_result_that_cannot_be_written(self):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([TARN, "build-date"], stdout=full, stderr=subprocess.PIPE, timeout=120)
+        self.assertEqual((done.returncode, done.stderr), (2, b"tarn: the result cannot be written\n"))
+
+    def test_a_terminal_shows_no_password(self):
+        pid, terminal = pty.fork()
+        if pid == 0:
+            os.execv(TARN, [TARN, "--host", write_host(RICH), "authenticate", "root"])
+        shown = b""
+        while b"Password: " not in shown:
+            shown += os.read(terminal, 1024)
+        os.write(terminal, PASSWORD.encode() + b"\n")
+        try:
+            while more := os.read(terminal, 1024):
+                shown += more
+        except OSError:
+            pass  # the other end is closed
+        self.assertEqual(os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]), 0)
+        self.assertNotIn(PASSWORD.encode(), shown)
+
+
+def main():
+    global TARN, SCRATCH
+    os.environ.update(TARN_HOST="", LC_ALL="C")
+    with tempfile.TemporaryDirectory(prefix="tarn-cli-") as SCRATCH, ThreadPoolExecutor(2) as pool:
+        TARN = os.path.join(SCRATCH, "tarn")  # a link works as well
+        os.symlink(os.path.abspath(sys.argv[1]), TARN)
+        subprocess.run([TARN, "--help"], check=True, capture_output=True)  # whatever must be built is built once
+        for number, case in enumerate(CASES):
+            # The runs go on two at a time while earlier ones are checked.
+            future = pool.submit(run, case)
+            name = "test_%03d_%s" % (number, re.sub(r"\W+", "_", case.name))
+            setattr(CommandLine, name, lambda self, case=case, future=future: self.check(case, future.result()))
+        result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(CommandLine))
+    failed = len(result.failures) + len(result.errors)
+    print(f"{result.testsRun - failed} passed, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
