@@ -13,6 +13,8 @@ using namespace tarn;
 
 namespace {
 
+constexpr std::size_t inquirySize = 255; // what an INQUIRY asks for at most
+
 // Standard INQUIRY data.
 constexpr std::size_t inquiryVendorAt = 8;
 constexpr std::size_t inquiryProductAt = 16;
@@ -84,9 +86,10 @@ FileDescriptor openToRead(const Path &path) {
 }
 
 /// Sends a read command into a cleared buffer: an answer that is cut short is followed by zeros, not by the one before.
-/// False when the request failed.
-bool read(Scan &scan, const FileDescriptor &device, int (*command)(int, uscsi_cmd *)) {
-    scan.data.fill(0);
+/// `size` is what the command asks for: beyond it the buffer is still clear, or is not looked at until it is cleared for
+/// a command that asks for more. False when the request failed.
+bool read(Scan &scan, const FileDescriptor &device, int (*command)(int, uscsi_cmd *), std::size_t size) {
+    std::memset(scan.data.data(), 0, size);
     return command(device.get(), &scan.command) == 0;
 }
 
@@ -138,14 +141,14 @@ const char *identifyLun(Scan &scan, const char *name, Lun &lun) {
     if (!device.isOpen()) {
         return "No open.";
     }
-    if (!read(scan, device, scsiStandardInquiry)) {
+    if (!read(scan, device, scsiStandardInquiry, inquirySize)) {
         return "No SCSI Standard Inquiry.";
     }
     traceInquiry(scan.data.data());
     if (!isOfArray(scan, lun.isUtm)) {
         return "not a recognized LSI-derived LUN - skipping. ";
     }
-    if (!read(scan, device, scsiInquiryVPDC0)) {
+    if (!read(scan, device, scsiInquiryVPDC0, inquirySize)) {
         return "scsiInquiryVPDC0 failed - skipping. ";
     }
     std::memcpy(lun.controller.data(), scan.data.data() + pageC0ControllerAt, controllerIdSize);
@@ -222,11 +225,11 @@ const char *readStatistics(Scan &scan, std::size_t index) {
     if (!device.isOpen()) {
         return "No open during inbanding.";
     }
-    if (!read(scan, device, scsiReceiveDiagnosticA0)) {
+    if (!read(scan, device, scsiReceiveDiagnosticA0, dataBufferSize)) {
         return "scsiReceiveDiagnosticA0 failed - skipping.";
     }
     processReceiveDiagnosticA0buffer(scan.data.data());
-    if (!read(scan, device, scsiLogSense3B)) {
+    if (!read(scan, device, scsiLogSense3B, dataBufferSize)) {
         return "scsiLogSense3B failed - skipping.";
     }
     processLogSense3Bbuffer(scan.data.data(), &controller.numberOfDrivesOut, scan.commonReturnString[index],
