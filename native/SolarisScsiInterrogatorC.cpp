@@ -13,8 +13,6 @@ using namespace tarn;
 
 namespace {
 
-constexpr std::size_t inquirySize = 255; // what an INQUIRY asks for at most
-
 // Standard INQUIRY data.
 constexpr std::size_t inquiryVendorAt = 8;
 constexpr std::size_t inquiryProductAt = 16;

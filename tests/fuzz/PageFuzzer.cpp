@@ -56,9 +56,10 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) {
         std::ranges::for_each(dictionaryCodes, [&](unsigned code) { dictionary.parameter(code, Bytes(10, 'x')); });
         writeSeed((*argv)[2] + std::string("/start"), {three.translation, dictionary.bytes()}, ControllerPages(16, 7),
                   0);
-        // The first page ends with the buffer, the second does not fit.
-        writeSeed((*argv)[2] + std::string("/end"), {three.translation, withPageLength(three.statistics, 0xFFFF)},
-                  {three.translation, withPageLength(dictionary.bytes(), 0xFFFF)}, 120);
+        // What is read of the drive ends with the buffer, whatever its length byte says; the dictionary is cut.
+        const Bytes drive = StatisticsPage().parameter(0xC000, Bytes(36, 1), 0).bytes();
+        writeSeed((*argv)[2] + std::string("/end"), {three.translation, withPageLength(drive, 0xFFFF)},
+                  {three.translation, withPageLength(dictionary.bytes(), 0xFFFF)}, 40);
         std::exit(0);
     }
     return 0;

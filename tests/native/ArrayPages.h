@@ -157,7 +157,8 @@ inline std::string describeLun(const ArrayLun &lun) {
             answers.push_back('"' + command + R"(": ")" + hex + '"');
         }
     };
-    answer("INQUIRY", padded("", 8) + padded(lun.vendor, 8) + padded(lun.product, 16) + "0710");
+    const std::string inquiry = padded("", 8) + padded(lun.vendor, 8) + padded(lun.product, 16) + "0710";
+    answer("INQUIRY", padded(inquiry, 112) + "ctrl-A          "); // where the other answer names the owner
     answer("INQUIRY C0", padded("", 112) + (lun.controller.empty() ? "" : padded(lun.controller, 16)));
     answer("RECEIVE DIAGNOSTIC A0", lun.translation);
     answer("LOG SENSE 3B", lun.statistics);

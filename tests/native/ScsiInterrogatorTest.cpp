@@ -47,6 +47,7 @@ TEST(ScsiCommands, SendTheirBytesAndReportFailedRequests) {
             EXPECT_EQ(send(device.get(), &command), answered ? 0 : 1) << name;
             EXPECT_EQ(replay::stopJournal(), Lines{sent + (answered ? "" : " EIO")});
             EXPECT_EQ(data[0] == 0xA1 && data[2] == 0xC3, answered && reads) << name;
+            EXPECT_EQ(command.uscsi_buflen, reads ? bufferSize : 12) << name;
         }
     }
 }
@@ -82,6 +83,7 @@ TEST(StatisticsPages, ReportPlacedDrivesInWalkOrder) {
               "         1         2         3         4         5         6         7         8"
               "       101       102       103       104       105       106       107       108"
               "42949672954294967294         1        10       100      1000     100004000000000");
+    EXPECT_EQ(driveChIdtoTraySlot[0x20][0].tray, 0xFF);
     // The second controller's translation places a drive that only the first one's page told of.
     EXPECT_EQ(decoder.decode({translationPage({{1, 5, 3, 4}}), StatisticsPage().bytes()}).substr(0, 18),
               "1|    1  3  4   80");
@@ -239,15 +241,15 @@ TEST_F(ArrayScan, DrivesOfTheFirstPageCountForTheSecondTranslation) {
 TEST_F(ArrayScan, WhatAnAnswerLacksIsZero) {
     // Both pages of the second controller tell a length that their answers do not have. What the answer before left in
     // the buffer there would place a third drive, or change the counters of the second.
-    const StatisticsPage two = StatisticsPage().drive(0, 0, countersOf(0)).drive(0, 1, countersOf(1));
-    std::vector<Place> places(8, Place{0, 0, 0, 1});
+    StatisticsPage longer;
+    longer.drive(0, 0, countersOf(0)).drive(0, 1, countersOf(1)).fillTo(336).drive(0, 2, {0x00020909});
+    std::vector<Place> places(72, Place{0, 0, 0, 1});
     places.push_back({0xC0, 1, 0, 36});
     places.insert(places.end(), 9, {0, 1, 0, 2});
-    const ControllerPages cut(withPageLength(translationPage(places), 4 * 18 + 8 + 8), withPageLength(two.bytes(), 80));
-    ArrayLun lun = arrayLun("c2", second, cut);
-    lun.statistics.resize(44);
-    const Bytes longer = StatisticsPage(two).drive(0, 2, {0x00020909, 2, 3, 4, 5, 6, 7, 8, 9}).bytes();
-    EXPECT_EQ(scanLuns({arrayLun("c1", first, {twoDrives.translation, longer}), lun}), twoPlaces + records + records);
+    const ControllerPages cut(withPageLength(translationPage(places), 340),
+                              withPageLength(StatisticsPage().drive(0, 0, countersOf(0)).fillTo(300).bytes(), 336));
+    EXPECT_EQ(scanLuns({arrayLun("c1", first, {twoDrives.translation, longer.bytes()}), arrayLun("c2", second, cut)}),
+              twoPlaces + records + records);
 }
 
 TEST_F(ArrayScan, ChoosesOneLunPerController) {
