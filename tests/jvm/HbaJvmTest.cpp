@@ -161,9 +161,10 @@ TEST_F(HbaTest, InstancesTellWhatTheLibrarySays) {
     const jvm::HbaTree tree = fill();
     const std::string system = jvm::toText(env, jvm::call(env, names, "getSystemName", "()Ljava/lang/String;"));
     EXPECT_EQ(tree.values("3/adapter"),
-              "200000e08b010203:3|Kelvo_HostBusAdapter|" + system + "|Kelvo_ComputerSystem|Acme|"
-              "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcde|M|MD|200000e08b010203|N|H|D|O|F|"
-              "4294967295|qlc|Adapter 3|Adapter 3|Adapter 3");
+              "200000e08b010203:3|Kelvo_HostBusAdapter|" + system +
+                  "|Kelvo_ComputerSystem|Acme|"
+                  "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcde|M|MD|200000e08b010203|N|H|D|O|F|"
+                  "4294967295|qlc|Adapter 3|Adapter 3|Adapter 3");
     const auto common = [&](const std::string &wwn) {
         return "200000e08b010203|" + wwn + "|66048|10|6|[6,3]|port|/dev/cfg/c4|0|11435350430|2048|1000006069c01020|" +
                wwn + "|" + system + "|Kelvo_ComputerSystem|[6]|";
@@ -197,9 +198,12 @@ TEST_F(HbaTest, PortCodesBecomeCimValues) {
     };
     json remote;
     for (const auto &row : cases) {
-        remote.push_back({{"attributes", {{"PortType", row.type}, {"PortState", row.state},
-                                          {"PortSupportedClassofService", row.classes},
-                                          {"PortSupportedSpeed", row.speed}, {"PortSpeed", row.speed}}}});
+        remote.push_back({{"attributes",
+                           {{"PortType", row.type},
+                            {"PortState", row.state},
+                            {"PortSupportedClassofService", row.classes},
+                            {"PortSupportedSpeed", row.speed},
+                            {"PortSpeed", row.speed}}}});
     }
     loadAdapters(twoAdapters("/0/ports/0/discovered", remote));
     const jvm::HbaTree tree = fill();
@@ -218,17 +222,46 @@ TEST_F(HbaTest, TargetMappingsTellWhichDeviceLeadsWhere) {
         json lun;
         std::string values, exported, kept, leadville, forced, formatted;
     } cases[] = {
-        {{{"OSDeviceName", "/dev/rdsk/c2t50060E8000C3A2B1d0s2"}, {"ScsiBusNumber", 2}}, 1407374883553280, "2|0|0|", "5",
-         "/dev/rdsk/c2t50060E8000C3A2B1d0s2", "c2t50060E8000C3A2B1d0", "c2t50060E8000C3A2B1d0", "c2t0d0"},
+        {{{"OSDeviceName", "/dev/rdsk/c2t50060E8000C3A2B1d0s2"}, {"ScsiBusNumber", 2}},
+         1407374883553280,
+         "2|0|0|",
+         "5",
+         "/dev/rdsk/c2t50060E8000C3A2B1d0s2",
+         "c2t50060E8000C3A2B1d0",
+         "c2t50060E8000C3A2B1d0",
+         "c2t0d0"},
         {{{"OSDeviceName", "/dev/dsk/c4t1d0s2"}, {"ScsiTargetNumber", 4294967295}, {"ScsiOSLun", 2147483648}},
-         4613093393310941184, "4|4294967295|2147483648|", "16389", "/dev/dsk/c4t1d0s2", "c4t-1d-2147483648", "c4t1d0",
+         4613093393310941184,
+         "4|4294967295|2147483648|",
+         "16389",
+         "/dev/dsk/c4t1d0s2",
+         "c4t-1d-2147483648",
+         "c4t1d0",
          "c4t-1d-2147483648"},
-        {{{"OSDeviceName", "c7t0d0s2"}, {"ScsiOSLun", 5}}, 9223372036854775808U, "7|0|5|", "18446744073709518848",
-         "c7t0d0s2", "c7t0d5", "c7t0d0", "c7t0d5"},
-        {{{"OSDeviceName", "tab\there"}, {"ScsiBusNumber", 4294967295}}, -1, "4294967295|0|0|",
-         "18446744073709551615", "tabhere", "c-1t0d0", "tabhere", "c-1t0d0"},
-        {{{"OSDeviceName", "/devices/pci@1/ssd@w50,0"}}, 281474976710655, "6|0|0|", "0", "/devices/pci@1/ssd@w50,0",
-         "c6t0d0", "ssd@w50,0", "c6t0d0"},
+        {{{"OSDeviceName", "c7t0d0s2"}, {"ScsiOSLun", 5}},
+         9223372036854775808U,
+         "7|0|5|",
+         "18446744073709518848",
+         "c7t0d0s2",
+         "c7t0d5",
+         "c7t0d0",
+         "c7t0d5"},
+        {{{"OSDeviceName", "tab\there"}, {"ScsiBusNumber", 4294967295}},
+         -1,
+         "4294967295|0|0|",
+         "18446744073709551615",
+         "tabhere",
+         "c-1t0d0",
+         "tabhere",
+         "c-1t0d0"},
+        {{{"OSDeviceName", "/devices/pci@1/ssd@w50,0"}},
+         281474976710655,
+         "6|0|0|",
+         "0",
+         "/devices/pci@1/ssd@w50,0",
+         "c6t0d0",
+         "ssd@w50,0",
+         "c6t0d0"},
     };
     json mapping;
     for (const auto &row : cases) {
@@ -275,13 +308,14 @@ TEST_F(HbaTest, EveryFailureLeavesItsLineAndItsHole) {
         {"/0/NumberOfEntries", 4294967295,
          "HBA_GetFcpTargetMapping call returned 7 (More data available) for adapter 0 (hba-0)", "0/.*/mapping", ""},
         {"/0/attributes/NumberOfPorts", 4294967295,
-         "Ignoring the 4294967295 ports that HBA adapter 0 (hba-0) reports -- more than 4096 cannot be right",
-         "0/./.*", ""},
+         "Ignoring the 4294967295 ports that HBA adapter 0 (hba-0) reports -- more than 4096 cannot be right", "0/./.*",
+         ""},
         {"/0/ports/0/status/GetAdapterPortAttributes", 1, "1 (Error)", "0/0/.*", "0/0 null"},
         {"/0/ports/0/status/GetPortStatistics", 2, "2 (Not supported)", "0/0/statistics", "0/0/statistics null"},
         {"/0/ports/0/attributes/NumberofDiscoveredPorts", 2147483648,
          "Ignoring the 2147483648 discovered ports of port 0 that HBA adapter 0 (hba-0) reports -- more than 65536 "
-         "cannot be right", "0/0/./.*", ""},
+         "cannot be right",
+         "0/0/./.*", ""},
         {"/0/ports/0/discovered/0/status/GetDiscoveredPortAttributes", 8, "8 (Stale data)", "0/0/0/.*", "0/0/0 null"},
     };
     for (const auto &[where, value, log, missing, hole] : cases) {

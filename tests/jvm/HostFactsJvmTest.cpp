@@ -144,10 +144,11 @@ TEST_F(HostFactsTest, LongListsNeedFewReferences) {
         return list + "]";
     };
     replay::loadHostText(R"({"sysconf": {"_SC_NPROCESSORS_CONF": 128, "_SC_CPUID_MAX": 127}, "processors": )" +
-                         listOf128(R"({"id": )", "}") + R"(, "mnttab": )" +
-                         listOf128(R"("d\t/)", R"(\tufs\trw\t1")") + R"(, "kstat": )" +
+                         listOf128(R"({"id": )", "}") + R"(, "mnttab": )" + listOf128(R"("d\t/)", R"(\tufs\trw\t1")") +
+                         R"(, "kstat": )" +
                          listOf128(R"({"ks_name": "cpu_stat)", R"(", "data": {}}, {"ks_name": "sd", "ks_class": "disk",
-                                                                  "ks_type": "KSTAT_TYPE_IO", "data": {}})") + "}");
+                                                                  "ks_type": "KSTAT_TYPE_IO", "data": {}})") +
+                         "}");
     for (const auto enumerate : {HOST_FACT(enumerateLogicalDiskNames), HOST_FACT(enumerateProcessors),
                                  HOST_FACT(enumerateCpuUtilizationInfo), HOST_FACT(enumerateDiskIOInformation)}) {
         const jvm::JniTable table(env);

@@ -229,8 +229,12 @@ std::vector<std::string> JniTable::faults() const {
 
 std::vector<std::string> unreleased(const std::vector<std::string> &journal) {
     constexpr std::pair<const char *, const char *> pairs[] = {
-        {"open", "close"}, {"opendir", "closedir"}, {"fopen", "fclose"}, {"kstat_open", "kstat_close"},
-        {"HBA_OpenAdapter", "HBA_CloseAdapter"}, {"HBA_LoadLibrary", "HBA_FreeLibrary"},
+        {"open", "close"},
+        {"opendir", "closedir"},
+        {"fopen", "fclose"},
+        {"kstat_open", "kstat_close"},
+        {"HBA_OpenAdapter", "HBA_CloseAdapter"},
+        {"HBA_LoadLibrary", "HBA_FreeLibrary"},
     };
     std::map<std::string, int> open;
     for (const std::string &line : journal) {

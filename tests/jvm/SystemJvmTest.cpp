@@ -45,19 +45,25 @@ TEST_F(SystemTest, EachTellsWhatIsKnownAndBlanksForTheRest) {
         std::string host, computerSystem, operatingSystem;
         Lines log;
     } cases[] = {
-        {wholeHost, "systemName=SunOS, hostName=rill, serialNumber=unknown, platform=SUNW,Sun-Fire-V440, version=G]",
+        {wholeHost,
+         "systemName=SunOS, hostName=rill, serialNumber=unknown, platform=SUNW,Sun-Fire-V440, version=G]",
          "SolarisOperatingSystem[name=SunOS, hostName=rill, version=Generic_118558-21.5.9, "
-         "totalPhysicalKB=800, freePhysicalKB=24, totalSwapKB=120, freeSwapKB=80]", {}},
-        {R"({"kstat": []})", "systemName= , hostName= , serialNumber=unknown, platform= , version= ]", blank,
+         "totalPhysicalKB=800, freePhysicalKB=24, totalSwapKB=120, freeSwapKB=80]",
+         {}},
+        {R"({"kstat": []})",
+         "systemName= , hostName= , serialNumber=unknown, platform= , version= ]",
+         blank,
          {"warn uname failed in getOperatingSystem"}},
         {R"({"uname": {}, "sysinfo": {"SI_HOSTNAME": "rill", "SI_VERSION": "G"}})",
-         "systemName= , hostName=rill, serialNumber=unknown, platform= , version=G]", blank,
+         "systemName= , hostName=rill, serialNumber=unknown, platform= , version=G]",
+         blank,
          {"warn kstat open failed"}},
         {R"({"kstat": [], "sysinfo": {"SI_PLATFORM": ")" + p + R"("}, "uname": {"sysname": ")" + v +
              R"(", "nodename": ")" + v + R"(", "release": ")" + v + R"(", "version": ")" + v + R"("}})",
          "systemName= , hostName= , serialNumber=unknown, platform=" + p.substr(0, 127) + ", version= ]",
-         "SolarisOperatingSystem[name=" + v.substr(0, 99) + ", hostName=" + v.substr(0, 99) + ", version=" +
-             v.substr(0, 99) + ", " + noMemory, {}},
+         "SolarisOperatingSystem[name=" + v.substr(0, 99) + ", hostName=" + v.substr(0, 99) +
+             ", version=" + v.substr(0, 99) + ", " + noMemory,
+         {}},
     };
     for (const auto &[host, computerSystem, operatingSystem, log] : cases) {
         replay::loadHostText(host);
@@ -73,11 +79,18 @@ TEST_F(SystemTest, CallsComeInTheirOrder) {
     replay::loadHostText(R"({"sysinfo": {"SI_SYSNAME": "SunOS", "SI_HOSTNAME": "rill"}})");
     const std::string className =
         "com/kelvo/tarn/providers/solaris/SolarisComputerSystemProvider$SolarisComputerSystem";
-    const Lines expected{
-        "NewStringUTF  ", "NewStringUTF  ", "NewStringUTF  ", "NewStringUTF  ", "NewStringUTF unknown",
-        "FindClass " + className, "GetMethodID " + className + " <init> (Ljava/lang/String;Ljava/lang/String;"
-        "Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;)V",
-        "NewStringUTF SunOS", "NewStringUTF rill", "NewObject " + className};
+    const Lines expected{"NewStringUTF  ",
+                         "NewStringUTF  ",
+                         "NewStringUTF  ",
+                         "NewStringUTF  ",
+                         "NewStringUTF unknown",
+                         "FindClass " + className,
+                         "GetMethodID " + className +
+                             " <init> (Ljava/lang/String;Ljava/lang/String;"
+                             "Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;)V",
+                         "NewStringUTF SunOS",
+                         "NewStringUTF rill",
+                         "NewObject " + className};
     replay::startJournal();
     const jvm::JniTable table(env);
     getComputerSystem(env);

@@ -16,9 +16,19 @@ namespace tarn {
 namespace {
 
 TEST(HbaMessages, NameStatusesCallsAndAdapters) {
-    const tests::Lines texts{"OK", "Error", "Not supported", "Invalid handle", "Invalid argument", "Illegal WWN",
-                             "Illegal index", "More data available", "Stale data", "SCSI check condition",
-                             "Adapter busy or reserved", "HBA request timed out", "HBA has been removed or deactivated",
+    const tests::Lines texts{"OK",
+                             "Error",
+                             "Not supported",
+                             "Invalid handle",
+                             "Invalid argument",
+                             "Illegal WWN",
+                             "Illegal index",
+                             "More data available",
+                             "Stale data",
+                             "SCSI check condition",
+                             "Adapter busy or reserved",
+                             "HBA request timed out",
+                             "HBA has been removed or deactivated",
                              ""};
     for (HBA_STATUS status = 0; status < texts.size(); ++status) {
         EXPECT_EQ(StatusString(status), texts[status]);
@@ -57,10 +67,16 @@ std::string cleaned(const std::string &field) {
 
 TEST(HbaConversions, CleanAndTerminateFields) {
     using namespace std::string_literals;
-    const std::pair<std::string, std::string> cases[] = {
-        {"Vendor\0\xff\x01junk"s, "Vendor"}, {"abc\t1234\0"s, "abc1234"}, {"caf\xE9 au lait\0\0"s, "caf au lait"},
-        {"a\n\n\n\nb\0"s, "ab"}, {"full!", "full"}, {"no\tNUL", "noNUL"}, {"\t\t\t", ""}, {"\x7f ~\0"s, "\x7f ~"},
-        {"x", ""}, {"\0x"s, ""}};
+    const std::pair<std::string, std::string> cases[] = {{"Vendor\0\xff\x01junk"s, "Vendor"},
+                                                         {"abc\t1234\0"s, "abc1234"},
+                                                         {"caf\xE9 au lait\0\0"s, "caf au lait"},
+                                                         {"a\n\n\n\nb\0"s, "ab"},
+                                                         {"full!", "full"},
+                                                         {"no\tNUL", "noNUL"},
+                                                         {"\t\t\t", ""},
+                                                         {"\x7f ~\0"s, "\x7f ~"},
+                                                         {"x", ""},
+                                                         {"\0x"s, ""}};
     for (const auto &[field, text] : cases) {
         EXPECT_EQ(cleaned(field), text);
     }
@@ -137,9 +153,11 @@ TEST(HbaDeviceNames, GiveBusNumbersAsTheRawDiskDirectoryTells) {
 }
 
 TEST(HbaDeviceNames, AreCutByTheLeadvilleHeuristic) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"/dev/rdsk/c1s2d0s2", "c1"}, {"/devices/s2/ssd@0:s2,raw", "ssd@0:"}, {"/dev/rdsk/", ""}, {"", ""},
-        {std::string(256, 'x'), std::string(255, 'x')}};
+    const std::pair<std::string, std::string> cases[] = {{"/dev/rdsk/c1s2d0s2", "c1"},
+                                                         {"/devices/s2/ssd@0:s2,raw", "ssd@0:"},
+                                                         {"/dev/rdsk/", ""},
+                                                         {"", ""},
+                                                         {std::string(256, 'x'), std::string(255, 'x')}};
     for (const auto &[name, cut] : cases) {
         char buffer[deviceNameSize];
         leadvilleName(name, buffer);

@@ -63,8 +63,10 @@ const std::string host = R"({
               {"name": "c3t0d0", "path": "/sd@3,0", "minor": 24, "slices": ["s1", "s7"]},
               {"name": "c40", "path": "/pci@1f/SUNW,ssd_9Ab-x@w5006,Zz"}, {"name": "c6t0d0", "minor": 48},
               {"name": "c41", "path": "/pseudo/mdE7", "minor": 8}, {"name": "c42", "path": "/8@0,0", "minor": 16},
-              {"name": "c6t1d0", "path": ")" + longPath + R"(1", "minor": 56},
-              {"name": "c6t2d0", "path": ")" + longPath + R"(", "minor": 64}],
+              {"name": "c6t1d0", "path": ")" +
+                         longPath + R"(1", "minor": 56},
+              {"name": "c6t2d0", "path": ")" +
+                         longPath + R"(", "minor": 64}],
     "entries": [{"path": "/dev/dsk/cSs1s0", "link": "../../devices/sd@5,0:a", "position": "first"},
                 {"path": "/dev/dsk/xs0y", "link": "../../devices/sd@5,0:a"},
                 {"path": "/dev/dsk/c1t0d0s0", "link": "../../devices/sd@5,0:a"},
@@ -137,8 +139,8 @@ TEST(LogicalDiskTest, TheMountTableDecides) {
     EXPECT_EQ(text(GetLogicalDisk("/", false)), "d0 / ufs 0 0 0 0 ");
     EXPECT_EQ(replay::stopJournal(), (Lines{"fopen /etc/mnttab", "fclose"}));
 
-    for (const std::string &malformed : Lines{R"(d7\t/7\tufs\trw)", R"(d7\t/7\tufs\trw\t1\tmore)",
-                                              std::string(1024, 'x') + R"(\t/7\tufs\trw\t1)"}) {
+    for (const std::string &malformed :
+         Lines{R"(d7\t/7\tufs\trw)", R"(d7\t/7\tufs\trw\t1\tmore)", std::string(1024, 'x') + R"(\t/7\tufs\trw\t1)"}) {
         replay::loadHostText(R"({"mnttab": ["d0\t/\tufs\trw\t1", ")" + malformed + R"(", "d8\t/8\tufs\trw\t1"]})");
         EXPECT_EQ(answerOf(ListLogicalDisks), "/|");
         EXPECT_EQ(answerOf([] { return GetLogicalDisk("/8", true); }), "Logical Disk Not Found: /8");
@@ -166,9 +168,9 @@ TEST(ProcessorTest, IdsAreProbedUntilAllOr128HaveAnswered) {
         const char *lastProbed;
     } cases[] = {
         {4, 31, {0, 1, 4, 5, 9}, 4, "processor_info 5"}, {2, 31, {3}, 1, "processor_info 31 EINVAL"},
-        {0, 31, {0}, 0, "sysconf _SC_CPUID_MAX"}, {-1, 31, {0}, 0, "sysconf _SC_CPUID_MAX"},
+        {0, 31, {0}, 0, "sysconf _SC_CPUID_MAX"},        {-1, 31, {0}, 0, "sysconf _SC_CPUID_MAX"},
         {2, -1, {0, 600}, 2, "processor_info 600"}, // a system that does not tell its largest id
-        {127, 511, many, 127, "processor_info 252"}, {129, 511, many, 128, "processor_info 254"},
+        {127, 511, many, 127, "processor_info 252"},     {129, 511, many, 128, "processor_info 254"},
     };
     for (const auto &[configured, largest, present, found, lastProbed] : cases) {
         SCOPED_TRACE(lastProbed);
@@ -191,9 +193,14 @@ TEST(ProcessorTest, IdsAreProbedUntilAllOr128HaveAnswered) {
 TEST(CpuUtilizationTest, RecordsAreTakenByTheirNames) {
     replay::loadHostText(host);
     EXPECT_EQ(answerOf(getCpuUtilInfos), "3 1 2 3 4 |5 50 0 0 0 |0 -1 2147483647 0 -2147483648 |8 0 0 0 0 |");
-    const std::map<int, const char *> answers{ // -1 means any instance to the system
-        {3, "3 1 2 3 4 "},           {0, "0 -1 2147483647 0 -2147483648 "}, {7, "7 70 0 0 0 "},
-        {1, "kstat_read failed."},   {5, "kstat_lookup failed."},           {9, "kstat_lookup failed."},
+    const std::map<int, const char *> answers{
+        // -1 means any instance to the system
+        {3, "3 1 2 3 4 "},
+        {0, "0 -1 2147483647 0 -2147483648 "},
+        {7, "7 70 0 0 0 "},
+        {1, "kstat_read failed."},
+        {5, "kstat_lookup failed."},
+        {9, "kstat_lookup failed."},
         {-1, "kstat_lookup failed."},
     };
     for (const auto &[id, answer] : answers) {

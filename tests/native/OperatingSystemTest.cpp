@@ -20,10 +20,12 @@ TEST(OperatingSystemTest, MemoryComesFromTwoSamples) {
         OsMemoryInfo expected;
     } cases[] = {
         {hostWith(8192, R"(, "samples": [{"freemem": 1, "swap_avail": 20, "swap_resv": 10},
-                                         {"freemem": 3, "swap_avail": 30, "swap_resv": 15}])"), {8000, 16, 120, 80}},
+                                         {"freemem": 3, "swap_avail": 30, "swap_resv": 15}])"),
+         {8000, 16, 120, 80}},
         // counters that wrap
         {hostWith(4096, R"(, "samples": [{"swap_avail": 18446744073709551606, "swap_resv": -1},
-                                         {"swap_avail": 10, "swap_resv": 4}])"), {4000, 0, 100, 80}},
+                                         {"swap_avail": 10, "swap_resv": 4}])"),
+         {4000, 0, 100, 80}},
         // more swap than 32 bits of kilobytes
         {hostWith(8192, R"(, "samples": [{}, {"swap_avail": 4294967296, "swap_resv": 1}])"),
          {8000, 0, 34359738376, 34359738368}},
