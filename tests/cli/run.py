@@ -9,6 +9,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import zipfile
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
 from pathlib import Path
@@ -321,6 +322,18 @@ class CommandLine(unittest.TestCase):
         if case.log is not ANY:
             # The reason that an absent user's line may end with is the platform's.
             self.assertEqual([re.sub(r"( found); .*", r"\1", line) for line in log], case.log)
+
+    def test_the_jar_is_for_java_11_and_says_what_it_is(self):
+        root = Path(__file__).parents[2]
+        version = re.search(r"project\(tarnsolaris VERSION (\S+)", (root / "CMakeLists.txt").read_text())[1]
+        with zipfile.ZipFile(root / "build/release/tarn.jar") as jar:
+            classes = {name: jar.read(name) for name in jar.namelist() if name.endswith(".class")}
+            manifest = jar.read("META-INF/MANIFEST.MF").decode().splitlines()
+        self.assertGreater(len(classes), 50)
+        self.assertEqual([name for name, code in classes.items() if int.from_bytes(code[6:8], "big") > 55], [])
+        for line in ("Implementation-Title: tarnsolaris", f"Implementation-Version: {version}",
+                     "Main-Class: com.kelvo.tarn.cli.Tarn"):
+            self.assertIn(line, manifest)
 
     def test_a_result_that_cannot_be_written(self):
         with open("/dev/full", "wb") as full:

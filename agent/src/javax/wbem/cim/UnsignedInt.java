@@ -36,7 +36,7 @@ public abstract class UnsignedInt {
 
     @Override
     public boolean equals(Object other) {
-        return other instanceof UnsignedInt number && number.getClass() == getClass() && number.bits == bits;
+        return other != null && other.getClass() == getClass() && ((UnsignedInt) other).bits == bits;
     }
 
     @Override

@@ -18,7 +18,34 @@ final class ArrayReport {
     private static final String unplaced = "?";
 
     /** What one controller counted for one drive. */
-    private record Row(String tray, String slot, String controller, List<String> counters) {
+    private static final class Row {
+        private final String tray;
+        private final String slot;
+        private final String controller;
+        private final List<String> counters;
+
+        Row(String tray, String slot, String controller, List<String> counters) {
+            this.tray = tray;
+            this.slot = slot;
+            this.controller = controller;
+            this.counters = counters;
+        }
+
+        String tray() {
+            return tray;
+        }
+
+        String slot() {
+            return slot;
+        }
+
+        String controller() {
+            return controller;
+        }
+
+        List<String> counters() {
+            return counters;
+        }
     }
 
     private ArrayReport() {
@@ -26,25 +53,27 @@ final class ArrayReport {
 
     /** The controllers are named by the identities that were asked for. */
     static void print(String report, List<String> controllers, PrintWriter out) {
-        switch (report) {
-            case noStatistics -> out.println("no drive statistics: no controller of that identity reported a drive");
-            case notCounting -> out.println("no drive statistics yet: the controllers count I/Os but no blocks, and "
-                + "were just told to (LOG SELECT); ask again later");
-            default -> {
-                Table<Row> table = new Table<Row>().number("Tray", Row::tray).number("Slot", Row::slot)
-                    .text("Controller", Row::controller);
-                for (int i = 0; i < counters.size(); i++) {
-                    int counter = i;
-                    table.number(counters.get(i), row -> row.counters().get(counter));
-                }
-                List<Row> rows = rows(report, controllers);
-                if (rows.stream().map(Row::slot).anyMatch(unplaced::equals)) {
-                    table.note(unplaced + ": the places told are those of " + controllers.get(0) + "'s drives, and "
-                               + controllers.get(1) + " has another number of them");
-                }
-                table.print(rows, out);
-            }
+        if (report.equals(noStatistics)) {
+            out.println("no drive statistics: no controller of that identity reported a drive");
+            return;
         }
+        if (report.equals(notCounting)) {
+            out.println("no drive statistics yet: the controllers count I/Os but no blocks, and were just told to "
+                        + "(LOG SELECT); ask again later");
+            return;
+        }
+        Table<Row> table = new Table<Row>().number("Tray", Row::tray).number("Slot", Row::slot)
+            .text("Controller", Row::controller);
+        for (int i = 0; i < counters.size(); i++) {
+            int counter = i;
+            table.number(counters.get(i), row -> row.counters().get(counter));
+        }
+        List<Row> rows = rows(report, controllers);
+        if (rows.stream().map(Row::slot).anyMatch(unplaced::equals)) {
+            table.note(unplaced + ": the places told are those of " + controllers.get(0) + "'s drives, and "
+                       + controllers.get(1) + " has another number of them");
+        }
+        table.print(rows, out);
     }
 
     /**

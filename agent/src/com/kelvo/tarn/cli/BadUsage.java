@@ -16,8 +16,8 @@ final class BadUsage implements IParameterExceptionHandler {
     }
 
     private static String complaint(ParameterException exception) {
-        if (exception instanceof UnmatchedArgumentException unmatched) {
-            return complaint(unmatched, unmatched.getCommandLine().getCommand());
+        if (exception instanceof UnmatchedArgumentException) {
+            return complaint((UnmatchedArgumentException) exception, exception.getCommandLine().getCommand());
         }
         if (exception.getArgSpec() != null && exception.getArgSpec().type() == Integer.class) {
             return exception.getArgSpec().paramLabel() + ": '" + exception.getValue()

@@ -4,6 +4,7 @@ import com.kelvo.tarn.providers.hba.HbaCache;
 import java.io.PrintWriter;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
 
 @Command(name = "hba-test", description = "What the HBA library says of its adapters, line by line, failures included.")
@@ -26,6 +27,6 @@ final class HbaTestCommand extends Inquiry<List<String>> {
     /** The adapters, and what failed: all lines that are not details of the one before. */
     @Override
     protected void summarize(List<String> lines, PrintWriter out) {
-        show(lines.stream().filter(line -> !line.startsWith(" ")).toList(), out);
+        show(lines.stream().filter(line -> !line.startsWith(" ")).collect(Collectors.toList()), out);
     }
 }

@@ -126,15 +126,15 @@ final class HbaTree {
             speeds.getOrDefault(number(port, HbaPortProvider.speed).longValue(), "speed unknown"),
             types.getOrDefault(number(port, HbaPortProvider.portType), ""),
             labelled("WWN ", port, HbaPortProvider.permanentAddress),
-            fcId == 0 ? "" : "FC ID 0x%06x".formatted(fcId),
+            fcId == 0 ? "" : String.format("FC ID 0x%06x", fcId),
             noFabric.equals(port.get(HbaPortProvider.fabricName)) ? ""
                 : labelled("fabric ", port, HbaPortProvider.fabricName),
             labelled("", port, HbaPortProvider.name));
     }
 
     private static boolean inTrouble(TrInstance port) {
-        return port == null || port.get(HbaPortProvider.operationalStatus) instanceof Object[] statuses
-            && Stream.of(statuses).anyMatch(troubledStatuses::contains);
+        return port == null || Stream.ofNullable((Object[]) port.get(HbaPortProvider.operationalStatus))
+            .flatMap(Stream::of).anyMatch(troubledStatuses::contains);
     }
 
     private static int units(HbaCache.HbaDiscoveredPort[] remotePorts) {
@@ -154,7 +154,7 @@ final class HbaTree {
             .filter(counter -> isKept(statistics, counter.getKey()))
             .map(counter -> counter.getValue() + " " + number(statistics, counter.getKey()))
             .collect(Collectors.joining(", "));
-        return "Frames: %s sent, %s received".formatted(frames.toArray()) + (errors.isEmpty() ? "" : "; " + errors);
+        return String.format("Frames: %s sent, %s received", frames.toArray()) + (errors.isEmpty() ? "" : "; " + errors);
     }
 
     /** Adapters set all bits of a counter that they do not keep. */
@@ -184,7 +184,7 @@ final class HbaTree {
 
     /** A property that was not set counts as 0. */
     private static UnsignedInt number(TrInstance instance, TrProperty property) {
-        return instance.get(property) instanceof UnsignedInt number ? number : new UnsignedInt16(0);
+        return instance.get(property) == null ? new UnsignedInt16(0) : (UnsignedInt) instance.get(property);
     }
 
     private static String join(String... parts) {

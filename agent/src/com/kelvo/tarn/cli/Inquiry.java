@@ -73,19 +73,19 @@ abstract class Inquiry<T> implements Callable<Integer> {
         PrintWriter err = spec.commandLine().getErr();
         if (tarn.json()) {
             Map<String, Object> document = new LinkedHashMap<>();
-            document.put("result", answer.result());
+            document.put("result", answer.result);
             document.put("log", log);
-            document.put("exception", answer.thrown());
+            document.put("exception", answer.thrown);
             out.println(Json.text(document));
         } else {
-            answer.page().accept(new Page(out));
+            answer.page.accept(new Page(out));
             out.flush();
             log.forEach(err::println);
-            if (answer.thrown() != null) {
-                Tarn.complain(err, message(answer.thrown()));
+            if (answer.thrown != null) {
+                Tarn.complain(err, message(answer.thrown));
             }
         }
-        return answer.status();
+        return answer.status;
     }
 
     private static String message(Throwable thrown) {

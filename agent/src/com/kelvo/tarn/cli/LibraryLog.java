@@ -10,7 +10,15 @@ import org.apache.log4j.spi.LoggingEvent;
 /** Collects the log lines of the agent, which are the library's. */
 final class LibraryLog extends AppenderSkeleton {
     /** One line; the level is "info" or "warn". */
-    record Line(String level, String message) {
+    static final class Line {
+        private final String level;
+        private final String message;
+
+        Line(String level, String message) {
+            this.level = level;
+            this.message = message;
+        }
+
         @Override
         public String toString() {
             return level + ": " + message;

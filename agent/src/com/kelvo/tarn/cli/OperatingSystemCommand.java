@@ -25,6 +25,6 @@ final class OperatingSystemCommand extends Inquiry<SolarisOperatingSystem> {
     /** Nothing of nothing is what the library says when the system did not tell. */
     private static String size(long kilobytes, long total) {
         return kilobytes == 0 && total == 0 ? "unknown"
-            : "%d KB (%s)".formatted(kilobytes, Units.bytes(kilobytes * 1024.0));
+            : String.format("%d KB (%s)", kilobytes, Units.bytes(kilobytes * 1024.0));
     }
 }

@@ -19,6 +19,6 @@ final class Page extends PrintWriter {
 
     /** The text with "\x1b" and the like in place of control characters. */
     static String printable(String text) {
-        return control.matcher(text).replaceAll(found -> "\\\\x%02x".formatted((int) found.group().charAt(0)));
+        return control.matcher(text).replaceAll(found -> String.format("\\\\x%02x", (int) found.group().charAt(0)));
     }
 }

@@ -5,6 +5,7 @@ import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import java.io.PrintWriter;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.stream.Collectors;
 import javax.wbem.cim.UnsignedInt;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
@@ -42,7 +43,7 @@ final class PartitionsCommand extends Listing<String, TrInstance> {
 
     @Override
     protected void summarize(List<TrInstance> slices, PrintWriter out) {
-        List<TrInstance> used = slices.stream().filter(row -> sectors(row) != 0).toList();
+        List<TrInstance> used = slices.stream().filter(row -> sectors(row) != 0).collect(Collectors.toList());
         show(used, out);
         if (used.size() < slices.size()) {
             out.println("Slices of 0 sectors left out: " + (slices.size() - used.size()) + " (partitions shows them)");
@@ -74,6 +75,6 @@ final class PartitionsCommand extends Listing<String, TrInstance> {
 
     private static String flagNames(int flags) {
         return ((flags & readOnly) == 0 ? "w" : "r") + ((flags & unmountable) == 0 ? "m" : "u")
-            + ((flags & ~(readOnly | unmountable)) == 0 ? "" : " 0x%04x".formatted(flags));
+            + ((flags & ~(readOnly | unmountable)) == 0 ? "" : String.format(" 0x%04x", flags));
     }
 }

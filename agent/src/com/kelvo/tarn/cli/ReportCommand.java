@@ -35,10 +35,10 @@ final class ReportCommand extends Inquiry<Map<String, Answer>> {
         spec().parent().subcommands().forEach((name, command) -> {
             Inquiry<?> section = command.getCommand();
             boolean complete = command.getCommandSpec().args().stream().noneMatch(ArgSpec::required);
-            if (section instanceof HbaCommand hba) {
-                hba.choose(options);
-            } else if (section instanceof ArrayCommand asked && !array.isEmpty()) {
-                asked.choose(array);
+            if (section instanceof HbaCommand) {
+                ((HbaCommand) section).choose(options);
+            } else if (section instanceof ArrayCommand && !array.isEmpty()) {
+                ((ArrayCommand) section).choose(array);
                 complete = true;
             }
             if (complete && section != this) {
@@ -52,7 +52,7 @@ final class ReportCommand extends Inquiry<Map<String, Answer>> {
     protected void show(Map<String, Answer> sections, PrintWriter out) {
         sections.forEach((name, answer) -> {
             out.println("── " + name + " " + "─".repeat(Math.max(0, 76 - name.length())));
-            answer.summary().accept(out);
+            answer.summary.accept(out);
             out.println();
         });
     }
@@ -61,13 +61,13 @@ final class ReportCommand extends Inquiry<Map<String, Answer>> {
     protected Object result(Map<String, Answer> sections) {
         Map<String, Object> results = new LinkedHashMap<>();
         sections.forEach((name, answer) -> results.put(
-            name, answer.thrown() == null ? answer.result() : Map.of("exception", answer.thrown())));
+            name, answer.thrown == null ? answer.result : Map.of("exception", answer.thrown)));
         return results;
     }
 
     @Override
     protected int exitStatus(Map<String, Answer> sections) {
-        return sections.values().stream().mapToInt(Answer::status).max().orElse(0);
+        return sections.values().stream().mapToInt(answer -> answer.status).max().orElse(0);
     }
 
     @Override

@@ -4,10 +4,20 @@ import java.io.PrintWriter;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Function;
+import java.util.stream.Collectors;
 
 /** A table for people: a heading, then one line per row, with texts aligned to the left and numbers to the right. */
 final class Table<R> {
-    private record Column<R>(String heading, boolean right, Function<R, Object> cell) {
+    private static final class Column<R> {
+        private final String heading;
+        private final boolean right;
+        private final Function<R, Object> cell;
+
+        private Column(String heading, boolean right, Function<R, Object> cell) {
+            this.heading = heading;
+            this.right = right;
+            this.cell = cell;
+        }
     }
 
     private final List<Column<R>> columns = new ArrayList<>();
@@ -41,9 +51,9 @@ final class Table<R> {
 
     void print(List<R> rows, PrintWriter out) {
         List<List<String>> lines = new ArrayList<>();
-        lines.add(columns.stream().map(Column::heading).toList());
+        lines.add(columns.stream().map(column -> column.heading).collect(Collectors.toList()));
         for (R row : rows) {
-            lines.add(columns.stream().map(column -> cell(column, row)).toList());
+            lines.add(columns.stream().map(column -> cell(column, row)).collect(Collectors.toList()));
         }
         int[] widths = new int[columns.size()];
         for (List<String> line : lines) {
@@ -55,7 +65,7 @@ final class Table<R> {
             StringBuilder text = new StringBuilder();
             for (int i = 0; i < widths.length; i++) {
                 String padding = " ".repeat(widths[i] - line.get(i).length());
-                text.append(columns.get(i).right() ? padding + line.get(i) : line.get(i) + padding).append("  ");
+                text.append(columns.get(i).right ? padding + line.get(i) : line.get(i) + padding).append("  ");
             }
             out.println(text.toString().stripTrailing());
         }
@@ -65,7 +75,7 @@ final class Table<R> {
     }
 
     private static <R> String cell(Column<R> column, R row) {
-        return Page.printable(String.valueOf(column.cell().apply(row)));
+        return Page.printable(String.valueOf(column.cell.apply(row)));
     }
 
     /** Pairs of a label and its value, one a line. */

@@ -18,7 +18,7 @@ final class Units {
             bytes /= 1024;
             prefix++;
         }
-        return prefix < 0 ? "%.0f B".formatted(bytes)
+        return prefix < 0 ? String.format(Locale.ROOT, "%.0f B", bytes)
             : String.format(Locale.ROOT, "%.1f %ciB", bytes, prefixes.charAt(prefix));
     }
 

@@ -23,15 +23,66 @@ public final class HbaCache {
     }
 
     /** An adapter; a port that cannot be read is null. */
-    public record Hba(TrInstance instance, HbaPort[] ports) {
+    public static final class Hba {
+        private final TrInstance instance;
+        private final HbaPort[] ports;
+
+        public Hba(TrInstance instance, HbaPort[] ports) {
+            this.instance = instance;
+            this.ports = ports;
+        }
+
+        public TrInstance instance() {
+            return instance;
+        }
+
+        public HbaPort[] ports() {
+            return ports;
+        }
     }
 
     /** A port; its statistics are null, and so is a remote port, when they cannot be read. */
-    public record HbaPort(TrInstance instance, TrInstance statistics, HbaDiscoveredPort[] discoveredPorts) {
+    public static final class HbaPort {
+        private final TrInstance instance;
+        private final TrInstance statistics;
+        private final HbaDiscoveredPort[] discoveredPorts;
+
+        public HbaPort(TrInstance instance, TrInstance statistics, HbaDiscoveredPort[] discoveredPorts) {
+            this.instance = instance;
+            this.statistics = statistics;
+            this.discoveredPorts = discoveredPorts;
+        }
+
+        public TrInstance instance() {
+            return instance;
+        }
+
+        public TrInstance statistics() {
+            return statistics;
+        }
+
+        public HbaDiscoveredPort[] discoveredPorts() {
+            return discoveredPorts;
+        }
     }
 
     /** A remote port with the logical units that are reached through it. */
-    public record HbaDiscoveredPort(TrInstance instance, TrInstance[] targetMappings) {
+    public static final class HbaDiscoveredPort {
+        private final TrInstance instance;
+        private final TrInstance[] targetMappings;
+
+        public HbaDiscoveredPort(TrInstance instance, TrInstance[] targetMappings) {
+            this.instance = instance;
+            this.targetMappings = targetMappings;
+        }
+
+        public TrInstance instance() {
+            return instance;
+        }
+
+        public TrInstance[] targetMappings() {
+            return targetMappings;
+        }
     }
 
     /** An adapter that cannot be read is null. */
