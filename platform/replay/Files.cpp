@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/replay/Descriptors.h"
-#include "platform/replay/Journal.h"
+#include "platform/replay/PlatformCall.h"
 
 // Files, directories and devices.
 
@@ -231,22 +231,28 @@ namespace solaris {
 using namespace replay;
 
 int open(const char *path, int flags, ...) {
-    return noted(openPath(path, flags), [&] { return std::string("open ") + path + " " + flagsText(flags); });
+    const auto line = [&] { return std::string("open ") + path + " " + flagsText(flags); };
+    return answerCall(line, [&] { return openPath(path, flags); });
 }
 
 int close(int descriptor) {
     const std::shared_ptr<const OpenDevice> opened = descriptors.remove(descriptor);
-    const int error = opened == nullptr ? EBADF : opened->device.disk->failure("close", opened->flags);
-    return noted(failWithUnless(error), [&] { return "close " + pathOf(opened); });
+    const auto line = [&] { return "close " + pathOf(opened); };
+    return answerCall(line, [&] {
+        return failWithUnless(opened == nullptr ? EBADF : opened->device.disk->failure("close", opened->flags));
+    });
 }
 
 int fstat(int descriptor, struct ::stat *status) {
     const std::shared_ptr<const OpenDevice> opened = descriptors.find(descriptor);
-    const int error = opened == nullptr ? EBADF : opened->device.disk->failure("fstat", opened->flags);
-    if (error == 0) {
-        describeDevice(opened->device, *status);
-    }
-    return noted(failWithUnless(error), [&] { return "fstat " + pathOf(opened); });
+    const auto line = [&] { return "fstat " + pathOf(opened); };
+    return answerCall(line, [&] {
+        const int error = opened == nullptr ? EBADF : opened->device.disk->failure("fstat", opened->flags);
+        if (error == 0) {
+            describeDevice(opened->device, *status);
+        }
+        return failWithUnless(error);
+    });
 }
 
 int ioctl(int descriptor, int request, ...) {
@@ -255,41 +261,48 @@ int ioctl(int descriptor, int request, ...) {
     void *argument = va_arg(arguments, void *);
     va_end(arguments);
     const std::shared_ptr<const OpenDevice> opened = descriptors.find(descriptor);
-    const int error = opened == nullptr ? EBADF : answerRequest(*opened, request, argument);
-    return noted(failWithUnless(error), [&] {
+    const auto line = [&] {
         const char *name = requestName(request);
         const std::string text = "ioctl " + (name == nullptr ? std::to_string(request) : name) + " ";
         return request == USCSICMD && argument != nullptr ? text + scsiCommandText(*static_cast<uscsi_cmd *>(argument))
                                                           : text + pathOf(opened);
-    });
+    };
+    return answerCall(
+        line, [&] { return failWithUnless(opened == nullptr ? EBADF : answerRequest(*opened, request, argument)); });
 }
 
 int stat(const char *path, struct ::stat *status) {
-    return noted(failWithUnless(describePath(*currentHost(), path, *status)),
-                 [&] { return std::string("stat ") + path; });
+    return answerCall([&] { return std::string("stat ") + path; },
+                      [&] { return failWithUnless(describePath(*currentHost(), path, *status)); });
 }
 
 ssize_t readlink(const char *path, char *buffer, size_t size) {
-    return noted(readLinkText(path, buffer, size), [&] { return std::string("readlink ") + path; });
+    return answerCall([&] { return std::string("readlink ") + path; },
+                      [&] { return readLinkText(path, buffer, size); });
 }
 
 int ustat(dev_t device, struct ::ustat *status) {
-    const std::shared_ptr<const Host> host = currentHost();
-    const Disk *disk = host->files.mountedFrom(device);
-    const int error = disk == nullptr ? EINVAL : disk->failure("ustat");
-    if (error == 0) {
-        *status = {};
-    }
-    return noted(failWithUnless(error),
-                 [&] { return "ustat " + std::to_string(major(device)) + "," + std::to_string(minor(device)); });
+    const auto line = [&] { return "ustat " + std::to_string(major(device)) + "," + std::to_string(minor(device)); };
+    return answerCall(line, [&] {
+        const std::shared_ptr<const Host> host = currentHost();
+        const Disk *disk = host->files.mountedFrom(device);
+        const int error = disk == nullptr ? EINVAL : disk->failure("ustat");
+        if (error == 0) {
+            *status = {};
+        }
+        return failWithUnless(error);
+    });
 }
 
 DIR *opendir(const char *path) {
-    return noted(openDirectory(path), [&] { return std::string("opendir ") + path; });
+    return answerCall([&] { return std::string("opendir ") + path; }, [&] { return openDirectory(path); });
 }
 
 struct dirent *readdir(DIR *directory) {
     Directory &opened = *reinterpret_cast<Directory *>(directory);
+    if (isRefused([&] { return "readdir " + opened.path; })) {
+        return failWith<struct dirent *>(EIO);
+    }
     if (opened.next == opened.names->size()) {
         return nullptr;
     }
@@ -305,8 +318,7 @@ struct dirent *readdir(DIR *directory) {
 
 int closedir(DIR *directory) {
     const std::unique_ptr<Directory> opened(reinterpret_cast<Directory *>(directory));
-    note([&] { return "closedir " + opened->path; });
-    return 0;
+    return answerCall([&] { return "closedir " + opened->path; }, [] { return 0; });
 }
 
 } // namespace solaris

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "platform/replay/Host.h"
-#include "platform/replay/Journal.h"
+#include "platform/replay/PlatformCall.h"
 
 // The host bus adapter library: one load state for the whole process, and handles that end with it.
 
@@ -54,16 +54,23 @@ std::string nameOf(HBA_HANDLE handle) {
     return "?";
 }
 
-/// Answers a call on a handle: leaves its line, and lets `answer` do what is the call's own.
-template <class Answer>
-HBA_STATUS answerCall(const char *call, HBA_HANDLE handle, const std::string &arguments, const Answer &answer) {
+/// Answers a call: leaves the line that `text` makes, and lets `answer` do what is the call's own. Refused, or while the
+/// library is not loaded, it answers `failure`.
+template <class Text, class Answer>
+HBA_UINT32 answerLoaded(HBA_UINT32 failure, const Text &text, const Answer &answer) {
     const std::lock_guard lock(libraryMutex);
-    note([&] { return std::string(call) + " " + nameOf(handle) + arguments; });
-    if (!library) {
-        return HBA_STATUS_ERROR;
-    }
-    const auto found = library->open.find(handle);
-    return found == library->open.end() ? HBA_STATUS{HBA_STATUS_ERROR_INVALID_HANDLE} : answer(*found->second);
+    return noteCall(text) || !library ? failure : answer();
+}
+
+/// The same for a call on a handle.
+template <class Answer>
+HBA_STATUS answerHandle(const char *call, HBA_HANDLE handle, const std::string &arguments, const Answer &answer) {
+    return answerLoaded(
+        HBA_STATUS_ERROR, [&] { return std::string(call) + " " + nameOf(handle) + arguments; },
+        [&] {
+            const auto found = library->open.find(handle);
+            return found == library->open.end() ? HBA_STATUS{HBA_STATUS_ERROR_INVALID_HANDLE} : answer(*found->second);
+        });
 }
 
 /// Gives out `source`, unless the description has another status for the call.
@@ -108,82 +115,79 @@ using namespace replay;
 HBA_STATUS HBA_LoadLibrary() {
     std::shared_ptr<const Host> host = currentHost();
     const std::lock_guard lock(libraryMutex);
-    note([] { return std::string("HBA_LoadLibrary"); });
-    if (library || !host->hba) {
+    if (noteCall([] { return std::string("HBA_LoadLibrary"); }) || library || !host->hba) {
         return HBA_STATUS_ERROR;
     }
     library.emplace().host = std::move(host);
     return HBA_STATUS_OK;
 }
 
+/// Refused, it frees all the same, and says that it did not.
 HBA_STATUS HBA_FreeLibrary() {
     const std::lock_guard lock(libraryMutex);
-    note([] { return std::string("HBA_FreeLibrary"); });
-    if (!library) {
-        return HBA_STATUS_ERROR;
-    }
+    const bool refused = noteCall([] { return std::string("HBA_FreeLibrary"); });
+    const bool wasLoaded = library.has_value();
     library.reset();
-    return HBA_STATUS_OK;
+    return refused || !wasLoaded ? HBA_STATUS_ERROR : HBA_STATUS_OK;
 }
 
 HBA_UINT32 HBA_GetNumberOfAdapters() {
-    const std::lock_guard lock(libraryMutex);
-    note([] { return std::string("HBA_GetNumberOfAdapters"); });
-    return library ? static_cast<HBA_UINT32>(library->host->hba->adapters.size()) : 0;
+    return answerLoaded(
+        0, [] { return std::string("HBA_GetNumberOfAdapters"); },
+        [] { return static_cast<HBA_UINT32>(library->host->hba->adapters.size()); });
 }
 
 HBA_STATUS HBA_GetAdapterName(HBA_UINT32 index, char *name) {
-    const std::lock_guard lock(libraryMutex);
-    note([&] { return "HBA_GetAdapterName" + number(index); });
-    if (!library) {
-        return HBA_STATUS_ERROR;
-    }
-    const HbaAdapter *adapter = library->adapter(index);
-    if (adapter == nullptr) {
-        return HBA_STATUS_ERROR_ILLEGAL_INDEX;
-    }
-    const HBA_STATUS status = library->nextAnswer(adapter->status.GetAdapterName);
-    if (status == HBA_STATUS_OK) {
-        std::memcpy(name, adapter->name.c_str(), adapter->name.size() + 1);
-    }
-    return status;
+    return answerLoaded(
+        HBA_STATUS_ERROR, [&] { return "HBA_GetAdapterName" + number(index); },
+        [&] {
+            const HbaAdapter *adapter = library->adapter(index);
+            if (adapter == nullptr) {
+                return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
+            }
+            const HBA_STATUS status = library->nextAnswer(adapter->status.GetAdapterName);
+            if (status == HBA_STATUS_OK) {
+                std::memcpy(name, adapter->name.c_str(), adapter->name.size() + 1);
+            }
+            return status;
+        });
 }
 
 HBA_HANDLE HBA_OpenAdapter(char *name) {
-    const std::lock_guard lock(libraryMutex);
-    note([&] { return std::string("HBA_OpenAdapter ") + name; });
-    if (!library) {
-        return 0;
-    }
-    const auto &adapters = library->host->hba->adapters;
-    const auto adapter = std::ranges::find(adapters, std::string_view(name), &HbaAdapter::name);
-    if (adapter == adapters.end() || library->openAttempts[&*adapter]++ < adapter->openFailures) {
-        return 0;
-    }
-    library->open[++lastHandle] = &*adapter;
-    return lastHandle;
+    return answerLoaded(
+        0, [&] { return std::string("HBA_OpenAdapter ") + name; },
+        [&] {
+            const auto &adapters = library->host->hba->adapters;
+            const auto adapter = std::ranges::find(adapters, std::string_view(name), &HbaAdapter::name);
+            if (adapter == adapters.end() || library->openAttempts[&*adapter]++ < adapter->openFailures) {
+                return HBA_HANDLE{0};
+            }
+            library->open[++lastHandle] = &*adapter;
+            return lastHandle;
+        });
 }
 
+/// Nothing tells whether it was refused: the adapter is closed.
 void HBA_CloseAdapter(HBA_HANDLE handle) {
     const std::lock_guard lock(libraryMutex);
-    note([&] { return "HBA_CloseAdapter " + nameOf(handle); });
+    noteCall([&] { return "HBA_CloseAdapter " + nameOf(handle); });
     if (library) {
         library->open.erase(handle);
     }
 }
 
 void HBA_RefreshInformation(HBA_HANDLE handle) {
-    answerCall("HBA_RefreshInformation", handle, "", [](const HbaAdapter &) { return HBA_STATUS{HBA_STATUS_OK}; });
+    answerHandle("HBA_RefreshInformation", handle, "", [](const HbaAdapter &) { return HBA_STATUS{HBA_STATUS_OK}; });
 }
 
 HBA_STATUS HBA_GetAdapterAttributes(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES *attributes) {
-    return answerCall("HBA_GetAdapterAttributes", handle, "", [&](const HbaAdapter &adapter) {
+    return answerHandle("HBA_GetAdapterAttributes", handle, "", [&](const HbaAdapter &adapter) {
         return copyOut(adapter.attributes, adapter.status.GetAdapterAttributes, attributes);
     });
 }
 
 HBA_STATUS HBA_GetAdapterPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTATTRIBUTES *attributes) {
-    return answerCall("HBA_GetAdapterPortAttributes", handle, number(port), [&](const HbaAdapter &adapter) {
+    return answerHandle("HBA_GetAdapterPortAttributes", handle, number(port), [&](const HbaAdapter &adapter) {
         return port >= adapter.ports.size() ? HBA_STATUS_ERROR_ILLEGAL_INDEX
                                             : copyOut(adapter.ports[port].attributes,
                                                       adapter.ports[port].status.GetAdapterPortAttributes, attributes);
@@ -191,7 +195,7 @@ HBA_STATUS HBA_GetAdapterPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_
 }
 
 HBA_STATUS HBA_GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTSTATISTICS *statistics) {
-    return answerCall("HBA_GetPortStatistics", handle, number(port), [&](const HbaAdapter &adapter) {
+    return answerHandle("HBA_GetPortStatistics", handle, number(port), [&](const HbaAdapter &adapter) {
         return port >= adapter.ports.size()
                    ? HBA_STATUS_ERROR_ILLEGAL_INDEX
                    : copyOut(adapter.ports[port].statistics, adapter.ports[port].status.GetPortStatistics, statistics);
@@ -201,7 +205,7 @@ HBA_STATUS HBA_GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTSTA
 HBA_STATUS HBA_GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_UINT32 discovered,
                                            HBA_PORTATTRIBUTES *attributes) {
     const std::string arguments = number(port) + number(discovered);
-    return answerCall("HBA_GetDiscoveredPortAttributes", handle, arguments, [&](const HbaAdapter &adapter) {
+    return answerHandle("HBA_GetDiscoveredPortAttributes", handle, arguments, [&](const HbaAdapter &adapter) {
         if (port >= adapter.ports.size() || discovered >= adapter.ports[port].discovered.size()) {
             return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
         }
@@ -211,6 +215,6 @@ HBA_STATUS HBA_GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, H
 }
 
 HBA_STATUS HBA_GetFcpTargetMapping(HBA_HANDLE handle, HBA_FCPTARGETMAPPING *mapping) {
-    return answerCall("HBA_GetFcpTargetMapping", handle, number(mapping->NumberOfEntries),
-                      [&](const HbaAdapter &adapter) { return copyMapping(adapter, mapping); });
+    return answerHandle("HBA_GetFcpTargetMapping", handle, number(mapping->NumberOfEntries),
+                        [&](const HbaAdapter &adapter) { return copyMapping(adapter, mapping); });
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/replay/Host.h"
-#include "platform/replay/Journal.h"
+#include "platform/replay/PlatformCall.h"
 
 // The kernel statistics library.
 
@@ -76,32 +76,35 @@ kid_t readRecord(Chain &chain, kstat_t *header, void *buffer) {
 using namespace replay;
 
 kstat_ctl_t *kstat_open() {
-    std::shared_ptr<const Host> host = currentHost();
-    kstat_ctl_t *control =
-        host->kstat ? std::make_unique<Chain>(std::move(host)).release() : failWith<kstat_ctl_t *>(ENOENT);
-    return noted(control, [] { return std::string("kstat_open"); });
+    const auto line = [] { return std::string("kstat_open"); };
+    return answerCall(line, [] {
+        std::shared_ptr<const Host> host = currentHost();
+        return host->kstat ? std::make_unique<Chain>(std::move(host)).release() : failWith<kstat_ctl_t *>(ENOENT);
+    });
 }
 
 int kstat_close(kstat_ctl_t *control) {
     const std::unique_ptr<Chain> chain(static_cast<Chain *>(control));
-    note([] { return std::string("kstat_close"); });
-    return 0;
+    return answerCall([] { return std::string("kstat_close"); }, [] { return 0; });
 }
 
 kid_t kstat_read(kstat_ctl_t *control, kstat_t *record, void *buffer) {
-    return noted(readRecord(*static_cast<Chain *>(control), record, buffer),
-                 [&] { return "kstat_read " + nameOf(*record); });
+    return answerCall([&] { return "kstat_read " + nameOf(*record); },
+                      [&] { return readRecord(*static_cast<Chain *>(control), record, buffer); });
 }
 
 kstat_t *kstat_lookup(kstat_ctl_t *control, const char *module, int instance, const char *name) {
-    kstat_t *record = control->kc_chain;
-    while (record != nullptr && !((module == nullptr || textOf(record->ks_module) == module) &&
-                                  (instance == -1 || record->ks_instance == instance) &&
-                                  (name == nullptr || textOf(record->ks_name) == name))) {
-        record = record->ks_next;
-    }
-    return noted(record == nullptr ? failWith<kstat_t *>(ENOENT) : record, [&] {
+    const auto line = [&] {
         return std::string("kstat_lookup ") + (module == nullptr ? "*" : module) + ":" +
                (instance == -1 ? "*" : std::to_string(instance)) + ":" + (name == nullptr ? "*" : name);
+    };
+    return answerCall(line, [&] {
+        kstat_t *record = control->kc_chain;
+        while (record != nullptr && !((module == nullptr || textOf(record->ks_module) == module) &&
+                                      (instance == -1 || record->ks_instance == instance) &&
+                                      (name == nullptr || textOf(record->ks_name) == name))) {
+            record = record->ks_next;
+        }
+        return record == nullptr ? failWith<kstat_t *>(ENOENT) : record;
     });
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/replay/Host.h"
-#include "platform/replay/Journal.h"
+#include "platform/replay/PlatformCall.h"
 
 // The mount table, and the sizes of what is mounted.
 
@@ -55,7 +55,7 @@ namespace solaris {
 using namespace replay;
 
 FILE *fopen(const char *path, const char *) {
-    return noted(openTable(path), [&] { return std::string("fopen ") + path; });
+    return answerCall([&] { return std::string("fopen ") + path; }, [&] { return openTable(path); });
 }
 
 int fclose(FILE *file) {
@@ -67,11 +67,15 @@ int fclose(FILE *file) {
             openTables.erase(found);
         }
     }
-    return noted(std::fclose(file), [] { return std::string("fclose"); });
+    const int result = std::fclose(file);
+    return answerCall([] { return std::string("fclose"); }, [&] { return result; });
 }
 
 int getmntent(FILE *table, struct mnttab *entry) {
     thread_local std::string line;
+    if (isRefused([] { return std::string("getmntent"); })) {
+        return failWith(EIO);
+    }
     if (!readLine(table, line)) {
         return -1;
     }
@@ -95,12 +99,16 @@ int getmntent(FILE *table, struct mnttab *entry) {
 }
 
 int statvfs64(const char *path, struct ::statvfs64 *status) {
-    const std::shared_ptr<const Host> host = currentHost();
-    const auto found = host->statvfs.find(std::string_view(path));
-    if (found != host->statvfs.end()) {
+    const auto line = [&] { return std::string("statvfs64 ") + path; };
+    return answerCall(line, [&] {
+        const std::shared_ptr<const Host> host = currentHost();
+        const auto found = host->statvfs.find(std::string_view(path));
+        if (found == host->statvfs.end()) {
+            return failWith(ENOENT);
+        }
         *status = found->second;
-    }
-    return noted(found == host->statvfs.end() ? failWith(ENOENT) : 0, [&] { return std::string("statvfs64 ") + path; });
+        return 0;
+    });
 }
 
 } // namespace solaris

@@ -26,4 +26,12 @@ void startJournal();
 /// The lines since the start, in the order of the calls; nothing more is kept after it.
 std::vector<std::string> stopJournal();
 
+/// Refuse the n-th platform call from now on (from 1), whatever the host has to say, the way the platform refuses it: -1
+/// or null with EIO, an HBA status, a handle or a count of 0. It leaves a line that ends with "refused", readdir and
+/// getmntent too. A call that gives something back does so all the same, and only its answer is a failure.
+void refuseCall(int n);
+
+/// Refuse none any more. Whether the chosen one has come.
+bool stopRefusing();
+
 } // namespace replay

@@ -4,8 +4,8 @@
 #include <string>
 
 #include "platform/replay/Host.h"
-#include "platform/replay/Journal.h"
 #include "platform/replay/Names.h"
+#include "platform/replay/PlatformCall.h"
 
 // The host as a whole and its processors.
 
@@ -26,52 +26,60 @@ namespace solaris {
 using namespace replay;
 
 int sysinfo(int command, char *buffer, long count) {
-    const std::shared_ptr<const Host> host = currentHost();
-    const auto found = host->sysinfo.find(command);
-    int result = 0;
-    if (found == host->sysinfo.end()) {
-        result = failWith(EINVAL);
-    } else {
+    const auto line = [&] { return "sysinfo " + nameOf(command, sysinfoCommands); };
+    return answerCall(line, [&] {
+        const std::shared_ptr<const Host> host = currentHost();
+        const auto found = host->sysinfo.find(command);
+        if (found == host->sysinfo.end()) {
+            return failWith(EINVAL);
+        }
         const std::string &text = found->second;
         if (count > 0) {
             const std::size_t length = std::min(text.size(), static_cast<std::size_t>(count) - 1);
             std::memcpy(buffer, text.data(), length);
             buffer[length] = '\0';
         }
-        result = static_cast<int>(text.size()) + 1;
-    }
-    return noted(result, [&] { return "sysinfo " + nameOf(command, sysinfoCommands); });
+        return static_cast<int>(text.size()) + 1;
+    });
 }
 
 int uname(struct utsname *name) {
-    const std::shared_ptr<const Host> host = currentHost();
-    if (host->uname) {
+    const auto line = [] { return std::string("uname"); };
+    return answerCall(line, [&] {
+        const std::shared_ptr<const Host> host = currentHost();
+        if (!host->uname) {
+            return failWith(ENOSYS);
+        }
         *name = *host->uname;
-    }
-    return noted(host->uname ? 0 : failWith(ENOSYS), [] { return std::string("uname"); });
+        return 0;
+    });
 }
 
 long sysconf(int name) {
-    const std::shared_ptr<const Host> host = currentHost();
-    const auto found = host->sysconf.find(name);
-    return noted(found == host->sysconf.end() ? failWith<long>(EINVAL) : found->second,
-                 [&] { return "sysconf " + nameOf(name, sysconfNames); });
+    const auto line = [&] { return "sysconf " + nameOf(name, sysconfNames); };
+    return answerCall(line, [&] {
+        const std::shared_ptr<const Host> host = currentHost();
+        const auto found = host->sysconf.find(name);
+        return found == host->sysconf.end() ? failWith<long>(EINVAL) : found->second;
+    });
 }
 
-/// A replayed second passes at once.
+/// A replayed second passes at once; refused, the sleep is broken off with all of it left.
 unsigned sleep(unsigned seconds) {
-    note([&] { return "sleep " + std::to_string(seconds); });
-    return 0;
+    return noteCall([&] { return "sleep " + std::to_string(seconds); }) ? seconds : 0;
 }
 
 int processor_info(processorid_t processor, processor_info_t *information) {
-    const std::shared_ptr<const Host> host = currentHost();
-    const auto found = host->processors.find(processor);
-    const bool exists = found != host->processors.end();
-    if (exists) {
+    const auto line = [&] { return "processor_info " + std::to_string(processor); };
+    return answerCall(line, [&] {
+        const std::shared_ptr<const Host> host = currentHost();
+        const auto found = host->processors.find(processor);
+        if (found == host->processors.end()) {
+            return failWith(EINVAL);
+        }
         *information = found->second;
-    }
-    return noted(exists ? 0 : failWith(EINVAL), [&] { return "processor_info " + std::to_string(processor); });
+        return 0;
+    });
 }
 
 } // namespace solaris

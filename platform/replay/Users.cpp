@@ -3,7 +3,7 @@
 #include <dlfcn.h>
 
 #include "platform/replay/Host.h"
-#include "platform/replay/Journal.h"
+#include "platform/replay/PlatformCall.h"
 
 namespace replay {
 namespace {
@@ -61,11 +61,9 @@ using namespace replay;
 struct spwd *getspnam_r(const char *name, struct spwd *entry, char *buffer, int length) {
     const int before = errno;
     errno = 0;
-    struct spwd *found = findUser(name, entry, buffer, length < 0 ? 0 : static_cast<std::size_t>(length));
-    note([&] {
-        const std::string text = std::string("getspnam_r ") + name;
-        return found == nullptr && errno != 0 ? text + " " + errnoName(errno) : text;
-    });
+    struct spwd *found =
+        answerCall([&] { return std::string("getspnam_r ") + name; },
+                   [&] { return findUser(name, entry, buffer, length < 0 ? 0 : static_cast<std::size_t>(length)); });
     if (errno == 0) {
         errno = before; // an unknown user is no error
     }
@@ -73,7 +71,7 @@ struct spwd *getspnam_r(const char *name, struct spwd *entry, char *buffer, int 
 }
 
 char *crypt(const char *key, const char *setting) {
-    return noted(cryptOrNull(key, setting), [] { return std::string("crypt"); });
+    return answerCall([] { return std::string("crypt"); }, [&] { return cryptOrNull(key, setting); });
 }
 
 } // namespace solaris

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cerrno>
+#include <string>
+#include <type_traits>
+
+#include "platform/replay/Journal.h"
+
+// What every platform call passes through: it is counted, perhaps refused, and leaves its line in the journal.
+
+namespace replay {
+
+/// Counts the call that begins. Whether it is the one that refuseCall chose.
+bool isChosen();
+
+/// The same, with the line that a refused call leaves.
+template <class Text>
+bool isRefused(const Text &text) {
+    const bool refused = isChosen();
+    if (refused) {
+        note([&] { return text() + " refused"; });
+    }
+    return refused;
+}
+
+/// The same, with the line of either case: for a call that sets no errno.
+template <class Text>
+bool noteCall(const Text &text) {
+    const bool refused = isRefused(text);
+    if (!refused) {
+        note(text);
+    }
+    return refused;
+}
+
+/// The result by which a call says that it failed: null or -1.
+template <class Result>
+constexpr Result failure() {
+    if constexpr (std::is_pointer_v<Result>) {
+        return nullptr;
+    } else {
+        return -1;
+    }
+}
+
+/// The same with the errno that tells why.
+template <class Result = int>
+Result failWith(int error) {
+    errno = error;
+    return failure<Result>();
+}
+
+/// Answers a call that reports failure by null or -1 and errno with what `answer` finds, unless the call is refused.
+/// `text` makes its line, which ends with the name of the errno when the call failed and has set one. A call that gives
+/// something back does so outside of `answer`: it is given back even when the call says that it failed.
+template <class Text, class Answer>
+auto answerCall(const Text &text, const Answer &answer) {
+    using Result = std::invoke_result_t<Answer>;
+    if (isRefused(text)) {
+        return failWith<Result>(EIO);
+    }
+    const Result result = answer();
+    note([&] { return result == failure<Result>() && errno != 0 ? text() + " " + errnoName(errno) : text(); });
+    return result;
+}
+
+} // namespace replay
