@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/Jni.h"
+#include "platform/ExportedEntry.h"
 
 namespace tarn {
 

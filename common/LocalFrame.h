@@ -7,8 +7,18 @@ namespace tarn {
 /// A JNI local frame, popped at scope exit. `keep` pops it early and carries one reference out.
 class LocalFrame {
 public:
-    /// Opens a frame with room for `capacity` references. A refusal leaves no exception pending; `isOpen` tells.
-    LocalFrame(JNIEnv *environment, jint capacity) : env(environment), open(env->PushLocalFrame(capacity) >= 0) {
+    /// What a frame that the virtual machine refuses is to whoever asked for it.
+    enum class Refusal {
+        isForgiven, ///< no exception is pending; `isOpen` tells
+        isFailure,  ///< JavaExceptionPending
+    };
+
+    /// Opens a frame with room for `capacity` references.
+    LocalFrame(JNIEnv *environment, jint capacity, Refusal refusal = Refusal::isForgiven)
+        : env(environment), open(env->PushLocalFrame(capacity) >= 0) {
+        if (!open && refusal == Refusal::isFailure) {
+            throw JavaExceptionPending{};
+        }
         if (!open) {
             env->ExceptionClear();
         }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -39,15 +41,15 @@ public:
         return kstat_lookup(control, moduleText.data(), instance, name == nullptr ? nullptr : nameText.data());
     }
 
-    /// What the record holds now, as the published structure of its kind. Nothing when it cannot be read, or is shorter
-    /// than that structure; a longer one begins with it.
+    /// What the record holds now, as the published structure of its kind. Nothing when it cannot be read, or has not the
+    /// first `used` bytes, up to the last field that the caller looks at: releases differ in what follows those.
     template <class Structure>
-    std::optional<Structure> read(kstat_t *record) const {
-        if (kstat_read(control, record, nullptr) == -1 || record->ks_data_size < sizeof(Structure)) {
+    std::optional<Structure> read(kstat_t *record, std::size_t used) const {
+        if (kstat_read(control, record, nullptr) == -1 || record->ks_data_size < used) {
             return std::nullopt;
         }
-        Structure data;
-        std::memcpy(&data, record->ks_data, sizeof data);
+        Structure data{};
+        std::memcpy(&data, record->ks_data, std::min(record->ks_data_size, sizeof data));
         return data;
     }
 

@@ -48,7 +48,7 @@ PasswordCheck checkPassword(const char *user, const std::function<const char *()
 
 } // namespace tarn
 
-extern "C" JNIEXPORT jboolean JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_authenticate(
+TARN_EXPORTED_ENTRY jboolean JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_authenticate(
     JNIEnv *env, jobject, jstring user, jstring password) {
     using namespace tarn;
     return runEntry([&]() -> jboolean {
@@ -62,7 +62,7 @@ extern "C" JNIEXPORT jboolean JNICALL Java_com_kelvo_tarn_providers_solaris_Sola
     });
 }
 
-extern "C" JNIEXPORT jstring JNICALL
+TARN_EXPORTED_ENTRY jstring JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_getLibraryBuildDate(JNIEnv *env, jobject) {
     return env->NewStringUTF("Jan 18 2006");
 }

@@ -56,7 +56,7 @@ private:
 } // namespace
 } // namespace tarn
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getComputerSystem(JNIEnv *env, jobject) {
     using namespace tarn;
     return runEntry([&]() -> jobject {

@@ -18,7 +18,8 @@ constexpr const char *openFailure = "kstat open failed.";
 constexpr const char *cpuRecords = "cpu_stat"; // their module, and what their names begin with
 
 std::optional<CpuUtilInfo> readTicks(const KernelStatistics &statistics, kstat_t *record) {
-    const std::optional<cpu_stat_t> data = statistics.read<cpu_stat_t>(record);
+    constexpr std::size_t used = offsetof(cpu_stat_t, cpu_sysinfo.cpu) + sizeof(cpu_sysinfo_t::cpu);
+    const std::optional<cpu_stat_t> data = statistics.read<cpu_stat_t>(record, used);
     if (!data) {
         return std::nullopt;
     }
@@ -68,7 +69,7 @@ CpuUtilInfo getCpuUtilInfo(std::int32_t id) {
 
 } // namespace tarn
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateCpuUtilizationInfo(JNIEnv *env, jobject) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {
@@ -78,7 +79,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateCpuUtilizatio
     });
 }
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getCpuUtilizationInfo(JNIEnv *env, jobject, jint id) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {

@@ -104,17 +104,16 @@ jstring DiskDriveImpl::readDeviceIdentifier(const char *path) {
 jobject DiskDriveImpl::MakeDisk1(const char *name, const char *diskType, jstring deviceId, long long heads,
                                  long long sectors, long long physicalCylinders, long long dataCylinders,
                                  long long alternateCylinders) {
-    return makeInLocalFrame(env, frameCapacity, [&] {
-        const jstring nameString = newStringOrNull(env, name);
-        const jstring typeString = newStringOrNull(env, diskType);
-        return providerObject.makeDisk1(nameString, typeString, deviceId, heads, sectors, physicalCylinders,
-                                        dataCylinders, alternateCylinders);
-    });
+    LocalFrame frame(env, frameCapacity, LocalFrame::Refusal::isFailure);
+    const jstring nameString = newStringOrNull(env, name);
+    const jstring typeString = newStringOrNull(env, diskType);
+    return frame.keep(providerObject.makeDisk1(nameString, typeString, deviceId, heads, sectors, physicalCylinders,
+                                               dataCylinders, alternateCylinders));
 }
 
 } // namespace tarn
 
-extern "C" JNIEXPORT void JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisDiskDriveProvider_enumerateDisks(
+TARN_EXPORTED_ENTRY void JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisDiskDriveProvider_enumerateDisks(
     JNIEnv *env, jobject provider, jobject receiver) {
     using namespace tarn;
     runProviderEntry<DiskDriveImpl>(env, enumerateCapacity, provider, [&](DiskDriveImpl &impl) {
@@ -129,7 +128,7 @@ extern "C" JNIEXPORT void JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisD
     });
 }
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisDiskDriveProvider_getDisk(JNIEnv *env, jobject provider, jstring name) {
     using namespace tarn;
     return runProviderEntry<DiskDriveImpl>(env, getCapacity, provider,

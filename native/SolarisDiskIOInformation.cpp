@@ -46,11 +46,13 @@ jobject makeDiskIOInfo(const diskIOData &data, jstring name, JNIEnv *env, const 
 } // namespace
 
 std::vector<diskIOData> getDiskIOData() {
+    constexpr std::size_t used = offsetof(kstat_io_t, rtime) + sizeof(kstat_io_t::rtime); // the last of the four fields
     const KernelStatistics statistics("kstat open failed.");
     SolarisDiskMap diskMap;
     std::vector<diskIOData> disks;
     for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
-        const std::optional<kstat_io_t> counters = isDisk(*record) ? statistics.read<kstat_io_t>(record) : std::nullopt;
+        const std::optional<kstat_io_t> counters =
+            isDisk(*record) ? statistics.read<kstat_io_t>(record, used) : std::nullopt;
         if (!counters) {
             continue;
         }
@@ -86,7 +88,7 @@ diskIOData getDiskIOData(const std::string &name) {
 
 } // namespace tarn
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getDiskIOInformation(JNIEnv *env, jobject, jstring diskName) {
     using namespace tarn;
     return runThrowingEntry(env, [&]() -> jobject {
@@ -97,7 +99,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getDiskIOInformation(J
     });
 }
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateDiskIOInformation(JNIEnv *env, jobject) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {

@@ -67,26 +67,24 @@ jobject DiskPartitionImpl::MakePartition(const char *entryName) {
 
 jobject DiskPartitionImpl::MakePartition1(const char *name, const char *diskName, int partition, long size, int tag,
                                           int flag, bool mounted) {
-    return makeInLocalFrame(env, frameCapacity, [&] {
-        const jstring nameString = newStringOrNull(env, name);
-        const jstring diskNameString = newStringOrNull(env, diskName);
-        return providerObject.makePartition1(nameString, diskNameString, partition, static_cast<jint>(size),
-                                             static_cast<jshort>(tag), static_cast<jshort>(flag),
-                                             mounted ? JNI_TRUE : JNI_FALSE);
-    });
+    LocalFrame frame(env, frameCapacity, LocalFrame::Refusal::isFailure);
+    const jstring nameString = newStringOrNull(env, name);
+    const jstring diskNameString = newStringOrNull(env, diskName);
+    return frame.keep(providerObject.makePartition1(nameString, diskNameString, partition, static_cast<jint>(size),
+                                                    static_cast<jshort>(tag), static_cast<jshort>(flag),
+                                                    mounted ? JNI_TRUE : JNI_FALSE));
 }
 
 } // namespace tarn
 
-extern "C" JNIEXPORT void JNICALL
-Java_com_kelvo_tarn_providers_solaris_SolarisDiskPartitionProvider_enumeratePartitions(JNIEnv *env, jobject provider,
-                                                                                       jobject receiver) {
+TARN_EXPORTED_ENTRY void JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisDiskPartitionProvider_enumeratePartitions(
+    JNIEnv *env, jobject provider, jobject receiver) {
     using namespace tarn;
     runProviderEntry<DiskPartitionImpl>(env, enumerateCapacity, provider,
                                         [&](DiskPartitionImpl &impl) { impl.EnumeratePartitions(receiver); });
 }
 
-extern "C" JNIEXPORT jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisDiskPartitionProvider_getPartition(
+TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisDiskPartitionProvider_getPartition(
     JNIEnv *env, jobject provider, jstring name) {
     using namespace tarn;
     return runProviderEntry<DiskPartitionImpl>(env, getCapacity, provider,

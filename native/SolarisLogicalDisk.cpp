@@ -110,7 +110,7 @@ LogicalDisk GetLogicalDisk(const std::string &name, bool withSizes) {
 
 } // namespace tarn
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateLogicalDiskNames(JNIEnv *env, jobject) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {
@@ -128,7 +128,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateLogicalDiskNa
     });
 }
 
-extern "C" JNIEXPORT jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getLogicalDiskByName(
+TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getLogicalDiskByName(
     JNIEnv *env, jobject, jstring mountPoint) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {

@@ -30,7 +30,7 @@ long configuration(int name) {
 /// The kernel's paging counters at this moment; nothing when there is no such record or it cannot be read.
 std::optional<vminfo_t> readPagingCounters(const KernelStatistics &statistics) {
     kstat_t *const record = statistics.lookup("unix", 0, "vminfo");
-    return record == nullptr ? std::nullopt : statistics.read<vminfo_t>(record);
+    return record == nullptr ? std::nullopt : statistics.read<vminfo_t>(record, offsetof(vminfo_t, swap_free));
 }
 
 jobject makeOperatingSystem(JNIEnv *env, const ResultClass &result, jstring name, jstring hostName, jstring version,
@@ -40,7 +40,7 @@ jobject makeOperatingSystem(JNIEnv *env, const ResultClass &result, jstring name
 }
 
 jobject describeOperatingSystem(JNIEnv *env, const ResultClass &result) {
-    utsname names{};
+    struct utsname names {}; // a system may have a variable of that name beside the structure
     if (solaris::uname(&names) == -1) {
         throw NativeError("uname failed in getOperatingSystem");
     }
@@ -96,7 +96,7 @@ OsMemoryInfo GetOSMemoryInfo() {
 
 } // namespace tarn
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getOperatingSystem(JNIEnv *env, jobject) {
     using namespace tarn;
     return runEntry([&]() -> jobject {

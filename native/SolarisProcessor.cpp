@@ -40,6 +40,7 @@ std::vector<ProcessorInfo> GetProcessors() {
     long missing = std::min(solaris::sysconf(_SC_NPROCESSORS_CONF), processorLimit);
     const long largestId = largestProcessorId();
     std::vector<ProcessorInfo> processors;
+    processors.reserve(static_cast<std::size_t>(std::max(missing, 0L)));
     for (processorid_t id = 0; missing > 0 && id <= largestId; ++id) {
         processor_info_t information{};
         if (solaris::processor_info(id, &information) == -1) {
@@ -60,7 +61,7 @@ std::optional<ProcessorInfo> GetProcessorInfo(std::int32_t id) {
 
 } // namespace tarn
 
-extern "C" JNIEXPORT jobject JNICALL
+TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateProcessors(JNIEnv *env, jobject) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {
@@ -70,9 +71,9 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateProcessors(JN
     });
 }
 
-extern "C" JNIEXPORT jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getProcessor(JNIEnv *env,
-                                                                                                            jobject,
-                                                                                                            jint id) {
+TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getProcessor(JNIEnv *env,
+                                                                                                           jobject,
+                                                                                                           jint id) {
     using namespace tarn;
     return runThrowingEntry(env, [&]() -> jobject {
         const ResultClass result = GetClassAndMethod(env);

@@ -55,7 +55,7 @@ struct Lun {
     std::array<char, controllerIdSize> controller{}; // identity of its owner
 };
 
-/// What one scan holds: about 220 KB, on the stack.
+/// What one scan holds, on the stack.
 struct Scan {
     std::array<Controller, 2> controllers{};
     std::array<char, vendorSize> vendorField{};
@@ -262,6 +262,8 @@ void composeResult(Scan &scan) {
 }
 
 } // namespace
+
+constexpr std::size_t tarn::scanStack = sizeof(Scan);
 
 int scsiInterrogatorC(char *returnString, const char *controller1Id, const char *controller2Id, const char *vendorId,
                       const char *productId) {

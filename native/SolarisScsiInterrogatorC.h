@@ -82,6 +82,9 @@ struct ParaCode {
 };
 constexpr int paraCodes = 53;
 
+/// Bytes of stack that scsiInterrogatorC keeps its buffers in.
+extern const std::size_t scanStack;
+
 } // namespace tarn
 
 extern "C" {
@@ -153,8 +156,7 @@ int buildReturnString(char *returnString, const char *commonReturnString, const 
 /// Scans the array whose controllers report these identities (at most 16 characters each) in INQUIRY page 0xC0, and
 /// whose data LUNs report `vendorId` (8) and `productId` (16) in their INQUIRY data; longer texts are cut, shorter ones
 /// padded with blanks. The report goes to `returnString` (`returnStringSize` bytes), in which failures show as missing
-/// data. One scan runs at a time, a second one waits. Needs about 220 KB of stack, 290 KB with the entry's own report
-/// buffer. Returns 0.
+/// data. One scan runs at a time, a second one waits. Returns 0.
 int scsiInterrogatorC(char *returnString, const char *controller1Id, const char *controller2Id, const char *vendorId,
                       const char *productId);
 }

@@ -9,7 +9,9 @@
 // host description. The contracts are the published ones on both sides: -1 or null on failure, with errno set.
 
 #include <cerrno>
+#include <csignal> // for <thread.h>
 #include <cstdio>
+#include <ctime> // for <hbaapi.h>
 
 #include <crypt.h>
 #include <dirent.h>
@@ -17,6 +19,7 @@
 #include <hbaapi.h>
 #include <kstat.h>
 #include <shadow.h>
+#include <thread.h>
 #include <unistd.h>
 #include <ustat.h>
 
@@ -57,6 +60,7 @@ using ::stat;
 using ::statvfs64;
 using ::sysconf;
 using ::sysinfo;
+using ::thr_stksegment;
 using ::uname;
 using ::ustat;
 
@@ -86,6 +90,10 @@ int uname(struct utsname *name);
 long sysconf(int name);
 unsigned sleep(unsigned seconds);
 int processor_info(processorid_t processor, processor_info_t *information);
+
+// The calling thread's stack: `ss_sp` is its base, the highest address, `ss_size` its size in bytes. Answers 0 or an
+// error number.
+int thr_stksegment(stack_t *segment);
 
 // Users. `getspnam_r` leaves errno alone when it knows no such user. The result of `crypt` is shared by all threads.
 struct spwd *getspnam_r(const char *name, struct spwd *entry, char *buffer, int length);

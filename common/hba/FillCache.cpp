@@ -34,7 +34,7 @@ private:
         terminateString(shownName.data(), adapterNameSize);
         handle = adapter.handle;
         if (handle == 0) {
-            warn(unableToOpen(index, shownName.data(), adapter.status).c_str());
+            warn(unableToOpen(index, shownName.data(), adapter.status));
             return;
         }
         refreshInformation(handle, adapterName.data());
@@ -129,13 +129,19 @@ private:
         if (count <= maximum) {
             return static_cast<jsize>(count);
         }
-        warn(tooMany(what(), count, adapterText(index, shownName.data()), maximum).c_str());
+        warn(tooMany(what(), count, adapterText(index, shownName.data()), maximum));
         return 0;
     }
 
-    void warn(const char *message) {
-        room.take(3); // the name of the log's class, the class, the line
-        cache.warn(message);
+    /// By value: what asks Java for the log's class may come back for a walk of its own, which words lines of its own.
+    void warn(const std::string message) {
+        try {
+            room.take(3); // the name of the log's class, the class, the line
+        } catch (const NoLocalRoom &) {
+            env->ExceptionClear();
+            return;
+        }
+        cache.warn(message.c_str());
     }
 
     static constexpr jint referencesBefore = 19;           // the classes and the result
@@ -159,6 +165,8 @@ private:
     HBA_PORTSTATISTICS portStatistics{};
     HBA_PORTATTRIBUTES discoveredAttributes{};
 };
+
+constexpr std::size_t HbaCacheImpl::fillStack = sizeof(HbaCacheImpl) + sizeof(Fill);
 
 jobjectArray HbaCacheImpl::FillCache() {
     constexpr jint referencesPerAdapter = 10;

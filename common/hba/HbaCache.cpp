@@ -1,10 +1,12 @@
 #include "common/EntryPoint.h"
+#include "common/StackRoom.h"
 #include "common/hba/HbaCacheImpl.h"
 
-extern "C" JNIEXPORT jobjectArray JNICALL
+TARN_EXPORTED_ENTRY jobjectArray JNICALL
 Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(JNIEnv *env, jobject self, jobject hbaClassNames) {
     using namespace tarn;
     return runEntry([&]() -> jobjectArray {
+        requireStack(env, HbaCacheImpl::fillStack);
         if (env->EnsureLocalCapacity(HbaCacheImpl::entryCapacity) < 0) {
             return nullptr;
         }
@@ -12,10 +14,11 @@ Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(JNIEnv *env, jobject sel
     });
 }
 
-extern "C" JNIEXPORT void JNICALL Java_com_kelvo_tarn_providers_hba_HbaCache_testHbaLibrary(JNIEnv *env, jobject self,
-                                                                                            jobject list) {
+TARN_EXPORTED_ENTRY void JNICALL Java_com_kelvo_tarn_providers_hba_HbaCache_testHbaLibrary(JNIEnv *env, jobject self,
+                                                                                           jobject list) {
     using namespace tarn;
     runEntry([&] {
+        requireStack(env, HbaCacheImpl::selfTestStack);
         constexpr jint references = 32; // the classes, the list's own, and a line
         if (env->EnsureLocalCapacity(references) >= 0) {
             HbaCacheImpl(env, self, nullptr).TestHbaLibrary(list);

@@ -14,16 +14,20 @@ public:
     /// Local references for which the entry point of the fill makes room before it constructs this.
     static constexpr jint entryCapacity = 1000;
 
+    /// Bytes of stack that the walks keep their buffers in; an entry point asks for them before it constructs this.
+    static const std::size_t fillStack;
+    static const std::size_t selfTestStack;
+
     /// `hbaCacheObject` is the object that the native method was called on. Without `hbaClassNamesObject` no instance
     /// can be made, and log lines are dropped.
     HbaCacheImpl(JNIEnv *environment, jobject hbaCacheObject, jobject hbaClassNamesObject);
 
     /// The whole cache, as HbaCache$Hba[]; an element that could not be read is null. Null when there is no room for
     /// its local references, and, with a log line, when the library reports more adapters than any host has.
-    jobjectArray FillCache();
+    [[gnu::noinline]] jobjectArray FillCache(); // keeps its buffers out of the entry's frame
 
     /// Adds to the java.util.List what the HBA library says of itself, line by line.
-    void TestHbaLibrary(jobject list);
+    [[gnu::noinline]] void TestHbaLibrary(jobject list); // likewise
 
     // Each makes one CIM instance (TrInstance) inside a local frame of its own, or answers null when the frame is
     // refused or Java lacks what the instance needs. Character fields of the attributes are cleaned in place.

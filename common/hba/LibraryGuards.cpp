@@ -1,21 +1,31 @@
 #include "common/hba/LibraryGuards.h"
 
 #include <cstring>
+#include <mutex>
 #include <string_view>
 
 namespace tarn {
 namespace {
 
-std::mutex libraryMutex;
+// How many hold the library. Loading and freeing it are part of counting: who comes second is not to use a library that
+// the first has yet to load, nor to have it freed under it.
+std::mutex holdersMutex;
+unsigned holders = 0;
 
 } // namespace
 
-WithHbaLibrary::WithHbaLibrary() : lock(libraryMutex) {
-    HBA_LoadLibrary();
+WithHbaLibrary::WithHbaLibrary() {
+    const std::lock_guard lock(holdersMutex);
+    if (holders++ == 0) {
+        HBA_LoadLibrary();
+    }
 }
 
 WithHbaLibrary::~WithHbaLibrary() {
-    HBA_FreeLibrary();
+    const std::lock_guard lock(holdersMutex);
+    if (--holders == 0) {
+        HBA_FreeLibrary();
+    }
 }
 
 WithAdapterHandle::WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 adapterIndex, char *adapterName)

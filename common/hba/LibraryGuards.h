@@ -1,7 +1,5 @@
 #pragma once
 
-#include <mutex>
-
 #include "platform/solaris.h"
 
 namespace tarn {
@@ -9,17 +7,14 @@ namespace tarn {
 /// The HBA library, loaded for as long as this lives. A library that does not load shows in the calls that follow.
 ///
 /// The library keeps one load state for the whole process: it refuses a second load, and a free takes it away from
-/// every user. So whoever holds this holds the process-wide lock with it, and a second native call waits for the first.
-/// Java code that is called meanwhile must not come back for the library on the same thread.
+/// every user. So the first of those that hold it at once loads it, and the last frees it. Any number may, on any
+/// threads, also one inside the other: no lock is kept meanwhile, and the library sees to its own.
 class WithHbaLibrary {
 public:
     WithHbaLibrary();
     ~WithHbaLibrary();
     WithHbaLibrary(const WithHbaLibrary &) = delete;
     WithHbaLibrary &operator=(const WithHbaLibrary &) = delete;
-
-private:
-    std::unique_lock<std::mutex> lock;
 };
 
 inline constexpr int adapterNameSize = 256; // terminator included

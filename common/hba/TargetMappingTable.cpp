@@ -1,6 +1,7 @@
 #include "common/hba/TargetMappingTable.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "common/hba/Messages.h"
 
@@ -9,6 +10,7 @@ namespace tarn {
 bool TargetMappingTable::fetch(const Query &query) {
     release();
     HBA_UINT32 room = ownRoom;
+    std::memset(own, 0, sizeof own); // the adapter before may have left its entries
     lastStatus = ask(query, own, room);
     if (lastStatus == HBA_STATUS_ERROR_MORE_DATA) {
         room = mapping->NumberOfEntries;
@@ -30,8 +32,7 @@ void TargetMappingTable::release() {
     count = 0;
 }
 
-/// The memory comes zeroed, page by page as it is used, so that entries which a library counts but does not write are
-/// empty ones.
+/// The memory comes zeroed, page by page as it is used.
 bool TargetMappingTable::takeFromHeap(HBA_UINT32 entryCount) {
     if (entryCount <= maximumMappingEntries) {
         heap.reset(std::calloc(1, std::max(mappingSize(entryCount), sizeof(HBA_FCPTARGETMAPPING))));

@@ -24,7 +24,7 @@ public:
     using Query = std::function<HBA_STATUS(HBA_FCPTARGETMAPPING *)>;
 
     /// Asks for the mapping, and once more with the exact room when the library has more entries than fit. False when
-    /// they cannot be had; then there are none.
+    /// they cannot be had; then there are none. Entries that the library counts but does not write are empty ones.
     bool fetch(const Query &query);
 
     /// Forgets the entries and gives back what was taken from the heap.
@@ -51,7 +51,7 @@ private:
         }
     };
 
-    alignas(HBA_FCPTARGETMAPPING) std::byte own[mappingSize(ownRoom)]{};
+    alignas(HBA_FCPTARGETMAPPING) std::byte own[mappingSize(ownRoom)];
     std::unique_ptr<void, Release> heap;
     HBA_FCPTARGETMAPPING *mapping = nullptr; // the one of the two that is in use
     HBA_UINT32 count = 0;

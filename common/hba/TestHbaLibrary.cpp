@@ -136,6 +136,8 @@ private:
     TargetMappingTable mapping;
 };
 
+constexpr std::size_t HbaCacheImpl::selfTestStack = sizeof(HbaCacheImpl) + sizeof(SelfTest);
+
 void HbaCacheImpl::TestHbaLibrary(jobject list) {
     if (list != nullptr) {
         SelfTest(*this, list).walkAdapters();

@@ -92,13 +92,11 @@ HBA_STATUS copyMapping(const HbaAdapter &adapter, HBA_FCPTARGETMAPPING *mapping)
     const std::size_t present = adapter.targetMapping.size();
     const HBA_UINT32 claimed = adapter.NumberOfEntries.value_or(static_cast<HBA_UINT32>(present));
     const HBA_UINT32 room = mapping->NumberOfEntries;
-    const std::size_t written = std::min<std::size_t>(claimed, room);
     auto *entries = reinterpret_cast<char *>(mapping) + offsetof(HBA_FCPTARGETMAPPING, entry);
-    const std::size_t real = std::min(written, present);
-    if (real != 0) {
-        std::memcpy(entries, adapter.targetMapping.data(), real * sizeof(HBA_FCPSCSIENTRY));
+    // What is claimed beyond those there are is counted and not written.
+    if (const std::size_t written = std::min<std::size_t>({claimed, room, present}); written != 0) {
+        std::memcpy(entries, adapter.targetMapping.data(), written * sizeof(HBA_FCPSCSIENTRY));
     }
-    std::memset(entries + real * sizeof(HBA_FCPSCSIENTRY), 0, (written - real) * sizeof(HBA_FCPSCSIENTRY));
     mapping->NumberOfEntries = claimed;
     return claimed > room ? HBA_STATUS_ERROR_MORE_DATA : status;
 }

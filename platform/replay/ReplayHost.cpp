@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 
+#include "platform/ExportedEntry.h"
 #include "platform/replay/Replay.h"
 
 // com.kelvo.tarn.replay.ReplayHost: how Java chooses the host.
@@ -18,7 +19,7 @@ void throwIllegalArgument(JNIEnv *env, const char *message) {
 } // namespace
 
 /// static native void load(String path). Raises IllegalArgumentException when the description cannot be used.
-extern "C" JNIEXPORT void JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(JNIEnv *env, jclass, jstring path) {
+TARN_EXPORTED_ENTRY void JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(JNIEnv *env, jclass, jstring path) {
     if (path == nullptr) {
         throwIllegalArgument(env, "no path of a host description");
         return;

@@ -1,3 +1,5 @@
+#include <pthread.h>
+
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -7,7 +9,7 @@
 #include "platform/replay/Names.h"
 #include "platform/replay/PlatformCall.h"
 
-// The host as a whole and its processors.
+// The host as a whole, its processors, and the one thing that no description can tell: the stack that the caller runs on.
 
 namespace replay {
 namespace {
@@ -80,6 +82,22 @@ int processor_info(processorid_t processor, processor_info_t *information) {
         *information = found->second;
         return 0;
     });
+}
+
+int thr_stksegment(stack_t *segment) {
+    note([] { return std::string("thr_stksegment"); });
+    pthread_attr_t attributes;
+    if (const int error = pthread_getattr_np(pthread_self(), &attributes); error != 0) {
+        return error;
+    }
+    void *lowest = nullptr;
+    std::size_t size = 0;
+    const int error = pthread_attr_getstack(&attributes, &lowest, &size);
+    pthread_attr_destroy(&attributes);
+    *segment = {};
+    segment->ss_sp = static_cast<char *>(lowest) + size;
+    segment->ss_size = size;
+    return error;
 }
 
 } // namespace solaris

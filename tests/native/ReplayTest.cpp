@@ -269,7 +269,7 @@ TEST(ReplayedHba, MappingsAndTheirRoom) {
         const char *answer; // status and count, then the unit numbers; "-" where nothing was written
     } cases[] = {
         {"", 2, "7 3: 5 6 - - - -"},
-        {R"(, "NumberOfEntries": 5)", 6, "0 5: 5 6 7 0 0 -"},
+        {R"(, "NumberOfEntries": 5)", 6, "0 5: 5 6 7 - - -"},
         {R"(, "NumberOfEntries": 4294967295)", 1, "7 4294967295: 5 - - - - -"},
         {R"(, "status": {"GetFcpTargetMapping": [7]})", 4, "7 3: 5 6 7 - - -"},
     };

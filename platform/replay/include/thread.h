@@ -1,0 +1,3 @@
+#pragma once
+
+// Behind <signal.h>, which declares stack_t.
