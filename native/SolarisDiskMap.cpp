@@ -1,7 +1,10 @@
 #include "native/SolarisDiskMap.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <iterator>
+#include <tuple>
 
 #include "common/Directory.h"
 #include "common/ReadLink.h"
@@ -17,7 +20,8 @@ constexpr unsigned minorsPerDiskShift = 3; // a disk driver gives each instance 
 } // namespace
 
 std::optional<std::string> getDriver(const char *path) {
-    const std::optional<std::string> target = readLink(path);
+    LinkBuffer buffer;
+    const std::optional<std::string_view> target = readLink(path, buffer);
     if (!target) {
         return std::nullopt;
     }
@@ -29,17 +33,24 @@ std::optional<std::string> getDriver(const char *path) {
     return driverName;
 }
 
-SolarisDiskMap::SolarisDiskMap() {
+SolarisDiskMap::SolarisDiskMap(Key nameToFindBy) : foundBy(nameToFindBy) {
     initDiskMap();
+    // Shorter names first: drivers' instances are numbered, and mostly come in that order.
+    const auto rank = [this](const Disk &disk) { return std::tuple(disk.keyLength, key(disk), disk.valueAt); };
+    if (!std::ranges::is_sorted(disks, {}, rank)) {
+        std::ranges::sort(disks, {}, rank);
+    }
 }
 
 void SolarisDiskMap::initDiskMap() {
     Directory directory(dev_dsk);
+    std::string path = std::string(dev_dsk) + "/";
+    const std::size_t nameAt = path.size();
     while (const char *const entryName = directory.next()) {
         if (std::string_view(entryName).find(firstSlice) == std::string_view::npos) {
             continue;
         }
-        const std::string path = std::string(dev_dsk) + "/" + entryName;
+        path.replace(nameAt, std::string::npos, entryName);
         struct stat status {};
         if (solaris::stat(path.c_str(), &status) != 0) {
             continue;
@@ -50,19 +61,26 @@ void SolarisDiskMap::initDiskMap() {
     }
 }
 
-void SolarisDiskMap::mapdisk(unsigned long minorNumber, std::string_view entryName, const std::string &driverName) {
-    const std::string diskName(entryName.substr(0, entryName.find('s')));
-    const std::string instanceName = driverName + std::to_string(minorNumber >> minorsPerDiskShift);
-    deviceToInstance[diskName] = instanceName;
-    instanceToDevice[instanceName] = diskName;
+void SolarisDiskMap::mapdisk(unsigned long minorNumber, std::string_view entryName, std::string_view driverName) {
+    const std::string_view diskName = entryName.substr(0, entryName.find('s'));
+    std::array<char, 20> number; // of any 64 bits
+    const auto numberEnd = std::to_chars(number.begin(), number.end(), minorNumber >> minorsPerDiskShift).ptr;
+    const std::size_t at = texts.size();
+    texts.append(diskName).append(driverName).append(number.data(), numberEnd);
+    const std::size_t instanceAt = at + diskName.size();
+    const std::size_t instanceLength = texts.size() - instanceAt;
+    disks.push_back(foundBy == Key::diskName ? Disk{at, diskName.size(), instanceAt, instanceLength}
+                                             : Disk{instanceAt, instanceLength, at, diskName.size()});
 }
 
-const std::string &SolarisDiskMap::getSDxNameFromMap(const std::string &diskName) {
-    return deviceToInstance[diskName];
-}
-
-const std::string &SolarisDiskMap::getDeviceIdFromMap(const std::string &instanceName) {
-    return instanceToDevice[instanceName];
+std::string_view SolarisDiskMap::find(std::string_view name) const {
+    const auto end = std::ranges::upper_bound(disks, std::tuple(name.size(), name), {}, [this](const Disk &disk) {
+        return std::tuple(disk.keyLength, key(disk));
+    });
+    if (end == disks.begin() || key(end[-1]) != name) {
+        return {};
+    }
+    return std::string_view(texts).substr(end[-1].valueAt, end[-1].valueLength);
 }
 
 } // namespace tarn

@@ -1,31 +1,45 @@
 #pragma once
 
-#include <map>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn {
 
-/// Both directions between the names of a disk under "/dev/dsk" (such as "c0t0d0") and of its driver's instance, after
-/// which the kernel names the disk's statistics (such as "sd0"). Scans the directory once, when it is made.
+/// The disks under "/dev/dsk" by either of their names: the one there (such as "c0t0d0") and that of its driver's
+/// instance, after which the kernel names the disk's statistics (such as "sd0"). Scans the directory once, when it is
+/// made.
 class SolarisDiskMap {
 public:
-    SolarisDiskMap();
+    /// The name that disks are going to be found by. The other direction is not made.
+    enum class Key { diskName, instanceName };
 
-    /// Instance name of the disk. A disk that is not in the map enters it with an empty instance name.
-    const std::string &getSDxNameFromMap(const std::string &diskName);
+    explicit SolarisDiskMap(Key nameToFindBy);
 
-    /// Disk name of the instance. An instance that is not in the map enters it with an empty disk name.
-    const std::string &getDeviceIdFromMap(const std::string &instanceName);
-
-    /// Where two entries of the directory gave the same key, the later one's value.
-    std::map<std::string, std::string> deviceToInstance;
-    std::map<std::string, std::string> instanceToDevice;
+    /// The other name of the disk; empty when there is no such disk. Where several entries of the directory have the same
+    /// key, that of the last. Valid as long as the map.
+    std::string_view find(std::string_view name) const;
 
 private:
+    /// Where in `texts` a disk's two names stand, one behind the other.
+    struct Disk {
+        std::size_t keyAt;
+        std::size_t keyLength;
+        std::size_t valueAt;
+        std::size_t valueLength;
+    };
+
     void initDiskMap();
-    void mapdisk(unsigned long minorNumber, std::string_view entryName, const std::string &driverName);
+    void mapdisk(unsigned long minorNumber, std::string_view entryName, std::string_view driverName);
+    std::string_view key(const Disk &disk) const {
+        return std::string_view(texts).substr(disk.keyAt, disk.keyLength);
+    }
+
+    const Key foundBy;
+    std::string texts;
+    std::vector<Disk> disks; // in the order of their keys; those with the same key in the directory's order
 };
 
 /// Name of the driver of the device that `path` links to: the lower-case letters of the target's last component up to

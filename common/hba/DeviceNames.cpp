@@ -67,16 +67,17 @@ HBA_UINT32 parseScsiBusNumber(std::string_view name, bool &ok) {
 }
 
 bool deviceDerivesFrom(std::string_view name, std::string_view path) {
-    const std::optional<std::string> link = readLink(std::string(s_dev_rdsk).append("/").append(name).c_str());
+    LinkBuffer buffer;
+    const std::optional<std::string_view> link =
+        readLink(std::string(s_dev_rdsk).append("/").append(name).c_str(), buffer);
     if (!link) {
         return false;
     }
-    const std::string_view target = *link;
-    const std::size_t begin = target.find(s_devices);
+    const std::size_t begin = link->find(s_devices);
     if (begin == std::string_view::npos) {
         return false;
     }
-    const std::string_view device = target.substr(begin);
+    const std::string_view device = link->substr(begin);
     return device.size() > path.size() && device.starts_with(path) && device[path.size()] == ':';
 }
 

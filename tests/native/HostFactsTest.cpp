@@ -217,13 +217,15 @@ TEST(DiskMapTest, EntriesOfSlice0BecomeNames) {
     TextMap byInstance{{"sd0", "c0t0d0"},  {"sd1", "c0t1d0"}, {"sd2", "c0t2d0"}, {"sd5", "c1t0d0"},
                        {"dad1", "c1t1d0"}, {"ssd12", "c20"},  {"ssd11", "c21"},  {"ssd32767", "c5t0d0"},
                        {"ssdbx0", "c40"},  {"mda1", "c41"},   {"2", "c42"},      {"sd8", "c6t2d0"}};
-    SolarisDiskMap map;
-    EXPECT_EQ(map.deviceToInstance, byDisk);
-    EXPECT_EQ(map.instanceToDevice, byInstance);
-    EXPECT_EQ(map.getSDxNameFromMap("absent") + map.getDeviceIdFromMap("sd9"), "");
-    byDisk["absent"] = byInstance["sd9"] = ""; // asking enters them
-    EXPECT_EQ(map.deviceToInstance, byDisk);
-    EXPECT_EQ(map.instanceToDevice, byInstance);
+    byDisk["absent"] = byInstance["sd9"] = byInstance[""] = "";
+    const auto expectFound = [](SolarisDiskMap::Key key, const TextMap &expected) {
+        const SolarisDiskMap map(key);
+        for (const auto &[name, other] : expected) {
+            EXPECT_EQ(map.find(name), other) << name;
+        }
+    };
+    expectFound(SolarisDiskMap::Key::diskName, byDisk);
+    expectFound(SolarisDiskMap::Key::instanceName, byInstance);
     EXPECT_EQ(answerOf([] { return getSDxName("c0t0d0"); }), "sd0");
 }
 
