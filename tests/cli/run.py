@@ -193,7 +193,7 @@ CASES = [
     Case("the self-test", "hba-test", RICH, picks={"0": FIRST_LINE}),
     Case("the report", "report", RICH, log=LOGS["report"],
          picks={**RESULTS, "hba-test.0": FIRST_LINE, "hba." + UNIT.format(1): "c4t1d0", "array": KeyError}),
-    *(Case(f"one: {command}", command, RICH, result) for command, result in (
+    *(Case(f"one: {command}", command, RICH, result, status=int(result is None)) for command, result in (
         ("processors 5", RESULTS["processors"][1]), ("processors 7", None), ("cpu 2", RESULTS["cpu"][1]),
         ("logical-disks /", {**ROOT, "totalBytes": 1024000, "availableBytes": 409600, "freeBytes": 512000,
                              "blockSize": 8192}),
@@ -215,10 +215,11 @@ CASES = [
                ("root", "Hello World!\n", False, []), ("root", "", False, []), ("guest", "Anything-1\n", True, []),
                ("nobody", "Anything-2\n", False, ["info: No password entry for user nobody found"]))),
 
-    Case("the report, for people", "report", RICH, log=LOGS["report"], shows=[
+    Case("the report, for people", "report", RICH, log=["warn: c1t1d0: SolarisDiskDrive DKIOCGVTOC", *LOGS["hba"]],
+         shows=[
         "Host name: rill", "Platform: SUNW,V440", "Memory: 8000 KB (7.8 MiB)", "Free swap: 80 KB (80.0 KiB)",
-        "/home nfs srv:/home", "5 sparcv9 1281 !! OFFLINE", "3221225472 75.0% 2 25 25.0% 10 10.0% 5 5.0% 60 60.0%",
-        "c1t0d0 sd0 5368709120 5.0 GiB 1024 1.0 KiB 7.500 9.000", "- sd9 18446744073709551615 16.0 EiB",
+        "/home nfs srv:/home", "5 sparcv9 1281 offline", "3221225472 75.0% 2 25 25.0% 10 10.0% 5 5.0% 60 60.0%",
+        "c1t0d0 sd0 5368709120 5.0 GiB 1024 1.0 KiB 7.500 9.000", "- sd9 - 0 0 B",
         "c1t0d0 SUN72G 68.4 GiB 24 424 14089 14087 2 /pci@1f/sd@0,0", "c1t1d0 - - -",
         "c1t0d0s0 c1t0d0 0 20972736 10.0 GiB 2 root wm yes", "1 3000000000 1.4 TiB 3 swap wu no", "left out: 1",
         "├─ Port 0: online", "remote ports: 2, LUNs: 2", "HBA 0 name(SUNW-qlc-0)", "Jan 18 2006"]),
@@ -226,18 +227,22 @@ CASES = [
     Case("the adapters, for people", "hba", RICH, log=LOGS["hba"], shows=[
         "Adapter 0: QLogic Corp., QLA2342, firmware 3.03.02, WWN 200000e08b010203",
         "├─ Port 0: online, 2 Gb/s, N port, WWN 210000e08b010203, FC ID 0x010200, fabric 100000606951abcd",
-        "│ ├─ Frames: an unknown number sent, 9223372036854775808 received; !! link failures 3",
+        "│ ├─ Frames: - sent, 9223372036854775808 received; !! link failures 3",
         "│ ├─ Remote port 0: online, 1 Gb/s, N port, WWN 50060e8000c3a2b1",
         "│ │ ├─ LUN 5, c2t0d5, bus 2, target 0, exported as LUN 16389",
         "│ └─ !! remote port 1 not readable", "├─ Port 1: !! LINK DOWN", "│ └─ !! counters not readable",
         "└─ !! port 2 not readable", "!! adapter 1 not readable", "--leadville shows"]),
     *(Case(f"for people: {command}: {shown}", command, host, shows=[shown]) for command, host, shown in (
-        ("processors 7", RICH, "no processor 7"), ("authenticate --help", None, "Usage: tarn authenticate"),
+        ("authenticate --help", None, "Usage: tarn authenticate"),
         ("computer-system", {"sysinfo": {"SI_HOSTNAME": "\x1b[2J\x9b"}}, "Host name: \\x1b[2J\\x9b"),
         ("logical-disks /", RICH, "/ ufs /dev/dsk/c1t0d0s0 1024000 1000.0 KiB 409600 400.0 KiB 512000 500.0 KiB 8192"),
         (ARRAY, BOTH, "0 1 B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 0 2 A 101 2 7"),
         (ARRAY, FEWER, "? ? B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 ?: the places told are those of A's drives"),
         (ARRAY, array(lun(0, "A", drives(100, blocks=0))), "ask again"), (ARRAY, {}, "no drive statistics"))),
+    *(Case(f"not there: {command}", command, RICH, complains=[f"tarn: no {missing}\n"], status=1)
+      for command, missing in (
+          ("processors 7", "processor 7"), ("disk-io nope", "disk nope"), ("disks nope", "disk nope"),
+          ("partitions nope", "partition nope"))),
     Case("a password among the arguments", f"authenticate root '{PASSWORD}'", password=PASSWORD, status=2,
          complains=["the password is asked for"]),
     Case("a wrong password, for people", "authenticate root", RICH, password="Anything-3\n",

@@ -1,5 +1,7 @@
 package com.kelvo.tarn.cli;
 
+import com.kelvo.tarn.cli.commands.AuthenticateCommand;
+import com.kelvo.tarn.cli.output.Page;
 import picocli.CommandLine.ExitCode;
 import picocli.CommandLine.IParameterExceptionHandler;
 import picocli.CommandLine.ParameterException;
@@ -11,7 +13,7 @@ final class BadUsage implements IParameterExceptionHandler {
     public int handleParseException(ParameterException exception, String[] given) {
         String hint = exception.getCause() instanceof IllegalArgumentException ? "" // the description is wrong
             : " (try '" + exception.getCommandLine().getCommandSpec().qualifiedName() + " --help')";
-        Tarn.complain(exception.getCommandLine().getErr(), complaint(exception) + hint);
+        Page.complain(exception.getCommandLine().getErr(), complaint(exception) + hint);
         return ExitCode.USAGE;
     }
 

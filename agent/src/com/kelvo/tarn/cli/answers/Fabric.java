@@ -1,0 +1,107 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.providers.hba.HbaCache;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.List;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+
+/**
+ * What the host sees of its storage network, in the order of the library's walk. Each thing knows what it stands
+ * under. What cannot be read is there all the same: without an instance, and without anything below it when the
+ * library has not even a record.
+ */
+public final class Fabric {
+    /** A host bus adapter. */
+    public static final class Adapter {
+        public final int index;
+        /** Null: the adapter cannot be read. */
+        public final TrInstance instance;
+        public final List<Port> ports = new ArrayList<>();
+
+        private Adapter(int index, HbaCache.Hba record) {
+            this.index = index;
+            instance = record == null ? null : record.instance();
+            for (HbaCache.HbaPort port : record == null ? new HbaCache.HbaPort[0] : record.ports()) {
+                ports.add(new Port(this, ports.size(), port));
+            }
+        }
+
+        /** Such as "adapter 0". */
+        public String place() {
+            return "adapter " + index;
+        }
+    }
+
+    /** A port of an adapter. */
+    public static final class Port {
+        public final Adapter adapter;
+        public final int index;
+        /** Whether the library has a record of it; without one there are no statistics and no remote ports. */
+        public final boolean recorded;
+        /** Null: the port cannot be read. */
+        public final TrInstance instance;
+        /** Null: its counters cannot be read. */
+        public final TrInstance statistics;
+        public final List<RemotePort> remotePorts = new ArrayList<>();
+
+        private Port(Adapter adapter, int index, HbaCache.HbaPort record) {
+            this.adapter = adapter;
+            this.index = index;
+            recorded = record != null;
+            instance = recorded ? record.instance() : null;
+            statistics = recorded ? record.statistics() : null;
+            for (HbaCache.HbaDiscoveredPort remote :
+                 recorded ? record.discoveredPorts() : new HbaCache.HbaDiscoveredPort[0]) {
+                remotePorts.add(new RemotePort(this, remotePorts.size(), remote));
+            }
+        }
+
+        /** Such as "adapter 0 port 1". */
+        public String place() {
+            return adapter.place() + " port " + index;
+        }
+    }
+
+    /** A remote port as one of the host's ports has discovered it. */
+    public static final class RemotePort {
+        public final Port port;
+        public final int index;
+        /** Null: the remote port cannot be read. */
+        public final TrInstance instance;
+        /** The logical units that are reached through both ports; null for one that cannot be read. */
+        public final List<TrInstance> mappings;
+
+        private RemotePort(Port port, int index, HbaCache.HbaDiscoveredPort record) {
+            this.port = port;
+            this.index = index;
+            instance = record == null ? null : record.instance();
+            mappings = record == null ? List.of() : Arrays.asList(record.targetMappings());
+        }
+
+        /** Such as "adapter 0 port 1 remote port 2". */
+        public String place() {
+            return port.place() + " remote port " + index;
+        }
+    }
+
+    public final List<Adapter> adapters = new ArrayList<>();
+
+    public Fabric(HbaCache.Hba[] cache) {
+        for (HbaCache.Hba adapter : cache) {
+            adapters.add(new Adapter(adapters.size(), adapter));
+        }
+    }
+
+    /** All ports of all adapters. */
+    public List<Port> ports() {
+        return adapters.stream().flatMap(adapter -> adapter.ports.stream()).collect(Collectors.toList());
+    }
+
+    /** All remote ports; one that several ports have discovered is there once for each. */
+    public Stream<RemotePort> remotePorts() {
+        return ports().stream().flatMap(port -> port.remotePorts.stream());
+    }
+}

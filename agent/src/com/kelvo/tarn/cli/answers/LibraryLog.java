@@ -1,0 +1,72 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.log.KelvoLogger;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Locale;
+import org.apache.log4j.AppenderSkeleton;
+import org.apache.log4j.spi.LoggingEvent;
+
+/** Collects the log lines of the agent, which are the library's. */
+public final class LibraryLog extends AppenderSkeleton {
+    /** One line. */
+    public static final class Line {
+        /** "info" or "warn". */
+        public final String level;
+        public final String message;
+
+        /** The disk that the line is about; empty when that is not known. No part of the JSON. */
+        private transient String subject = "";
+
+        private Line(String level, String message) {
+            this.level = level;
+            this.message = message;
+        }
+
+        public boolean isWarning() {
+            return level.equals("warn");
+        }
+
+        /** The message, after what it is about. */
+        public String text() {
+            return subject.isEmpty() ? message : subject + ": " + message;
+        }
+    }
+
+    private final List<Line> lines = new ArrayList<>();
+
+    public LibraryLog() {
+        KelvoLogger.deliverTo(this);
+    }
+
+    /** The lines since the last time, in order. */
+    public List<Line> take() {
+        List<Line> taken = List.copyOf(lines);
+        lines.clear();
+        return taken;
+    }
+
+    /** How many lines there are: a mark for {@link #attribute}. */
+    int mark() {
+        return lines.size();
+    }
+
+    /** The lines since the mark are about this. */
+    void attribute(int mark, String subject) {
+        lines.subList(mark, lines.size()).forEach(line -> line.subject = subject);
+    }
+
+    @Override
+    protected void append(LoggingEvent event) {
+        lines.add(new Line(event.getLevel().toString().toLowerCase(Locale.ROOT), event.getRenderedMessage()));
+    }
+
+    @Override
+    public void close() {
+    }
+
+    @Override
+    public boolean requiresLayout() {
+        return false;
+    }
+}

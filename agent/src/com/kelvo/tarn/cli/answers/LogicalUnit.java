@@ -1,0 +1,66 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import com.kelvo.tarn.providers.hba.TargetMappingProvider;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Objects;
+import javax.wbem.cim.UnsignedInt;
+
+/** A logical unit of an array with all the ways to it. */
+public final class LogicalUnit {
+    /** One way: a target mapping, with the ports at both ends. A port that cannot be read leaves its members null. */
+    public static final class Path {
+        /** The adapter's and the port's place in the library's walk. */
+        public final int adapter;
+        public final int port;
+        public final String portWWN;
+        public final UnsignedInt portState;
+        public final String remotePort;
+        public final UnsignedInt remotePortState;
+        public final String osDeviceName;
+        public final UnsignedInt scsiBus;
+        public final UnsignedInt targetId;
+        public final UnsignedInt scsiLun;
+
+        Path(Fabric.RemotePort remote, TrInstance mapping) {
+            adapter = remote.port.adapter.index;
+            port = remote.port.index;
+            portWWN = Instances.value(remote.port.instance, HbaPortProvider.permanentAddress);
+            portState = Instances.value(remote.port.instance, HbaPortProvider.portState);
+            remotePort = Instances.value(remote.instance, HbaPortProvider.permanentAddress);
+            remotePortState = Instances.value(remote.instance, HbaPortProvider.portState);
+            osDeviceName = Instances.value(mapping, TargetMappingProvider.osDeviceName);
+            scsiBus = Instances.value(mapping, TargetMappingProvider.scsiBus);
+            targetId = Instances.value(mapping, TargetMappingProvider.targetId);
+            scsiLun = Instances.value(mapping, TargetMappingProvider.scsiLun);
+        }
+
+        public boolean isOnline() {
+            return PortStates.isOnline(portState) && PortStates.isOnline(remotePortState);
+        }
+    }
+
+    /** The array's node name; empty when the remote port cannot be read. */
+    public final String node;
+    /** The unit's number as the array exports it. */
+    public final UnsignedInt lun;
+    /** In the order of the library's walk. */
+    public final List<Path> paths = new ArrayList<>();
+
+    LogicalUnit(Fabric.RemotePort remote, TrInstance mapping) {
+        node = Objects.requireNonNullElse(Instances.value(remote.instance, HbaPortProvider.nodeWWN), "");
+        lun = Instances.number(mapping, TargetMappingProvider.exportedLUN);
+    }
+
+    /** The paths of which both ends are online. */
+    public long onlinePaths() {
+        return paths.stream().filter(Path::isOnline).count();
+    }
+
+    /** Such as "50060e8000c3a2b0 LUN 5". */
+    public String place() {
+        return node + " LUN " + lun;
+    }
+}

@@ -1,0 +1,35 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.tarn.TrInstance;
+import java.util.ArrayList;
+import java.util.Comparator;
+import java.util.List;
+import java.util.TreeMap;
+
+/** The logical units behind the host's adapters, by their array's node name and their number there. */
+public final class Paths {
+    private static final Comparator<LogicalUnit> order = Comparator.<LogicalUnit, String>comparing(unit -> unit.node)
+        .thenComparing(unit -> unit.lun.longValue(), Long::compareUnsigned);
+
+    public final List<LogicalUnit> units;
+    private final boolean oneWayIsTrouble;
+
+    public Paths(Fabric fabric) {
+        TreeMap<LogicalUnit, LogicalUnit> found = new TreeMap<>(order);
+        fabric.remotePorts().forEach(remote -> {
+            for (TrInstance mapping : remote.mappings) {
+                if (mapping != null) {
+                    LogicalUnit unit = new LogicalUnit(remote, mapping);
+                    found.computeIfAbsent(unit, added -> added).paths.add(new LogicalUnit.Path(remote, mapping));
+                }
+            }
+        });
+        units = new ArrayList<>(found.values());
+        oneWayIsTrouble = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
+    }
+
+    /** Whether less than two ways to the unit are online, on a host with the ports to have two. */
+    public boolean lacksWays(LogicalUnit unit) {
+        return oneWayIsTrouble && unit.onlinePaths() < 2;
+    }
+}

@@ -1,0 +1,60 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.cli.output.Table;
+import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
+import java.util.List;
+import java.util.function.Function;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Parameters;
+
+@Command(name = "cpu", description = "The clock ticks that each processor spent, since boot.",
+         footer = "The counters have 32 bits; --json gives them as the library does, negative from 2^31 on.")
+public final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData> {
+    @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this processor.")
+    private Integer id;
+
+    CpuCommand() {
+        super("processor");
+    }
+
+    @Override
+    protected Integer wanted() {
+        return id;
+    }
+
+    @Override
+    protected List<SolarisCpuUtilizationData> all() {
+        return new SolarisNativeMethod().enumerateCpuUtilizationInfo();
+    }
+
+    @Override
+    protected SolarisCpuUtilizationData one(Integer processor) {
+        return new SolarisNativeMethod().getCpuUtilizationInfo(processor);
+    }
+
+    @Override
+    protected Table<?> table(List<SolarisCpuUtilizationData> answer) {
+        Table<SolarisCpuUtilizationData> table = new Table<>(answer)
+            .number("CPU", SolarisCpuUtilizationData::cpuId);
+        ticks(table, "User", SolarisCpuUtilizationData::userTicks);
+        ticks(table, "Kernel", SolarisCpuUtilizationData::kernelTicks);
+        ticks(table, "Wait", SolarisCpuUtilizationData::waitTicks);
+        ticks(table, "Idle", SolarisCpuUtilizationData::idleTicks);
+        return table;
+    }
+
+    private static void ticks(Table<SolarisCpuUtilizationData> table, String heading,
+                              Function<SolarisCpuUtilizationData, Long> ticks) {
+        table.number(heading, data -> unsigned(ticks.apply(data))).reading(data -> Units.percent(
+            unsigned(ticks.apply(data)),
+            unsigned(data.userTicks()) + unsigned(data.kernelTicks()) + unsigned(data.waitTicks())
+                + unsigned(data.idleTicks())));
+    }
+
+    /** What the kernel counted, the sign undone. */
+    private static long unsigned(long ticks) {
+        return Integer.toUnsignedLong((int) ticks);
+    }
+}

@@ -1,0 +1,66 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.output.Table;
+import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
+import java.util.List;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Parameters;
+
+@Command(name = "disks", description = "The whole disks with their geometry.",
+         footer = "The capacity is computed: heads x sectors x data cylinders of 512 bytes.")
+public final class DisksCommand extends Listing<String, TrInstance> {
+    @Parameters(arity = "0..1", paramLabel = "DISK", description = "Only this disk, such as c0t0d0.")
+    private String disk;
+
+    DisksCommand() {
+        super("disk");
+    }
+
+    @Override
+    protected String wanted() {
+        return disk;
+    }
+
+    @Override
+    protected List<TrInstance> all() {
+        return library().disks();
+    }
+
+    @Override
+    protected TrInstance one(String name) {
+        return new SolarisDiskDriveProvider().getDisk(name);
+    }
+
+    @Override
+    protected Table<?> table(List<TrInstance> answer) {
+        return new Table<>(answer)
+            .text("Disk", row -> row.get(SolarisDiskDriveProvider.name))
+            .text("Type", row -> row.get(SolarisDiskDriveProvider.diskType))
+            .number("Capacity", row -> capacity(row) == 0 ? null : capacity(row),
+                    row -> capacity(row) == 0 ? null : Units.bytes(capacity(row)))
+            .number("Heads", row -> known(row, SolarisDiskDriveProvider.heads))
+            .number("Sectors/track", row -> known(row, SolarisDiskDriveProvider.sectorsPerTrack))
+            .number("Cylinders", row -> known(row, SolarisDiskDriveProvider.physicalCylinders))
+            .number("Data", row -> known(row, SolarisDiskDriveProvider.dataCylinders))
+            .number("Alternate", row -> known(row, SolarisDiskDriveProvider.alternateCylinders))
+            .text("Device", row -> row.get(SolarisDiskDriveProvider.deviceIdentifier));
+    }
+
+    private static long capacity(TrInstance row) {
+        return figure(row, SolarisDiskDriveProvider.heads) * figure(row, SolarisDiskDriveProvider.sectorsPerTrack)
+            * figure(row, SolarisDiskDriveProvider.dataCylinders) * Units.SECTOR;
+    }
+
+    private static long figure(TrInstance row, TrProperty property) {
+        return Instances.number(row, property).longValue();
+    }
+
+    /** The library has no type for a disk whose geometry or label does not answer, and zeros for figures. */
+    private static Object known(TrInstance row, TrProperty property) {
+        return row.get(SolarisDiskDriveProvider.diskType) == null ? null : row.get(property);
+    }
+}

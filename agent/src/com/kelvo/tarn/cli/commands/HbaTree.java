@@ -1,0 +1,169 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.cli.output.Tree;
+import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
+import com.kelvo.tarn.providers.hba.TargetMappingProvider;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.Objects;
+import java.util.function.Function;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+import javax.wbem.cim.UnsignedInt;
+
+/** Draws an adapter with all that it sees. Two exclamation marks stand before what is not healthy. */
+final class HbaTree {
+    private static final String trouble = "!! ";
+
+    private static final Map<UnsignedInt, String> types = Map.of(
+        HbaPortProvider.PORT_TYPE_N, "N port", HbaPortProvider.PORT_TYPE_NL, "NL port",
+        HbaPortProvider.PORT_TYPE_E, "E port", HbaPortProvider.PORT_TYPE_F, "F port",
+        HbaPortProvider.PORT_TYPE_FL, "FL port");
+
+    /** What stands for a world-wide name where there is none, or where the adapter does not tell. */
+    private static final String noName = "0".repeat(16);
+
+    /** The HBA API's speeds, by the bits per second that the library makes of them. */
+    private static final Map<Long, String> speeds =
+        Map.of(1143535043L, "1 Gb/s", 2287070085L, "2 Gb/s", 11435350430L, "10 Gb/s");
+
+    private static final List<Map.Entry<TrProperty, String>> errorCounters = List.of(
+        Map.entry(FCPortStatisticsProvider.linkFailures, trouble + "link failures"),
+        Map.entry(FCPortStatisticsProvider.crcErrors, trouble + "CRC errors"),
+        Map.entry(FCPortStatisticsProvider.lossOfSyncCounter, "loss of sync"),
+        Map.entry(FCPortStatisticsProvider.lossOfSignalCounter, "loss of signal"),
+        Map.entry(FCPortStatisticsProvider.primitiveSeqProtocolErrCount, "sequence protocol errors"),
+        Map.entry(FCPortStatisticsProvider.invalidTransmissionWords, "invalid words"),
+        Map.entry(FCPortStatisticsProvider.errorFrames, "error frames"),
+        Map.entry(FCPortStatisticsProvider.dumpedFrames, "dumped frames"));
+
+    private HbaTree() {
+    }
+
+    /** In brief, a port's remote ports are counted, and only those in trouble are drawn. */
+    static Tree of(Fabric.Adapter adapter, boolean brief) {
+        Tree tree = new Tree(label("Adapter", adapter.index, adapter.instance, HbaTree::adapter));
+        adapter.ports.forEach(port -> tree.add(port(port, brief)));
+        return tree;
+    }
+
+    private static Tree port(Fabric.Port port, boolean brief) {
+        String label = label("Port", port.index, port.instance, HbaTree::port);
+        if (!port.recorded) {
+            return new Tree(label);
+        }
+        long units = port.remotePorts.stream().mapToInt(remote -> remote.mappings.size()).sum();
+        Tree tree = new Tree(!brief ? label
+            : join(label, "remote ports: " + port.remotePorts.size(), "LUNs: " + units));
+        if (!brief) {
+            tree.add(new Tree(counters(port.statistics)));
+        }
+        for (Fabric.RemotePort remote : port.remotePorts) {
+            Tree branch = new Tree(label("Remote port", remote.index, remote.instance, HbaTree::remotePort));
+            if (!brief) {
+                remote.mappings.stream().map(HbaTree::unit).map(Tree::new).forEach(branch::add);
+            }
+            if (!brief || remote.instance == null || !PortStates.isOk(remote.instance)) {
+                tree.add(branch);
+            }
+        }
+        return tree;
+    }
+
+    private static String label(String thing, int index, TrInstance instance, Function<TrInstance, String> facts) {
+        return instance == null ? unreadable(thing.toLowerCase(Locale.ROOT) + " " + index)
+            : Stream.of(thing + " " + index, facts.apply(instance)).filter(part -> !part.isEmpty())
+                  .collect(Collectors.joining(": "));
+    }
+
+    private static String unreadable(String thing) {
+        return trouble + thing + " not readable (see the log)";
+    }
+
+    private static String adapter(TrInstance adapter) {
+        return join(
+            labelled("", adapter, HostBusAdapterProvider.manufacturer),
+            labelled("", adapter, HostBusAdapterProvider.model),
+            labelled("serial ", adapter, HostBusAdapterProvider.serialNumber),
+            labelled("firmware ", adapter, HostBusAdapterProvider.firmwareVersion),
+            labelled("driver ", adapter, HostBusAdapterProvider.driverVersion),
+            labelled("WWN ", adapter, HostBusAdapterProvider.name));
+    }
+
+    private static String port(TrInstance port) {
+        return port(port, "");
+    }
+
+    /** With the node's name, which the ports of one array have in common. */
+    private static String remotePort(TrInstance port) {
+        return port(port, labelled("node ", port, HbaPortProvider.nodeWWN));
+    }
+
+    private static String port(TrInstance port, String node) {
+        String state = PortStates.name(port);
+        long fcId = Instances.number(port, HbaPortProvider.portFcId).longValue();
+        return join(
+            PortStates.isOk(port) ? state : trouble + state.toUpperCase(Locale.ROOT),
+            speeds.getOrDefault(Instances.number(port, HbaPortProvider.speed).longValue(), "speed unknown"),
+            types.getOrDefault(Instances.number(port, HbaPortProvider.portType), ""),
+            labelled("WWN ", port, HbaPortProvider.permanentAddress),
+            node,
+            fcId == 0 ? "" : String.format("FC ID 0x%06x", fcId),
+            labelled("fabric ", port, HbaPortProvider.fabricName),
+            labelled("", port, HbaPortProvider.name));
+    }
+
+    /** The frames, and whatever errors there were. */
+    private static String counters(TrInstance statistics) {
+        if (statistics == null) {
+            return unreadable("counters");
+        }
+        String errors = errorCounters.stream()
+            .filter(counter -> count(statistics, counter.getKey()) != null)
+            .filter(counter -> Instances.number(statistics, counter.getKey()).longValue() != 0)
+            .map(counter -> counter.getValue() + " " + count(statistics, counter.getKey()))
+            .collect(Collectors.joining(", "));
+        Object[] frames = Stream
+            .of(FCPortStatisticsProvider.packetsTransmitted, FCPortStatisticsProvider.packetsReceived)
+            .map(counter -> Objects.requireNonNullElse(count(statistics, counter), "-")).toArray();
+        return String.format("Frames: %s sent, %s received", frames) + (errors.isEmpty() ? "" : "; " + errors);
+    }
+
+    /** Null: the adapter does not keep the counter. */
+    private static String count(TrInstance statistics, TrProperty counter) {
+        return Units.counter(Instances.number(statistics, counter).longValue());
+    }
+
+    private static String unit(TrInstance mapping) {
+        if (mapping == null) {
+            return unreadable("LUN");
+        }
+        UnsignedInt lun = Instances.number(mapping, TargetMappingProvider.scsiLun);
+        UnsignedInt exported = Instances.number(mapping, TargetMappingProvider.exportedLUN);
+        return join(
+            "LUN " + lun,
+            labelled("", mapping, TargetMappingProvider.osDeviceName),
+            "bus " + Instances.number(mapping, TargetMappingProvider.scsiBus),
+            "target " + Instances.number(mapping, TargetMappingProvider.targetId),
+            exported.longValue() == lun.longValue() ? "" : "exported as LUN " + exported);
+    }
+
+    /** The property's value after the label; nothing when it has none. */
+    private static String labelled(String label, TrInstance instance, TrProperty property) {
+        String value = Instances.text(instance, property);
+        return value.isEmpty() || value.equals(noName) ? "" : label + value;
+    }
+
+    private static String join(String... parts) {
+        return Stream.of(parts).filter(part -> !part.isEmpty()).collect(Collectors.joining(", "));
+    }
+}

@@ -1,0 +1,80 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.Table;
+import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
+import java.util.List;
+import java.util.stream.Collectors;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Parameters;
+
+@Command(name = "partitions", description = "The slices of the disks.")
+public final class PartitionsCommand extends Listing<String, TrInstance> {
+    private static final List<String> tags = List.of("unassigned", "boot", "root", "swap", "usr", "backup", "stand",
+                                                     "var", "home", "alternates", "cache", "reserved");
+    private static final int unmountable = 0x01;
+    private static final int readOnly = 0x10;
+
+    @Parameters(arity = "0..1", paramLabel = "NAME", description = "Only this slice, such as c0t0d0s0.")
+    private String partition;
+
+    PartitionsCommand() {
+        super("partition");
+    }
+
+    @Override
+    protected String wanted() {
+        return partition;
+    }
+
+    @Override
+    protected List<TrInstance> all() {
+        return library().partitions();
+    }
+
+    @Override
+    protected TrInstance one(String name) {
+        return new SolarisDiskPartitionProvider().getPartition(name);
+    }
+
+    @Override
+    protected void summarize(List<TrInstance> slices, Page out) {
+        List<TrInstance> used = slices.stream().filter(row -> sectors(row) != 0).collect(Collectors.toList());
+        show(used, out);
+        if (used.size() < slices.size()) {
+            out.println("Slices of 0 sectors left out: " + (slices.size() - used.size()) + " (partitions shows them)");
+        }
+    }
+
+    @Override
+    protected Table<?> table(List<TrInstance> answer) {
+        return new Table<>(answer)
+            .text("Partition", row -> row.get(SolarisDiskPartitionProvider.name))
+            .text("Disk", row -> row.get(SolarisDiskPartitionProvider.diskName))
+            .number("Number", row -> row.get(SolarisDiskPartitionProvider.partitionNumber))
+            .number("Sectors", row -> row.get(SolarisDiskPartitionProvider.sizeInSectors))
+            .reading(row -> Units.bytes(sectors(row) * Units.SECTOR))
+            .number("Tag", row -> row.get(SolarisDiskPartitionProvider.tag))
+            .gloss(row -> tagName(Instances.number(row, SolarisDiskPartitionProvider.tag).intValue()))
+            .text("Flags", row -> row.get(SolarisDiskPartitionProvider.flags),
+                  row -> flagNames(Instances.number(row, SolarisDiskPartitionProvider.flags).intValue()))
+            .text("Mounted", row -> row.get(SolarisDiskPartitionProvider.mounted).equals(true) ? "yes" : "no")
+            .note("Flags: w writable, r read-only; m mountable, u not mountable; any others in hexadecimal");
+    }
+
+    private static long sectors(TrInstance row) {
+        return Instances.number(row, SolarisDiskPartitionProvider.sizeInSectors).longValue();
+    }
+
+    private static String tagName(int tag) {
+        return tag < tags.size() ? tags.get(tag) : "";
+    }
+
+    private static String flagNames(int flags) {
+        return ((flags & readOnly) == 0 ? "w" : "r") + ((flags & unmountable) == 0 ? "m" : "u")
+            + ((flags & ~(readOnly | unmountable)) == 0 ? "" : String.format(" 0x%04x", flags));
+    }
+}

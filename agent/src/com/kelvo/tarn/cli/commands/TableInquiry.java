@@ -1,0 +1,14 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.Table;
+
+/** A command whose answer is a table. */
+abstract class TableInquiry<T> extends Inquiry<T> {
+    protected abstract Table<?> table(T answer);
+
+    @Override
+    protected void show(T answer, Page out) {
+        table(answer).print(out);
+    }
+}

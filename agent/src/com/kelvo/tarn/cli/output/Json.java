@@ -1,0 +1,66 @@
+package com.kelvo.tarn.cli.output;
+
+import com.google.gson.Gson;
+import com.google.gson.GsonBuilder;
+import com.google.gson.JsonNull;
+import com.google.gson.JsonObject;
+import com.google.gson.JsonPrimitive;
+import com.google.gson.JsonSerializationContext;
+import com.google.gson.JsonSerializer;
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.TrProperty;
+import javax.wbem.cim.UnsignedInt;
+
+/** Writes what the library returns as JSON: a result class as an object with its fields, in their order. */
+public final class Json {
+    private static final Gson writer = new GsonBuilder().serializeNulls().disableHtmlEscaping().setPrettyPrinting()
+        .registerTypeHierarchyAdapter(UnsignedInt.class, (JsonSerializer<UnsignedInt>) (number, type, context) ->
+            new JsonPrimitive(number.bigIntegerValue()))
+        .registerTypeHierarchyAdapter(TrInstance.class, (JsonSerializer<TrInstance>) (instance, type, context) ->
+            instance(instance, context))
+        .registerTypeHierarchyAdapter(Throwable.class, (JsonSerializer<Throwable>) (thrown, type, context) ->
+            exception(thrown))
+        .create();
+
+    private Json() {
+    }
+
+    public static String text(Object value) {
+        return writer.toJson(value);
+    }
+
+    private static JsonObject exception(Throwable thrown) {
+        JsonObject object = new JsonObject();
+        object.addProperty("class", thrown.getClass().getName());
+        object.addProperty("message", thrown.getMessage());
+        return object;
+    }
+
+    private static JsonObject instance(TrInstance instance, JsonSerializationContext context) {
+        JsonObject properties = new JsonObject();
+        for (TrProperty property : instance.getTrClass().getProperties()) {
+            Object value = instance.get(property);
+            if (value != null) {
+                properties.add(property.getName(),
+                               value instanceof TrInstance ? reference((TrInstance) value) : context.serialize(value));
+            }
+        }
+        JsonObject object = new JsonObject();
+        object.addProperty("class", instance.getTrClass().getName());
+        object.add("properties", properties);
+        return object;
+    }
+
+    /** An instance inside another is named, not written out. */
+    private static JsonObject reference(TrInstance instance) {
+        JsonObject object = new JsonObject();
+        object.addProperty("class", instance.getTrClass().getName());
+        for (TrProperty property : instance.getTrClass().getProperties()) {
+            if (property.getName().equals("deviceID")) {
+                Object id = instance.get(property);
+                object.add("deviceID", id == null ? JsonNull.INSTANCE : new JsonPrimitive(id.toString()));
+            }
+        }
+        return object;
+    }
+}

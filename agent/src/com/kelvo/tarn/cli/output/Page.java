@@ -1,0 +1,68 @@
+package com.kelvo.tarn.cli.output;
+
+import java.io.PrintWriter;
+import java.io.Writer;
+import java.util.regex.Pattern;
+
+/**
+ * Lines for people. Control characters in what a host tells would steer the terminal, so they are shown escaped. What
+ * stands after two exclamation marks is in trouble, and coloured where there are colours.
+ */
+public final class Page extends PrintWriter {
+    private static final Pattern control = Pattern.compile("\\p{IsControl}");
+    /** To the end of the table's cell or of the list's item. */
+    private static final Pattern trouble = Pattern.compile("!! .*?(?=  |[,;]|$)");
+    private static final String red = "\u001b[31m";
+    private static final String plain = "\u001b[0m";
+
+    private final Terminal terminal;
+
+    public Page(Writer out, Terminal terminal) {
+        super(out);
+        this.terminal = terminal;
+    }
+
+    @Override
+    public void print(String text) {
+        String shown = printable(text);
+        super.print(terminal.hasColour() ? trouble.matcher(shown).replaceAll(red + "$0" + plain) : shown);
+    }
+
+    /** How many characters a line has room for. */
+    int width() {
+        return terminal.width();
+    }
+
+    /**
+     * A line after a margin; where the terminal is too narrow for it, several, broken at blanks, of which all but the
+     * first come after the other margin.
+     */
+    void printFolded(String firstMargin, String margin, String text) {
+        String rest = printable(text);
+        String before = firstMargin;
+        for (int room = width() - before.length(); rest.length() > room; room = width() - before.length()) {
+            int end = rest.lastIndexOf(' ', room);
+            if (end <= 0) {
+                end = rest.indexOf(' ', Math.max(room, 1));
+            }
+            if (end < 0) {
+                break;
+            }
+            println(before + rest.substring(0, end));
+            rest = rest.substring(end + 1);
+            before = margin;
+        }
+        println(before + rest);
+    }
+
+    /** One line on standard error, whatever the message holds. */
+    public static void complain(PrintWriter err, String message) {
+        err.println("tarn: " + message.strip().replaceAll("\\s*\\R\\s*", " "));
+    }
+
+    /** The text with "\x1b" and the like in place of control characters. */
+    static String printable(String text) {
+        return control.matcher(text).replaceAll(
+            found -> String.format("\\\\x%02x", (int) found.group().charAt(0)));
+    }
+}

@@ -1,0 +1,161 @@
+package com.kelvo.tarn.cli.output;
+
+import java.io.PrintWriter;
+import java.util.ArrayList;
+import java.util.Collection;
+import java.util.List;
+import java.util.function.Function;
+import java.util.stream.Collectors;
+
+/**
+ * Rows of the same kind: for people a heading, then one line per row, with texts aligned to the left and numbers to the
+ * right; for programs comma-separated values. What is not known is null: a dash for people, nothing for programs.
+ */
+public final class Table<R> {
+    private static final String unknown = "-";
+
+    private static final class Column<R> {
+        private final String heading;
+        private final boolean right;
+        /** For programs; null in a column that only reads the one before it for people. */
+        private final Function<R, ?> exact;
+        private final Function<R, ?> shown;
+
+        private Column(String heading, boolean right, Function<R, ?> exact, Function<R, ?> shown) {
+            this.heading = heading;
+            this.right = right;
+            this.exact = exact;
+            this.shown = shown;
+        }
+    }
+
+    private final List<R> rows;
+    private final List<Column<R>> columns = new ArrayList<>();
+    private String note = "";
+
+    public Table(Collection<R> rows) {
+        this.rows = List.copyOf(rows);
+    }
+
+    public Table<R> text(String heading, Function<R, ?> cell) {
+        return text(heading, cell, cell);
+    }
+
+    /** A column that people see otherwise than programs. */
+    public Table<R> text(String heading, Function<R, ?> exact, Function<R, ?> shown) {
+        columns.add(new Column<>(heading, false, exact, shown));
+        return this;
+    }
+
+    public Table<R> number(String heading, Function<R, ?> cell) {
+        return number(heading, cell, cell);
+    }
+
+    public Table<R> number(String heading, Function<R, ?> exact, Function<R, ?> shown) {
+        columns.add(new Column<>(heading, true, exact, shown));
+        return this;
+    }
+
+    /** Reads the number of the column before it for people, such as "37.6 GiB". */
+    public Table<R> reading(Function<R, ?> shown) {
+        columns.add(new Column<>("", true, null, shown));
+        return this;
+    }
+
+    /** The same as a text. */
+    public Table<R> gloss(Function<R, ?> shown) {
+        columns.add(new Column<>("", false, null, shown));
+        return this;
+    }
+
+    /** A counter of bytes without a sign, exactly and in a readable unit; one with all bits set is not kept. */
+    public Table<R> bytes(String heading, Function<R, Long> cell) {
+        return number(heading, row -> Units.counter(cell.apply(row)))
+            .reading(row -> Units.counter(cell.apply(row)) == null ? "" : Units.bytes(Units.unsigned(cell.apply(row))));
+    }
+
+    /** A line under the table, for people. */
+    public Table<R> note(String text) {
+        note = text;
+        return this;
+    }
+
+    public boolean isEmpty() {
+        return rows.isEmpty();
+    }
+
+    /** For people: as many of the columns as the page is wide enough for. */
+    public void print(Page out) {
+        List<List<String>> lines = new ArrayList<>();
+        lines.add(columns.stream().map(column -> column.heading).collect(Collectors.toList()));
+        rows.forEach(row -> lines.add(columns.stream().map(column -> shown(column, row)).collect(Collectors.toList())));
+        int[] widths = new int[columns.size()];
+        for (List<String> line : lines) {
+            for (int i = 0; i < widths.length; i++) {
+                widths[i] = Math.max(widths[i], line.get(i).length());
+            }
+        }
+        int fitting = fitting(widths, out.width());
+        for (List<String> line : lines) {
+            StringBuilder text = new StringBuilder();
+            for (int i = 0; i < fitting; i++) {
+                String padding = " ".repeat(widths[i] - line.get(i).length());
+                text.append(columns.get(i).right ? padding + line.get(i) : line.get(i) + padding).append("  ");
+            }
+            out.println(text.toString().stripTrailing());
+        }
+        if (!note.isEmpty()) {
+            out.printFolded("", "  ", note);
+        }
+        if (fitting < widths.length) {
+            out.printFolded("", "  ", "Left out, for the width of the terminal: "
+                            + columns.subList(fitting, widths.length).stream().map(column -> column.heading)
+                                  .filter(heading -> !heading.isEmpty()).collect(Collectors.joining(", ")));
+        }
+    }
+
+    /** For people, a row as lines of a heading and a value each. */
+    public void printUpright(Page out) {
+        int width = columns.stream().mapToInt(column -> column.heading.length()).max().orElse(0);
+        for (R row : rows) {
+            for (Column<R> column : columns) {
+                out.println((column.heading + ":" + " ".repeat(width - column.heading.length() + 1)
+                             + shown(column, row)).stripTrailing());
+            }
+        }
+    }
+
+    /** For programs: comma-separated values as RFC 4180 has them. */
+    public void printCsv(PrintWriter out) {
+        List<Column<R>> exact = columns.stream().filter(column -> column.exact != null).collect(Collectors.toList());
+        out.print(exact.stream().map(column -> quoted(column.heading)).collect(Collectors.joining(",", "", "\r\n")));
+        for (R row : rows) {
+            out.print(exact.stream().map(column -> quoted(column.exact.apply(row)))
+                          .collect(Collectors.joining(",", "", "\r\n")));
+        }
+    }
+
+    /** How many columns from the first on fit; a column that reads the one before it goes with it. */
+    private int fitting(int[] widths, int room) {
+        int fitting = 0;
+        int used = 0;
+        for (int i = 0; i < widths.length && (i == 0 || used + widths[i] <= room); i++) {
+            used += widths[i] + 2;
+            fitting = i + 1;
+        }
+        while (fitting < widths.length && fitting > 1 && columns.get(fitting).heading.isEmpty()) {
+            fitting--;
+        }
+        return fitting;
+    }
+
+    private static <R> String shown(Column<R> column, R row) {
+        Object value = column.shown.apply(row);
+        return value == null ? unknown : Page.printable(value.toString());
+    }
+
+    private static String quoted(Object value) {
+        String text = value == null ? "" : value.toString();
+        return text.matches("(?s).*[\",\r\n].*") ? '"' + text.replace("\"", "\"\"") + '"' : text;
+    }
+}

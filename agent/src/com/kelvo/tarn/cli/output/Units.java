@@ -1,0 +1,44 @@
+package com.kelvo.tarn.cli.output;
+
+import java.util.Locale;
+
+/** Numbers as people read them. */
+public final class Units {
+    /** Bytes in a sector, of disk geometries and partition tables alike. */
+    public static final int SECTOR = 512;
+
+    private Units() {
+    }
+
+    /** Bytes in the unit that leaves one to four digits before the point, such as "68.3 GiB". */
+    public static String bytes(double bytes) {
+        String prefixes = "KMGTPE";
+        int prefix = -1;
+        while (bytes >= 1024 && prefix + 1 < prefixes.length()) {
+            bytes /= 1024;
+            prefix++;
+        }
+        return prefix < 0 ? String.format(Locale.ROOT, "%.0f B", bytes)
+            : String.format(Locale.ROOT, "%.1f %ciB", bytes, prefixes.charAt(prefix));
+    }
+
+    /** The unsigned reading of 64 bits. */
+    public static double unsigned(long bits) {
+        return bits < 0 ? bits + 0x1p64 : bits;
+    }
+
+    /** A counter of 64 bits without a sign; null for one with all bits set, which is not kept. */
+    public static String counter(long bits) {
+        return bits == -1 ? null : Long.toUnsignedString(bits);
+    }
+
+    /** A part of a whole, such as "12.5%"; nothing when there is no whole. */
+    public static String percent(double part, double whole) {
+        return whole == 0 ? "" : String.format(Locale.ROOT, "%.1f%%", 100 * part / whole);
+    }
+
+    /** Nanoseconds as seconds to the thousandth. */
+    public static String seconds(long nanoseconds) {
+        return String.format(Locale.ROOT, "%.3f", nanoseconds / 1e9);
+    }
+}
