@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdarg>
 #include <iterator>
-#include <numeric>
 #include <sstream>
 #include <type_traits>
 #include <utility>
@@ -26,16 +26,16 @@ struct Function {
     bool isForbidden = false;
 };
 
-template <class Argument>
-void describe(std::ostream &out, const std::map<jclass, std::string> &classNames, Argument argument) {
-    if constexpr (std::is_same_v<Argument, const char *>) {
-        out << ' ' << (argument == nullptr ? "null" : argument);
-    } else if constexpr (std::is_same_v<Argument, jclass>) {
-        const auto found = classNames.find(argument);
-        out << ' ' << (found == classNames.end() ? "?" : found->second);
-    } else if constexpr (std::is_integral_v<Argument>) {
-        out << ' ' << argument;
+/// A class's name without its package.
+std::string simpleName(const std::string &name) {
+    return name.substr(name.find_last_of("/$.") + 1);
+}
+
+std::string quoted(std::string text) {
+    for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos; ++at) {
+        text.replace(at, 1, "\\n");
     }
+    return '"' + text + '"';
 }
 
 } // namespace
@@ -61,10 +61,65 @@ struct Overlay {
         (lay<members>(table, {"a JNI function that the library has no need of", nullptr, false, true, true}), ...);
     }
 
+    /// The object as the lines call it. One that native code was given is called after its class.
+    static const std::string &name(JniTable &table, const void *pointer) {
+        std::string &found = table.names[pointer];
+        if (found.empty() && pointer != nullptr && table.env->ExceptionCheck() == JNI_FALSE) {
+            const auto object = static_cast<jobject>(const_cast<void *>(pointer));
+            table.env->PushLocalFrame(8);
+            const bool isString = table.env->IsInstanceOf(object, table.env->FindClass("java/lang/String")) == JNI_TRUE;
+            found = isString ? quoted(toText(table.env, object))
+                             : simpleName(toText(table.env, table.env->GetObjectClass(object)));
+            table.env->PopLocalFrame(nullptr);
+        }
+        return found.empty() ? found = pointer == nullptr ? "null" : "?" : found;
+    }
+
+    template <class Argument>
+    static std::string describe(JniTable &table, Argument argument) {
+        if constexpr (std::is_same_v<Argument, const char *>) {
+            const std::string text = argument == nullptr ? "null" : argument;
+            return " " + (text.empty() || text.find(' ') != std::string::npos ? quoted(text) : text);
+        } else if constexpr (std::is_same_v<Argument, jmethodID>) {
+            table.signature = table.signatures[argument];
+            return " " + table.names[argument];
+        } else if constexpr (std::is_integral_v<Argument>) {
+            return " " + std::to_string(argument);
+        } else if constexpr (std::is_convertible_v<Argument, jobject> || std::is_same_v<Argument, jfieldID>) {
+            return " " + name(table, argument);
+        } else {
+            return "";
+        }
+    }
+
+    /// The values for the method at hand.
+    static std::string describe(JniTable &table, va_list arguments) {
+        std::string text;
+        va_list values;
+        va_copy(values, arguments);
+        for (std::size_t at = 1; at < table.signature.size() && table.signature[at] != ')'; ++at) {
+            const bool isArray = table.signature[at] == '[';
+            at = isArray ? table.signature.find_first_not_of('[', at) : at;
+            if (table.signature[at] == 'L' || isArray) {
+                text += " " + name(table, va_arg(values, jobject));
+                at = table.signature[at] == 'L' ? table.signature.find(';', at) : at;
+            } else {
+                text += " " + std::to_string(table.signature[at] == 'J' ? va_arg(values, jlong) : va_arg(values, jint));
+            }
+        }
+        va_end(values);
+        return text;
+    }
+
+    /// Numbers an object after what it comes from.
+    static std::string numbered(JniTable &table, const std::string &origin) {
+        return origin + "#" + std::to_string(++table.numbers[origin]);
+    }
+
     static bool isRefusedNow(JniTable &table, const Function &function, const std::string &line) {
         const bool refusable =
             table.refusedHow == Refusal::withException ? function.throws != nullptr : function.mayReturnNull;
-        if (!refusable || ++table.refusableCalls != table.refusedCall) {
+        if (!refusable || !line.starts_with(table.refusedStart) || ++table.refusableCalls != table.refusedCall) {
             return false;
         }
         table.refused = line;
@@ -74,10 +129,10 @@ struct Overlay {
         return true;
     }
 
-    static void countReference(JniTable &table, bool isThere) {
-        table.frames.back() += isThere ? 1 : 0;
-        table.peakLocalReferences =
-            std::max(table.peakLocalReferences, std::accumulate(table.frames.begin(), table.frames.end(), 0));
+    static void countReference(JniTable &table) {
+        if (JniTable::Frame &frame = table.frames.back(); ++frame.made > frame.room) {
+            table.wrong.push_back("beyond the room for " + std::to_string(frame.room) + " references");
+        }
     }
 
     // What opens or closes something is counted: closing before the call, opening after it.
@@ -88,7 +143,7 @@ struct Overlay {
     template <auto member, class... Rest>
     static void before(Slot<member>, JniTable &table, jobject receiver, jmethodID, Rest...) {
         if (receiver == nullptr) { // which the JNI does not forgive
-            table.wrong.push_back("on null: " + table.calls.back());
+            table.wrong.emplace_back("a call on null");
         }
     }
     static void before(Slot<&T::ReleaseStringUTFChars>, JniTable &table, jstring, const char *characters) {
@@ -104,22 +159,96 @@ struct Overlay {
         }
     }
     static void before(Slot<&T::DeleteLocalRef>, JniTable &table, jobject reference) {
-        table.frames.back() -= reference != nullptr ? 1 : 0;
+        table.frames.back().made -= reference != nullptr ? 1 : 0;
+        table.names.erase(reference);
+    }
+    static void before(Slot<&T::SetByteArrayRegion>, JniTable &table, jbyteArray, jsize, jsize size,
+                       const jbyte *from) {
+        for (jsize i = 0; i < size; ++i) {
+            table.calls.back() += " " + std::to_string(static_cast<unsigned char>(from[i]));
+        }
     }
 
-    template <auto member, class Result, class... Arguments>
-    static void after(Slot<member>, JniTable &, Result, Arguments...) {
-    }
-    static void after(Slot<&T::FindClass>, JniTable &table, jclass cls, const char *name) {
-        table.classNames[cls] = cls == nullptr ? "null" : name;
-    }
-    static void after(Slot<&T::GetStringUTFChars>, JniTable &table, const char *characters, jstring, jboolean *) {
-        table.fetched[characters] += characters != nullptr ? 1 : 0;
-    }
-    static void after(Slot<&T::PushLocalFrame>, JniTable &table, jint status, jint) {
-        if (status >= 0) {
-            table.frames.push_back(0);
+    static void noteLookup(JniTable &table, bool onlyOnce) {
+        if (onlyOnce && ++table.numbers[table.calls.back()] > 1) {
+            table.wrong.push_back("looked up twice: " + table.calls.back());
         }
+    }
+
+    /// What the call gave, as it is called from now on; empty where the arguments tell.
+    template <auto member, class Result, class... Arguments>
+    static std::string after(Slot<member>, JniTable &, Result, Arguments...) {
+        return "";
+    }
+    static std::string after(Slot<&T::FindClass>, JniTable &table, jclass cls, const char *name) {
+        table.names[cls] = name;
+        return "";
+    }
+    static std::string after(Slot<&T::NewStringUTF>, JniTable &table, jstring string, const char *text) {
+        table.names[string] = quoted(text);
+        return "";
+    }
+    template <auto member>
+    static std::string after(Slot<member>, JniTable &table, jmethodID id, jclass, const char *name,
+                             const char *signature) {
+        table.names[id] = name;
+        table.signatures[id] = signature;
+        // Only the method that takes log lines is looked up anew.
+        noteLookup(table, member == &T::GetMethodID);
+        return "";
+    }
+    static std::string after(Slot<&T::GetStaticFieldID>, JniTable &table, jfieldID id, jclass, const char *name,
+                             const char *) {
+        table.names[id] = name;
+        noteLookup(table, true);
+        return "";
+    }
+    static std::string after(Slot<&T::GetStaticObjectField>, JniTable &table, jobject value, jclass cls, jfieldID id) {
+        table.names[value] = simpleName(table.names[cls]) + "." + table.names[id];
+        return value == nullptr ? "null" : "";
+    }
+    template <auto member, class Receiver>
+    static std::string after(Slot<member>, JniTable &table, jobject result, Receiver receiver, jmethodID method,
+                             va_list) {
+        const bool isNew = std::is_same_v<Slot<member>, Slot<&T::NewObjectV>>;
+        table.names.erase(result);
+        if (result != nullptr && !table.signature.ends_with(")Ljava/lang/String;")) {
+            table.names[result] = numbered(table, isNew ? simpleName(table.names[receiver]) : table.names[method]);
+        }
+        return name(table, result);
+    }
+    static std::string after(Slot<&T::CallBooleanMethodV>, JniTable &, jboolean result, jobject, jmethodID, va_list) {
+        return result == JNI_TRUE ? "true" : "false";
+    }
+    static std::string after(Slot<&T::NewObjectArray>, JniTable &table, jobjectArray array, jsize, jclass cls,
+                             jobject) {
+        return table.names[array] = numbered(table, simpleName(table.names[cls]) + "[]");
+    }
+    static std::string after(Slot<&T::NewByteArray>, JniTable &table, jbyteArray array, jsize) {
+        return table.names[array] = numbered(table, "byte[]");
+    }
+    static std::string after(Slot<&T::GetStringUTFChars>, JniTable &table, const char *characters, jstring,
+                             jboolean *) {
+        table.fetched[characters] += characters != nullptr ? 1 : 0;
+        return "";
+    }
+    static std::string after(Slot<&T::PushLocalFrame>, JniTable &table, jint status, jint room) {
+        if (status >= 0) {
+            table.frames.push_back({room});
+        }
+        return "";
+    }
+    static std::string after(Slot<&T::EnsureLocalCapacity>, JniTable &table, jint status, jint capacity) {
+        if (JniTable::Frame &frame = table.frames.back(); status >= 0) {
+            frame.room = std::max(frame.room, frame.made + capacity);
+        }
+        return "";
+    }
+    /// The survivor goes by its name.
+    static std::string after(Slot<&T::PopLocalFrame>, JniTable &table, jobject result, jobject survivor) {
+        const std::string old = name(table, survivor);
+        table.names[result] = old;
+        return "";
     }
 };
 
@@ -136,16 +265,18 @@ struct Overlay::Of<member> {
             }
         } const relay;
 
-        std::ostringstream text;
-        text << function.name;
-        (describe(text, table.classNames, arguments), ...);
-        const std::string &line = table.calls.emplace_back(text.str());
+        table.takeJournal();
+        std::string line = function.name;
+        ((line += describe(table, arguments)), ...);
         if (function.isForbidden) {
             table.wrong.push_back(line);
         }
         if (!function.allowedWhilePending && env->ExceptionCheck() == JNI_TRUE) {
             table.wrong.push_back("with an exception pending: " + line);
         }
+        constexpr bool isCheck = std::is_same_v<Slot<member>, Slot<&T::ExceptionCheck>>;
+        const std::size_t number = table.calls.size();
+        table.calls.resize(number + (isCheck ? 0 : 1), line);
         before(Slot<member>{}, table, arguments...);
         if (isRefusedNow(table, function, line)) {
             if constexpr (std::is_same_v<Result, jint>) {
@@ -159,15 +290,20 @@ struct Overlay::Of<member> {
         } else {
             const Result result = (table.real->*member)(env, arguments...);
             if constexpr (std::is_convertible_v<Result, jobject>) {
-                countReference(table, result != nullptr);
+                if (result != nullptr) {
+                    countReference(table);
+                }
             }
-            after(Slot<member>{}, table, result, arguments...);
+            if (const std::string given = after(Slot<member>{}, table, result, arguments...); !given.empty()) {
+                table.calls[number] += " = " + given;
+            }
             return result;
         }
     }
 };
 
-JniTable::JniTable(JNIEnv *environment) : env(environment), real(environment->functions), table(*real) {
+JniTable::JniTable(JNIEnv *environment, bool withJournal)
+    : env(environment), merging(withJournal), real(environment->functions), table(*real) {
     constexpr const char *outOfMemory = "java/lang/OutOfMemoryError";
     constexpr const char *javaThrew = "java/lang/IllegalStateException";
     Overlay::lay<&T::FindClass>(table, {"FindClass", "java/lang/NoClassDefFoundError", false, false});
@@ -202,16 +338,32 @@ JniTable::JniTable(JNIEnv *environment) : env(environment), real(environment->fu
                     &T::ExceptionOccurred, &T::ThrowNew, &T::MonitorEnter, &T::GetJavaVM>(table);
     laid = this;
     env->functions = &table;
+    if (merging) {
+        replay::startJournal();
+    }
 }
 
 JniTable::~JniTable() {
     env->functions = real;
     laid = nullptr;
+    if (merging) {
+        replay::stopJournal();
+    }
 }
 
-void JniTable::refuse(int n, Refusal refusal) {
+void JniTable::refuse(int n, Refusal refusal, const std::string &start) {
     refusedCall = n;
     refusedHow = refusal;
+    refusedStart = start;
+}
+
+void JniTable::takeJournal() {
+    if (merging) {
+        for (const std::string &line : replay::stopJournal()) {
+            calls.push_back("    " + line);
+        }
+        replay::startJournal();
+    }
 }
 
 std::vector<std::string> JniTable::faults() const {
@@ -279,8 +431,7 @@ int refuseEveryCall(JNIEnv *env, Refusal refusal, const std::function<jobject(JN
         EXPECT_FALSE(!thrown.empty() && result != nullptr) << "a result beside a pending exception";
         if (refused.empty()) {
             EXPECT_EQ(thrown, exception);
-        } else if (refusal == Refusal::withException && result == nullptr && !quietly &&
-                   !refused.starts_with("PushLocalFrame")) {
+        } else if (refusal == Refusal::withException && result == nullptr && !quietly) {
             EXPECT_FALSE(thrown.empty()) << "null, and nobody is told that this was refused: " << refused;
         }
         env->PopLocalFrame(nullptr);

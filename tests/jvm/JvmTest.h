@@ -13,7 +13,7 @@ namespace jvm {
 class JvmTest : public testing::Test {
 protected:
     JvmTest() {
-        env->PushLocalFrame(64);
+        env->PushLocalFrame(128);
     }
     ~JvmTest() override {
         env->PopLocalFrame(nullptr);
@@ -24,17 +24,11 @@ protected:
         return characters == nullptr ? nullptr : env->NewStringUTF(characters);
     }
 
-    /// What these recorded calls bring to the log of SolarisNativeMethod, each line after its level.
+    /// What these recorded calls bring to the log of SolarisNativeMethod: warn "uname failed in getOperatingSystem".
     static tests::Lines logLines(const tests::Lines &calls) {
-        const std::string logClass = "com/kelvo/tarn/providers/solaris/SolarisNativeMethod";
-        const std::string target = "GetStaticMethodID " + logClass + " ";
-        tests::Lines lines;
-        for (std::size_t i = 0; i + 2 < calls.size(); ++i) {
-            if (calls[i].starts_with(target) && calls[i + 2] == "CallStaticVoidMethod " + logClass) {
-                const std::string level = calls[i].substr(target.size());
-                lines.push_back(level.substr(0, level.find(' ')) + calls[i + 1].substr(calls[i + 1].find(' ')));
-            }
-        }
+        const std::string start = "CallStaticVoidMethod com/kelvo/tarn/providers/solaris/SolarisNativeMethod ";
+        tests::Lines lines = tests::beginning(calls, {start});
+        std::ranges::for_each(lines, [&](std::string &line) { line.erase(0, start.size()); });
         return lines;
     }
 
