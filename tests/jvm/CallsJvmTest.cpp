@@ -60,11 +60,9 @@ protected:
             text.insert(text.end(), table.calls.begin(), table.calls.end());
         }
         const std::string thrown = jvm::takeException(env);
-        text.push_back(thrown.empty() ? "returns " + jvm::toText(env, result) : "throws " + thrown);
+        const std::string returned = std::regex_replace(jvm::toText(env, result), std::regex("@[0-9a-f]+"), "");
+        text.push_back(thrown.empty() ? "returns " + returned : "throws " + thrown);
         env->PopLocalFrame(nullptr);
-        for (std::string &line : text) { // without what the virtual machine numbers
-            line = std::regex_replace(line, std::regex("@[0-9a-f]+\\b|\\d+(?= test )"), "");
-        }
         return thrown;
     }
 

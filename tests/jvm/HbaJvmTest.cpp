@@ -311,11 +311,11 @@ TEST_F(HbaTest, EveryFailureLeavesItsLineAndItsHole) {
          "right",
          "0/1/./.*", ""},
         {"", std::vector<json>(4097, json::object()),
-         "Ignoring the 4097 adapters that the HBA library reports -- more than 4096 cannot be right", ".*", "no array"},
+         "Ignoring the 4097 adapters that the HBA library reports -- more than 4096 cannot be right", ".*", "no"},
         {"/0/ports/0/discovered/0/status/GetDiscoveredPortAttributes", 8, "8 (Stale data)", "0/0/0/.*", "0/0/0 null"},
     };
     for (const auto &[where, value, log, missing, hole] : cases) {
-        SCOPED_TRACE(where + " " + value.dump());
+        SCOPED_TRACE(where + " " + value.dump().substr(0, 80));
         loadAdapters(twoAdapters(where, value));
         neverOpened = where.ends_with("openFailures") && value > 0 ? Lines{"HBA_OpenAdapter hba-0 left open"}
                       : where == "/0"                              ? Lines{"HBA_OpenAdapter h left open"}

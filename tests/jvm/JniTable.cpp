@@ -26,9 +26,10 @@ struct Function {
     bool isForbidden = false;
 };
 
-/// A class's name without its package.
+/// A class's name without its package. Proxies are numbered as the virtual machine comes to them.
 std::string simpleName(const std::string &name) {
-    return name.substr(name.find_last_of("/$.") + 1);
+    const std::string simple = name.substr(name.find_last_of("/$.") + 1);
+    return simple.starts_with("Proxy") ? "Proxy" : simple;
 }
 
 std::string quoted(std::string text) {
