@@ -85,8 +85,10 @@ int processor_info(processorid_t processor, processor_info_t *information) {
 }
 
 int thr_stksegment(stack_t *segment) {
-    note([] { return std::string("thr_stksegment"); });
     pthread_attr_t attributes;
+    if (noteCall([] { return std::string("thr_stksegment"); })) {
+        return EIO;
+    }
     if (const int error = pthread_getattr_np(pthread_self(), &attributes); error != 0) {
         return error;
     }

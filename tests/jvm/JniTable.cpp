@@ -392,10 +392,14 @@ std::vector<std::string> unreleased(const std::vector<std::string> &journal) {
     std::map<std::string, int> open;
     for (const std::string &line : journal) {
         std::istringstream words(line);
-        const std::vector<std::string> word{std::istream_iterator<std::string>(words), {}};
-        // Lines of failed calls end with the error's name, which no successful one has.
-        const bool hasFailed = word.back().size() > 2 && word.back()[0] == 'E' &&
-                               word.back().find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
+        std::vector<std::string> word{std::istream_iterator<std::string>(words), {}};
+        const bool isRefused = word.back() == "refused";
+        word.resize(word.size() - (isRefused ? 1 : 0));
+        // Lines of failed calls end with the error's name, which no successful one has. The HBA library is freed whatever
+        // its loading said.
+        const bool hasFailed = (isRefused && word[0] != "HBA_LoadLibrary") ||
+                               (word.back().size() > 2 && word.back()[0] == 'E' &&
+                                word.back().find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos);
         // Which stream is closed, the journal does not tell.
         const std::string what = word.size() > 1 && word[0] != "fopen" ? " " + word[1] : "";
         for (const auto &[opener, closer] : pairs) {
