@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <type_traits>
 
 #include "platform/replay/HostSections.h"
@@ -36,7 +37,8 @@ inline constexpr auto members<RecordDescription> = table<RecordDescription>(
     MEMBER(RecordDescription, ks_module), MEMBER(RecordDescription, ks_instance), MEMBER(RecordDescription, ks_name),
     MEMBER(RecordDescription, ks_class), NAMED_MEMBER(RecordDescription, ks_type, kernelTypes),
     MEMBER(RecordDescription, ks_kid), MEMBER(RecordDescription, ks_flags), MEMBER(RecordDescription, ks_crtime),
-    MEMBER(RecordDescription, ks_snaptime), MEMBER(RecordDescription, data), MEMBER(RecordDescription, samples));
+    MEMBER(RecordDescription, ks_snaptime), MEMBER(RecordDescription, ks_data_size), MEMBER(RecordDescription, data),
+    MEMBER(RecordDescription, samples));
 
 template <>
 inline constexpr auto members<vminfo_t> = table<vminfo_t>(MEMBER(vminfo_t, freemem), MEMBER(vminfo_t, swap_resv),
@@ -77,7 +79,8 @@ void addSample(const Json &value, const Place &place, KernelRecord &record) {
     record.samples.push_back(emptySample(record, place));
     std::visit([&](auto &sample) { read(value, place, sample); }, record.samples.back());
     record.ks_ndata = 1;
-    record.ks_data_size = std::visit([](const auto &sample) { return sizeof sample; }, record.samples.back());
+    const std::size_t size = std::visit([](const auto &sample) { return sizeof sample; }, record.samples.back());
+    record.ks_data_size = record.ks_data_size == 0 ? size : std::min<std::size_t>(size, record.ks_data_size);
 }
 
 } // namespace

@@ -108,7 +108,8 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
 std::string scsiCommandText(const uscsi_cmd &command) {
     const std::span<const unsigned char> cdb = descriptorBlock(command);
     const ScsiCommand *known = recognise(cdb);
-    std::string text = hexText(cdb);
+    std::string text = hexText(cdb) + " flags " + std::to_string(command.uscsi_flags) + " timeout " +
+                       std::to_string(command.uscsi_timeout);
     if (known != nullptr && known->sendsData && command.uscsi_bufaddr != nullptr) {
         const auto *data = reinterpret_cast<const unsigned char *>(command.uscsi_bufaddr);
         text += " data " + hexText({data, std::min(countOf(*known, cdb), command.uscsi_buflen)});

@@ -122,8 +122,8 @@ struct ControllerPages {
 
 /// One LUN of an array, as its whole-disk device answers.
 struct ArrayLun {
-    std::string name; // of the disk, "c2t0d0"
-    std::string vendor;
+    std::string name;   // of the disk, "c2t0d0"
+    std::string vendor; // when it is empty, the answer ends before it
     std::string product;
     std::string controller; // that owns it; when it is empty, the answer ends before the owner
     Bytes translation{};
@@ -158,7 +158,8 @@ inline std::string describeLun(const ArrayLun &lun) {
         }
     };
     const std::string inquiry = padded("", 8) + padded(lun.vendor, 8) + padded(lun.product, 16) + "0710";
-    answer("INQUIRY", padded(inquiry, 112) + "ctrl-A          "); // where the other answer names the owner
+    const std::string whole = padded(inquiry, 112) + "ctrl-A          "; // where the other answer names the owner
+    answer("INQUIRY", lun.vendor.empty() ? whole.substr(0, 8) : whole);
     answer("INQUIRY C0", padded("", 112) + (lun.controller.empty() ? "" : padded(lun.controller, 16)));
     answer("RECEIVE DIAGNOSTIC A0", lun.translation);
     answer("LOG SENSE 3B", lun.statistics);

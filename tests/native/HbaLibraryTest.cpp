@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <random>
+#include <span>
+#include <stdexcept>
 #include <thread>
 
 #include "common/hba/Conversions.h"
@@ -62,9 +65,8 @@ TEST(TargetMapping, IsFetchedAgainOnceWithTheRoomItTakes) {
         const bool fetched = table.fetch([&, &script = answers](HBA_FCPTARGETMAPPING *mapping) {
             const auto [status, count] = script.at(offered.size());
             offered.push_back(mapping->NumberOfEntries);
-            if (mapping->NumberOfEntries <= 1000) {
-                std::memset(static_cast<void *>(mapping->entry), 'e',
-                            mapping->NumberOfEntries * sizeof(HBA_FCPSCSIENTRY));
+            if (mapping->NumberOfEntries <= 1000) { // to the last byte of the room
+                std::memset(static_cast<void *>(mapping->entry), 'e', offered.back() * sizeof(HBA_FCPSCSIENTRY));
             }
             mapping->NumberOfEntries = count;
             return status;
@@ -73,10 +75,37 @@ TEST(TargetMapping, IsFetchedAgainOnceWithTheRoomItTakes) {
         EXPECT_EQ(offered, rooms);
         EXPECT_EQ(table.status(), answers.back().first);
         ASSERT_EQ(table.entries().size(), isFetched ? answers.back().second : 0);
-        if (!table.entries().empty() && rooms.back() <= 1000) {
-            EXPECT_EQ(table.entries().back().ScsiId.OSDeviceName[255], 'e');
-        }
     }
+}
+
+TEST(TargetMapping, EntriesThatAreCountedButNotWrittenAreEmpty) {
+    TargetMappingTable table;
+    const auto claim = [&](HBA_UINT32 count, int byte) {
+        return table.fetch([=](HBA_FCPTARGETMAPPING *mapping) {
+            const HBA_STATUS status = count > mapping->NumberOfEntries ? HBA_STATUS_ERROR_MORE_DATA : HBA_STATUS_OK;
+            if (byte != 0) {
+                std::memset(static_cast<void *>(mapping->entry), byte, count * sizeof(HBA_FCPSCSIENTRY));
+            }
+            mapping->NumberOfEntries = count;
+            return status;
+        });
+    };
+    EXPECT_TRUE(claim(512, 'e')); // of the adapter before
+    for (const HBA_UINT32 count : {512U, 700U}) {
+        EXPECT_TRUE(claim(count, 0));
+        const auto bytes = std::as_bytes(table.entries());
+        EXPECT_TRUE(std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{}; })) << count;
+    }
+}
+
+TEST(TargetMapping, AnIndexThatCannotBeBuiltFindsNothing) {
+    std::vector<HBA_FCPSCSIENTRY> entries(3);
+    RemotePortIndex index;
+    index.build(entries);
+    EXPECT_EQ(index.find({}).size(), 3U);
+    const std::span<const HBA_FCPSCSIENTRY> tooMany(entries.data(), std::numeric_limits<std::size_t>::max() / 1024);
+    EXPECT_THROW(index.build(tooMany), std::exception);
+    EXPECT_EQ(index.find({}).size(), 0U);
 }
 
 TEST(TargetMapping, IsFoundByRemotePortInItsOwnOrder) {
