@@ -20,6 +20,24 @@ std::string nameOf(int value, std::span<const NamedValue> names) {
     return found == names.end() ? std::to_string(value) : std::string(found->name);
 }
 
+/// The calling thread's stack on the build machine, or the error number that stands for it.
+struct Stack {
+    stack_t segment{};
+    int error;
+
+    Stack() {
+        pthread_attr_t attributes;
+        error = pthread_getattr_np(pthread_self(), &attributes);
+        if (error != 0) {
+            return;
+        }
+        void *lowest = nullptr;
+        error = pthread_attr_getstack(&attributes, &lowest, &segment.ss_size);
+        segment.ss_sp = static_cast<char *>(lowest) + segment.ss_size;
+        pthread_attr_destroy(&attributes);
+    }
+};
+
 } // namespace
 } // namespace replay
 
@@ -85,21 +103,12 @@ int processor_info(processorid_t processor, processor_info_t *information) {
 }
 
 int thr_stksegment(stack_t *segment) {
-    pthread_attr_t attributes;
     if (noteCall([] { return std::string("thr_stksegment"); })) {
         return EIO;
     }
-    if (const int error = pthread_getattr_np(pthread_self(), &attributes); error != 0) {
-        return error;
-    }
-    void *lowest = nullptr;
-    std::size_t size = 0;
-    const int error = pthread_attr_getstack(&attributes, &lowest, &size);
-    pthread_attr_destroy(&attributes);
-    *segment = {};
-    segment->ss_sp = static_cast<char *>(lowest) + size;
-    segment->ss_size = size;
-    return error;
+    thread_local const Stack stack; // for the first thread, the build machine reads a whole file to tell
+    *segment = stack.segment;
+    return stack.error;
 }
 
 } // namespace solaris
