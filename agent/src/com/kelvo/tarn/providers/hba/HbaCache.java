@@ -85,10 +85,20 @@ public final class HbaCache {
         }
     }
 
-    /** An adapter that cannot be read is null. */
+    /**
+     * An adapter that cannot be read is null. The calling thread needs 320 KB of stack, besides what it has in use;
+     * where less is left, nothing is done.
+     *
+     * @throws StackOverflowError when too little stack is left
+     */
     public native Hba[] fillHbaCache(HbaClassNames names);
 
-    /** Adds to the list what the HBA library says of itself, line by line. */
+    /**
+     * Adds to the list what the HBA library says of itself, line by line. The calling thread needs 320 KB of stack,
+     * besides what it has in use; where less is left, nothing is done.
+     *
+     * @throws StackOverflowError when too little stack is left
+     */
     public native void testHbaLibrary(List<String> lines);
 
     public boolean usingLeadvilleHeuristicForTargetMappings() {

@@ -10,7 +10,10 @@ public final class SolarisScsiInterrogator {
 
     /**
      * The drives' counters in fixed-width fields; "    0" when there are none, "   -2" when the controllers do not
-     * count blocks and have been told to.
+     * count blocks and have been told to. The calling thread needs 450 KB of stack, besides what it has in use; where
+     * less is left, nothing is done.
+     *
+     * @throws StackOverflowError when too little stack is left
      */
     public native String scsiInterrogate(String controller1Id, String controller2Id, String vendorId,
                                          String productId);
