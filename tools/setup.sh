@@ -7,6 +7,12 @@ build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcry
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3)
 bench_packages=(libbenchmark-dev)
 
+# What a virtual machine that runs the agent is to find, once it is built.
+class_path=$root/build/release/tarn.jar
+for jar in picocli gson log4j-1.2-api log4j-api log4j-core; do
+    class_path+=:/usr/share/java/$jar.jar
+done
+
 say() {
     printf '%s\n' "$*" >&2
 }

@@ -2,22 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-
-#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <random>
 #include <span>
 #include <stdexcept>
-#include <thread>
 
 #include "common/hba/Conversions.h"
 #include "common/hba/LibraryGuards.h"
 #include "common/hba/Messages.h"
 #include "common/hba/RemotePortIndex.h"
 #include "common/hba/TargetMappingTable.h"
-#include "platform/replay/Replay.h"
 
 namespace tarn {
 namespace {
@@ -28,14 +23,6 @@ TEST(HbaGuards, RefreshAllButTheQlcDriversAdapters) {
     }
     EXPECT_FALSE(refreshInformation(0, "SUNW-qlc-"));
     EXPECT_FALSE(refreshInformation(0, "SUNW-qlc-0"));
-}
-
-TEST(HbaGuards, LetOneThreadInAtATime) {
-    replay::loadHostText(R"({"hba": {"adapters": [{}]}})");
-    std::vector<std::jthread> threads(20);
-    std::ranges::generate(threads, [] {
-        return std::jthread([] { EXPECT_EQ((WithHbaLibrary(), usleep(500), HBA_GetNumberOfAdapters()), 1U); });
-    });
 }
 
 TEST(TargetMapping, IsFetchedAgainOnceWithTheRoomItTakes) {

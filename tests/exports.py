@@ -1,0 +1,43 @@
+#!/usr/bin/env python3
+"""Holds what a built library exports against the native methods of a jar's classes, in both directions."""
+
+import re
+import subprocess
+import sys
+import zipfile
+
+
+def mangled(name):
+    """A dotted name as the Java Native Interface writes it."""
+    return re.sub(r"[_$]", lambda found: {"_": "_1", "$": "_00024"}[found[0]], name).replace(".", "_")
+
+
+def native_methods(jar):
+    with zipfile.ZipFile(jar) as archive:
+        classes = [name[:-6].replace("/", ".") for name in archive.namelist() if name.endswith(".class")]
+    listing = subprocess.run(["javap", "-p", "-cp", jar, *classes], check=True, capture_output=True, text=True).stdout
+    methods = set()
+    for line in listing.splitlines():
+        if declared := re.match(r"\S.*?\b(?:class|interface|enum) ([\w.$]+)", line):
+            owner = declared[1]
+        elif method := re.match(r"  .*\bnative .* (\w+)\(", line):
+            methods.add(f"Java_{mangled(owner)}_{mangled(method[1])}")
+    return methods
+
+
+def exported_names(library):
+    listing = subprocess.run(["nm", "-D", "--defined-only", library], check=True, capture_output=True, text=True).stdout
+    return {line.split()[-1] for line in listing.splitlines()}
+
+
+def main(library, jar):
+    methods = native_methods(jar)
+    exported = exported_names(library)
+    wrong = [f"not exported: {name}" for name in methods - exported]
+    wrong += [f"no native method: {name}" for name in exported - methods]
+    print(*sorted(wrong), f"{len(methods & exported)} passed, {len(wrong)} failed", sep="\n")
+    return 1 if wrong or not methods else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
