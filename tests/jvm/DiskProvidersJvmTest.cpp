@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/replay/Replay.h"
+#include "tests/Expected.h"
 #include "tests/jvm/Entries.h"
 #include "tests/jvm/JniTable.h"
 #include "tests/jvm/JvmTest.h"
@@ -79,61 +80,29 @@ protected:
     std::string exception;
 };
 
-TEST_F(DiskProvidersTest, DisksTellWhatCouldBeRead) {
-    Lines disks;
-    Lines expected;
-    const auto add = [&](const std::string &name, const std::string &members, const std::string &values) {
-        disks.push_back(disk(name, members));
-        if (!values.empty()) {
-            expected.push_back(name + "|" + values);
+TEST_F(DiskProvidersTest, WhatCouldBeReadIsTold) {
+    tests::loadHost("disks");
+    Lines text;
+    for (const bool ofDisks : {true, false}) {
+        const Lines all = received(ofDisks, 100);
+        EXPECT_EQ(exception, "");
+        text.emplace_back(ofDisks ? "disks" : "partitions");
+        text.insert(text.end(), all.begin(), all.end());
+        for (const std::string &line : logLines(calls)) {
+            text.push_back(line);
         }
-    };
-    const std::string figures = "|24|424|65535|14087|2";
-    const std::string full(128, 'L');
-    const std::string path(1100, 'p');
-    add("c0t0d0", labelled("SUN72G cyl 1 alt 2"), "SUN72G|/c0t0d0@0,0" + figures);
-    add("toRead", labelled("T") + R"(, "fails": {"DKIOCGGEOM O_RDWR": "EIO"})", "T|/toRead@0,0" + figures);
-    add("full", labelled(full), full + "|/full@0,0" + figures);
-    add("noTable", geometry, "null|/noTable@0,0|0|0|0|0|0");
-    add("noGeometry", labelled("T") + R"(, "fails": {"DKIOCGGEOM": "EIO"})", "null|/noGeometry@0,0|0|0|0|0|0");
-    add("neither", R"("slices": ["s2"])", "null|/neither@0,0|0|0|0|0|0");
-    add("noOpen", labelled("T") + R"(, "fails": {"open": "EBUSY"})", "");
-    add("noLink", labelled("T") + R"(, "fails": {"readlink": "EINVAL"})", "T|null" + figures);
-    add("noSlice2", labelled("T") + R"(, "slices": ["s0", "s1"])", "");
-    // The link of this one is cut.
-    add("far", labelled("T") + R"(, "path": "/)" + path + '"', "T|/" + path.substr(0, 1009) + figures);
-    loadDisks(disks, R"({"path": "/dev/rdsk/s2"}, {"path": "/dev/rdsk/c9t9d9s2", "link": "../../devices/none:c,raw"})");
-    EXPECT_EQ(received(true, 100), expected);
-    const Lines complaints{R"(warn "SolarisDiskDrive DKIOCGVTOC")", R"(warn "SolarisDiskDrive DKIOCGGEOM")"};
-    EXPECT_EQ(logLines(calls), (Lines{complaints[0], complaints[1], complaints[1], complaints[0]}));
-    EXPECT_EQ(beginning(journal, {"open /dev/rdsk/s2", "open /dev/rdsk/noSlice2"}), Lines{});
-    for (const std::string &line : expected) { // one by one they are the same
-        EXPECT_EQ(jvm::instanceText(env, get(true, newString(line.substr(0, line.find('|')).c_str()))), line);
+        for (const std::string &line : beginning(journal, {"open "})) {
+            text.push_back(line);
+        }
+        for (const std::string &line : all) { // one by one they are the same
+            const std::string name = line.substr(0, line.find('|'));
+            EXPECT_EQ(jvm::instanceText(env, get(ofDisks, newString(name.c_str()))), line);
+        }
     }
-}
-
-TEST_F(DiskProvidersTest, SlicesAreDescribedOrPassedOver) {
-    loadDisks({disk("c0t0d0", labelled("T") + R"(, "slices": ["s0", "s1"], "mounted": ["s1"], "major": 32)"),
-               disk("emcpower0", labelled("T") + R"(, "slices": ["0", "1", "2", "3", "4", "5", "6", "7", "8"])"),
-               disk("noTable", geometry), disk("c5", labelled("T") + R"(, "fails": {"open O_RDWR": "EROFS"})")},
-              R"({"path": "/dev/rdsk/ab"})");
-    Lines expected{"c0t0d0s0|c0t0d0|0|20972736|2|0|false",
-                   "c0t0d0s1|c0t0d0|1|1|65535|65534|true", // the low 32 bits of the size
-                   "emcpower00|emcpower0|0|20972736|2|0|false", "emcpower01|emcpower0|1|1|65535|65534|false"};
-    for (const std::string slice : {"2", "3", "4", "5", "6", "7"}) { // the ninth is beyond the table
-        expected.push_back("emcpower0" + slice + "|emcpower0|" + slice + "|0|0|0|false");
-    }
-    EXPECT_EQ(received(false, 100), expected);
-    EXPECT_EQ(exception, "");
-    EXPECT_EQ(logLines(calls), Lines{});
-    EXPECT_EQ(beginning(journal, {"open "}).size(), 2u + 9 + 8 * 2); // "ab" is not opened
-    EXPECT_EQ(jvm::instanceText(env, get(false, newString("c0t0d0s1"))), expected[1]);
-    for (const char *none : {"c0t0d0", "noTables0", "emcpower08", "", static_cast<const char *>(nullptr)}) {
+    tests::expectFile("jvm/disks.txt", text);
+    for (const char *none : {"c0t0d0", "noTables2", "emcpower08", "", static_cast<const char *>(nullptr)}) {
         EXPECT_EQ(get(false, newString(none)), nullptr);
     }
-    replay::loadHostText("{}"); // no directory
-    EXPECT_EQ(received(false, 1), Lines{});
-    EXPECT_EQ(exception, "");
 }
 
 TEST_F(DiskProvidersTest, NamesThatDoNotFitAreNotOpened) {

@@ -159,118 +159,24 @@ TEST_F(HbaTest, FieldsFullToTheirLastByteLoseIt) {
     EXPECT_TRUE(port.ends_with("|Kelvo_HbaPort|Adapter 100 Port 9|Adapter 100 Port 9|Adapter 100 Port 9|9")) << port;
 }
 
-TEST_F(HbaTest, PortCodesBecomeCimValues) {
-    const struct {
-        unsigned type, state, classes, speed;
-        std::string codes, status;
-    } cases[] = {
-        {0, 0, 0, 0, "0|1|[]|||0|0|0|", "0"},
-        {1, 1, 1, 1, "0|1|[6]|||1143535043|1143535043|0|", "0"},
-        {2, 2, 2, 2, "1|2|[1]|||2287070085|2287070085|0|", "2"},
-        {3, 3, 4, 3, "0|3|[2]|||0|0|0|", "11"},
-        {4, 4, 8, 4, "0|4|[3]|||11435350430|11435350430|0|", "11"},
-        {5, 5, 16, 5, "10|5|[4]|||0|0|0|", "11"},
-        {6, 6, 32, 6, "11|6|[0]|||0|0|0|", "6"},
-        {7, 7, 64, 7, "16|7|[5]|||0|0|0|", "6"},
-        {8, 8, 160, 8, "15|8|[0,0]|||0|0|0|", "11"},
-        {9, 9, 12, 16, "14|1|[2,3]|||0|0|0|", "0"},
-        {10, 4294967295, 0x80000000, 4294967295, "0|1|[0]|||0|0|0|", "0"},
-        {21, 2, 4294967295, 0, "0|2|[6,1,2,3,4,0,5" + joined(Lines(25, ",0"), "", "") + "]|||0|0|0|", "2"},
-    };
-    json remote;
-    for (const auto &row : cases) {
-        remote.push_back({{"attributes",
-                           {{"PortType", row.type},
-                            {"PortState", row.state},
-                            {"PortSupportedClassofService", row.classes},
-                            {"PortSupportedSpeed", row.speed},
-                            {"PortSpeed", row.speed}}}});
-    }
-    loadAdapters(twoAdapters("/0/ports/0/discovered", remote));
-    const jvm::HbaTree tree = fill();
-    int index = 0;
-    for (const auto &row : cases) {
-        const std::string values = tree.values("0/0/" + std::to_string(index++) + "/remote");
-        EXPECT_EQ(values.find(row.codes), 36U) << values; // behind two names and an address
-        EXPECT_NE(values.find("|[" + row.status + "]|Kelvo_HbaDiscoveredPort|"), std::string::npos) << values;
-    }
-}
-
-TEST_F(HbaTest, TargetMappingsTellWhichDeviceLeadsWhere) {
-    // The last four are the device's name as it is kept, by the heuristic, by the heuristic forced, and formatted.
-    const struct {
-        json::object_t scsiId;
-        json lun;
-        std::string values, exported, kept, leadville, forced, formatted;
-    } cases[] = {
-        {{{"OSDeviceName", "/dev/rdsk/c2t50060E8000C3A2B1d0s2"}, {"ScsiBusNumber", 2}},
-         1407374883553280,
-         "2|0|0|",
-         "5",
-         "/dev/rdsk/c2t50060E8000C3A2B1d0s2",
-         "c2t50060E8000C3A2B1d0",
-         "c2t50060E8000C3A2B1d0",
-         "c2t0d0"},
-        {{{"OSDeviceName", "/dev/dsk/c4t1d0s2"}, {"ScsiTargetNumber", 4294967295}, {"ScsiOSLun", 2147483648}},
-         4613093393310941184,
-         "4|4294967295|2147483648|",
-         "16389",
-         "/dev/dsk/c4t1d0s2",
-         "c4t-1d-2147483648",
-         "c4t1d0",
-         "c4t-1d-2147483648"},
-        {{{"OSDeviceName", "c7t0d0s2"}, {"ScsiOSLun", 5}},
-         9223372036854775808U,
-         "7|0|5|",
-         "18446744073709518848",
-         "c7t0d0s2",
-         "c7t0d5",
-         "c7t0d0",
-         "c7t0d5"},
-        {{{"OSDeviceName", "tab\there"}, {"ScsiBusNumber", 4294967295}},
-         -1,
-         "4294967295|0|0|",
-         "18446744073709551615",
-         "tabhere",
-         "c-1t0d0",
-         "tabhere",
-         "c-1t0d0"},
-        {{{"OSDeviceName", "c9t" + std::string(253, '8')}}, // which fills its field
-         281474976710656,
-         "9|0|0|",
-         "1",
-         "c9t" + std::string(252, '8'),
-         "c9t0d0",
-         "c9t" + std::string(252, '8'),
-         "c9t0d0"},
-        {{{"OSDeviceName", "/devices/pci@1/ssd@w50,0"}},
-         281474976710655,
-         "6|0|0|",
-         "0",
-         "/devices/pci@1/ssd@w50,0",
-         "c6t0d0",
-         "ssd@w50,0",
-         "c6t0d0"},
-    };
-    json mapping;
-    for (const auto &row : cases) {
-        mapping.push_back(target(wwnA, row.scsiId, row.lun));
-    }
-    loadOneAdapter(json::array({remotePort(wwnA)}), mapping);
-    // With how many of the agent's three answers are asked for: for the name in "/dev/rdsk/" and for the four others.
-    const std::tuple<bool, bool, bool, std::size_t> answers[] = {
-        {true, true, true, 6}, {false, true, false, 17}, {false, false, true, 18}, {false, false, false, 18}};
-    for (const auto &[keep, leadville, force, questions] : answers) {
+TEST_F(HbaTest, CodesAndNamesBecomeWhatJavaKnows) {
+    tests::loadHost("port-codes");
+    tests::expectFile("jvm/port-codes.txt", fill().lines);
+    // As the agent answers: keep the device's name, cut it by the heuristic where it fits, or everywhere. The agent is
+    // asked anew for every entry, and only as far as its answers matter.
+    Lines text;
+    tests::loadHost("target-mappings");
+    for (const auto &[keep, leadville, force] :
+         {std::tuple(true, true, true), {false, true, false}, {false, false, true}, {false, false, false}}) {
         choose(keep, leadville, force);
-        const jvm::HbaTree tree = fill();
-        int index = 0;
-        for (const auto &row : cases) {
-            const std::string name = keep ? row.kept : leadville ? row.leadville : force ? row.forced : row.formatted;
-            EXPECT_EQ(tree.values("0/0/0/" + std::to_string(index++) + "/mapping"),
-                      "=|=|" + row.values + name + "|" + row.exported + "|" + wwnA);
+        text.push_back("keep " + std::to_string(keep) + " heuristic " + std::to_string(leadville) + " forced " +
+                       std::to_string(force));
+        for (const std::string &line : beginning(fill().lines, {"0/0/0/"})) {
+            text.push_back(line);
         }
-        EXPECT_EQ(beginning(calls, {"CallBooleanMethod"}).size(), questions);
+        text.push_back(std::to_string(beginning(calls, {"CallBooleanMethod"}).size()) + " questions");
     }
+    tests::expectFile("jvm/target-mappings.txt", text);
 }
 
 // ---- The walk -------------------------------------------------------------------------------------------------------
