@@ -64,8 +64,12 @@ struct Overlay {
 
     /// The object as the lines call it. One that native code was given is called after its class.
     static const std::string &name(JniTable &table, const void *pointer) {
+        static const std::string null = "null";
+        if (pointer == nullptr) {
+            return null;
+        }
         std::string &found = table.names[pointer];
-        if (found.empty() && pointer != nullptr && table.env->ExceptionCheck() == JNI_FALSE) {
+        if (found.empty() && table.env->ExceptionCheck() == JNI_FALSE) {
             const auto object = static_cast<jobject>(const_cast<void *>(pointer));
             table.env->PushLocalFrame(8);
             const bool isString = table.env->IsInstanceOf(object, table.env->FindClass("java/lang/String")) == JNI_TRUE;
@@ -73,7 +77,7 @@ struct Overlay {
                              : simpleName(toText(table.env, table.env->GetObjectClass(object)));
             table.env->PopLocalFrame(nullptr);
         }
-        return found.empty() ? found = pointer == nullptr ? "null" : "?" : found;
+        return found.empty() ? found = "?" : found;
     }
 
     template <class Argument>
