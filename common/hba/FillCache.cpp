@@ -133,8 +133,9 @@ private:
         return 0;
     }
 
-    /// By value: what asks Java for the log's class may come back for a walk of its own, which words lines of its own.
-    void warn(const std::string message) {
+    /// A string, not the thread's one line of BadStatus: Java, asked for the log's class, may come back for a walk of its
+    /// own, which words lines of its own.
+    void warn(const std::string &message) {
         try {
             room.take(3); // the name of the log's class, the class, the line
         } catch (const NoLocalRoom &) {
