@@ -10,7 +10,7 @@ namespace tarn {
 /// buffers when the deepest call is under way: this library's own frames, the virtual machine's, those of Java methods
 /// that are called back, the HBA library's. HotSpot guards 16 to 32 KB and enters no method with less than 80 KB above
 /// them.
-inline constexpr std::size_t stackReserve = 144 * 1024;
+inline constexpr std::size_t stackReserve = std::size_t{144} * 1024;
 
 /// Bytes of the calling thread's stack below the caller's frame; the largest number when the system does not tell.
 std::size_t stackLeft();
