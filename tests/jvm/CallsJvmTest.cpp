@@ -24,11 +24,6 @@ protected:
         std::function<jobject(JNIEnv *)> make;
     };
 
-    jobject make(const char *name, const char *signature, auto... values) {
-        const jclass cls = env->FindClass(name);
-        return env->NewObject(cls, env->GetMethodID(cls, "<init>", signature), values...);
-    }
-
     /// Holds an entry to the text of its name. An entry that ends `quietly` tells nobody of what Java refused it.
     void holdEntry(const std::string &name, const std::vector<Call> &entryCalls, bool quietly = false) {
         Lines text;

@@ -12,9 +12,6 @@ namespace {
 
 using namespace tests;
 
-const std::string driveClass = "com/kelvo/tarn/providers/solaris/SolarisDiskDriveProvider";
-const std::string partitionClass = "com/kelvo/tarn/providers/solaris/SolarisDiskPartitionProvider";
-
 /// A disk under "/NAME@0,0", unless its members say another path.
 std::string disk(const std::string &name, const std::string &members) {
     const bool hasPath = members.find(R"("path")") != std::string::npos;
@@ -35,11 +32,6 @@ void loadDisks(const Lines &disks, const std::string &entries = "") {
 
 class DiskProvidersTest : public jvm::JvmTest {
 protected:
-    jobject newProvider(const std::string &className) {
-        const jclass cls = env->FindClass(className.c_str());
-        return env->NewObject(cls, env->GetMethodID(cls, "<init>", "()V"));
-    }
-
     void enumerate(bool ofDisks, jobject receiver) {
         (ofDisks ? DRIVES(enumerateDisks) : PARTITIONS(enumeratePartitions))(env, ofDisks ? drives : partitions,
                                                                              receiver);
@@ -72,8 +64,8 @@ protected:
         return all;
     }
 
-    const jobject drives = newProvider(driveClass);
-    const jobject partitions = newProvider(partitionClass);
+    const jobject drives = make("com/kelvo/tarn/providers/solaris/SolarisDiskDriveProvider", "()V");
+    const jobject partitions = make("com/kelvo/tarn/providers/solaris/SolarisDiskPartitionProvider", "()V");
     // Of the latest enumeration.
     Lines calls;
     Lines journal;

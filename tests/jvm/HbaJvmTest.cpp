@@ -74,11 +74,6 @@ protected:
         choose(false, false, false);
     }
 
-    jobject make(const char *name, const char *signature, auto... values) {
-        const jclass cls = env->FindClass(name);
-        return env->NewObject(cls, env->GetMethodID(cls, "<init>", signature), values...);
-    }
-
     /// What the agent's objects will answer.
     void choose(bool keep, bool leadville, bool force) {
         cache = make("com/kelvo/tarn/providers/hba/HbaCache", "(ZZ)V", leadville, force);

@@ -24,6 +24,11 @@ protected:
         return characters == nullptr ? nullptr : env->NewStringUTF(characters);
     }
 
+    jobject make(const char *className, const char *constructor, auto... values) const {
+        const jclass cls = env->FindClass(className);
+        return env->NewObject(cls, env->GetMethodID(cls, "<init>", constructor), values...);
+    }
+
     /// What these recorded calls bring to the log of SolarisNativeMethod: warn "uname failed in getOperatingSystem".
     static tests::Lines logLines(const tests::Lines &calls) {
         const std::string start = "CallStaticVoidMethod com/kelvo/tarn/providers/solaris/SolarisNativeMethod ";

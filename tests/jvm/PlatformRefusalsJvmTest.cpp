@@ -35,11 +35,6 @@ protected:
     using Enter = std::function<jobject()>;
     using Tell = std::function<Lines(jobject)>; // what the entry answered
 
-    jobject make(const std::string &name, const char *signature, auto... values) const {
-        const jclass cls = env->FindClass(name.c_str());
-        return env->NewObject(cls, env->GetMethodID(cls, "<init>", signature), values...);
-    }
-
     /// The elements of a collection, which is empty afterwards.
     Lines taken(jobject collection) const {
         Lines all;
