@@ -2,7 +2,9 @@ package com.kelvo.tarn.cli;
 
 import com.kelvo.tarn.cli.commands.AuthenticateCommand;
 import com.kelvo.tarn.cli.output.Page;
-import picocli.CommandLine.ExitCode;
+import java.util.Objects;
+import java.util.stream.Stream;
+import picocli.CommandLine;
 import picocli.CommandLine.IParameterExceptionHandler;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.UnmatchedArgumentException;
@@ -14,7 +16,13 @@ final class BadUsage implements IParameterExceptionHandler {
         String hint = exception.getCause() instanceof IllegalArgumentException ? "" // the description is wrong
             : " (try '" + exception.getCommandLine().getCommandSpec().qualifiedName() + " --help')";
         Page.complain(exception.getCommandLine().getErr(), complaint(exception) + hint);
-        return ExitCode.USAGE;
+        return exitStatus(exception.getCommandLine(), given);
+    }
+
+    /** That of the command at fault; where the fault stands before it, of the first that is named. */
+    static int exitStatus(CommandLine atFault, String... given) {
+        return Stream.of(given).map(atFault.getSubcommands()::get).filter(Objects::nonNull).findFirst().orElse(atFault)
+            .getCommandSpec().exitCodeOnInvalidInput();
     }
 
     private static String complaint(ParameterException exception) {

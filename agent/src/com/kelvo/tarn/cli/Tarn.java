@@ -1,20 +1,5 @@
 package com.kelvo.tarn.cli;
 
-import com.kelvo.tarn.cli.commands.ArrayCommand;
-import com.kelvo.tarn.cli.commands.AuthenticateCommand;
-import com.kelvo.tarn.cli.commands.BuildDateCommand;
-import com.kelvo.tarn.cli.commands.ComputerSystemCommand;
-import com.kelvo.tarn.cli.commands.CpuCommand;
-import com.kelvo.tarn.cli.commands.DiskIoCommand;
-import com.kelvo.tarn.cli.commands.DisksCommand;
-import com.kelvo.tarn.cli.commands.HbaCommand;
-import com.kelvo.tarn.cli.commands.HbaTestCommand;
-import com.kelvo.tarn.cli.commands.LogicalDisksCommand;
-import com.kelvo.tarn.cli.commands.OperatingSystemCommand;
-import com.kelvo.tarn.cli.commands.PartitionsCommand;
-import com.kelvo.tarn.cli.commands.PathsCommand;
-import com.kelvo.tarn.cli.commands.ProcessorsCommand;
-import com.kelvo.tarn.cli.commands.ReportCommand;
 import com.kelvo.tarn.cli.commands.TarnOptions;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.StandardOutput;
@@ -23,50 +8,76 @@ import java.io.FileDescriptor;
 import java.io.FileOutputStream;
 import java.io.OutputStreamWriter;
 import java.nio.charset.StandardCharsets;
-import picocli.CommandLine;
+import java.util.Arrays;
+import java.util.Collections;
+import java.util.List;
+import java.util.Set;
 import picocli.CommandLine.Command;
+import picocli.CommandLine.Option;
+import picocli.CommandLine;
 
 /** The command line: what the library tells of a host, for people or for programs. */
 @Command(name = "tarn", synopsisSubcommandLabel = "COMMAND",
          description = "Shows what the native library tells of a host.",
+         versionProvider = Version.class,
          footer = {"", "Exit status: 0 done; 1 the library raised an exception, or what was asked for is not there; "
                    + "2 bad usage, an unreadable host description, or a result that cannot be written; 3 the password "
-                   + "is not that user's."},
-         subcommands = {
-             ReportCommand.class,
-             ComputerSystemCommand.class,
-             OperatingSystemCommand.class,
-             LogicalDisksCommand.class,
-             ProcessorsCommand.class,
-             CpuCommand.class,
-             DiskIoCommand.class,
-             DisksCommand.class,
-             PartitionsCommand.class,
-             HbaCommand.class,
-             HbaTestCommand.class,
-             ArrayCommand.class,
-             AuthenticateCommand.class,
-             BuildDateCommand.class,
-             PathsCommand.class,
-         })
+                   + "is not that user's. check and compare have their own.",
+                   "", "Environment: TARN_HOST names the host description that answers without --host. NO_COLOR, when "
+                   + "it is not empty, keeps trouble on a terminal without colour."})
 public final class Tarn extends TarnOptions {
+    /** Each is served by the class of its name: "disk-io" by DiskIoCommand. */
+    private static final List<String> commands = List.of(
+        "report", "computer-system", "operating-system", "logical-disks", "processors", "cpu", "disk-io", "disks",
+        "partitions", "hba", "hba-test", "array", "authenticate", "build-date", "paths", "disk", "check", "compare",
+        "help", "completion", "manual");
+
+    /** Those that work on all the others. */
+    private static final Set<String> worksOnAll = Set.of("report", "help", "completion", "manual");
+
+    @Option(names = {"-V", "--version"}, versionHelp = true, description = "Show the version.")
+    private boolean version;
+
     public static void main(String[] arguments) {
         StandardOutput out = new StandardOutput();
         Page err = new Page(new OutputStreamWriter(new FileOutputStream(FileDescriptor.err), StandardCharsets.UTF_8),
                             Terminal.NONE);
-        CommandLine tarn = new CommandLine(new Tarn());
+        CommandLine tarn = withCommands(new CommandLine(new Tarn()), Arrays.asList(arguments));
         int status = tarn.setOut(out).setErr(err).setExpandAtFiles(false)
             .setParameterExceptionHandler(new BadUsage())
             .setExecutionExceptionHandler((exception, command, parsed) -> {
                 Page.complain(err, exception.toString());
-                return CommandLine.ExitCode.SOFTWARE;
+                return command.getCommandSpec().exitCodeOnExecutionException();
             })
             .execute(arguments);
         if (!out.finish()) {
             Page.complain(err, "the result cannot be written");
-            status = CommandLine.ExitCode.USAGE;
+            status = BadUsage.exitStatus(tarn, arguments);
         }
         err.flush();
         System.exit(status);
+    }
+
+    /** Adds the commands that are named among the arguments, since each takes time to load; without any, all. */
+    private static CommandLine withCommands(CommandLine tarn, List<String> arguments) {
+        boolean all = Collections.disjoint(commands, arguments) || !Collections.disjoint(worksOnAll, arguments);
+        for (String name : commands) {
+            if (all || arguments.contains(name)) {
+                tarn.addSubcommand(name, command(name));
+            }
+        }
+        return tarn;
+    }
+
+    private static Object command(String name) {
+        StringBuilder className = new StringBuilder(TarnOptions.class.getPackageName()).append('.');
+        for (String word : name.split("-")) {
+            className.append(Character.toUpperCase(word.charAt(0))).append(word, 1, word.length());
+        }
+        try {
+            return Class.forName(className.append("Command").toString()).getConstructor().newInstance();
+        } catch (ReflectiveOperationException missing) {
+            throw new IllegalStateException(missing);
+        }
     }
 }

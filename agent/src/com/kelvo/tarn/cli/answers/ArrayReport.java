@@ -51,7 +51,7 @@ public final class ArrayReport {
 
     private final String report;
     /** The identities that were asked for. */
-    private final List<String> controllers;
+    final List<String> controllers;
     public final List<Row> rows;
 
     public ArrayReport(String report, List<String> controllers) {

@@ -89,7 +89,7 @@ public final class Fabric {
 
     public final List<Adapter> adapters = new ArrayList<>();
 
-    public Fabric(HbaCache.Hba[] cache) {
+    public Fabric(HbaCache.Hba... cache) {
         for (HbaCache.Hba adapter : cache) {
             adapters.add(new Adapter(adapters.size(), adapter));
         }

@@ -2,27 +2,88 @@ package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.InstanceReceiver;
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.providers.hba.HbaCache;
+import com.kelvo.tarn.providers.hba.HbaClassNames;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
+import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
+import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
+import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
+import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Consumer;
 
-/** The library's enumerations of instances as lists, their log lines named after the instance that they are about. */
+/** The questions that several commands ask, with the log lines named after the disk that they are about. */
 public final class Library {
+    private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
 
     public Library(LibraryLog log) {
         this.log = log;
     }
 
+    public List<SolarisLogicalDisk> logicalDisks() {
+        return host.enumerateLogicalDiskNames();
+    }
+
+    /** With its sizes. */
+    public SolarisLogicalDisk logicalDisk(String mountPoint) {
+        return host.getLogicalDiskByName(mountPoint);
+    }
+
+    /** The same disk with its sizes; as it is when it was unmounted since. */
+    public SolarisLogicalDisk withSizes(SolarisLogicalDisk disk) {
+        try {
+            return logicalDisk(disk.mountPoint());
+        } catch (RuntimeException gone) {
+            return disk;
+        }
+    }
+
+    public List<SolarisProcessorData> processors() {
+        return host.enumerateProcessors();
+    }
+
+    public List<SolarisCpuUtilizationData> cpu() {
+        return host.enumerateCpuUtilizationInfo();
+    }
+
+    public List<SolarisDiskIOInformation> diskIo() {
+        return host.enumerateDiskIOInformation();
+    }
+
     public List<TrInstance> disks() {
         return collect(new SolarisDiskDriveProvider()::enumerateDisks, SolarisDiskDriveProvider.name);
     }
 
+    /** Null: there is no such disk. */
+    public TrInstance disk(String name) {
+        return log.about(name, () -> new SolarisDiskDriveProvider().getDisk(name));
+    }
+
     public List<TrInstance> partitions() {
         return collect(new SolarisDiskPartitionProvider()::enumeratePartitions, SolarisDiskPartitionProvider.name);
+    }
+
+    /** Null: there is no such slice. */
+    public TrInstance partition(String name) {
+        return log.about(name, () -> new SolarisDiskPartitionProvider().getPartition(name));
+    }
+
+    /** The storage network, with device names as the HBA library gives them. */
+    public Fabric fabric() {
+        return new Fabric(new HbaCache(false, false).fillHbaCache(new HbaClassNames(TrNamespace.KELVO, true)));
+    }
+
+    /** The report of the array that four arguments name: both controllers' identities, vendor and product. */
+    public String array(List<String> arguments) {
+        return new SolarisScsiInterrogator().scsiInterrogate(arguments.get(0), arguments.get(1), arguments.get(2),
+                                                             arguments.get(3));
     }
 
     /** What the library logs while it makes an instance is about that instance. */

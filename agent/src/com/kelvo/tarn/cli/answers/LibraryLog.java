@@ -4,6 +4,7 @@ import com.kelvo.log.KelvoLogger;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Locale;
+import java.util.function.Supplier;
 import org.apache.log4j.AppenderSkeleton;
 import org.apache.log4j.spi.LoggingEvent;
 
@@ -15,7 +16,6 @@ public final class LibraryLog extends AppenderSkeleton {
         public final String level;
         public final String message;
 
-        /** The disk that the line is about; empty when that is not known. No part of the JSON. */
         private transient String subject = "";
 
         private Line(String level, String message) {
@@ -25,6 +25,11 @@ public final class LibraryLog extends AppenderSkeleton {
 
         public boolean isWarning() {
             return level.equals("warn");
+        }
+
+        /** The disk that the line is about; empty when that is not known. */
+        public String subject() {
+            return subject;
         }
 
         /** The message, after what it is about. */
@@ -46,14 +51,31 @@ public final class LibraryLog extends AppenderSkeleton {
         return taken;
     }
 
-    /** How many lines there are: a mark for {@link #attribute}. */
+    /** How many lines there are: a mark for {@link #since}. */
     int mark() {
         return lines.size();
     }
 
+    List<Line> since(int mark) {
+        return lines.subList(mark, lines.size());
+    }
+
     /** The lines since the mark are about this. */
     void attribute(int mark, String subject) {
-        lines.subList(mark, lines.size()).forEach(line -> line.subject = subject);
+        since(mark).forEach(line -> line.subject = subject);
+    }
+
+    /** Asks a question; the lines that it brings are about this. */
+    <T> T about(String subject, Supplier<T> question) {
+        int mark = mark();
+        T answer = question.get();
+        attribute(mark, subject);
+        return answer;
+    }
+
+    /** A line of the command line's own: what could not be asked, and why. */
+    void warn(String message) {
+        lines.add(new Line("warn", message));
     }
 
     @Override

@@ -6,12 +6,16 @@ import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Objects;
+import java.util.stream.Collectors;
 import javax.wbem.cim.UnsignedInt;
 
 /** A logical unit of an array with all the ways to it. */
 public final class LogicalUnit {
     /** One way: a target mapping, with the ports at both ends. A port that cannot be read leaves its members null. */
-    public static final class Path {
+    public static class Path {
+        final transient Fabric.RemotePort remote;
+        private final transient TrInstance mapping;
+
         /** The adapter's and the port's place in the library's walk. */
         public final int adapter;
         public final int port;
@@ -25,6 +29,8 @@ public final class LogicalUnit {
         public final UnsignedInt scsiLun;
 
         Path(Fabric.RemotePort remote, TrInstance mapping) {
+            this.remote = remote;
+            this.mapping = mapping;
             adapter = remote.port.adapter.index;
             port = remote.port.index;
             portWWN = Instances.value(remote.port.instance, HbaPortProvider.permanentAddress);
@@ -39,6 +45,18 @@ public final class LogicalUnit {
 
         public boolean isOnline() {
             return PortStates.isOnline(portState) && PortStates.isOnline(remotePortState);
+        }
+    }
+
+    /** A way that stands without its unit, and names it. */
+    public static final class Way extends Path {
+        public final String node;
+        public final UnsignedInt lun;
+
+        private Way(LogicalUnit unit, Path path) {
+            super(path.remote, path.mapping);
+            node = unit.node;
+            lun = unit.lun;
         }
     }
 
@@ -57,6 +75,10 @@ public final class LogicalUnit {
     /** The paths of which both ends are online. */
     public long onlinePaths() {
         return paths.stream().filter(Path::isOnline).count();
+    }
+
+    public List<Way> ways() {
+        return paths.stream().map(path -> new Way(this, path)).collect(Collectors.toList());
     }
 
     /** Such as "50060e8000c3a2b0 LUN 5". */

@@ -2,7 +2,10 @@ package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import java.util.List;
+import java.util.Locale;
 import java.util.Map;
+import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.wbem.cim.UnsignedInt;
 
@@ -14,6 +17,11 @@ public final class PortStates {
         HbaPortProvider.PORT_STATE_LINK_DOWN, "link down", HbaPortProvider.PORT_STATE_ERROR, "error",
         HbaPortProvider.PORT_STATE_LOOPBACK, "loopback");
 
+    private static final Map<UnsignedInt, String> statusNames = Map.of(
+        HbaPortProvider.OPERATIONAL_STATUS_UNKNOWN, "unknown", HbaPortProvider.OPERATIONAL_STATUS_OK, "OK",
+        HbaPortProvider.OPERATIONAL_STATUS_ERROR, "error",
+        HbaPortProvider.OPERATIONAL_STATUS_IN_SERVICE, "in service");
+
     private PortStates() {
     }
 
@@ -24,6 +32,17 @@ public final class PortStates {
 
     public static String name(TrInstance port) {
         return name((UnsignedInt) port.get(HbaPortProvider.portState));
+    }
+
+    /** The state in words, marked when it is not online. */
+    public static String shown(UnsignedInt state) {
+        return isOnline(state) ? name(state) : "!! " + name(state).toUpperCase(Locale.ROOT);
+    }
+
+    /** Operational statuses in words. */
+    public static String statusNames(List<?> statuses) {
+        return statuses.stream().map(status -> statusNames.getOrDefault(status, String.valueOf(status)))
+            .collect(Collectors.joining(", "));
     }
 
     public static boolean isOnline(UnsignedInt state) {

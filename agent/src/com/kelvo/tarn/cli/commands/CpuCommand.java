@@ -15,7 +15,7 @@ public final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData
     @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this processor.")
     private Integer id;
 
-    CpuCommand() {
+    public CpuCommand() {
         super("processor");
     }
 
@@ -26,7 +26,7 @@ public final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData
 
     @Override
     protected List<SolarisCpuUtilizationData> all() {
-        return new SolarisNativeMethod().enumerateCpuUtilizationInfo();
+        return library().cpu();
     }
 
     @Override

@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.answers.DeviceNames;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
@@ -10,10 +11,11 @@ import picocli.CommandLine.Parameters;
 
 @Command(name = "disk-io", description = "What was read from and written to each disk, since boot.")
 public final class DiskIoCommand extends Listing<String, SolarisDiskIOInformation> {
-    @Parameters(arity = "0..1", paramLabel = "DISK", description = "Only this disk, such as c0t0d0.")
+    @Parameters(arity = "0..1", paramLabel = "DISK",
+                description = "Only this disk, such as c0t0d0 or /dev/rdsk/c0t0d0.")
     private String disk;
 
-    DiskIoCommand() {
+    public DiskIoCommand() {
         super("disk");
     }
 
@@ -24,12 +26,12 @@ public final class DiskIoCommand extends Listing<String, SolarisDiskIOInformatio
 
     @Override
     protected List<SolarisDiskIOInformation> all() {
-        return new SolarisNativeMethod().enumerateDiskIOInformation();
+        return library().diskIo();
     }
 
     @Override
     protected SolarisDiskIOInformation one(String name) {
-        return new SolarisNativeMethod().getDiskIOInformation(name);
+        return new SolarisNativeMethod().getDiskIOInformation(DeviceNames.withoutDirectory(name));
     }
 
     @Override

@@ -2,21 +2,24 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.cli.answers.DeviceNames;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import java.util.List;
+import java.util.stream.Stream;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
 @Command(name = "disks", description = "The whole disks with their geometry.",
          footer = "The capacity is computed: heads x sectors x data cylinders of 512 bytes.")
 public final class DisksCommand extends Listing<String, TrInstance> {
-    @Parameters(arity = "0..1", paramLabel = "DISK", description = "Only this disk, such as c0t0d0.")
+    @Parameters(arity = "0..1", paramLabel = "DISK",
+                description = "Only this disk, such as c0t0d0 or /dev/rdsk/c0t0d0.")
     private String disk;
 
-    DisksCommand() {
+    public DisksCommand() {
         super("disk");
     }
 
@@ -32,7 +35,7 @@ public final class DisksCommand extends Listing<String, TrInstance> {
 
     @Override
     protected TrInstance one(String name) {
-        return new SolarisDiskDriveProvider().getDisk(name);
+        return library().disk(DeviceNames.withoutDirectory(name));
     }
 
     @Override
@@ -48,6 +51,21 @@ public final class DisksCommand extends Listing<String, TrInstance> {
             .number("Data", row -> known(row, SolarisDiskDriveProvider.dataCylinders))
             .number("Alternate", row -> known(row, SolarisDiskDriveProvider.alternateCylinders))
             .text("Device", row -> row.get(SolarisDiskDriveProvider.deviceIdentifier));
+    }
+
+    /** Such as "SUN72G, 68.4 GiB", of a drive that has a type. */
+    static String typeAndCapacity(TrInstance drive) {
+        String type = Instances.text(drive, SolarisDiskDriveProvider.diskType);
+        return (type.isEmpty() ? "unknown type" : type) + ", " + Units.bytes(capacity(drive));
+    }
+
+    /** Null when it is not known. */
+    static String geometry(TrInstance drive) {
+        return drive == null || drive.get(SolarisDiskDriveProvider.diskType) == null ? null
+            : String.format("%s heads, %s sectors/track, %s data and %s alternate cylinders",
+                            Stream.of(SolarisDiskDriveProvider.heads, SolarisDiskDriveProvider.sectorsPerTrack,
+                                      SolarisDiskDriveProvider.dataCylinders,
+                                      SolarisDiskDriveProvider.alternateCylinders).map(drive::get).toArray());
     }
 
     private static long capacity(TrInstance row) {

@@ -48,6 +48,11 @@ abstract class Inquiry<T> implements Callable<Integer> {
         return 0;
     }
 
+    /** Whether people are shown a line of the library's log beside the answer. JSON has them all. */
+    protected boolean isToThePoint(LibraryLog.Line line, T answer) {
+        return true;
+    }
+
     protected boolean takesHbaOptions() {
         return false;
     }
@@ -55,6 +60,10 @@ abstract class Inquiry<T> implements Callable<Integer> {
     /** Whether the report has a section of it: not when it joins the answers of others. */
     protected boolean isSection() {
         return true;
+    }
+
+    protected void chooseHost() {
+        tarn.chooseHost(this);
     }
 
     protected final TarnOptions tarn() {
@@ -69,16 +78,24 @@ abstract class Inquiry<T> implements Callable<Integer> {
         return spec;
     }
 
+    /** Writes the answer when it is not to be JSON. */
+    protected void print(T answer, PrintWriter out) {
+        show(answer, new Page(out, Terminal.ofStandardOutput()));
+    }
+
     /** Asks, whatever comes of it. */
     final Answer answer() {
         try {
             T answer = ask();
             String missing = missing(answer);
             return new Answer(result(answer), null, missing, missing == null ? exitStatus(answer) : 1,
-                              out -> show(answer, out), out -> summarize(answer, out));
+                              out -> print(answer, out), out -> summarize(answer, out),
+                              line -> missing == null && isToThePoint(line, answer));
+        } catch (ParameterException badUsage) {
+            throw badUsage;
         } catch (Throwable thrown) {
             String message = thrown.getMessage() != null ? thrown.getMessage() : thrown.toString();
-            return new Answer(null, thrown, message, 1, out -> { }, out -> out.println("!! " + message));
+            return new Answer(null, thrown, message, 1, out -> { }, out -> out.println("!! " + message), line -> true);
         }
     }
 
@@ -88,7 +105,13 @@ abstract class Inquiry<T> implements Callable<Integer> {
             throw new ParameterException(spec.commandLine(), "The options for device names go with hba, paths and "
                                          + "report");
         }
-        tarn.chooseHost(this);
+        if (tarn.csv() && !(this instanceof TableInquiry)) {
+            throw new ParameterException(spec.commandLine(), "--csv goes with the commands that print one table");
+        }
+        if (tarn.csv() && tarn.json()) {
+            throw new ParameterException(spec.commandLine(), "--csv and --json do not go together");
+        }
+        chooseHost();
         Answer answer = answer();
         List<LibraryLog.Line> log = tarn.log().take();
         PrintWriter out = spec.commandLine().getOut();
@@ -102,10 +125,10 @@ abstract class Inquiry<T> implements Callable<Integer> {
             return answer.status;
         }
         if (answer.complaint == null) {
-            answer.page.accept(new Page(out, Terminal.ofStandardOutput()));
+            answer.page.accept(out);
             out.flush();
         }
-        log.forEach(line -> err.println(line.level + ": " + line.text()));
+        log.stream().filter(answer.shownLog).forEach(line -> err.println(line.level + ": " + line.text()));
         if (answer.complaint != null) {
             Page.complain(err, answer.complaint);
         }

@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.DeviceNames;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
@@ -18,10 +19,11 @@ public final class PartitionsCommand extends Listing<String, TrInstance> {
     private static final int unmountable = 0x01;
     private static final int readOnly = 0x10;
 
-    @Parameters(arity = "0..1", paramLabel = "NAME", description = "Only this slice, such as c0t0d0s0.")
+    @Parameters(arity = "0..1", paramLabel = "NAME",
+                description = "Only this slice, such as c0t0d0s0 or /dev/dsk/c0t0d0s0.")
     private String partition;
 
-    PartitionsCommand() {
+    public PartitionsCommand() {
         super("partition");
     }
 
@@ -37,7 +39,7 @@ public final class PartitionsCommand extends Listing<String, TrInstance> {
 
     @Override
     protected TrInstance one(String name) {
-        return new SolarisDiskPartitionProvider().getPartition(name);
+        return library().partition(DeviceNames.withoutDirectory(name));
     }
 
     @Override
@@ -58,22 +60,24 @@ public final class PartitionsCommand extends Listing<String, TrInstance> {
             .number("Sectors", row -> row.get(SolarisDiskPartitionProvider.sizeInSectors))
             .reading(row -> Units.bytes(sectors(row) * Units.SECTOR))
             .number("Tag", row -> row.get(SolarisDiskPartitionProvider.tag))
-            .gloss(row -> tagName(Instances.number(row, SolarisDiskPartitionProvider.tag).intValue()))
+            .gloss(PartitionsCommand::tagName)
             .text("Flags", row -> row.get(SolarisDiskPartitionProvider.flags),
-                  row -> flagNames(Instances.number(row, SolarisDiskPartitionProvider.flags).intValue()))
+                  PartitionsCommand::flagNames)
             .text("Mounted", row -> row.get(SolarisDiskPartitionProvider.mounted).equals(true) ? "yes" : "no")
             .note("Flags: w writable, r read-only; m mountable, u not mountable; any others in hexadecimal");
     }
 
-    private static long sectors(TrInstance row) {
+    static long sectors(TrInstance row) {
         return Instances.number(row, SolarisDiskPartitionProvider.sizeInSectors).longValue();
     }
 
-    private static String tagName(int tag) {
+    static String tagName(TrInstance row) {
+        int tag = Instances.number(row, SolarisDiskPartitionProvider.tag).intValue();
         return tag < tags.size() ? tags.get(tag) : "";
     }
 
-    private static String flagNames(int flags) {
+    static String flagNames(TrInstance row) {
+        int flags = Instances.number(row, SolarisDiskPartitionProvider.flags).intValue();
         return ((flags & readOnly) == 0 ? "w" : "r") + ((flags & unmountable) == 0 ? "m" : "u")
             + ((flags & ~(readOnly | unmountable)) == 0 ? "" : String.format(" 0x%04x", flags));
     }

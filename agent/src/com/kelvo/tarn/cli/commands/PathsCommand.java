@@ -3,18 +3,30 @@ package com.kelvo.tarn.cli.commands;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.Paths;
+import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.Table;
+import com.kelvo.tarn.cli.output.Tree;
+import java.util.List;
+import java.util.Objects;
+import java.util.function.Function;
+import java.util.stream.Collectors;
+import javax.wbem.cim.UnsignedInt;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 
-@Command(name = "paths", description = "The logical units behind Fibre Channel, each with all the ways to it.")
-public final class PathsCommand extends Inquiry<Paths> {
+@Command(name = "paths", description = "The logical units behind Fibre Channel, each with all the ways to it.",
+         footer = "A unit is named by its array's node name and the LUN that the array exports.")
+public final class PathsCommand extends TableInquiry<Paths> {
     @Mixin
     private HbaOptions options;
 
+    private Fabric fabric;
+
     @Override
     protected Paths ask() {
-        return new Paths(new Fabric(options.or(tarn().hba()).fill()));
+        fabric = new Fabric(options.or(tarn().hba()).fill());
+        return new Paths(fabric);
     }
 
     @Override
@@ -24,9 +36,46 @@ public final class PathsCommand extends Inquiry<Paths> {
 
     @Override
     protected void show(Paths paths, Page out) {
-        for (LogicalUnit unit : paths.units) {
-            out.println(unit.place());
+        if (paths.units.isEmpty()) {
+            out.println("no logical units behind Fibre Channel");
         }
+        paths.units.forEach(unit -> tree(unit, paths.lacksWays(unit), path -> path.osDeviceName).print(out));
+        options.or(tarn().hba()).explainDeviceNames(fabric, out);
+    }
+
+    /** A unit with its ways, marked when it lacks any. */
+    static Tree tree(LogicalUnit unit, boolean lacksWays, Function<LogicalUnit.Path, String> device) {
+        Tree tree = new Tree((unit.node.isEmpty() ? "unknown array" : "") + unit.place()
+                             + (!lacksWays ? "" : unit.onlinePaths() == 1 ? ": !! ONE PATH LEFT"
+                                                                                      : ": !! NO PATH LEFT"));
+        for (LogicalUnit.Path path : unit.paths) {
+            tree.add(new Tree(String.format(
+                "%s: adapter %d port %d %s → %s", text(device.apply(path)), path.adapter, path.port,
+                end(path.portWWN, path.portState), end(path.remotePort, path.remotePortState))));
+        }
+        return tree;
+    }
+
+    private static String end(String name, UnsignedInt state) {
+        return text(name) + " " + PortStates.shown(state);
+    }
+
+    private static String text(String name) {
+        return Objects.requireNonNullElse(name, "unknown");
+    }
+
+    @Override
+    protected Table<?> table(Paths paths) {
+        List<LogicalUnit.Way> ways =
+            paths.units.stream().flatMap(unit -> unit.ways().stream()).collect(Collectors.toList());
+        return new Table<>(ways)
+            .text("Node", way -> way.node).number("LUN", way -> way.lun)
+            .number("Adapter", way -> way.adapter).number("Port", way -> way.port)
+            .text("Port WWN", way -> way.portWWN).text("Port state", way -> PortStates.name(way.portState))
+            .text("Remote port", way -> way.remotePort)
+            .text("Remote port state", way -> PortStates.name(way.remotePortState))
+            .text("Device", way -> way.osDeviceName).number("Bus", way -> way.scsiBus)
+            .number("Target", way -> way.targetId).number("SCSI LUN", way -> way.scsiLun);
     }
 
     @Override

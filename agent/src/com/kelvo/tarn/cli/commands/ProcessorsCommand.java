@@ -12,7 +12,7 @@ public final class ProcessorsCommand extends Listing<Integer, SolarisProcessorDa
     @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this one.")
     private Integer id;
 
-    ProcessorsCommand() {
+    public ProcessorsCommand() {
         super("processor");
     }
 
@@ -23,7 +23,7 @@ public final class ProcessorsCommand extends Listing<Integer, SolarisProcessorDa
 
     @Override
     protected List<SolarisProcessorData> all() {
-        return new SolarisNativeMethod().enumerateProcessors();
+        return library().processors();
     }
 
     @Override

@@ -2,13 +2,10 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.output.Page;
 import java.util.LinkedHashMap;
-import java.util.List;
 import java.util.Map;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Model.ArgSpec;
-import picocli.CommandLine.Option;
-import picocli.CommandLine.ParameterException;
 
 @Command(name = "report", description = "Everything that needs no argument, section by section.",
          footer = "With --json the result has one member for each section, named after its command. That of a "
@@ -18,16 +15,8 @@ public final class ReportCommand extends Inquiry<Map<String, Answer>> {
     @Mixin
     private HbaOptions options;
 
-    private List<String> array = List.of();
-
-    @Option(names = "--array", arity = "4", paramLabel = "CONTROLLER1 CONTROLLER2 VENDOR PRODUCT",
-            hideParamSyntax = true, description = "Also the statistics of this array, as the command array has them.")
-    private void setArray(List<String> arguments) {
-        if (arguments.size() > 4) {
-            throw new ParameterException(spec().commandLine(), "--array goes once, with four arguments");
-        }
-        array = arguments;
-    }
+    @Mixin
+    private ArrayOption array;
 
     @Override
     protected Map<String, Answer> ask() {
@@ -40,8 +29,8 @@ public final class ReportCommand extends Inquiry<Map<String, Answer>> {
             boolean complete = command.getCommandSpec().args().stream().noneMatch(ArgSpec::required);
             if (section instanceof HbaCommand) {
                 ((HbaCommand) section).choose(options);
-            } else if (section instanceof ArrayCommand && !array.isEmpty()) {
-                ((ArrayCommand) section).choose(array);
+            } else if (section instanceof ArrayCommand && !array.arguments().isEmpty()) {
+                ((ArrayCommand) section).choose(array.arguments());
                 complete = true;
             }
             if (complete && section.isSection()) {

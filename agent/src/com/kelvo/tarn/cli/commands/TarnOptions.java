@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.kelvo.tarn.replay.ReplayHost;
+import java.io.File;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
@@ -12,11 +13,15 @@ public abstract class TarnOptions {
     @Option(names = "--host", paramLabel = "FILE", scope = ScopeType.INHERIT,
             description = "The host description that answers. Without it, the one that the environment variable "
                 + "TARN_HOST names; without that, the built-in one.")
-    private String host;
+    private File host;
 
     @Option(names = "--json", scope = ScopeType.INHERIT,
             description = "Print one JSON document with the members result, log and exception.")
     private boolean json;
+
+    @Option(names = "--csv", scope = ScopeType.INHERIT,
+            description = "Print the table as comma-separated values, complete and exact.")
+    private boolean csv;
 
     @Option(names = {"-h", "--help"}, usageHelp = true, scope = ScopeType.INHERIT, description = "Show this help.")
     private boolean help;
@@ -28,7 +33,7 @@ public abstract class TarnOptions {
 
     /** Lets the host that was asked for answer. The command is the one that a complaint is about. */
     final void chooseHost(Inquiry<?> command) {
-        String path = host != null ? host : System.getenv().getOrDefault("TARN_HOST", "");
+        String path = host != null ? host.getPath() : System.getenv().getOrDefault("TARN_HOST", "");
         if (host == null && path.isEmpty()) {
             return;
         }
@@ -49,6 +54,15 @@ public abstract class TarnOptions {
 
     final boolean json() {
         return json;
+    }
+
+    final boolean csv() {
+        return csv;
+    }
+
+    /** Whether a host was named on the command line. */
+    final boolean namesHost() {
+        return host != null;
     }
 
     /** The choices for host bus adapters that were made before the command. */

@@ -33,11 +33,16 @@ public final class Page extends PrintWriter {
         return terminal.width();
     }
 
+    /** A line; where the terminal is too narrow for it, several, of which all but the first are indented. */
+    public void printFolded(String text) {
+        printFolded("", "  ", text);
+    }
+
     /**
      * A line after a margin; where the terminal is too narrow for it, several, broken at blanks, of which all but the
      * first come after the other margin.
      */
-    void printFolded(String firstMargin, String margin, String text) {
+    public void printFolded(String firstMargin, String margin, String text) {
         String rest = printable(text);
         String before = firstMargin;
         for (int room = width() - before.length(); rest.length() > room; room = width() - before.length()) {

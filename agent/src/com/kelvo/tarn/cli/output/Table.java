@@ -105,10 +105,10 @@ public final class Table<R> {
             out.println(text.toString().stripTrailing());
         }
         if (!note.isEmpty()) {
-            out.printFolded("", "  ", note);
+            out.printFolded(note);
         }
         if (fitting < widths.length) {
-            out.printFolded("", "  ", "Left out, for the width of the terminal: "
+            out.printFolded("Left out, for the width of the terminal: "
                             + columns.subList(fitting, widths.length).stream().map(column -> column.heading)
                                   .filter(heading -> !heading.isEmpty()).collect(Collectors.joining(", ")));
         }

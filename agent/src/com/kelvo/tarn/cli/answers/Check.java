@@ -1,0 +1,201 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
+import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
+import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import java.util.ArrayList;
+import java.util.Comparator;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.Objects;
+import java.util.Set;
+import java.util.stream.Collectors;
+
+/** What is wrong with a host. */
+public final class Check {
+    /** What may be wrong, in the order of the findings. */
+    private enum Code {
+        SECTION_FAILED, FILE_SYSTEM_UNREADABLE, FILE_SYSTEM_FULL, PROCESSOR_OFFLINE, DISK_UNREADABLE, DISK_UNLABELLED,
+        ADAPTER_UNREADABLE, PORT_UNREADABLE, STATISTICS_UNREADABLE, PORT_NOT_ONLINE, REMOTE_PORT_UNREADABLE,
+        REMOTE_PORT_NOT_ONLINE, SINGLE_PATH, LIBRARY_WARNING, DRIVE_ERRORS, ARRAY_COUNTERS;
+
+        private String text() {
+            return name().toLowerCase(Locale.ROOT).replace('_', '-');
+        }
+    }
+
+    /** One thing that is wrong. */
+    public static final class Finding {
+        /** "critical" or "warning". */
+        public final String severity;
+        /** What is wrong: a word for programs. */
+        public final String code;
+        /** What it is wrong with. */
+        public final String subject;
+        /** The same for people, without the subject. */
+        public final String message;
+
+        private final transient Code order;
+
+        private Finding(boolean critical, Code code, String subject, String message) {
+            severity = critical ? "critical" : "warning";
+            this.code = code.text();
+            this.subject = subject;
+            this.message = message;
+            order = code;
+        }
+
+        public boolean isCritical() {
+            return severity.equals("critical");
+        }
+    }
+
+    /** "OK", "WARNING" or "CRITICAL", as monitoring plugins have it. */
+    public final String state;
+    /** The critical ones first. */
+    public final List<Finding> findings;
+
+    private Check(List<Finding> found) {
+        findings = found.stream().sorted(Comparator.comparing((Finding finding) -> !finding.isCritical())
+                                             .thenComparing(finding -> finding.order)).collect(Collectors.toList());
+        state = findings.isEmpty() ? "OK" : findings.get(0).isCritical() ? "CRITICAL" : "WARNING";
+    }
+
+    public long criticals() {
+        return findings.stream().filter(Finding::isCritical).count();
+    }
+
+    /** Asks the host. A file system is full from so many per cent on; the array is four arguments, or none. */
+    public static Check of(Library library, LibraryLog log, int fullPercent, List<String> array) {
+        return new Check(new Examination(library, log, fullPercent).examine(array));
+    }
+
+    /** The walk through everything that is asked. */
+    private static final class Examination {
+        private final Library library;
+        private final LibraryLog log;
+        private final int fullPercent;
+        private final List<Finding> findings = new ArrayList<>();
+
+        private Examination(Library library, LibraryLog log, int fullPercent) {
+            this.library = library;
+            this.log = log;
+            this.fullPercent = fullPercent;
+        }
+
+        private List<Finding> examine(List<String> array) {
+            ask("logical-disks", () -> examineFileSystems(library.logicalDisks()));
+            ask("processors", () -> library.processors().stream().filter(data -> !data.state().equals("online"))
+                .forEach(data -> warn(Code.PROCESSOR_OFFLINE, String.valueOf(data.processorId()),
+                                      "its state is " + data.state())));
+            List<String> counted = new ArrayList<>();
+            ask("disk-io", () -> library.diskIo().stream().map(SolarisDiskIOInformation::diskName).distinct()
+                .filter(name -> !name.isEmpty()).forEach(counted::add));
+            ask("disks", () -> examineDisks(library.disks(), counted));
+            ask("hba", () -> examineFabric(library.fabric()));
+            if (!array.isEmpty()) {
+                ask("array", () -> examineArray(new ArrayReport(library.array(array), array.subList(0, 2))));
+            }
+            return findings;
+        }
+
+        /** Asks what a command asks, whatever comes of it. */
+        private void ask(String command, Runnable question) {
+            int mark = log.mark();
+            try {
+                question.run();
+            } catch (RuntimeException | StackOverflowError | OutOfMemoryError thrown) {
+                add(true, Code.SECTION_FAILED, command,
+                    Objects.requireNonNullElse(thrown.getMessage(), thrown.toString()));
+            }
+            log.since(mark).stream().filter(LibraryLog.Line::isWarning)
+                .forEach(line -> warn(Code.LIBRARY_WARNING, command, line.text()));
+        }
+
+        private void examineFileSystems(List<SolarisLogicalDisk> listed) {
+            listed.stream().map(SolarisLogicalDisk::mountPoint).distinct().forEach(mountPoint -> {
+                FileSystemUse use;
+                try {
+                    use = new FileSystemUse(library.logicalDisk(mountPoint));
+                } catch (RuntimeException unreadable) {
+                    warn(Code.FILE_SYSTEM_UNREADABLE, mountPoint, unreadable.getMessage());
+                    return;
+                }
+                if (!use.isKnown()) {
+                    warn(Code.FILE_SYSTEM_UNREADABLE, mountPoint, "the system does not tell its sizes");
+                } else if (use.isFull(fullPercent)) {
+                    add(use.isExhausted(), Code.FILE_SYSTEM_FULL, mountPoint, use.isExhausted() ? "nothing is available"
+                        : Units.percent(use.used().doubleValue(), use.usable().doubleValue()) + " used, "
+                            + Units.bytes(use.available().doubleValue()) + " available");
+                }
+            });
+        }
+
+        private void examineDisks(List<TrInstance> drives, List<String> counted) {
+            Set<String> readable = drives.stream()
+                .map(drive -> (String) drive.get(SolarisDiskDriveProvider.name)).collect(Collectors.toSet());
+            counted.stream().filter(name -> !readable.contains(name)).forEach(
+                name -> warn(Code.DISK_UNREADABLE, name, "it has I/O counters, but cannot be opened"));
+            drives.stream().filter(drive -> drive.get(SolarisDiskDriveProvider.diskType) == null).forEach(
+                drive -> warn(Code.DISK_UNLABELLED, (String) drive.get(SolarisDiskDriveProvider.name),
+                              "its geometry or its label cannot be read"));
+        }
+
+        private void examineFabric(Fabric fabric) {
+            fabric.adapters.stream().filter(adapter -> adapter.instance == null).forEach(
+                adapter -> add(true, Code.ADAPTER_UNREADABLE, adapter.place(), "it cannot be read"));
+            for (Fabric.Port port : fabric.ports()) {
+                if (port.instance == null) {
+                    warn(Code.PORT_UNREADABLE, port.place(), "it cannot be read");
+                } else if (!PortStates.isOk(port.instance)) {
+                    add(PortStates.isError(port.instance), Code.PORT_NOT_ONLINE, port.place(),
+                        PortStates.name(port.instance));
+                }
+                if (port.recorded && port.statistics == null) {
+                    warn(Code.STATISTICS_UNREADABLE, port.place(), "its counters cannot be read");
+                }
+            }
+            fabric.remotePorts().forEach(remote -> {
+                if (remote.instance == null) {
+                    warn(Code.REMOTE_PORT_UNREADABLE, remote.place(), "it cannot be read");
+                } else if (!PortStates.isOk(remote.instance)) {
+                    warn(Code.REMOTE_PORT_NOT_ONLINE, remote.place(), PortStates.name(remote.instance));
+                }
+            });
+            Paths paths = new Paths(fabric);
+            paths.units.stream().filter(paths::lacksWays).forEach(unit -> warn(
+                Code.SINGLE_PATH, unit.place(), unit.onlinePaths() + " of " + unit.paths.size() + " paths online"));
+        }
+
+        /** Both controllers' counts of a drive are one finding. */
+        private void examineArray(ArrayReport report) {
+            Map<String, String> errors = new LinkedHashMap<>();
+            for (ArrayReport.Row row : report.rows) {
+                long unrecovered = row.counters.get(ArrayReport.UNRECOVERED);
+                long timeouts = row.counters.get(ArrayReport.TIMEOUTS);
+                if (unrecovered != 0 || timeouts != 0) {
+                    String counts = String.format("%s counts %d unrecovered errors and %d request timeouts",
+                                                  row.controller, unrecovered, timeouts);
+                    errors.merge(row.place(), counts, (first, second) -> first + "; " + second);
+                }
+            }
+            errors.forEach((place, message) -> warn(Code.DRIVE_ERRORS, place, message));
+            if (report.isNotCounting()) {
+                warn(Code.ARRAY_COUNTERS, report.controllers.get(0), "its controllers count no blocks, and were just "
+                     + "told to (LOG SELECT)");
+            }
+        }
+
+        private void warn(Code code, String subject, String message) {
+            add(false, code, subject, message);
+        }
+
+        private void add(boolean critical, Code code, String subject, String message) {
+            findings.add(new Finding(critical, code, subject, message));
+        }
+    }
+}

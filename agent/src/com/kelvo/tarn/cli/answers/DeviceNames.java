@@ -1,0 +1,22 @@
+package com.kelvo.tarn.cli.answers;
+
+import java.util.regex.Pattern;
+
+/** How people name disks and slices. */
+public final class DeviceNames {
+    private static final Pattern directory = Pattern.compile("^/dev/r?dsk/");
+    private static final Pattern slice = Pattern.compile("s\\d+$");
+
+    private DeviceNames() {
+    }
+
+    /** The name without "/dev/dsk/" or "/dev/rdsk/" before it. */
+    public static String withoutDirectory(String name) {
+        return directory.matcher(name).replaceFirst("");
+    }
+
+    /** The name without the slice at its end, such as "s2". */
+    static String withoutSlice(String name) {
+        return slice.matcher(name).replaceFirst("");
+    }
+}

@@ -1,0 +1,54 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import java.math.BigInteger;
+
+/** How full a file system is, as df computes it: what nobody may use any more counts neither way. */
+public final class FileSystemUse {
+    /** From how many per cent on a file system is full, unless someone says otherwise. */
+    public static final int FULL = 90;
+
+    private final SolarisLogicalDisk disk;
+
+    /** Takes a logical disk that was asked for by name. */
+    public FileSystemUse(SolarisLogicalDisk disk) {
+        this.disk = disk;
+    }
+
+    /** False: the system would not tell the sizes, which are then all 0. */
+    public boolean isKnown() {
+        return (disk.totalBytes() | disk.availableBytes() | disk.freeBytes() | disk.blockSize()) != 0;
+    }
+
+    public BigInteger total() {
+        return unsigned(disk.totalBytes());
+    }
+
+    public BigInteger used() {
+        return total().subtract(unsigned(disk.freeBytes())).max(BigInteger.ZERO);
+    }
+
+    /** More bytes than 2^63 are what a negative number looks like: blocks overdrawn from the reserve. */
+    public BigInteger available() {
+        return BigInteger.valueOf(Math.max(0, disk.availableBytes()));
+    }
+
+    public boolean isExhausted() {
+        return available().signum() == 0;
+    }
+
+    /** What is used and what is available, together. */
+    public BigInteger usable() {
+        return used().add(available());
+    }
+
+    /** Whether at least so many per cent of what is usable are used. */
+    public boolean isFull(int percent) {
+        return isExhausted()
+            || used().multiply(BigInteger.valueOf(100)).compareTo(usable().multiply(BigInteger.valueOf(percent))) >= 0;
+    }
+
+    private static BigInteger unsigned(long bits) {
+        return new BigInteger(Long.toUnsignedString(bits));
+    }
+}

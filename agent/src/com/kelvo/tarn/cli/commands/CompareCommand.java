@@ -1,0 +1,142 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.cli.answers.Comparison;
+import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.cli.answers.Rates;
+import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.Table;
+import com.kelvo.tarn.cli.output.Units;
+import java.io.File;
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.function.Function;
+import javax.wbem.cim.UnsignedInt;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.ParameterException;
+import picocli.CommandLine.Parameters;
+
+@Command(name = "compare", description = "What changed between two descriptions of one host.",
+         footer = "Counters are no change; where both descriptions say when they were recorded, they are shown as "
+             + "rates. Exit status: 0 nothing changed, 1 something did, 2 bad usage or an unreadable description.")
+public final class CompareCommand extends TableInquiry<Comparison> {
+    @Parameters(index = "0", paramLabel = "OLD", description = "The host's description before.")
+    private File old;
+
+    @Parameters(index = "1", paramLabel = "NEW", description = "Its description after.")
+    private File now;
+
+    /** Its arguments are the hosts. */
+    @Override
+    protected void chooseHost() {
+        if (tarn().namesHost()) {
+            throw new ParameterException(spec().commandLine(), "--host does not go with compare, which names both");
+        }
+    }
+
+    @Override
+    protected Comparison ask() {
+        Comparison.Host before = host(old);
+        return host(now).since(before);
+    }
+
+    private Comparison.Host host(File description) {
+        TarnOptions.load(description.getPath(), this);
+        return new Comparison.Host(library(), description.toPath());
+    }
+
+    @Override
+    protected int exitStatus(Comparison comparison) {
+        return comparison.changes.isEmpty() ? 0 : 1;
+    }
+
+    @Override
+    protected Object result(Comparison comparison) {
+        List<Object> changes = new ArrayList<>();
+        for (Comparison.Change change : comparison.changes) {
+            Map<String, Object> members = new LinkedHashMap<>();
+            members.put("subject", change.subject);
+            members.put("change", change.change);
+            if (change.property != null) {
+                members.put("property", change.property);
+                members.put("was", change.was);
+                members.put("is", change.is);
+            }
+            changes.add(members);
+        }
+        Map<String, Object> result = new LinkedHashMap<>();
+        result.put("changes", changes);
+        result.put("rates", comparison.rates);
+        return result;
+    }
+
+    @Override
+    protected Table<?> table(Comparison comparison) {
+        return new Table<>(comparison.changes).text("Change", change -> change.change)
+            .text("Subject", change -> change.subject)
+            .text("Property", change -> change.property)
+            .text("Was", change -> change.was)
+            .text("Is", change -> change.is);
+    }
+
+    @Override
+    protected void show(Comparison comparison, Page out) {
+        if (comparison.changes.isEmpty()) {
+            out.println("nothing changed");
+        }
+        for (Comparison.Change change : comparison.changes) {
+            out.printFolded(change.property == null ? change.change + "  " + change.subject
+                : change.change + "   " + change.subject + ": " + change.property + " "
+                    + words(change.property, change.was) + " → " + words(change.property, change.is));
+        }
+        if (comparison.rates != null) {
+            show(comparison.rates, out);
+        }
+    }
+
+    private static String words(String property, Object value) {
+        return value == null ? "unknown" : property.equals("portState") ? PortStates.name((UnsignedInt) value)
+            : property.equals("operationalStatus") ? PortStates.statusNames((List<?>) value) : value.toString();
+    }
+
+    private static void show(Rates rates, Page out) {
+        out.println();
+        out.println(String.format(Locale.ROOT, "In the %.0f seconds between the two:", rates.seconds));
+        new Table<>(rates.disks).text("Disk", disk -> disk.diskName.isEmpty() ? null : disk.diskName)
+            .text("Instance", disk -> disk.instanceName)
+            .number("Read/s", shown(disk -> disk.bytesReadPerSecond, Units::bytes))
+            .number("Written/s", shown(disk -> disk.bytesWrittenPerSecond, Units::bytes))
+            .number("Busy", shown(disk -> disk.busyPercent, CompareCommand::percent)).print(out);
+        out.println();
+        new Table<>(rates.processors).number("CPU", cpu -> cpu.cpuId)
+            .number("User", shown(cpu -> cpu.userPercent, CompareCommand::percent))
+            .number("Kernel", shown(cpu -> cpu.kernelPercent, CompareCommand::percent))
+            .number("Wait", shown(cpu -> cpu.waitPercent, CompareCommand::percent))
+            .number("Idle", shown(cpu -> cpu.idlePercent, CompareCommand::percent)).print(out);
+        out.println();
+        new Table<>(rates.ports).text("Port", port -> port.port)
+            .number("Frames sent/s", shown(port -> port.framesSentPerSecond, CompareCommand::decimal))
+            .number("Received/s", shown(port -> port.framesReceivedPerSecond, CompareCommand::decimal))
+            .number("Errors/h", shown(port -> port.errorsPerSecond, rate -> decimal(rate * 3600))).print(out);
+    }
+
+    /** A cell of a rate that may not be known. */
+    private static <R> Function<R, String> shown(Function<R, Double> rate, Function<Double, String> words) {
+        return row -> rate.apply(row) == null ? null : words.apply(rate.apply(row));
+    }
+
+    private static String percent(double share) {
+        return decimal(share) + "%";
+    }
+
+    private static String decimal(double number) {
+        return String.format(Locale.ROOT, "%.1f", number);
+    }
+
+    @Override
+    protected boolean isSection() {
+        return false;
+    }
+}

@@ -1,0 +1,104 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.answers.LibraryLog;
+import com.kelvo.tarn.cli.answers.OneDisk;
+import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.Table;
+import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
+import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
+import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import java.util.List;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Parameters;
+
+@Command(name = "disk",
+         description = "All that is known of one disk: drive, counters, slices, file systems, ways to it.",
+         footer = "The ways are all those to the logical unit, under whichever device name.")
+public final class DiskCommand extends Inquiry<OneDisk> {
+    @Parameters(paramLabel = "NAME", description = "Any of its names: c1t0d0, c1t0d0s0, /dev/dsk/c1t0d0s0, "
+                + "/dev/rdsk/c1t0d0s2, sd0, or a mount point.")
+    private String name;
+
+    @Override
+    protected OneDisk ask() {
+        return OneDisk.find(name, library(), tarn().log());
+    }
+
+    @Override
+    protected String missing(OneDisk disk) {
+        return disk == null ? "no disk " + name : null;
+    }
+
+    @Override
+    protected void show(OneDisk disk, Page out) {
+        new Table<>(List.of(disk))
+            .text("Disk", found -> found.name)
+            .text("Instance", found -> found.instance)
+            .text("Drive", DiskCommand::drive)
+            .text("Geometry", found -> DisksCommand.geometry(found.drive))
+            .text("Device", found -> found.drive == null ? null
+                : found.drive.get(SolarisDiskDriveProvider.deviceIdentifier))
+            .text("Read", found -> found.io == null ? null : count(found.io.bytesRead()))
+            .text("Written", found -> found.io == null ? null : count(found.io.bytesWritten()))
+            .text("Busy", found -> found.io == null ? null : Units.seconds(found.io.runTime()) + " s")
+            .printUpright(out);
+        out.println();
+        if (disk.partitions.isEmpty()) {
+            out.println("no slices that can be read");
+        } else {
+            slices(disk).print(out);
+        }
+        if (!disk.mounts.isEmpty()) {
+            out.println();
+            LogicalDisksCommand.sizes(disk.mounts).print(out);
+        }
+        disk.units.forEach(unit -> {
+            out.println();
+            PathsCommand.tree(unit, disk.lacksWays(unit), disk::diskOf).print(out);
+        });
+    }
+
+    /** What the library says of other disks is not asked for. */
+    @Override
+    protected boolean isToThePoint(LibraryLog.Line line, OneDisk disk) {
+        return line.subject().isEmpty() || line.subject().equals(disk.name);
+    }
+
+    @Override
+    protected boolean isSection() {
+        return false;
+    }
+
+    private static String drive(OneDisk disk) {
+        if (disk.drive == null) {
+            return "!! cannot be opened";
+        }
+        return disk.drive.get(SolarisDiskDriveProvider.diskType) == null ? "!! geometry or label not readable"
+            : DisksCommand.typeAndCapacity(disk.drive);
+    }
+
+    private static String count(long bytes) {
+        return Units.counter(bytes) == null ? null
+            : Units.counter(bytes) + " bytes (" + Units.bytes(Units.unsigned(bytes)) + ")";
+    }
+
+    private static Table<TrInstance> slices(OneDisk disk) {
+        return new Table<>(disk.partitions)
+            .text("Slice", row -> row.get(SolarisDiskPartitionProvider.name))
+            .number("Size", row -> Units.bytes(PartitionsCommand.sectors(row) * Units.SECTOR))
+            .text("Tag", row -> PartitionsCommand.tagName(row))
+            .text("Flags", row -> PartitionsCommand.flagNames(row))
+            .text("Mounted", row -> mountPoint(row, disk.mounts));
+    }
+
+    /** Where the slice is mounted; the table of mounts need not know of it. */
+    private static String mountPoint(TrInstance slice, List<SolarisLogicalDisk> mounts) {
+        return mounts.stream()
+            .filter(mount -> mount.device().endsWith("/" + Instances.text(slice, SolarisDiskPartitionProvider.name)))
+            .map(SolarisLogicalDisk::mountPoint).findFirst()
+            .orElse(slice.get(SolarisDiskPartitionProvider.mounted).equals(true) ? "yes" : "no");
+    }
+}

@@ -1,0 +1,90 @@
+package com.kelvo.tarn.cli.output;
+
+import java.util.ArrayList;
+import java.util.List;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+import picocli.CommandLine.Help;
+import picocli.CommandLine.Model.ArgSpec;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Model.OptionSpec;
+import picocli.CommandLine.Model.PositionalParamSpec;
+
+/** A manual page in roff, made of what the commands' help says. */
+public final class ManualPage {
+    private final List<String> lines = new ArrayList<>();
+
+    private ManualPage() {
+    }
+
+    /** The page of a command with all its subcommands, apart from hidden ones. */
+    public static String of(CommandSpec root) {
+        ManualPage page = new ManualPage();
+        page.write(root);
+        return page.lines.stream().collect(Collectors.joining("\n", "", "\n"));
+    }
+
+    private void write(CommandSpec root) {
+        lines.add(String.format(".TH %s 1 \"\" \"%s\"", root.name().toUpperCase(), escape(root.version()[0].replaceFirst(" \\(.*", ""))));
+        lines.add(".SH NAME");
+        lines.add(escape(root.name() + " - " + text(root.usageMessage().description())));
+        lines.add(".SH SYNOPSIS");
+        lines.add(".B " + escape(root.name()));
+        lines.add(escape("[OPTION]... COMMAND [ARGUMENT]..."));
+        lines.add(".SH OPTIONS");
+        root.options().forEach(this::writeArgument);
+        lines.add(".SH COMMANDS");
+        root.subcommands().values().stream().map(command -> command.getCommandSpec())
+            .filter(command -> !command.usageMessage().hidden()).forEach(this::writeCommand);
+        for (String paragraph : root.usageMessage().footer()) {
+            int colon = paragraph.indexOf(':');
+            if (colon > 0) {
+                lines.add(".SH " + escape(paragraph.substring(0, colon).toUpperCase()));
+                lines.add(escape(paragraph.substring(colon + 1).strip()));
+            }
+        }
+    }
+
+    private void writeCommand(CommandSpec command) {
+        List<ArgSpec> own = Stream.concat(command.options().stream().filter(option -> !option.inherited()),
+                                          command.positionalParameters().stream()).collect(Collectors.toList());
+        lines.add(".SS " + escape(Stream.concat(Stream.of(command.name()), own.stream().map(ManualPage::usage))
+                                      .collect(Collectors.joining(" "))));
+        lines.add(escape(text(command.usageMessage().description())));
+        own.forEach(this::writeArgument);
+        if (command.usageMessage().footer().length > 0) {
+            lines.add(".PP");
+            lines.add(escape(text(command.usageMessage().footer())));
+        }
+    }
+
+    private void writeArgument(ArgSpec argument) {
+        lines.add(".TP");
+        lines.add(".B " + escape(argument instanceof OptionSpec
+            ? Stream.of(((OptionSpec) argument).names()).map(name -> name + label(argument))
+                  .collect(Collectors.joining(", "))
+            : argument.paramLabel()));
+        lines.add(escape(text(argument.description())));
+    }
+
+    private static String usage(ArgSpec argument) {
+        String words = argument instanceof PositionalParamSpec ? argument.paramLabel()
+            : ((OptionSpec) argument).longestName() + label(argument);
+        return argument.required() ? words : "[" + words + "]";
+    }
+
+    private static String label(ArgSpec option) {
+        return option.arity().max() == 0 ? "" : " " + option.paramLabel();
+    }
+
+    /** Descriptions are formats, of which "%%" is a per cent sign. */
+    private static String text(String[] lines) {
+        return Help.Ansi.OFF.string(String.format(String.join(" ", lines)));
+    }
+
+    /** Backslashes and hyphens mean themselves, and nothing at the start of a line is a request. */
+    private static String escape(String text) {
+        String escaped = text.replace("\\", "\\e").replace("-", "\\-").replace("\"", "\\(dq");
+        return escaped.startsWith(".") || escaped.startsWith("'") ? "\\&" + escaped : escaped;
+    }
+}
