@@ -126,7 +126,7 @@ CASES = [
     *(Case(f"for people: {command}: {shown}", command, host, shows=[shown]) for command, host, shown in (
         ("authenticate --help", None, "Usage: tarn authenticate"),
         ("computer-system", {"sysinfo": {"SI_HOSTNAME": "\x1b[2J\x9b"}}, "Host name: \\x1b[2J\\x9b"),
-        ("logical-disks /", RICH, "/ ufs /dev/dsk/c1t0d0s0 1024000 1000.0 KiB 409600 400.0 KiB 512000 500.0 KiB 8192"),
+        ("logical-disks /", RICH, "/ ufs 1000.0 KiB 500.0 KiB 400.0 KiB 55.6% /dev/dsk/c1t0d0s0"),
         (ARRAY, BOTH, "0 1 B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 0 2 A 101 2 7"),
         (ARRAY, FEWER, "? ? B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 ?: the places told are those of A's drives"),
         (ARRAY, array("A without blocks"), "ask again"), (ARRAY, {}, "no drive statistics"))),
@@ -151,7 +151,7 @@ CASES = [
         ("this is no JSON", ["JSON"]), ('{"kernel": {}}', ["kernel"]),
         ('{"disks": [{}, {"geometry": {"dkg_nhead": 65536}}]}', ["disks[1].geometry.dkg_nhead"]))),
     *(Case(f"bad usage: {command}", command, complains=[complaint], status=2) for command, complaint in (
-        ("", "command"), ("'no\ncolour'", "unknown command 'no colour'"), ("disk", "did you mean disks?"),
+        ("", "command"), ("'no\ncolour'", "unknown command 'no colour'"), ("dik", "did you mean disk?"),
         ("cpu x", "ID: 'x' is not a number"), ("cpu 3000000000", "range"), ("cpu --host", "--host"),
         ("--host '' cpu", "--host: no file"), ("--host /no/such/file cpu", "/no/such/file"),
         ("--leadville cpu", "hba"), ("cpu --leadville", "--leadville"), ("authenticate", "USER"),
