@@ -40,10 +40,14 @@ std::string readFile(const std::string &path) {
     return text;
 }
 
+std::shared_ptr<const Host> makeHost(const std::string &json) {
+    return std::make_shared<const Host>(description::readHost(json));
+}
+
 std::shared_ptr<const Host> readHostFile(const std::string &path) {
     const std::string text = readFile(path);
     try {
-        return readHost(text);
+        return makeHost(text);
     } catch (const HostDescriptionError &error) {
         throw HostDescriptionError(path + ": " + error.what());
     }
@@ -53,7 +57,7 @@ std::shared_ptr<const Host> readHostFile(const std::string &path) {
 std::shared_ptr<const Host> firstHost() {
     const char *path = std::getenv("TARN_HOST");
     try {
-        return path == nullptr || *path == '\0' ? readHost(std::string(builtInHostText)) : readHostFile(path);
+        return path == nullptr || *path == '\0' ? makeHost(std::string(builtInHostText)) : readHostFile(path);
     } catch (const HostDescriptionError &error) {
         std::fprintf(stderr, "TARN_HOST: %s\n", error.what());
         return std::make_shared<const Host>();
@@ -75,7 +79,7 @@ void loadHostFile(const std::string &path) {
 }
 
 void loadHostText(const std::string &json) {
-    setHost(readHost(json));
+    setHost(makeHost(json));
 }
 
 } // namespace replay

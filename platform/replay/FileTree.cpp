@@ -15,42 +15,52 @@ std::string linkText(const Disk &disk, unsigned slice, bool raw) {
 
 } // namespace
 
+Host::Host(description::Host described) : description::Host(std::move(described)) {
+    for (const Disk &disk : disks) {
+        for (unsigned slice = 0; slice < disk.slices.size(); ++slice) {
+            files.addSlice(disk, slice);
+        }
+    }
+    for (const Entry &entry : entries) {
+        files.addEntry(entry);
+    }
+    files.finish();
+}
+
 dev_t Device::number() const {
     return makedev(disk->major, disk->minor + slice);
 }
 
-bool FileTree::add(std::string path, bool first, FileNode node) {
+void FileTree::add(std::string path, bool first, FileNode node) {
     const std::size_t slash = path.rfind('/');
     Listing &listing = directories[slash == 0 ? "/" : path.substr(0, slash)];
     (first ? listing.first : listing.names).push_back(path.substr(slash + 1));
-    return nodes.emplace(std::move(path), std::move(node)).second;
+    nodes.emplace(std::move(path), std::move(node));
 }
 
-bool FileTree::addSlice(const Disk &disk, unsigned slice) {
+void FileTree::addSlice(const Disk &disk, unsigned slice) {
     const std::string &name = disk.slices[slice];
-    bool added = true;
     for (const bool raw : {false, true}) {
         FileNode node{std::nullopt, Device{&disk, slice, raw}, true};
         if (disk.path) {
             node.link = linkText(disk, slice, raw);
             devicesByLink.emplace(*node.link, *node.device);
         }
-        added = add((raw ? "/dev/rdsk/" : "/dev/dsk/") + disk.name + name, false, std::move(node)) && added;
+        add((raw ? "/dev/rdsk/" : "/dev/dsk/") + disk.name + name, false, std::move(node));
     }
     if (std::ranges::find(disk.mounted, name) != disk.mounted.end()) {
         mounted.emplace(Device{&disk, slice, false}.number(), &disk);
     }
-    return added;
 }
 
-bool FileTree::addEntry(const Entry &entry) {
+void FileTree::addEntry(const Entry &entry) {
     FileNode node{entry.link, std::nullopt, false};
     if (entry.link) {
         if (const auto found = devicesByLink.find(*entry.link); found != devicesByLink.end()) {
             node.device = found->second;
         }
     }
-    return add(entry.path, entry.position == positionFirst, std::move(node));
+    add(entry.path, entry.position == description::positionFirst, std::move(node));
 }
 
 void FileTree::finish() {
@@ -79,22 +89,23 @@ const Disk *FileTree::mountedFrom(dev_t device) const {
     return found == mounted.end() ? nullptr : found->second;
 }
 
-int Disk::failure(std::string_view call) const {
-    const auto found = fails.find(call);
-    return found == fails.end() ? 0 : found->second;
+int failureOf(const Disk &disk, std::string_view call) {
+    const auto found = disk.fails.find(call);
+    return found == disk.fails.end() ? 0 : found->second;
 }
 
-int Disk::failure(std::string_view call, int openFlags) const {
-    if (fails.empty()) {
+int failureOf(const Disk &disk, std::string_view call, int openFlags) {
+    if (disk.fails.empty()) {
         return 0;
     }
     const int mode = openFlags & O_ACCMODE;
     if (mode == O_RDWR || mode == O_RDONLY) {
-        if (const int error = failure(std::string(call) + (mode == O_RDWR ? " O_RDWR" : " O_RDONLY")); error != 0) {
+        if (const int error = failureOf(disk, std::string(call) + (mode == O_RDWR ? " O_RDWR" : " O_RDONLY"));
+            error != 0) {
             return error;
         }
     }
-    return failure(call);
+    return failureOf(disk, call);
 }
 
 } // namespace replay

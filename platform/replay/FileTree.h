@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,10 +10,12 @@
 
 #include <sys/types.h>
 
+#include "description/Host.h"
+
 namespace replay {
 
-struct Disk;
-struct Entry;
+using description::Disk;
+using description::Entry;
 
 /// A slice of a disk, as a block device under /dev/dsk or as a character device under /dev/rdsk.
 struct Device {
@@ -38,16 +41,16 @@ struct TextHash {
 };
 
 template <class Value>
-using ByText = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
+using ByPath = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
 
 /// The device files of a host by their paths, made once when the host is loaded.
 class FileTree {
 public:
-    /// Adds the entries of a slice in /dev/dsk and /dev/rdsk. False when one of the paths is taken.
-    bool addSlice(const Disk &disk, unsigned slice);
+    /// Adds the entries of a slice in /dev/dsk and /dev/rdsk.
+    void addSlice(const Disk &disk, unsigned slice);
 
-    /// Adds an entry that no disk accounts for, after every slice. False when the path is taken.
-    bool addEntry(const Entry &entry);
+    /// Adds an entry that no disk accounts for, after every slice.
+    void addEntry(const Entry &entry);
 
     /// Null when nothing stands at the path.
     const FileNode *find(std::string_view path) const;
@@ -67,11 +70,11 @@ private:
         std::vector<std::string> names;
     };
 
-    bool add(std::string path, bool first, FileNode node);
+    void add(std::string path, bool first, FileNode node);
 
-    ByText<FileNode> nodes;
-    ByText<Listing> directories;
-    ByText<Device> devicesByLink;
+    ByPath<FileNode> nodes;
+    ByPath<Listing> directories;
+    ByPath<Device> devicesByLink;
     std::unordered_map<dev_t, const Disk *> mounted;
 };
 

@@ -117,7 +117,7 @@ int answerRequest(const OpenDevice &opened, int request, void *argument) {
     if (name == nullptr) {
         return ENOTTY;
     }
-    if (const int error = disk.failure(name, opened.flags); error != 0) {
+    if (const int error = failureOf(disk, name, opened.flags); error != 0) {
         return error;
     }
     if (argument == nullptr) {
@@ -178,7 +178,7 @@ int describePath(const Host &host, std::string_view path, struct ::stat &status)
         describeFile(S_IFREG, status);
         return 0;
     }
-    if (const int error = node->device->disk->failure("stat"); error != 0) {
+    if (const int error = failureOf(*node->device->disk, "stat"); error != 0) {
         return error;
     }
     describeDevice(*node->device, status);
@@ -191,7 +191,7 @@ int openPath(const char *path, int flags) {
     if (node == nullptr || !node->device) {
         return failWith(ENXIO);
     }
-    if (const int error = node->device->disk->failure("open", flags); error != 0) {
+    if (const int error = failureOf(*node->device->disk, "open", flags); error != 0) {
         return failWith(error);
     }
     return descriptors.add({std::move(host), *node->device, flags, path});
@@ -203,7 +203,7 @@ ssize_t readLinkText(std::string_view path, char *buffer, std::size_t size) {
     if (node == nullptr) {
         return failWith(isDirectory(host->files, path) ? EINVAL : ENOENT);
     }
-    if (const int error = node->ofDisk ? node->device->disk->failure("readlink") : 0; error != 0) {
+    if (const int error = node->ofDisk ? failureOf(*node->device->disk, "readlink") : 0; error != 0) {
         return failWith(error);
     }
     if (!node->link) {
@@ -239,7 +239,7 @@ int close(int descriptor) {
     const std::shared_ptr<const OpenDevice> opened = descriptors.remove(descriptor);
     const auto line = [&] { return "close " + pathOf(opened); };
     return answerCall(line, [&] {
-        return failWithUnless(opened == nullptr ? EBADF : opened->device.disk->failure("close", opened->flags));
+        return failWithUnless(opened == nullptr ? EBADF : failureOf(*opened->device.disk, "close", opened->flags));
     });
 }
 
@@ -247,7 +247,7 @@ int fstat(int descriptor, struct ::stat *status) {
     const std::shared_ptr<const OpenDevice> opened = descriptors.find(descriptor);
     const auto line = [&] { return "fstat " + pathOf(opened); };
     return answerCall(line, [&] {
-        const int error = opened == nullptr ? EBADF : opened->device.disk->failure("fstat", opened->flags);
+        const int error = opened == nullptr ? EBADF : failureOf(*opened->device.disk, "fstat", opened->flags);
         if (error == 0) {
             describeDevice(opened->device, *status);
         }
@@ -286,7 +286,7 @@ int ustat(dev_t device, struct ::ustat *status) {
     return answerCall(line, [&] {
         const std::shared_ptr<const Host> host = currentHost();
         const Disk *disk = host->files.mountedFrom(device);
-        const int error = disk == nullptr ? EINVAL : disk->failure("ustat");
+        const int error = disk == nullptr ? EINVAL : failureOf(*disk, "ustat");
         if (error == 0) {
             *status = {};
         }

@@ -15,6 +15,10 @@
 namespace replay {
 namespace {
 
+using description::HbaAdapter;
+using description::HbaAnswers;
+using description::HbaDiscoveredPort;
+
 /// The library while it is loaded.
 struct Library {
     std::shared_ptr<const Host> host;

@@ -1,125 +1,33 @@
 #pragma once
 
-#include <map>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <variant>
-#include <vector>
 
+#include "description/Host.h"
 #include "platform/replay/FileTree.h"
-#include "platform/solaris.h"
 
 namespace replay {
 
-struct Processor : processor_info_t {
-    processorid_t id;
-};
+using description::Disk;
+using description::Entry;
 
-using KernelSample = std::variant<vminfo_t, cpu_stat_t, kstat_io_t>;
-
-/// A record of the kernel statistics chain, and what successive reads of it find; none, and it cannot be read.
-struct KernelRecord : kstat_t {
-    std::vector<KernelSample> samples;
-};
-
-/// What a disk and its slices look like. `Disk` members bear the names of the description.
-struct Disk {
-    std::string name;
-    std::vector<std::string> slices = {"s0", "s1", "s2", "s3", "s4", "s5", "s6", "s7"};
-    std::optional<std::string> path; // of the physical device; without it the entries are no symbolic links
-    unsigned major;
-    unsigned minor;
-    std::vector<std::string> mounted;
-    std::optional<dk_geom> geometry;
-    std::optional<struct ::vtoc> vtoc;
-    ByText<std::vector<unsigned char>> scsi; // answers by command
-    ByText<int> fails;                       // errno by call, or by call and access mode ("open O_RDWR")
-
-    /// The errno with which the call fails on this disk, on a descriptor of these open flags; 0 when it does not.
-    int failure(std::string_view call) const;
-    int failure(std::string_view call, int openFlags) const;
-};
-
-struct Entry {
-    std::string path;
-    std::optional<std::string> link;
-    int position;
-};
-inline constexpr int positionLast = 0; // the default
-inline constexpr int positionFirst = 1;
-
-/// The statuses that one HBA call answers: one per call and then 0, or with `always` the same for ever.
-struct HbaAnswers {
-    std::vector<HBA_STATUS> statuses;
-    bool always;
-};
-
-struct HbaDiscoveredPort {
-    struct Status {
-        HbaAnswers GetDiscoveredPortAttributes;
-    };
-    HBA_PORTATTRIBUTES attributes;
-    Status status;
-};
-
-struct HbaPort {
-    struct Status {
-        HbaAnswers GetAdapterPortAttributes;
-        HbaAnswers GetPortStatistics;
-    };
-    HBA_PORTATTRIBUTES attributes;
-    HBA_PORTSTATISTICS statistics;
-    std::vector<HbaDiscoveredPort> discovered;
-    Status status;
-};
-
-struct HbaAdapter {
-    struct Status {
-        HbaAnswers GetAdapterName;
-        HbaAnswers GetAdapterAttributes;
-        HbaAnswers GetFcpTargetMapping;
-    };
-    std::string name;
-    unsigned openFailures;
-    HBA_ADAPTERATTRIBUTES attributes;
-    std::vector<HbaPort> ports;
-    std::vector<HBA_FCPSCSIENTRY> targetMapping;
-    std::optional<HBA_UINT32> NumberOfEntries; // that the library claims; without it, as many as there are
-    Status status;
-};
-
-struct Hba {
-    std::vector<HbaAdapter> adapters;
-};
-
-/// One host as a description says it is. Never changed once it is loaded, so that any number of threads may read it.
-/// A facility that is empty or has no value is absent.
-struct Host {
+/// One host as a description says it is, with the files that follow from it. Never changed once it is loaded, so that
+/// any number of threads may read it.
+struct Host : description::Host {
     Host() = default;
+    explicit Host(description::Host described);
     Host(const Host &) = delete; // `files` points into `disks`
     Host &operator=(const Host &) = delete;
 
-    std::map<int, std::string> sysinfo; // by command
-    std::optional<utsname> uname;
-    std::map<int, long> sysconf; // by name
-    std::unordered_map<processorid_t, Processor> processors;
-    std::optional<std::vector<KernelRecord>> kstat;
-    std::optional<std::string> mnttab; // the whole text
-    ByText<struct statvfs64> statvfs;
-    ByText<std::optional<std::string>> shadow; // sp_pwdp by user
-    std::vector<Disk> disks;
-    std::vector<Entry> entries;
-    std::optional<Hba> hba;
     FileTree files;
 };
 
+/// The errno with which the call fails on this disk, on a descriptor of these open flags; 0 when it does not.
+int failureOf(const Disk &disk, std::string_view call);
+int failureOf(const Disk &disk, std::string_view call, int openFlags);
+
 /// The host that calls are answered from.
 std::shared_ptr<const Host> currentHost();
-
-/// Reads a description. Raises HostDescriptionError.
-std::shared_ptr<const Host> readHost(const std::string &json);
 
 } // namespace replay

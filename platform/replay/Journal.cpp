@@ -1,6 +1,5 @@
 #include "platform/replay/Journal.h"
 
-#include <cstring>
 #include <mutex>
 #include <utility>
 #include <vector>
@@ -23,11 +22,6 @@ void addToJournal(std::string line) {
     if (journalIsOn) {
         lines.push_back(std::move(line));
     }
-}
-
-std::string errnoName(int error) {
-    const char *name = strerrorname_np(error);
-    return name == nullptr ? std::to_string(error) : name;
 }
 
 void startJournal() {

@@ -4,15 +4,16 @@
 #include <cerrno>
 #include <string>
 
+#include "description/Names.h"
+
 namespace replay {
+
+using description::errnoName;
 
 extern std::atomic<bool> journalIsOn;
 
 /// Adds a line to the journal.
 void addToJournal(std::string line);
-
-/// "EIO" of EIO.
-std::string errnoName(int error);
 
 /// Leaves the line that `text` makes in the journal, when it is on.
 template <class Text>

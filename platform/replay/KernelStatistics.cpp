@@ -12,6 +12,9 @@
 namespace replay {
 namespace {
 
+using description::KernelRecord;
+using description::KernelSample;
+
 /// A record as one handle shows it: its own data, and how often it was read.
 struct ChainRecord : kstat_t {
     const KernelRecord *source;

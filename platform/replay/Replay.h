@@ -1,17 +1,15 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "description/HostDescriptionError.h"
 
 /// The replayed host, as tests, benchmarks and the command line steer it. The calls themselves are those of
 /// platform/solaris.h, kstat.h and hbaapi.h; docs/host-descriptions.md says what a description holds.
 namespace replay {
 
-/// Why a host description was refused: one line that names the file, when there is one, and the member.
-class HostDescriptionError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+using description::HostDescriptionError;
 
 /// Make this description the current host, from the next call on. What was opened before keeps the host it was opened
 /// on. Raise HostDescriptionError, and leave the host as it is, when the description cannot be used.

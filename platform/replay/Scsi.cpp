@@ -1,11 +1,15 @@
 #include <algorithm>
 #include <span>
 
+#include "description/ScsiCommands.h"
 #include "platform/replay/Descriptors.h"
-#include "platform/replay/ScsiCommands.h"
 
 namespace replay {
 namespace {
+
+using description::logSelectPage;
+using description::ScsiCommand;
+using description::scsiCommands;
 
 constexpr short checkCondition = 2; // SCSI status
 

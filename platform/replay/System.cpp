@@ -5,14 +5,18 @@
 #include <span>
 #include <string>
 
+#include "description/Names.h"
 #include "platform/replay/Host.h"
-#include "platform/replay/Names.h"
 #include "platform/replay/PlatformCall.h"
 
 // The host as a whole, its processors, and the one thing that no description can tell: the stack that the caller runs on.
 
 namespace replay {
 namespace {
+
+using description::NamedValue;
+using description::sysconfNames;
+using description::sysinfoCommands;
 
 /// The name of the number, or the number.
 std::string nameOf(int value, std::span<const NamedValue> names) {

@@ -1,11 +1,6 @@
-# What answers the platform's calls where the platform is not: host descriptions, played back. Part of tarn_code.
+# What answers the platform's calls where the platform is not: host descriptions, played back.
 
 set(REPLAY ${CMAKE_CURRENT_LIST_DIR})
-
-find_path(NLOHMANN_JSON nlohmann/json.hpp PATHS /usr/include REQUIRED NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
-# Header-only, so a cross compiler may use the build machine's, but must not see what lies around it.
-file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/include)
-file(CREATE_LINK ${NLOHMANN_JSON}/nlohmann ${CMAKE_BINARY_DIR}/include/nlohmann SYMBOLIC)
 
 set(BUILT_IN_HOST ${PROJECT_SOURCE_DIR}/hosts/rill.json)
 set(BUILT_IN_SOURCE ${CMAKE_BINARY_DIR}/BuiltInHost.cpp)
@@ -15,7 +10,10 @@ add_custom_command(
     DEPENDS ${BUILT_IN_HOST} ${REPLAY}/EmbedHost.cmake
     COMMENT "Embedding the built-in host" VERBATIM)
 
+# How Java chooses the host is the library's.
 file(GLOB REPLAY_SOURCES CONFIGURE_DEPENDS ${REPLAY}/*.cpp)
-target_sources(tarn_code PRIVATE ${REPLAY_SOURCES} ${BUILT_IN_SOURCE})
-target_include_directories(tarn_code SYSTEM PUBLIC ${REPLAY}/include PRIVATE ${CMAKE_BINARY_DIR}/include)
-target_link_libraries(tarn_code PUBLIC ${CMAKE_DL_LIBS})
+list(REMOVE_ITEM REPLAY_SOURCES ${REPLAY}/ReplayHost.cpp)
+target_sources(tarn_code PRIVATE ${REPLAY}/ReplayHost.cpp)
+
+add_library(tarn_replay STATIC ${REPLAY_SOURCES} ${BUILT_IN_SOURCE})
+target_link_libraries(tarn_replay PUBLIC tarn_description ${CMAKE_DL_LIBS})

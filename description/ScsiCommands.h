@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace replay {
+namespace description {
 
 /// A SCSI command that a disk's "scsi" member can answer.
 struct ScsiCommand {
@@ -26,4 +26,4 @@ inline constexpr std::array<ScsiCommand, 6> scsiCommands = {{
 
 inline constexpr unsigned char logSelectPage = 0x30; // first byte of the one parameter list that is understood
 
-} // namespace replay
+} // namespace description

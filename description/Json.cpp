@@ -1,12 +1,12 @@
-#include "platform/replay/JsonReader.h"
+#include "description/Json.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
-#include "platform/replay/Journal.h"
-#include "platform/replay/Replay.h"
+#include "description/HostDescriptionError.h"
 
-namespace replay {
+namespace description {
 namespace {
 
 constexpr std::string_view letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
@@ -146,16 +146,20 @@ void requireRoom(std::size_t count, std::size_t room, const char *what, const Pl
     }
 }
 
+const Json *memberOf(const Json &object, std::string_view name) {
+    const auto &members = object.get_ref<const Json::object_t &>();
+    const auto found =
+        std::ranges::find(members, name, [](const auto &member) -> std::string_view { return member.first; });
+    return found == members.end() ? nullptr : &found->second;
+}
+
 bool isGiven(const Json &value, std::initializer_list<std::string_view> path) {
     const Json *at = &value;
     for (const std::string_view name : path) {
-        const auto &object = at->get_ref<const Json::object_t &>();
-        const auto found =
-            std::ranges::find(object, name, [](const auto &member) -> std::string_view { return member.first; });
-        if (found == object.end()) {
+        at = memberOf(*at, name);
+        if (at == nullptr) {
             return false;
         }
-        at = &found->second;
     }
     return true;
 }
@@ -168,15 +172,13 @@ int namedValueOf(std::string_view name, std::span<const NamedValue> names, const
     return found->value;
 }
 
-int errnoOf(const Json &value, const Place &place) {
-    constexpr int most = 255; // beyond the numbers of every system
+int errnoIn(const Json &value, const Place &place) {
     const std::string &name = textOf(value, place);
-    for (int error = 1; error <= most; ++error) {
-        if (errnoName(error) == name) {
-            return error;
-        }
+    const int error = errnoOf(name);
+    if (error == 0) {
+        place.refuse("unknown errno name " + quoted(name));
     }
-    place.refuse("unknown errno name " + quoted(name));
+    return error;
 }
 
-} // namespace replay
+} // namespace description

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include <sys/systeminfo.h>
 #include <unistd.h>
 
-namespace replay {
+namespace description {
 
 /// A published name and the number it stands for.
 struct NamedValue {
@@ -25,4 +26,10 @@ inline constexpr NamedValue sysconfNames[] = {{"_SC_PAGESIZE", _SC_PAGESIZE},
                                               {"_SC_NPROCESSORS_CONF", _SC_NPROCESSORS_CONF},
                                               {"_SC_CPUID_MAX", _SC_CPUID_MAX}};
 
-} // namespace replay
+/// "EIO" of EIO; the number as a text when this system has no name for it.
+std::string errnoName(int error);
+
+/// The number of either; 0 for any other text.
+int errnoOf(std::string_view name);
+
+} // namespace description

@@ -1,16 +1,30 @@
-#include "platform/replay/HostSections.h"
+#pragma once
 
-namespace replay {
+#include "description/Members.h"
+
+// Host bus adapters.
+
+namespace description {
 
 /// A number, or a list of them.
 template <>
-struct Reader<HbaAnswers> {
+struct Form<HbaAnswers> {
     static void read(const Json &value, const Place &place, HbaAnswers &into) {
         into.always = !value.is_array();
         if (into.always) {
-            Reader<HBA_STATUS>::read(value, place, into.statuses.emplace_back());
+            Form<HBA_STATUS>::read(value, place, into.statuses.emplace_back());
         } else {
-            Reader<std::vector<HBA_STATUS>>::read(value, place, into.statuses);
+            Form<std::vector<HBA_STATUS>>::read(value, place, into.statuses);
+        }
+    }
+    static bool isSame(const HbaAnswers &value, const HbaAnswers &) {
+        return value.statuses.empty();
+    }
+    static void write(JsonWriter &writer, const HbaAnswers &value, const HbaAnswers &) {
+        if (value.always) {
+            writer.number(value.statuses.front());
+        } else {
+            Form<std::vector<HBA_STATUS>>::write(writer, value.statuses, {});
         }
     }
 };
@@ -92,23 +106,37 @@ template <>
 inline constexpr auto members<Hba> = table<Hba>(MEMBER(Hba, adapters));
 
 template <>
-void complete(const Json &value, const Place &, HbaPort &port) {
+struct Usual<HbaPort> {
+    static HbaPort of(const HbaPort &port) {
+        HbaPort usual{};
+        usual.attributes.NumberofDiscoveredPorts = static_cast<HBA_UINT32>(port.discovered.size());
+        return usual;
+    }
+};
+
+template <>
+inline void complete(const Json &value, const Place &, HbaPort &port) {
     if (!isGiven(value, {"attributes", "NumberofDiscoveredPorts"})) {
-        port.attributes.NumberofDiscoveredPorts = static_cast<HBA_UINT32>(port.discovered.size());
+        port.attributes.NumberofDiscoveredPorts = Usual<HbaPort>::of(port).attributes.NumberofDiscoveredPorts;
     }
 }
 
 template <>
-void complete(const Json &value, const Place &place, HbaAdapter &adapter) {
+struct Usual<HbaAdapter> {
+    static HbaAdapter of(const HbaAdapter &adapter) {
+        HbaAdapter usual{};
+        usual.attributes.NumberOfPorts = static_cast<HBA_UINT32>(adapter.ports.size());
+        return usual;
+    }
+};
+
+template <>
+inline void complete(const Json &value, const Place &place, HbaAdapter &adapter) {
     constexpr std::size_t nameRoom = 256; // of HBA_GetAdapterName, with the zero at the end
     requireRoom(adapter.name.size(), nameRoom - 1, "bytes", place.member("name"));
     if (!isGiven(value, {"attributes", "NumberOfPorts"})) {
-        adapter.attributes.NumberOfPorts = static_cast<HBA_UINT32>(adapter.ports.size());
+        adapter.attributes.NumberOfPorts = Usual<HbaAdapter>::of(adapter).attributes.NumberOfPorts;
     }
 }
 
-void readHba(const Json &value, const Place &place, Host &host) {
-    read(value, place, host.hba);
-}
-
-} // namespace replay
+} // namespace description
