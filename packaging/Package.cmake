@@ -1,7 +1,3 @@
-# Read by CPack when it makes a package: the commit is known by then, and only then.
-if(EXISTS ${CPACK_TARN_COMMIT_FILE})
-    file(READ ${CPACK_TARN_COMMIT_FILE} COMMIT)
-    if(COMMIT)
-        string(APPEND CPACK_PACKAGE_DESCRIPTION "\nBuilt from commit ${COMMIT}.\n")
-    endif()
-endif()
+# Read by CPack when it makes a package: what it is built from is known by then, and only then.
+file(STRINGS ${CPACK_TARN_VERSION_FILE} TARN_VERSION LIMIT_COUNT 1)
+string(APPEND CPACK_PACKAGE_DESCRIPTION "\nThis is tarnsolaris ${TARN_VERSION}.\n")

@@ -230,7 +230,7 @@ class CommandLine(unittest.TestCase):
         self.assertEqual([name for name, code in classes.items() if int.from_bytes(code[6:8], "big") > 55], [])
         for line in ("Implementation-Title: tarnsolaris", f"Implementation-Version: {version}",
                      "Main-Class: com.kelvo.tarn.cli.Tarn"):
-            self.assertIn(line, manifest)
+            self.assertIn(line, "\n".join(manifest))
 
     def test_a_result_that_cannot_be_written(self):
         with open("/dev/full", "wb") as full:
