@@ -4,7 +4,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcrypt-dev
                 openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java)
-test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3)
+test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
+               libhbaapi2 libhbaapi-dev)
 bench_packages=(libbenchmark-dev)
 
 # What a virtual machine that runs the agent is to find, once it is built.

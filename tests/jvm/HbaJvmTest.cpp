@@ -57,6 +57,15 @@ json target(const std::string &wwn, const json &scsiId = json::object(), const j
     return {{"ScsiId", scsiId}, {"FcpId", {{"PortWWN", wwn}, {"FcpLun", lun}}}};
 }
 
+/// So many of an adapter, each with a name of its own.
+std::vector<json> manyAdapters(int count, const json &adapter) {
+    std::vector<json> adapters(static_cast<std::size_t>(count), adapter);
+    for (json &each : adapters) {
+        each["name"] = "hba-" + std::to_string(--count);
+    }
+    return adapters;
+}
+
 // ---- What the calls leave -------------------------------------------------------------------------------------------
 
 /// The lines that begin with the text, without it and one after another.
@@ -144,7 +153,7 @@ TEST_F(HbaTest, FieldsFullToTheirLastByteLoseIt) {
     full["ports"] = std::vector<json>(10, json::object());
     const std::string symbolicName(256, 's'), device(256, 'd');
     full["ports"][9]["attributes"] = {{"PortSymbolicName", symbolicName}, {"OSDeviceName", device}};
-    std::vector<json> adapters(100, json{{"name", "other"}});
+    std::vector<json> adapters = manyAdapters(100, json::object());
     adapters.push_back(full);
     loadAdapters(adapters);
     const jvm::HbaTree tree = fill();
@@ -178,7 +187,7 @@ TEST_F(HbaTest, CodesAndNamesBecomeWhatJavaKnows) {
 
 TEST_F(HbaTest, EveryFailureLeavesItsLineAndItsHole) {
     replay::loadHostText("{}"); // no library
-    EXPECT_EQ(fill().lines, Lines{});
+    EXPECT_EQ(jvm::HbaTree(env, enterFill(env)).lines, Lines{});
     loadAdapters(twoAdapters("/0/openFailures", 0));
     const Lines whole = fill().shape();
     ASSERT_EQ(whole.size(), 19U);
@@ -211,7 +220,7 @@ TEST_F(HbaTest, EveryFailureLeavesItsLineAndItsHole) {
          "be "
          "right",
          "0/1/./.*", ""},
-        {"", std::vector<json>(4097, json::object()),
+        {"", std::vector<json>(4097, {{"status", {{"GetAdapterName", 1}}}}),
          "Ignoring the 4097 adapters that the HBA library reports -- more than 4096 cannot be right", ".*", "no"},
         {"/0/ports/0/discovered/0/status/GetDiscoveredPortAttributes", 8, "8 (Stale data)", "0/0/0/.*", "0/0/0 null"},
     };
@@ -267,13 +276,10 @@ TEST_F(HbaTest, WhatJavaRefusesIsLeftOut) {
 }
 
 TEST_F(HbaTest, ARefusedRoomForReferencesEndsTheWalkButNotForALine) {
-    const json failing{{"name", "hba-0"},
-                       {"ports", {{{"status", {{"GetPortStatistics", 2}}}}}},
-                       {"status", {{"GetFcpTargetMapping", 1}}}};
-    std::vector<json> adapters(100, failing);
+    std::vector<json> adapters = manyAdapters(
+        100, {{"ports", {{{"status", {{"GetPortStatistics", 2}}}}}}, {"status", {{"GetFcpTargetMapping", 1}}}});
     for (const bool forLine : {false, true}) { // an adapter that does not open leaves three references less
         adapters[0]["openFailures"] = forLine ? 2 : 0;
-        adapters[0]["name"] = "first";
         loadAdapters(adapters);
         jobjectArray filled = nullptr;
         replay::startJournal();
@@ -335,7 +341,7 @@ TEST_F(HbaTest, ThreadsThatFillAtOnceAllGetTheWholeCache) {
         }
         return equal;
     };
-    std::vector<std::future<int>> threads(4);
+    std::vector<std::future<int>> threads(8);
     std::ranges::generate(threads, [&] { return std::async(std::launch::async, fillOften); });
     EXPECT_TRUE(std::ranges::all_of(threads, [](auto &thread) { return thread.get() == 10; }));
     env->DeleteGlobalRef(cache);
@@ -351,6 +357,21 @@ TEST_F(HbaTest, SelfTestTellsWhatTheLibrarySays) {
     EXPECT_EQ(beginning(journal, {"HBA_RefreshInformation "}).size(), 3U); // all that open but SUNW-qlc-3
     EXPECT_EQ(beginning(journal, {"HBA_GetPortStatistics"}), Lines{});
     EXPECT_EQ(beginning(calls, {"GetStaticMethodID"}), Lines{}); // no log
+}
+
+TEST_F(HbaTest, HostsAreToldLetterForLetter) {
+    Lines text;
+    for (const std::string host : {"../../hosts/rill", "refusals"}) {
+        tests::loadHost(host);
+        neverOpened =
+            host == "refusals" ? Lines{"HBA_OpenAdapter busy left open", "HBA_OpenAdapter late left open"} : Lines{};
+        text.push_back(host + ", filled:");
+        std::ranges::copy(fill().lines, std::back_inserter(text));
+        std::ranges::copy(logLines(calls), std::back_inserter(text));
+        text.push_back(host + ", tested:");
+        std::ranges::copy(selfTest(), std::back_inserter(text));
+    }
+    tests::expectFile("jvm/hba-hosts.txt", text);
 }
 
 TEST_F(HbaTest, SelfTestBelievesWhatMayBe) {
