@@ -20,6 +20,23 @@ inline Lines beginning(const Lines &lines, const Lines &starts) {
     return found;
 }
 
+/// The lines that stand more often here than there, each after the sign.
+inline Lines only(const std::string &sign, const Lines &here, Lines there) {
+    Lines all;
+    for (const std::string &line : here) {
+        if (const auto same = std::ranges::find(there, line); same != there.end()) {
+            there.erase(same);
+        } else {
+            all.push_back(sign + line);
+        }
+    }
+    return all;
+}
+
+inline void append(Lines &lines, const Lines &more) {
+    lines.insert(lines.end(), more.begin(), more.end());
+}
+
 inline std::string joined(const Lines &parts, const std::string &separator) {
     std::string text;
     for (const std::string &part : parts) {

@@ -12,22 +12,14 @@ namespace {
 
 using namespace tests;
 
-/// A disk under "/NAME@0,0", unless its members say another path.
-std::string disk(const std::string &name, const std::string &members) {
-    const bool hasPath = members.find(R"("path")") != std::string::npos;
-    return R"({"name": ")" + name + (hasPath ? "" : R"(", "path": "/)" + name + "@0,0") + R"(", )" + members + "}";
+/// A disk with a geometry and a slice 2, and with a label unless it is `bare`.
+std::string disk(const std::string &name, bool isBare, const std::string &slices = R"("s2")") {
+    return R"({"name": ")" + name + R"(", "slices": [)" + slices + R"(], "geometry": {})" +
+           (isBare ? "}" : R"(, "vtoc": {"v_part": []}})");
 }
 
-const std::string geometry =
-    R"("geometry": {"dkg_nhead": 24, "dkg_nsect": 424, "dkg_pcyl": 65535, "dkg_ncyl": 14087, "dkg_acyl": 2})";
-
-std::string labelled(const std::string &label) {
-    return geometry + R"(, "vtoc": {"v_asciilabel": ")" + label + R"(", "v_part": [
-        {"p_tag": 2, "p_size": 20972736}, {"p_tag": 65535, "p_flag": 65534, "p_size": 4294967297}]})";
-}
-
-void loadDisks(const Lines &disks, const std::string &entries = "") {
-    replay::loadHostText(R"({"disks": [)" + joined(disks, ", ") + R"(], "entries": [)" + entries + "]}");
+void loadDisks(const Lines &disks) {
+    replay::loadHostText(R"({"disks": [)" + joined(disks, ", ") + "]}");
 }
 
 class DiskProvidersTest : public jvm::JvmTest {
@@ -100,7 +92,7 @@ TEST_F(DiskProvidersTest, WhatCouldBeReadIsTold) {
 TEST_F(DiskProvidersTest, NamesThatDoNotFitAreNotOpened) {
     for (const std::size_t length : {97u, 98u, 99u, 100u, 1100u}) {
         const std::string name(length, 'd');
-        loadDisks({disk(name, labelled("T") + R"(, "slices": ["", "s2"])")});
+        loadDisks({disk(name, false, R"("", "s2")")});
         replay::startJournal();
         EXPECT_EQ(get(true, newString(name.c_str())) != nullptr, length <= 97) << length;
         EXPECT_EQ(get(false, newString(name.c_str())) != nullptr, length <= 99) << length;
@@ -111,7 +103,7 @@ TEST_F(DiskProvidersTest, NamesThatDoNotFitAreNotOpened) {
 TEST_F(DiskProvidersTest, AThrowingReceiverEndsTheWalk) {
     Lines disks;
     for (int i = 0; i < 200; ++i) { // the first hundred are a log line each, and no slice
-        disks.push_back(disk("c" + std::to_string(i), (i < 100 ? geometry : labelled("T")) + R"(, "slices": ["s2"])"));
+        disks.push_back(disk("c" + std::to_string(i), i < 100));
     }
     loadDisks(disks);
     for (const bool ofDisks : {true, false}) {

@@ -17,24 +17,9 @@
 
 namespace {
 
+using tests::append;
 using tests::Lines;
-
-/// The lines that stand more often here than there, each after the sign.
-Lines only(const std::string &sign, const Lines &here, Lines there) {
-    Lines all;
-    for (const std::string &line : here) {
-        if (const auto same = std::ranges::find(there, line); same != there.end()) {
-            there.erase(same);
-        } else {
-            all.push_back(sign + line);
-        }
-    }
-    return all;
-}
-
-void append(Lines &lines, const Lines &more) {
-    lines.insert(lines.end(), more.begin(), more.end());
-}
+using tests::only;
 
 class EntriesTest : public jvm::JvmTest {
 protected:

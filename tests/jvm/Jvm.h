@@ -17,17 +17,6 @@ JNIEnv *environment();
 /// What -Xcheck:jni has complained about since the last call.
 std::vector<std::string> takeWarnings();
 
-/// A thread of the virtual machine's for as long as this lives.
-class AttachedThread {
-public:
-    AttachedThread();
-    ~AttachedThread();
-    AttachedThread(const AttachedThread &) = delete;
-    AttachedThread &operator=(const AttachedThread &) = delete;
-
-    JNIEnv *env = nullptr;
-};
-
 /// The object's toString(), or "[a,b]" for an array of objects; "null" for null.
 std::string toText(JNIEnv *env, jobject object);
 
