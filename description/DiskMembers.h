@@ -17,12 +17,18 @@ inline constexpr std::string_view callsByPath[] = {"stat", "readlink", "ustat"};
 inline constexpr std::string_view callsByDescriptor[] = {"open",       "close",      "fstat",   "DKIOCINFO",
                                                          "DKIOCGGEOM", "DKIOCGVTOC", "USCSICMD"};
 
+inline constexpr std::string_view openModes[] = {"", " O_RDWR", " O_RDONLY", " O_RDWR|O_NDELAY", " O_RDONLY|O_NDELAY"};
+
+inline bool isCommand(std::string_view name) {
+    return std::ranges::find(scsiCommands, name, &ScsiCommand::name) != scsiCommands.end();
+}
+
 inline bool isFailingCall(std::string_view call) {
-    if (std::ranges::find(callsByPath, call) != std::end(callsByPath)) {
+    if (std::ranges::find(callsByPath, call) != std::end(callsByPath) || isCommand(call)) {
         return true;
     }
     const std::string_view mode = call.substr(std::min(call.find(' '), call.size()));
-    return (mode.empty() || mode == " O_RDWR" || mode == " O_RDONLY") &&
+    return std::ranges::find(openModes, mode) != std::end(openModes) &&
            std::ranges::find(callsByDescriptor, call.substr(0, call.size() - mode.size())) !=
                std::end(callsByDescriptor);
 }
@@ -34,7 +40,7 @@ inline void requireFailingCall(std::string_view call, const Place &place) {
 }
 
 inline void requireCommand(std::string_view name, const Place &place) {
-    if (std::ranges::find(scsiCommands, name, &ScsiCommand::name) == scsiCommands.end()) {
+    if (!isCommand(name)) {
         place.refuse("unknown command");
     }
 }
@@ -49,17 +55,22 @@ struct AnswerForm {
     }
 };
 
-struct ErrnoForm {
+/// An errno; null is none.
+struct OutcomeForm {
     static void read(const Json &value, const Place &place, int &into) {
-        into = errnoIn(value, place);
+        into = value.is_null() ? 0 : errnoIn(value, place);
     }
     static void write(JsonWriter &writer, int value, int) {
-        writer.text(errnoName(value));
+        if (value == 0) {
+            writer.null();
+        } else {
+            writer.text(errnoName(value));
+        }
     }
 };
 
 using ScsiForm = ByTextForm<std::vector<unsigned char>, AnswerForm, Layout::inline_, requireCommand>;
-using FailsForm = ByTextForm<int, ErrnoForm, Layout::inline_, requireFailingCall>;
+using FailsForm = ByTextForm<int, OutcomeForm, Layout::inline_, requireFailingCall>;
 
 template <>
 inline constexpr auto members<dk_geom> = table<dk_geom>(
@@ -79,11 +90,61 @@ inline constexpr auto members<vtoc> = table<vtoc>(MEMBER(vtoc, v_bootinfo), MEMB
                                                   MEMBER(vtoc, v_reserved), MEMBER(vtoc, v_part),
                                                   MEMBER(vtoc, timestamp), MEMBER(vtoc, v_asciilabel));
 
+/// A link that is given may be null.
+struct LinkForm {
+    static void read(const Json &value, const Place &place, std::optional<Link> &into) {
+        NullableTextForm::read(value, place, into.emplace());
+    }
+    static bool isSame(const std::optional<Link> &value, const std::optional<Link> &) {
+        return !value;
+    }
+    static void write(JsonWriter &writer, const std::optional<Link> &value, const std::optional<Link> &) {
+        NullableTextForm::write(writer, *value, {});
+    }
+};
+
 template <>
-inline constexpr auto
-    members<Disk> = table<Disk>(MEMBER(Disk, name), MEMBER(Disk, slices), MEMBER(Disk, path), MEMBER(Disk, major),
-                                MEMBER(Disk, minor), MEMBER(Disk, mounted), MEMBER(Disk, geometry), MEMBER(Disk, vtoc),
-                                FORMED_MEMBER(Disk, scsi, ScsiForm), FORMED_MEMBER(Disk, fails, FailsForm));
+inline constexpr auto members<Slice> = table<Slice>(MEMBER(Slice, name), MEMBER(Slice, place), MEMBER(Slice, minor),
+                                                    MEMBER(Slice, partition), FORMED_MEMBER(Slice, link, LinkForm),
+                                                    FORMED_MEMBER(Slice, rawLink, LinkForm));
+
+/// A slice that is as its place says is its name.
+struct SlicesForm {
+    static void read(const Json &value, const Place &place, std::vector<Slice> &into) {
+        const Json::array_t &list = listOf(value, place);
+        into = std::vector<Slice>(list.size());
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            if (list[i].is_object() && !isGiven(list[i], {"hex"})) {
+                Form<Slice>::read(list[i], place.element(i), into[i]);
+            } else {
+                Form<std::string>::read(list[i], place.element(i), into[i].name);
+            }
+        }
+    }
+    static bool isSame(const std::vector<Slice> &value, const std::vector<Slice> &usual) {
+        return std::ranges::equal(value, usual, Form<Slice>::isSame);
+    }
+    static void write(JsonWriter &writer, const std::vector<Slice> &value, const std::vector<Slice> &) {
+        writer.beginList();
+        for (const Slice &slice : value) {
+            Slice plain{};
+            plain.name = slice.name;
+            if (Form<Slice>::isSame(slice, plain)) {
+                writer.text(slice.name);
+            } else {
+                Form<Slice>::write(writer, slice, Slice());
+            }
+        }
+        writer.endList();
+    }
+};
+
+template <>
+inline constexpr auto members<Disk> = table<Disk>(MEMBER(Disk, name), FORMED_MEMBER(Disk, slices, SlicesForm),
+                                                  MEMBER(Disk, directories), MEMBER(Disk, path), MEMBER(Disk, major),
+                                                  MEMBER(Disk, minor), MEMBER(Disk, mounted), MEMBER(Disk, geometry),
+                                                  MEMBER(Disk, vtoc), FORMED_MEMBER(Disk, scsi, ScsiForm),
+                                                  FORMED_MEMBER(Disk, fails, FailsForm));
 
 template <>
 inline constexpr auto members<Entry> = table<Entry>(MEMBER(Entry, path), MEMBER(Entry, link),
@@ -115,10 +176,23 @@ inline void complete(const Json &value, const Place &, vtoc &label) {
 
 template <>
 inline void complete(const Json &, const Place &place, Disk &disk) {
-    requireRoom(disk.slices.size(), mostSlices, "slices", place.member("slices"));
+    const Place slices = place.member("slices");
+    requireRoom(disk.slices.size(), mostSlices, "slices", slices);
+    for (std::size_t i = 0; i < disk.slices.size(); ++i) {
+        if (disk.place(i) >= mostSlices) {
+            const Place slice = slices.element(i);
+            slice.member("place").refuse(std::to_string(disk.place(i)) + " is not in 0 to 25");
+        }
+    }
+    const Place directories = place.member("directories");
+    for (std::size_t i = 0; i < disk.directories.size(); ++i) {
+        if (disk.directories[i] != blockDirectory && disk.directories[i] != rawDirectory) {
+            directories.element(i).refuse("\"/dev/dsk\" or \"/dev/rdsk\" expected");
+        }
+    }
     const Place mounted = place.member("mounted");
     for (std::size_t i = 0; i < disk.mounted.size(); ++i) {
-        if (std::ranges::find(disk.slices, disk.mounted[i]) == disk.slices.end()) {
+        if (std::ranges::find(disk.slices, disk.mounted[i], &Slice::name) == disk.slices.end()) {
             mounted.element(i).refuse("\"" + disk.mounted[i] + "\" is no slice of the disk");
         }
     }

@@ -103,7 +103,7 @@ inline constexpr auto
                                             MEMBER(HbaAdapter, status));
 
 template <>
-inline constexpr auto members<Hba> = table<Hba>(MEMBER(Hba, adapters));
+inline constexpr auto members<Hba> = table<Hba>(MEMBER(Hba, NumberOfAdapters), MEMBER(Hba, adapters));
 
 template <>
 struct Usual<HbaPort> {

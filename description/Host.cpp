@@ -13,26 +13,30 @@ namespace description {
 
 template <>
 inline constexpr auto members<Host> = table<Host>(
-    FORMED_MEMBER(Host, sysinfo, ByNameForm<sysinfoCommands>), MEMBER(Host, uname),
-    FORMED_MEMBER(Host, sysconf, ByNameForm<sysconfNames>), FORMED_MEMBER(Host, processors, ProcessorsForm),
-    MEMBER(Host, kstat), FORMED_MEMBER(Host, mnttab, MountTableForm),
-    memberRow<Host, FieldAt<&Host::statvfs>, ByTextForm<StatVfs, Form<StatVfs>, Layout::lines>>("statvfs"),
+    FORMED_MEMBER(Host, recordedAt, TimeForm), FORMED_MEMBER(Host, sysinfo, ByNameForm<sysinfoCommands>),
+    MEMBER(Host, uname), FORMED_MEMBER(Host, sysconf, ByNameForm<sysconfNames>),
+    FORMED_MEMBER(Host, processors, ProcessorsForm), MEMBER(Host, kstat), FORMED_MEMBER(Host, mnttab, MountTableForm),
+    FORMED_MEMBER(Host, statvfs, FileSystemsForm),
     memberRow<Host, FieldAt<&Host::shadow>, ByTextForm<std::optional<std::string>, NullableTextForm>>("shadow"),
-    MEMBER(Host, disks), MEMBER(Host, entries), MEMBER(Host, hba));
+    MEMBER(Host, disks), MEMBER(Host, entries),
+    memberRow<Host, FieldAt<&Host::listings>,
+              ByTextForm<std::vector<std::string>, Form<std::vector<std::string>>, Layout::lines>>("listings"),
+    MEMBER(Host, hba));
 
 namespace {
 
-/// Refuses a second file of one path.
-void requireOnePathEach(const Host &host, const Place &place) {
+/// Refuses a second file of one path, and a listing of what is not there or is there once.
+void requireFiles(const Host &host, const Place &place) {
     std::unordered_set<std::string> paths;
     const Place disks = place.member("disks");
     for (std::size_t i = 0; i < host.disks.size(); ++i) {
-        for (const std::string &slice : host.disks[i].slices) {
-            const std::string name = host.disks[i].name + slice;
-            const bool isNew = paths.insert("/dev/dsk/" + name).second;
-            if (!paths.insert("/dev/rdsk/" + name).second || !isNew) {
-                const Place disk = disks.element(i);
-                disk.member("name").refuse("\"" + name + "\" is there already");
+        for (const std::string &directory : host.disks[i].directories) {
+            for (const Slice &slice : host.disks[i].slices) {
+                const std::string name = host.disks[i].name + slice.name;
+                if (!paths.insert(directory + "/" + name).second) {
+                    const Place disk = disks.element(i);
+                    disk.member("name").refuse("\"" + name + "\" is there already");
+                }
             }
         }
     }
@@ -41,6 +45,15 @@ void requireOnePathEach(const Host &host, const Place &place) {
         if (!paths.insert(host.entries[i].path).second) {
             const Place entry = entries.element(i);
             entry.member("path").refuse("\"" + host.entries[i].path + "\" is there already");
+        }
+    }
+    const Place listings = place.member("listings");
+    for (const auto &[directory, names] : host.listings) {
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            if (paths.erase(directory + "/" + names[i]) == 0) {
+                const Place listing = listings.member(directory);
+                listing.element(i).refuse("\"" + names[i] + "\" is not there, or named twice");
+            }
         }
     }
 }
@@ -62,11 +75,19 @@ std::optional<KernelSample> blankSample(const kstat_t &record) {
     return std::nullopt;
 }
 
+std::vector<Slice> Disk::usualSlices() {
+    std::vector<Slice> slices(8);
+    for (std::size_t i = 0; i < slices.size(); ++i) {
+        slices[i].name = "s" + std::to_string(i);
+    }
+    return slices;
+}
+
 Host readHost(const std::string &json) {
     Host host;
     const Place whole;
     Form<Host>::read(parseJson(json), whole, host);
-    requireOnePathEach(host, whole);
+    requireFiles(host, whole);
     return host;
 }
 

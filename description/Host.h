@@ -23,7 +23,12 @@ struct Processor : processor_info_t {
     processorid_t id;
 };
 
-using KernelSample = std::variant<vminfo_t, cpu_stat_t, kstat_io_t>;
+/// A read that fails, with its errno.
+struct KernelReadFailure {
+    int error;
+};
+
+using KernelSample = std::variant<vminfo_t, cpu_stat_t, kstat_io_t, KernelReadFailure>;
 
 /// A record of the kernel statistics chain, and what successive reads of it find; none, and it cannot be read.
 struct KernelRecord : kstat_t {
@@ -33,10 +38,34 @@ struct KernelRecord : kstat_t {
 /// An empty sample of the kind that the record's type, module and name call for. Nothing when such records have none.
 std::optional<KernelSample> blankSample(const kstat_t &record);
 
+/// How large a mounted file system is. `fails` is the errno with which it does not say so, 0 when it does.
+struct FileSystem : StatVfs {
+    std::string path;
+    unsigned seconds; // until it answers
+    int fails;
+};
+
+/// The text of a symbolic link; nothing when an entry is none.
+using Link = std::optional<std::string>;
+
+/// What is left out follows from the slice's place on its disk.
+struct Slice {
+    std::string name;              // what the names of its entries end in
+    std::optional<unsigned> place; // without it, its index among the slices of its disk
+    std::optional<unsigned> minor;
+    std::optional<ushort_t> partition;
+    std::optional<Link> link;    // in /dev/dsk
+    std::optional<Link> rawLink; // in /dev/rdsk
+};
+
+inline constexpr std::string_view blockDirectory = "/dev/dsk";
+inline constexpr std::string_view rawDirectory = "/dev/rdsk";
+
 /// What a disk and its slices look like.
 struct Disk {
     std::string name;
-    std::vector<std::string> slices = {"s0", "s1", "s2", "s3", "s4", "s5", "s6", "s7"};
+    std::vector<Slice> slices = usualSlices();
+    std::vector<std::string> directories = {std::string(blockDirectory), std::string(rawDirectory)};
     std::optional<std::string> path; // of the physical device; without it the entries are no symbolic links
     unsigned major;
     unsigned minor;
@@ -44,7 +73,14 @@ struct Disk {
     std::optional<dk_geom> geometry;
     std::optional<struct ::vtoc> vtoc;
     ByText<std::vector<unsigned char>> scsi; // answers by command
-    ByText<int> fails;                       // errno by call, or by call and access mode ("open O_RDWR")
+    ByText<int> fails; // errno, or 0, by call ("fstat"), by call and open flags ("open O_RDWR"), or by command
+
+    unsigned place(std::size_t slice) const {
+        return slices[slice].place.value_or(static_cast<unsigned>(slice));
+    }
+
+    /// "s0" to "s7".
+    static std::vector<Slice> usualSlices();
 };
 
 struct Entry {
@@ -96,21 +132,24 @@ struct HbaAdapter {
 };
 
 struct Hba {
+    std::optional<HBA_UINT32> NumberOfAdapters; // that the library claims; without it, as many as there are
     std::vector<HbaAdapter> adapters;
 };
 
 /// One host. A facility that is empty or has no value is absent.
 struct Host {
+    std::string recordedAt;             // "2026-11-24T10:00:00Z"; empty when it was not recorded
     std::map<int, std::string> sysinfo; // by command
     std::optional<struct ::utsname> uname;
     std::map<int, long> sysconf; // by name
     std::map<processorid_t, Processor> processors;
     std::optional<std::vector<KernelRecord>> kstat;
-    std::optional<std::string> mnttab; // the whole text
-    ByText<StatVfs> statvfs;
+    std::optional<std::string> mnttab;         // the whole text
+    ByText<FileSystem> statvfs;                // by path
     ByText<std::optional<std::string>> shadow; // sp_pwdp by user
     std::vector<Disk> disks;
     std::vector<Entry> entries;
+    ByText<std::vector<std::string>> listings; // by directory, the names that it lists first
     std::optional<Hba> hba;
 };
 

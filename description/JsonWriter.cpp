@@ -26,6 +26,10 @@ std::optional<std::string> escaped(std::string_view text) {
 
 } // namespace
 
+bool JsonWriter::isText(std::string_view bytes) {
+    return std::ranges::all_of(bytes, isPlain) || escaped(bytes);
+}
+
 void JsonWriter::begin(char bracket, Layout layout) {
     separate();
     json += bracket;

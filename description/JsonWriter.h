@@ -29,7 +29,7 @@ public:
         end(']');
     }
 
-    /// Of the member whose value comes next.
+    /// Of the member whose value comes next: a text that `isText` takes.
     void name(std::string_view text);
 
     /// A string, or {"hex": ...} of what is no UTF-8 text.
@@ -59,6 +59,9 @@ public:
         json += '\n';
         return std::move(json);
     }
+
+    /// Whether a name or string can be made of the bytes as they are.
+    static bool isText(std::string_view bytes);
 
 private:
     struct Level {

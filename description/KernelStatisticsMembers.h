@@ -36,8 +36,22 @@ inline constexpr auto members<kstat_io_t> = table<kstat_io_t>(
     MEMBER(kstat_io_t, wtime), MEMBER(kstat_io_t, wlentime), MEMBER(kstat_io_t, wlastupdate), MEMBER(kstat_io_t, rtime),
     MEMBER(kstat_io_t, rlentime), MEMBER(kstat_io_t, rlastupdate), MEMBER(kstat_io_t, wcnt), MEMBER(kstat_io_t, rcnt));
 
+template <>
+struct Form<KernelReadFailure> {
+    static void read(const Json &value, const Place &place, KernelReadFailure &into) {
+        into.error = errnoIn(value, place);
+    }
+    static void write(JsonWriter &writer, const KernelReadFailure &value, const KernelReadFailure &) {
+        writer.text(errnoName(value.error));
+    }
+};
+
 /// Adds a sample to a record whose type, module and name are known.
 inline void readSample(const Json &value, const Place &place, KernelRecord &record) {
+    if (value.is_string()) {
+        record.samples.emplace_back(KernelReadFailure{errnoIn(value, place)});
+        return;
+    }
     const std::optional<KernelSample> blank = blankSample(record);
     if (!blank) {
         place.refuse("only vminfo, cpu_stat and KSTAT_TYPE_IO records have data");
@@ -86,8 +100,9 @@ template <>
 struct Usual<KernelRecord> {
     static KernelRecord of(const KernelRecord &record) {
         KernelRecord usual{};
-        if (!record.samples.empty()) {
-            usual.ks_data_size = std::visit([](const auto &sample) { return sizeof sample; }, record.samples.front());
+        const std::optional<KernelSample> blank = blankSample(record);
+        if (blank && !record.samples.empty()) {
+            usual.ks_data_size = std::visit([](const auto &sample) { return sizeof sample; }, *blank);
         }
         return usual;
     }

@@ -370,4 +370,32 @@ private:
     }
 };
 
+/// A text, or null.
+struct NullableTextForm {
+    static void read(const Json &value, const Place &place, std::optional<std::string> &into) {
+        if (!value.is_null()) {
+            Form<std::string>::read(value, place, into.emplace());
+        }
+    }
+    static void write(JsonWriter &writer, const std::optional<std::string> &value, const std::optional<std::string> &) {
+        if (value) {
+            writer.text(*value);
+        } else {
+            writer.null();
+        }
+    }
+};
+
+struct ErrnoForm {
+    static void read(const Json &value, const Place &place, int &into) {
+        into = errnoIn(value, place);
+    }
+    static bool isSame(int value, int usual) {
+        return value == usual;
+    }
+    static void write(JsonWriter &writer, int value, int) {
+        writer.text(errnoName(value));
+    }
+};
+
 } // namespace description

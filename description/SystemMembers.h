@@ -1,5 +1,8 @@
 #pragma once
 
+#include <algorithm>
+#include <utility>
+
 #include "description/Members.h"
 
 // The host as a whole, its processors, mounted file systems and users.
@@ -24,9 +27,11 @@ inline constexpr auto members<Processor> =
                      MEMBER(Processor, pi_processor_type), MEMBER(Processor, pi_fputypes), MEMBER(Processor, pi_clock));
 
 template <>
-inline constexpr auto members<StatVfs> = table<StatVfs>(MEMBER(StatVfs, f_bsize), MEMBER(StatVfs, f_frsize),
-                                                        MEMBER(StatVfs, f_blocks), MEMBER(StatVfs, f_bfree),
-                                                        MEMBER(StatVfs, f_bavail));
+inline constexpr auto members<FileSystem> = table<FileSystem>(MEMBER(FileSystem, path), MEMBER(FileSystem, f_bsize),
+                                                              MEMBER(FileSystem, f_frsize),
+                                                              MEMBER(FileSystem, f_blocks), MEMBER(FileSystem, f_bfree),
+                                                              MEMBER(FileSystem, f_bavail), MEMBER(FileSystem, seconds),
+                                                              FORMED_MEMBER(FileSystem, fails, ErrnoForm));
 
 /// A list, in the order of the ids.
 struct ProcessorsForm {
@@ -79,18 +84,57 @@ struct MountTableForm {
     }
 };
 
-/// A text, or null.
-struct NullableTextForm {
-    static void read(const Json &value, const Place &place, std::optional<std::string> &into) {
-        if (!value.is_null()) {
-            Form<std::string>::read(value, place, into.emplace());
+/// An object with a member for each path, or a list of what has a "path": a path need not be a text.
+struct FileSystemsForm {
+    static void read(const Json &value, const Place &place, ByText<FileSystem> &into) {
+        if (!value.is_array()) {
+            ByPath::read(value, place, into);
+            for (auto &[path, fileSystem] : into) {
+                if (!std::exchange(fileSystem.path, path).empty()) {
+                    place.member(path).member("path").refuse("given by the name");
+                }
+            }
+            return;
+        }
+        std::vector<FileSystem> list;
+        Form<std::vector<FileSystem>>::read(value, place, list);
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            if (!into.try_emplace(list[i].path, list[i]).second) {
+                place.element(i).refuse("the path is there already");
+            }
         }
     }
-    static void write(JsonWriter &writer, const std::optional<std::string> &value, const std::optional<std::string> &) {
-        if (value) {
-            writer.text(*value);
+    static bool isSame(const ByText<FileSystem> &value, const ByText<FileSystem> &) {
+        return value.empty();
+    }
+    static void write(JsonWriter &writer, const ByText<FileSystem> &value, const ByText<FileSystem> &usual) {
+        ByText<FileSystem> named = value;
+        std::vector<FileSystem> list;
+        for (auto &[path, fileSystem] : named) {
+            list.push_back(fileSystem);
+            fileSystem.path.clear();
+        }
+        if (std::ranges::all_of(value, [](const auto &entry) { return JsonWriter::isText(entry.first); })) {
+            ByPath::write(writer, named, usual);
         } else {
-            writer.null();
+            Form<std::vector<FileSystem>>::write(writer, list, {});
+        }
+    }
+
+private:
+    using ByPath = ByTextForm<FileSystem, Form<FileSystem>, Layout::lines>;
+};
+
+/// A time as in "2026-11-24T10:00:00Z".
+struct TimeForm : Form<std::string> {
+    static void read(const Json &value, const Place &place, std::string &into) {
+        constexpr std::string_view pattern = "0000-00-00T00:00:00Z";
+        into = textOf(value, place);
+        const bool fits = std::ranges::equal(into, pattern, [](char character, char expected) {
+            return expected == '0' ? character >= '0' && character <= '9' : character == expected;
+        });
+        if (!fits) {
+            place.refuse("a time such as \"2026-11-24T10:00:00Z\" expected");
         }
     }
 };

@@ -1,6 +1,7 @@
 #include "platform/replay/FileTree.h"
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 #include "platform/replay/Host.h"
@@ -8,9 +9,13 @@
 namespace replay {
 namespace {
 
-/// Where a slice's entry leads: the minor node of the physical device.
-std::string linkText(const Disk &disk, unsigned slice, bool raw) {
-    return "../../devices" + *disk.path + ":" + static_cast<char>('a' + slice) + (raw ? ",raw" : "");
+/// Where a slice's entry leads: by default to the minor node of the physical device.
+Link linkOf(const Disk &disk, unsigned slice, bool raw) {
+    const std::optional<Link> &given = raw ? disk.slices[slice].rawLink : disk.slices[slice].link;
+    if (given || !disk.path) {
+        return given.value_or(std::nullopt);
+    }
+    return "../../devices" + *disk.path + ":" + static_cast<char>('a' + disk.place(slice)) + (raw ? ",raw" : "");
 }
 
 } // namespace
@@ -24,11 +29,11 @@ Host::Host(description::Host described) : description::Host(std::move(described)
     for (const Entry &entry : entries) {
         files.addEntry(entry);
     }
-    files.finish();
+    files.finish(listings);
 }
 
 dev_t Device::number() const {
-    return makedev(disk->major, disk->minor + slice);
+    return makedev(disk->major, disk->slices[slice].minor.value_or(disk->minor + disk->place(slice)));
 }
 
 void FileTree::add(std::string path, bool first, FileNode node) {
@@ -39,14 +44,14 @@ void FileTree::add(std::string path, bool first, FileNode node) {
 }
 
 void FileTree::addSlice(const Disk &disk, unsigned slice) {
-    const std::string &name = disk.slices[slice];
-    for (const bool raw : {false, true}) {
-        FileNode node{std::nullopt, Device{&disk, slice, raw}, true};
-        if (disk.path) {
-            node.link = linkText(disk, slice, raw);
+    const std::string &name = disk.slices[slice].name;
+    for (const std::string &directory : disk.directories) {
+        const bool raw = directory == description::rawDirectory;
+        FileNode node{linkOf(disk, slice, raw), Device{&disk, slice, raw}, true};
+        if (node.link) {
             devicesByLink.emplace(*node.link, *node.device);
         }
-        add((raw ? "/dev/rdsk/" : "/dev/dsk/") + disk.name + name, false, std::move(node));
+        add(directory + "/" + disk.name + name, false, std::move(node));
     }
     if (std::ranges::find(disk.mounted, name) != disk.mounted.end()) {
         mounted.emplace(Device{&disk, slice, false}.number(), &disk);
@@ -63,11 +68,19 @@ void FileTree::addEntry(const Entry &entry) {
     add(entry.path, entry.position == description::positionFirst, std::move(node));
 }
 
-void FileTree::finish() {
+void FileTree::finish(const ByText<std::vector<std::string>> &listings) {
+    for (const auto &[path, names] : listings) {
+        directories[path]; // is there, even when nothing is in it
+    }
     for (auto &[path, listing] : directories) {
         std::vector<std::string> names = {".", ".."};
+        if (const auto given = listings.find(path); given != listings.end()) {
+            std::ranges::copy(given->second, std::back_inserter(names));
+        }
+        const std::unordered_set<std::string> listed(names.begin(), names.end());
         for (auto *part : {&listing.first, &listing.names}) {
-            std::ranges::move(*part, std::back_inserter(names));
+            std::ranges::copy_if(*part, std::back_inserter(names),
+                                 [&](const std::string &name) { return !listed.contains(name); });
         }
         listing = {{}, std::move(names)};
     }
@@ -100,9 +113,12 @@ int failureOf(const Disk &disk, std::string_view call, int openFlags) {
     }
     const int mode = openFlags & O_ACCMODE;
     if (mode == O_RDWR || mode == O_RDONLY) {
-        if (const int error = failureOf(disk, std::string(call) + (mode == O_RDWR ? " O_RDWR" : " O_RDONLY"));
-            error != 0) {
-            return error;
+        const std::string inMode = std::string(call) + (mode == O_RDWR ? " O_RDWR" : " O_RDONLY");
+        const std::string withFlag = (openFlags & O_NDELAY) != 0 ? inMode + "|O_NDELAY" : inMode;
+        for (const std::string &name : {withFlag, inMode}) {
+            if (const auto found = disk.fails.find(name); found != disk.fails.end()) {
+                return found->second;
+            }
         }
     }
     return failureOf(disk, call);

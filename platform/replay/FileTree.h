@@ -14,8 +14,10 @@
 
 namespace replay {
 
+using description::ByText;
 using description::Disk;
 using description::Entry;
+using description::Link;
 
 /// A slice of a disk, as a block device under /dev/dsk or as a character device under /dev/rdsk.
 struct Device {
@@ -28,7 +30,7 @@ struct Device {
 
 /// What stands at one path. Without a link and without a device it is a plain file.
 struct FileNode {
-    std::optional<std::string> link;
+    Link link;
     std::optional<Device> device; // itself, or what its link leads to
     bool ofDisk;                  // an entry that the disk accounts for
 };
@@ -61,8 +63,9 @@ public:
     /// The disk of a mounted slice. Null when nothing is mounted from that device.
     const Disk *mountedFrom(dev_t device) const;
 
-    /// Puts the listings into their final order, once everything is added.
-    void finish();
+    /// Puts the listings into their final order, once everything is added: first the names that `listings` has of a
+    /// directory.
+    void finish(const ByText<std::vector<std::string>> &listings);
 
 private:
     struct Listing {

@@ -127,7 +127,8 @@ int answerRequest(const OpenDevice &opened, int request, void *argument) {
     case DKIOCINFO: {
         auto &information = *static_cast<dk_cinfo *>(argument);
         information = {};
-        information.dki_partition = static_cast<ushort_t>(opened.device.slice);
+        information.dki_partition =
+            disk.slices[opened.device.slice].partition.value_or(static_cast<ushort_t>(disk.place(opened.device.slice)));
         return 0;
     }
     case DKIOCGGEOM:

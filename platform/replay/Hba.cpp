@@ -136,7 +136,10 @@ HBA_STATUS HBA_FreeLibrary() {
 HBA_UINT32 HBA_GetNumberOfAdapters() {
     return answerLoaded(
         0, [] { return std::string("HBA_GetNumberOfAdapters"); },
-        [] { return static_cast<HBA_UINT32>(library->host->hba->adapters.size()); });
+        [] {
+            const description::Hba &hba = *library->host->hba;
+            return hba.NumberOfAdapters.value_or(static_cast<HBA_UINT32>(hba.adapters.size()));
+        });
 }
 
 HBA_STATUS HBA_GetAdapterName(HBA_UINT32 index, char *name) {

@@ -9,9 +9,6 @@
 
 namespace replay {
 
-using description::Disk;
-using description::Entry;
-
 /// One host as a description says it is, with the files that follow from it. Never changed once it is loaded, so that
 /// any number of threads may read it.
 struct Host : description::Host {

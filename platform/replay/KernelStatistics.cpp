@@ -65,7 +65,11 @@ kid_t readRecord(Chain &chain, kstat_t *header, void *buffer) {
     if (samples.empty()) {
         return failWith(ENXIO);
     }
-    record->data = samples[std::min(record->reads++, samples.size() - 1)];
+    const KernelSample &sample = samples[std::min(record->reads++, samples.size() - 1)];
+    if (const auto *failed = std::get_if<description::KernelReadFailure>(&sample); failed != nullptr) {
+        return failWith(failed->error);
+    }
+    record->data = sample;
     record->ks_data = std::visit([](auto &data) -> void * { return &data; }, record->data);
     if (buffer != nullptr) {
         std::memcpy(buffer, record->ks_data, record->ks_data_size);

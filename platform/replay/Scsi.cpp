@@ -87,6 +87,9 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
     if (command.uscsi_bufaddr == nullptr && command.uscsi_buflen != 0) {
         return EFAULT;
     }
+    if (const int error = failureOf(disk, known->name); error != 0) {
+        return error;
+    }
     const auto answer = disk.scsi.find(known->name);
     if (answer == disk.scsi.end()) {
         return refuseCommand(command);
