@@ -91,7 +91,7 @@ TEST(TargetMapping, AnIndexThatCannotBeBuiltFindsNothing) {
     RemotePortIndex index;
     index.build(entries);
     EXPECT_EQ(index.find({}).size(), 3U);
-    const std::span<const HBA_FCPSCSIENTRY> tooMany(entries.data(), std::numeric_limits<std::size_t>::max() / 1024);
+    const std::span<const HBA_FCPSCSIENTRY> tooMany(entries.data(), std::numeric_limits<std::size_t>::max() / 16);
     EXPECT_THROW(index.build(tooMany), std::exception);
     EXPECT_EQ(index.find({}).size(), 0U);
 }
