@@ -7,6 +7,7 @@
 
 #include "common/AgentClasses.h"
 #include "common/Directory.h"
+#include "common/DiskDevices.h"
 #include "common/EntryPoint.h"
 #include "common/Jni.h"
 #include "common/JniString.h"
@@ -16,9 +17,6 @@
 // what the drivers tell, and the Java provider's own method makes the instance of it.
 
 namespace tarn {
-
-/// Where the raw-disk devices are: one entry per slice, each a symbolic link into the device tree.
-inline constexpr const char *s_dev_rdsk = "/dev/rdsk";
 
 inline constexpr std::size_t nameFieldSize = 100; // of an entry's or a disk's name, terminator included
 

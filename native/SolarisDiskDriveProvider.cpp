@@ -9,7 +9,6 @@
 namespace tarn {
 namespace {
 
-constexpr std::string_view wholeDiskSlice = "s2";
 constexpr std::string_view deviceTree = "/devices/";
 constexpr std::size_t diskTypeLimit = 128;  // characters
 constexpr std::size_t linkTextLimit = 1023; // characters
@@ -81,11 +80,11 @@ jobject DiskDriveImpl::MakeDisk(const char *entryName) {
 }
 
 FileDescriptor DiskDriveImpl::OpenDeviceForIoctl(const char *path) {
-    FileDescriptor device(solaris::open(path, O_RDWR | O_NDELAY));
+    FileDescriptor device(solaris::open(path, openForRequests));
     dk_geom geometry{};
     if (device.isOpen() && solaris::ioctl(device.get(), DKIOCGGEOM, &geometry) < 0) {
         device.close();
-        return FileDescriptor(solaris::open(path, O_RDONLY));
+        return FileDescriptor(solaris::open(path, openForRequestsAgain));
     }
     return device;
 }

@@ -7,13 +7,13 @@
 #include <tuple>
 
 #include "common/Directory.h"
+#include "common/DiskDevices.h"
 #include "common/ReadLink.h"
 #include "platform/solaris.h"
 
 namespace tarn {
 namespace {
 
-constexpr const char *dev_dsk = "/dev/dsk";
 constexpr std::string_view firstSlice = "s0";
 constexpr unsigned minorsPerDiskShift = 3; // a disk driver gives each instance 8 minor numbers, one per slice
 

@@ -53,7 +53,7 @@ jobject DiskPartitionImpl::MakePartition(const char *entryName) {
         return nullptr;
     }
     const std::string diskName = partitionDiskName(entryName);
-    const FileDescriptor device(solaris::open(devicePath(entryName).c_str(), O_RDWR | O_NDELAY));
+    const FileDescriptor device(solaris::open(devicePath(entryName).c_str(), openForRequests));
     if (!device.isOpen()) {
         return nullptr;
     }

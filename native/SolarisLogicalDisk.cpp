@@ -1,8 +1,7 @@
 #include "native/SolarisLogicalDisk.h"
 
-#include <string_view>
-
 #include "common/JniString.h"
+#include "common/MountTable.h"
 #include "native/HostInformation.h"
 #include "platform/solaris.h"
 
@@ -11,41 +10,6 @@ namespace {
 
 constexpr const char *logicalDiskClassName =
     "com/kelvo/tarn/providers/solaris/SolarisLogicalDiskProvider$SolarisLogicalDisk";
-
-constexpr const char *mountTablePath = "/etc/mnttab";
-
-/// The system's table of mounted file systems, read from its start and closed with its scope.
-class MountTable {
-public:
-    MountTable() : file(solaris::fopen(mountTablePath, "r")) {
-    }
-    ~MountTable() {
-        if (isOpen()) {
-            solaris::fclose(file);
-        }
-    }
-    MountTable(const MountTable &) = delete;
-    MountTable &operator=(const MountTable &) = delete;
-
-    bool isOpen() const {
-        return file != nullptr;
-    }
-
-    /// The next UFS or NFS entry, valid until the next call; null at the end, which a malformed entry is too.
-    const mnttab *nextLogicalDisk() {
-        while (solaris::getmntent(file, &entry) == 0) {
-            const std::string_view type = entry.mnt_fstype;
-            if (type == "ufs" || type == "nfs") {
-                return &entry;
-            }
-        }
-        return nullptr;
-    }
-
-private:
-    FILE *file;
-    mnttab entry{};
-};
 
 void readSizes(const char *mountPoint, LogicalDisk &disk) {
     struct statvfs64 status {};

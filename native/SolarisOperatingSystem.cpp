@@ -29,7 +29,7 @@ long configuration(int name) {
 
 /// The kernel's paging counters at this moment; nothing when there is no such record or it cannot be read.
 std::optional<vminfo_t> readPagingCounters(const KernelStatistics &statistics) {
-    kstat_t *const record = statistics.lookup("unix", 0, "vminfo");
+    kstat_t *const record = statistics.pagingCounters();
     return record == nullptr ? std::nullopt : statistics.read<vminfo_t>(record, offsetof(vminfo_t, swap_free));
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/FieldText.h"
+#include "common/Processors.h"
 #include "native/HostInformation.h"
 #include "platform/solaris.h"
 
@@ -13,15 +14,6 @@ constexpr const char *processorClassName =
     "com/kelvo/tarn/providers/solaris/processor/SolarisProcessorProvider$SolarisProcessorData";
 
 constexpr long processorLimit = 128;
-
-constexpr long largestKnownId = 4095; // beyond the ids of any SPARC; for a system that does not tell its own limit
-constexpr long largestProbedId = 1'048'575; // so that no answer of the system makes the probing endless
-
-/// The largest id a processor can have on this system.
-long largestProcessorId() {
-    const long largest = solaris::sysconf(_SC_CPUID_MAX);
-    return largest < 0 ? largestKnownId : std::min(largest, largestProbedId);
-}
 
 ResultClass GetClassAndMethod(JNIEnv *env) {
     return bindResultClass(env, processorClassName, "(ILjava/lang/String;Ljava/lang/String;J)V");
@@ -37,19 +29,11 @@ jobject makeProcessor(const ProcessorInfo &info, JNIEnv *env, const ResultClass 
 } // namespace
 
 std::vector<ProcessorInfo> GetProcessors() {
-    long missing = std::min(solaris::sysconf(_SC_NPROCESSORS_CONF), processorLimit);
-    const long largestId = largestProcessorId();
     std::vector<ProcessorInfo> processors;
-    processors.reserve(static_cast<std::size_t>(std::max(missing, 0L)));
-    for (processorid_t id = 0; missing > 0 && id <= largestId; ++id) {
-        processor_info_t information{};
-        if (solaris::processor_info(id, &information) == -1) {
-            continue;
-        }
+    forEachProcessor(processorLimit, [&](processorid_t id, const processor_info_t &information) {
         processors.push_back({id, std::string(fieldText(information.pi_processor_type)),
                               information.pi_state == P_ONLINE ? "online" : "offline", information.pi_clock});
-        --missing;
-    }
+    });
     return processors;
 }
 

@@ -1,11 +1,14 @@
 #include "native/SolarisScsiInterrogatorC.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <mutex>
+#include <optional>
+#include <string_view>
 
+#include "common/ArrayLuns.h"
 #include "common/Directory.h"
+#include "common/DiskDevices.h"
 #include "common/FileDescriptor.h"
 #include "platform/solaris.h"
 
@@ -13,37 +16,18 @@ using namespace tarn;
 
 namespace {
 
-// Standard INQUIRY data.
-constexpr std::size_t inquiryVendorAt = 8;
-constexpr std::size_t inquiryProductAt = 16;
 constexpr std::size_t inquiryRevisionAt = 32;
-constexpr std::size_t vendorSize = 8;
-constexpr std::size_t productSize = 16;
 constexpr std::size_t revisionSize = 4;
 
-// INQUIRY page 0xC0: the identity of the controller that owns the LUN.
-constexpr std::size_t pageC0ControllerAt = 112;
-constexpr std::size_t controllerIdSize = 16;
-
-constexpr char accessLunProduct[] = "Universal Xport ";
-static_assert(sizeof accessLunProduct - 1 == productSize);
-
-constexpr char rawDeviceDirectory[] = "/dev/rdsk";
-constexpr char wholeDiskSlice[] = "s2";
-constexpr std::size_t pathSize = 256;
-constexpr std::size_t controllerFieldSize = 256; // blanks to 16 characters and a terminator, so that it can be traced
-constexpr short commandTimeout = 30;             // seconds
-
-using Path = std::array<char, pathSize>;
+using Path = std::array<char, scsiPathSize>;
 
 /// The tables of the page decoding belong to the process, so one scan at a time uses them.
 std::mutex scanLock;
 
 /// One of the array's two controllers.
 struct Controller {
-    std::array<char, controllerFieldSize> field{};
-    Path chosenLun{};   // empty until discovery finds one
-    bool isUtm = false; // the chosen LUN is an access LUN
+    Path chosenLun{}; // empty until discovery finds one
+    std::optional<LunKind> chosenKind;
     unsigned numberOfDrivesOut = 0;
     int logSelect = 0;
 };
@@ -51,27 +35,20 @@ struct Controller {
 /// A LUN as discovery sees it.
 struct Lun {
     Path path{};
-    bool isUtm = false;
-    std::array<char, controllerIdSize> controller{}; // identity of its owner
+    LunKind kind = LunKind::data;
+    std::optional<std::size_t> controller; // index of its owner, when that is one of the array's
 };
 
 /// What one scan holds, on the stack.
 struct Scan {
+    ArrayNames names;
     std::array<Controller, 2> controllers{};
-    std::array<char, vendorSize> vendorField{};
-    std::array<char, productSize> productField{};
     std::array<unsigned char, dataBufferSize> data{};
     uscsi_cmd command{};
     char commonReturnString[2][commonStringSize] = {};
     char uncommonReturnString[2][uncommonStringSize] = {};
     char result[returnStringSize] = {};
 };
-
-/// Lays the text over the start of `width` blanks; what does not fit is cut. No terminator is written.
-void fillField(char *field, std::size_t width, const char *text) {
-    std::memset(field, ' ', width);
-    std::copy_n(text, std::min(std::strlen(text), width), field);
-}
 
 void directToDataBuffer(Scan &scan) {
     scan.command.uscsi_flags = USCSI_READ;
@@ -80,7 +57,7 @@ void directToDataBuffer(Scan &scan) {
 }
 
 FileDescriptor openToRead(const Path &path) {
-    return FileDescriptor(solaris::open(path.data(), O_RDONLY | O_NDELAY));
+    return FileDescriptor(solaris::open(path.data(), openForCommands));
 }
 
 /// Sends a read command into a cleared buffer: an answer that is cut short is followed by zeros, not by the one before.
@@ -107,24 +84,14 @@ void traceInquiry(const unsigned char *inquiry) {
     standalonePrintf("\" ");
 }
 
-/// Whether standard INQUIRY data tell a LUN of the array; `isUtm` then tells which kind.
-bool isOfArray(const Scan &scan, bool &isUtm) {
-    const unsigned char *const inquiry = scan.data.data();
-    if (std::memcmp(inquiry + inquiryVendorAt, scan.vendorField.data(), vendorSize) != 0) {
-        return false;
-    }
-    isUtm = std::memcmp(inquiry + inquiryProductAt, accessLunProduct, productSize) == 0;
-    return isUtm || std::memcmp(inquiry + inquiryProductAt, scan.productField.data(), productSize) == 0;
-}
-
 /// Forms the path of the directory's entry. False when there is no room for it.
 bool makePath(Path &path, const char *name) {
-    constexpr std::size_t nameAt = sizeof rawDeviceDirectory; // behind the directory and a slash
+    constexpr std::size_t nameAt = std::char_traits<char>::length(s_dev_rdsk) + 1; // behind the directory and a slash
     const std::size_t length = std::strlen(name);
     if (nameAt + length >= path.size()) {
         return false;
     }
-    std::memcpy(path.data(), rawDeviceDirectory, nameAt - 1);
+    std::memcpy(path.data(), s_dev_rdsk, nameAt - 1);
     path[nameAt - 1] = '/';
     std::memcpy(path.data() + nameAt, name, length + 1);
     return true;
@@ -143,44 +110,39 @@ const char *identifyLun(Scan &scan, const char *name, Lun &lun) {
         return "No SCSI Standard Inquiry.";
     }
     traceInquiry(scan.data.data());
-    if (!isOfArray(scan, lun.isUtm)) {
+    const std::optional<LunKind> kind = lunKind(scan.names, scan.data.data());
+    if (!kind) {
         return "not a recognized LSI-derived LUN - skipping. ";
     }
     if (!read(scan, device, scsiInquiryVPDC0, inquirySize)) {
         return "scsiInquiryVPDC0 failed - skipping. ";
     }
-    std::memcpy(lun.controller.data(), scan.data.data() + pageC0ControllerAt, controllerIdSize);
+    lun.kind = *kind;
+    lun.controller = lunController(scan.names, scan.data.data());
     return nullptr;
-}
-
-/// The first LUN of a controller is its chosen one until the first access LUN replaces it.
-void considerLun(Controller &controller, const Lun &lun) {
-    const bool isFirst = controller.chosenLun[0] == '\0';
-    if (isFirst || (lun.isUtm && !controller.isUtm)) {
-        controller.chosenLun = lun.path;
-        controller.isUtm = lun.isUtm;
-    }
 }
 
 void assignLun(Scan &scan, const Lun &lun) {
     standalonePrintf("C0:\"");
     traceCharacters(scan.data.data() + pageC0ControllerAt, controllerIdSize);
     standalonePrintf("\"");
-    for (std::size_t i = 0; i < scan.controllers.size(); ++i) {
-        if (std::memcmp(lun.controller.data(), scan.controllers[i].field.data(), controllerIdSize) == 0) {
-            standalonePuts(i == 0 ? "1" : "2");
-            considerLun(scan.controllers[i], lun);
-            return;
-        }
+    if (!lun.controller) {
+        standalonePuts("");
+        return;
     }
-    standalonePuts("");
+    standalonePuts(*lun.controller == 0 ? "1" : "2");
+    Controller &controller = scan.controllers[*lun.controller];
+    if (isChosen(controller.chosenKind, lun.kind)) {
+        controller.chosenLun = lun.path;
+        controller.chosenKind = lun.kind;
+    }
 }
 
 /// Chooses one LUN per controller among the whole-disk entries of the raw-device directory.
 void discoverLuns(Scan &scan) {
-    Directory directory(rawDeviceDirectory);
+    Directory directory(s_dev_rdsk);
     while (const char *const name = directory.next()) {
-        if (std::strstr(name, wholeDiskSlice) == nullptr) {
+        if (std::string_view(name).find(wholeDiskSlice) == std::string_view::npos) {
             continue;
         }
         standalonePrintf("%s: ", name);
@@ -190,7 +152,7 @@ void discoverLuns(Scan &scan) {
             continue;
         }
         assignLun(scan, lun);
-        if (scan.controllers[0].isUtm && scan.controllers[1].isUtm) {
+        if (scan.controllers[0].chosenKind == LunKind::access && scan.controllers[1].chosenKind == LunKind::access) {
             standalonePuts("GOT UTM LUN from each Controller - ending scan.");
             return;
         }
@@ -198,14 +160,13 @@ void discoverLuns(Scan &scan) {
 }
 
 void traceChosenLuns(const Scan &scan) {
-    const auto kind = [](const Controller &controller) { return controller.isUtm ? "" : "NON-"; };
-    const Controller &first = scan.controllers[0];
-    const Controller &second = scan.controllers[1];
-    // The digit in both names is how these lines have always read.
-    standalonePrintf("Chosen Lun from Contro1ler1\"%s\": %s (%sUTM)\n", first.field.data(), first.chosenLun.data(),
-                     kind(first));
-    standalonePrintf("Chosen Lun from Contro1ler2\"%s\": %s (%sUTM)\n", second.field.data(), second.chosenLun.data(),
-                     kind(second));
+    for (std::size_t i = 0; i < scan.controllers.size(); ++i) {
+        const Controller &controller = scan.controllers[i];
+        // The digit within the name is how these lines have always read.
+        standalonePrintf("Chosen Lun from Contro1ler%u\"%.16s\": %s (%sUTM)\n", static_cast<unsigned>(i + 1),
+                         scan.names.controllers[i].data(), controller.chosenLun.data(),
+                         controller.chosenKind == LunKind::access ? "" : "NON-");
+    }
 }
 
 void sendLogSelect(Scan &scan, const FileDescriptor &device) {
@@ -272,13 +233,9 @@ int scsiInterrogatorC(char *returnString, const char *controller1Id, const char 
         return 0;
     }
     const std::lock_guard<std::mutex> onlyScan(scanLock);
-    Scan scan;
-    fillField(scan.controllers[0].field.data(), controllerIdSize, controller1Id);
-    fillField(scan.controllers[1].field.data(), controllerIdSize, controller2Id);
-    fillField(scan.vendorField.data(), vendorSize, vendorId);
-    fillField(scan.productField.data(), productSize, productId);
+    Scan scan{ArrayNames(controller1Id, controller2Id, vendorId, productId)};
     std::memset(driveStatistics, 0, sizeof driveStatistics);
-    scan.command.uscsi_timeout = commandTimeout;
+    scan.command.uscsi_timeout = scsiTimeout;
     directToDataBuffer(scan);
 
     discoverLuns(scan);

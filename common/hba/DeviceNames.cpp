@@ -5,13 +5,13 @@
 #include <string>
 
 #include "common/Directory.h"
+#include "common/DiskDevices.h"
 #include "common/FieldText.h"
 #include "common/ReadLink.h"
 
 namespace tarn {
 namespace {
 
-constexpr const char *s_dev_rdsk = "/dev/rdsk";
 constexpr std::string_view s_devices = "/devices/";
 constexpr std::string_view s_dev_dsk_ = "/dev/dsk/";
 

@@ -11,14 +11,18 @@ namespace {
 // the first has yet to load, nor to have it freed under it.
 std::mutex holdersMutex;
 unsigned holders = 0;
+HBA_STATUS loadStatus = HBA_STATUS_OK;
+
+constexpr unsigned openAttempts = 2;
 
 } // namespace
 
-WithHbaLibrary::WithHbaLibrary() {
+WithHbaLibrary::WithHbaLibrary() : status(HBA_STATUS_OK) {
     const std::lock_guard lock(holdersMutex);
     if (holders++ == 0) {
-        HBA_LoadLibrary();
+        loadStatus = HBA_LoadLibrary();
     }
+    status = loadStatus;
 }
 
 WithHbaLibrary::~WithHbaLibrary() {
@@ -37,9 +41,9 @@ WithAdapterHandle::WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 a
         return;
     }
     adapterName[adapterNameSize - 1] = '\0';
-    handle = HBA_OpenAdapter(adapterName);
-    if (handle == 0) {
+    while (handle == 0 && failures < openAttempts) {
         handle = HBA_OpenAdapter(adapterName);
+        failures += handle == 0 ? 1 : 0;
     }
 }
 

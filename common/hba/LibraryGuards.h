@@ -15,6 +15,8 @@ public:
     ~WithHbaLibrary();
     WithHbaLibrary(const WithHbaLibrary &) = delete;
     WithHbaLibrary &operator=(const WithHbaLibrary &) = delete;
+
+    HBA_STATUS status; ///< of the load
 };
 
 inline constexpr int adapterNameSize = 256; // terminator included
@@ -30,8 +32,9 @@ public:
     WithAdapterHandle &operator=(const WithAdapterHandle &) = delete;
 
     WithHbaLibrary &library;
-    HBA_HANDLE handle; ///< 0: the adapter is not open
-    HBA_STATUS status; ///< of the name lookup
+    HBA_HANDLE handle;     ///< 0: the adapter is not open
+    HBA_STATUS status;     ///< of the name lookup
+    unsigned failures = 0; ///< attempts to open that failed
 };
 
 /// Refreshes what the library knows of the adapter, and tells whether it did: the Solaris qlc driver's adapters, which

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string_view>
+
+#include "platform/solaris.h"
+
+namespace tarn {
+
+inline constexpr const char *mountTablePath = "/etc/mnttab";
+
+/// The system's table of mounted file systems, read from its start and closed with its scope.
+class MountTable {
+public:
+    MountTable() : file(solaris::fopen(mountTablePath, "r")) {
+    }
+    ~MountTable() {
+        if (isOpen()) {
+            solaris::fclose(file);
+        }
+    }
+    MountTable(const MountTable &) = delete;
+    MountTable &operator=(const MountTable &) = delete;
+
+    bool isOpen() const {
+        return file != nullptr;
+    }
+
+    /// The next UFS or NFS entry, valid until the next call; null at the end, which a malformed entry is too.
+    const mnttab *nextLogicalDisk() {
+        while (solaris::getmntent(file, &entry) == 0) {
+            const std::string_view type = entry.mnt_fstype;
+            if (type == "ufs" || type == "nfs") {
+                return &entry;
+            }
+        }
+        return nullptr;
+    }
+
+private:
+    FILE *file;
+    mnttab entry{};
+};
+
+} // namespace tarn
