@@ -98,7 +98,7 @@ launch() {
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
         local columns=0
-        read -r _ columns < <(stty size <&1 2>/dev/null) || true
+        read -r _ columns 3<&1 < <(stty size <&3 2>/dev/null) || true
         [ "${columns:-0}" -gt 0 ] || columns=80
         virtual_machine+=("-Dtarn.columns=$columns")
     fi

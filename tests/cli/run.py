@@ -3,17 +3,24 @@
 import json
 import os
 import pty
+import random
 import re
 import shlex
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import unittest
 import zipfile
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
+from fcntl import ioctl
 from pathlib import Path
 
+import questions
+
+ROOT = Path(__file__).parents[2]
 TARN = SCRATCH = None  # the command, and where the descriptions are written
 ANY = object()  # what the case does not compare
 
@@ -29,6 +36,7 @@ class Case:
     log: list = field(default_factory=list)  # "level: message"
     exception: dict | None = None
     shows: list = field(default_factory=list)  # texts of standard output for people, blanks folded
+    prints: str | None = None  # all of standard output
     complains: list = field(default_factory=list)  # texts of the one line of standard error, with nothing printed
     status: int = 0
     password: str = ""
@@ -48,6 +56,8 @@ def read(path):
 
 
 RICH = read("hosts/command-line.json")
+RILL = read("../hosts/rill.json")
+UNPLUGGED = "hosts/rill.json hosts/rill-cable-pulled.json"
 LUNS = read("hosts/array-luns.json")
 
 
@@ -73,6 +83,7 @@ BOTH = array("A", "B")
 FEWER = array("A", "B with one drive")
 REPORT = "    2  0  1  0  2   80" + "".join("%10u" * 8 % (start, 2, 7, 4, 5, 6, 7, 4294967295)
                                              for start in (100, 101, 200, 201))
+FAR = "50000000000000b1"  # a remote port
 ARRAY = "array A B KELVO 'Tray Array'"
 
 # ---- Cases ----------------------------------------------------------------------------------------------------------
@@ -134,6 +145,71 @@ CASES = [
       for command, missing in (
           ("processors 7", "processor 7"), ("disk-io nope", "disk nope"), ("disks nope", "disk nope"),
           ("partitions nope", "partition nope"))),
+    *(Case(f"with a directory: {command}", command, RICH, result) for command, result in (
+        ("disks /dev/rdsk/c1t0d0", RESULTS["disks"][0]), ("disk-io /dev/dsk/c1t0d0", RESULTS["disk-io"][0]),
+        ("partitions /dev/rdsk/c1t0d0s1", RESULTS["partitions"][1]))),
+    *(Case(f"sizes: {sizes}", "logical-disks --sizes", {
+        "mnttab": ["d\t/u\tufs\trw\t1"],
+        "statvfs": {"/u": dict(zip(("f_frsize", "f_blocks", "f_bfree", "f_bavail"), sizes))}},
+        shows=[f"/u ufs {shown} d"]) for sizes, shown in (
+            ((0, 0, 0, 0), "unknown unknown unknown -"), ((1, 1000, 100, 99), "1000 B 900 B 99 B !! 90.1%"),
+            ((1, 1000, 100, 101), "1000 B 900 B 101 B 89.9%"), ((1, 10, 0, -1), "10 B 10 B 0 B !! 100.0%"))),
+    Case("sizes of all", "logical-disks --sizes", RICH, picks={"0.totalBytes": 1024000, "1.totalBytes": 0}),
+    Case("blank names of an adapter", "hba", {"hba": {"adapters": [{"name": "a", "ports": [{}]}]}}, log=ANY,
+         shows=["Adapter 0 └─ Port 0: !! STATE UNKNOWN, speed unknown └─"]),
+
+    *(Case(f"check: {name}", "check", host, log=ANY, status=status, shows=shown) for name, host, status, shown in (
+        ("the built-in host", None, 1, ["TARN WARNING - 8 findings: 0 critical, 8 warnings warning file-system-full "
+                                        "/backup: 91.9% used, 5.4 GiB available warning disk-unreadable c0t0d0"]),
+        ("nothing wrong", {"sysconf": RICH["sysconf"], "kstat": []}, 0, ["TARN OK - nothing found"]),
+        ("all links down", {"kstat": [], "sysconf": RICH["sysconf"], "hba": {"adapters": [{"name": "a", "ports": [
+            {"attributes": {"PortState": 6}}] * 2}]}}, 2, [
+                "TARN CRITICAL - 2 findings: 2 critical, 0 warnings !! critical port-not-online adapter 0 port 0"]),
+        ("a call that raises", {"sysconf": RICH["sysconf"]}, 2, ["section-failed disk-io: kstat open failed."]))),
+    Case("check: a drive with errors", f"check --{ARRAY}", BOTH, log=ANY, status=2, shows=[
+        "drive-errors tray 0 slot 1: A counts unrecovered errors: 6, request timeouts: 7; B counts"]),
+    Case("check: an array that does not count", f"check --{ARRAY}", array("A without blocks"), log=ANY, status=2,
+         shows=["array-counters A: "]),
+    Case("check: another limit", "check --full 92", log=ANY, status=1, picks={"findings.0.code": "disk-unreadable"}),
+    *(Case(f"check refuses: {command}", command, host, complains=[complaint], status=3)
+      for command, host, complaint in (
+          ("check --full 101", None, "101"), ("check --full x", None, "--full: 'x' is not a number"),
+          ("--odd check", None, "--odd"), ("check", "no JSON", "HOST.json"))),
+    *(Case(f"a way of two ports: {states}", "paths", {"hba": {"adapters": [{
+        "name": "a", "ports": [{
+            "attributes": {"PortState": state, "PortWWN": f"21000000000000a{number}"},
+            "discovered": [{"attributes": {"PortWWN": FAR, "NodeWWN": "50000000000000b0", "PortState": 2}}]}
+            for number, state in enumerate(states)],
+        "targetMapping": [{"ScsiId": {"OSDeviceName": "/dev/rdsk/c1t2d3s2"}, "FcpId": {"PortWWN": FAR}}]}]}},
+        shows=[shown]) for states, shown in (
+            ((2,), f"50000000000000b0 LUN 0 └─ c0t0d0: adapter 0 port 0 21000000000000a0 online → {FAR} online "),
+            ((2, 2), "50000000000000b0 LUN 0 ├─"), ((2, 3), "LUN 0: !! ONE PATH LEFT ├─"),
+            ((6, 3), "LUN 0: !! NO PATH LEFT ├─ c0t0d0: adapter 0 port 0 21000000000000a0 !! LINK DOWN →"))),
+    Case("a disk that is mentioned by its adapter only", "disk c4t1d0", RICH, log=ANY, shows=[
+        "Disk: c4t1d0 Instance: - Drive: !! cannot be opened", "no slices", " LUN 0: "]),
+    *(Case(f"no disk {name}", f"disk {name}", RICH, complains=[f"no disk {name}\n"], status=1)
+      for name in ("nope", "/home", "/dev/dsk/", "s0")),
+    Case("no disk, for programs", "disk nope", RICH, None, log=LOGS["report"], status=1),
+    Case("nothing changed", "compare hosts/rill.json hosts/rill.json", result={"changes": [], "rates": None}, log=ANY),
+    Case("a pulled cable", f"compare {UNPLUGGED}", status=1, result=read("cli/cable-pulled.json"), log=ANY),
+    *(Case(f"compare refuses: {command}", command, complains=[complaint], status=2) for command, complaint in (
+        ("compare hosts/rill.json", "NEW"), ("compare hosts/rill.json /no/such", "/no/such"),
+        ("--host hosts/rill.json compare a b", "--host"))),
+
+    *(Case(f"comma-separated: {command}", f"--csv {command}", RICH, log=ANY, status=status, prints=prints)
+      for command, status, prints in (
+          ("processors", 0, "ID,Type,MHz,State\n0,sparcv9,1281,online\n5,sparcv9,1281,offline\n"),
+          ("disk-io c1t0d0", 0, "Disk,Instance,Read,Written,Busy (s),Queue last changed (s since boot)\n"
+           "c1t0d0,sd0,5368709120,1024,7.500,9.000\n"),
+          ("check --full 99", 2, None))),
+    Case("comma-separated: quotes", "--csv logical-disks", {"mnttab": ['a"b\t/x,y\tufs\trw\t1']},
+         prints='Mount point,Type,Device\n"/x,y",ufs,"a""b"\n'),
+    Case("comma-separated: no row", "--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Remote port,"
+         "Remote port state,Device,Bus,Target,SCSI LUN\n"),
+    Case("version", "--version", shows=["tarn " + re.search(
+        r"project\(tarnsolaris VERSION ([^ )]+)", (ROOT / "CMakeLists.txt").read_text())[1]]),
+    Case("help for a command", "help check", shows=["Usage: tarn check", "--full=PERCENT"]),
+    Case("the manual page is up to date", "manual", prints=(ROOT / "docs/tarn.1").read_text()),
     Case("a password among the arguments", f"authenticate root '{PASSWORD}'", password=PASSWORD, status=2,
          complains=["the password is asked for"]),
     Case("a wrong password, for people", "authenticate root", RICH, password="Anything-3\n",
@@ -155,6 +231,7 @@ CASES = [
         ("cpu x", "ID: 'x' is not a number"), ("cpu 3000000000", "range"), ("cpu --host", "--host"),
         ("--host '' cpu", "--host: no file"), ("--host /no/such/file cpu", "/no/such/file"),
         ("--leadville cpu", "hba"), ("cpu --leadville", "--leadville"), ("authenticate", "USER"),
+        ("help nope", "nope"), ("--csv hba", "--csv"), ("--csv --json cpu", "--json"), ("--csv report", "--csv"),
         ("array A B C", "PRODUCT"), ("report --array A B", "--array"), ("report" + 2 * " --array A B C D", "once"))),
 ]
 
@@ -171,8 +248,12 @@ def run(case):
     words = shlex.split(case.command) + ["--json"] * case.is_json()
     if case.host is not None:
         words = ["--host", write_host(case.host), *words]
-    return subprocess.run([TARN, *words], input=case.password.encode(), capture_output=True, timeout=120,
+    return subprocess.run([TARN, *words], cwd=ROOT, input=case.password.encode(), capture_output=True, timeout=120,
                           env={**os.environ, **case.environment})
+
+
+def ask(command, host=None):
+    return json.loads(run(Case(command, command, host, result=None)).stdout)
 
 
 def pick(value, path):
@@ -195,6 +276,8 @@ class CommandLine(unittest.TestCase):
             self.assertNotIn(case.password.splitlines()[0], out + err)
         if case.complains:
             self.assertEqual((out, len(err.splitlines())), ("", 1), err)
+        elif case.prints is not None:
+            self.assertEqual(out, case.prints)
         elif case.is_json():
             self.assertEqual(err, "")
             self.check_document(case, json.loads(out))
@@ -221,37 +304,111 @@ class CommandLine(unittest.TestCase):
             self.assertEqual([re.sub(r"( found); .*", r"\1", line) for line in log], case.log)
 
     def test_the_jar_is_for_java_11_and_says_what_it_is(self):
-        root = Path(__file__).parents[2]
-        version = re.search(r"project\(tarnsolaris VERSION (\S+)", (root / "CMakeLists.txt").read_text())[1]
-        with zipfile.ZipFile(root / "build/release/tarn.jar") as jar:
+        with zipfile.ZipFile(ROOT / "build/release/tarn.jar") as jar:
             classes = {name: jar.read(name) for name in jar.namelist() if name.endswith(".class")}
             manifest = jar.read("META-INF/MANIFEST.MF").decode().splitlines()
         self.assertGreater(len(classes), 50)
         self.assertEqual([name for name, code in classes.items() if int.from_bytes(code[6:8], "big") > 55], [])
-        for line in ("Implementation-Title: tarnsolaris", f"Implementation-Version: {version}",
-                     "Main-Class: com.kelvo.tarn.cli.Tarn"):
-            self.assertIn(line, "\n".join(manifest))
+        for line in ("Implementation-Title: tarnsolaris", "Main-Class: com.kelvo.tarn.cli.Tarn"):
+            self.assertIn(line, manifest)
 
     def test_a_result_that_cannot_be_written(self):
         with open("/dev/full", "wb") as full:
             done = subprocess.run([TARN, "build-date"], stdout=full, stderr=subprocess.PIPE, timeout=120)
         self.assertEqual((done.returncode, done.stderr), (2, b"tarn: the result cannot be written\n"))
 
-    def test_a_terminal_shows_no_password(self):
+    def test_a_reader_who_has_read_enough(self):
+        done = subprocess.run(["bash", "-c", f"{TARN} partitions | head -1; exit ${{PIPESTATUS[0]}}"], timeout=120,
+                              capture_output=True)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+    def test_paths_and_check_follow_from_the_single_commands(self):
+        seen = set()
+        for seed in (31, 35, 49):
+            host = questions.random_host(random.Random(seed))
+            with ThreadPoolExecutor(2) as pool:
+                commands = (*questions.SECTIONS, "paths", "check")
+                answers = dict(zip(commands, pool.map(lambda command: ask(command, host), commands)))
+                names = dict.fromkeys(disk["mountPoint"] for disk in answers["logical-disks"]["result"])
+                mounts = dict(zip(names, pool.map(lambda name: ask(f"logical-disks '{name}'", host), names)))
+            found = answers["check"]["result"]
+            findings = [(one["severity"], one["code"], one["subject"]) for one in found["findings"]]
+            seen.update(findings)
+            self.assertEqual(findings, questions.check(answers, mounts), seed)
+            self.assertEqual(found["state"], findings[0][0].upper(), seed)
+            self.assertEqual(answers["paths"]["result"], questions.paths(answers["hba"]["result"]), seed)
+        self.assertEqual({code for _, code, _ in seen}, set(questions.CODES))
+
+    def test_a_disk_is_the_same_under_all_its_names(self):
+        names = "c1t0d0 c1t0d0s0 /dev/dsk/c1t0d0s0 /dev/rdsk/c1t0d0s2 sd0 /export/home".split()
+        for options in ([], ["--json"]):
+            pages = {subprocess.run([TARN, *options, "disk", name], capture_output=True, check=True).stdout
+                     for name in names}
+            self.assertEqual(len(pages), 1)
+        disk = json.loads(pages.pop())["result"]
+        self.assertEqual([disk["name"], disk["instance"], disk["drive"]["properties"]["diskType"],
+                          disk["io"]["bytesRead"]], ["c1t0d0", "sd0", "SUN72G", 40354447360])
+        self.assertEqual([len(disk[part]) for part in ("partitions", "mounts", "paths")], [8, 4, 0])
+        self.assertEqual(disk["mounts"][0]["totalBytes"], 10576969728)
+
+    def test_the_ways_to_a_disk(self):
+        for name, count in (("/oracle", 2), ("c4t50060E8000C3A2B1d2", 1), ("c4t0d2", 1)):
+            disk = ask(f"disk {name}")["result"]
+            self.assertEqual([(way["node"], way["lun"]) for way in disk["paths"]],
+                             [("50060e8000c3a200", 2 * (2 - count))] * count)
+
+    def test_the_cookbook(self):
+        recipes = re.findall(r"```console\n(.*?)```", (ROOT / "docs/cookbook.md").read_text(), re.S)
+        self.assertGreaterEqual(len(recipes), 12)
+        for recipe in recipes:
+            shown = ""
+            for command in re.findall(r"^\$ (.*)", recipe, re.M):
+                done = subprocess.run(["bash", "-c", command], cwd=ROOT, capture_output=True, text=True, timeout=120)
+                shown += f"$ {command}\n{done.stdout}{done.stderr}"
+            self.assertEqual(shown, recipe)
+
+    def test_the_completion(self):
+        script = ("source <(%s completion); COMP_WORDS=(tarn check --f); COMP_CWORD=2; _complete_tarn 2>&-; "
+                  "echo ${COMPREPLY[@]}")
+        done = subprocess.run(["bash", "-c", script % TARN], capture_output=True, text=True, timeout=120)
+        self.assertEqual((done.stdout, done.stderr), ("--full\n", ""))
+
+    def on_terminal(self, words, columns=80, answer=b"", **environment):
+        """Exit status and output of a run on a terminal of that width; the answer is typed when it is asked for."""
         pid, terminal = pty.fork()
         if pid == 0:
-            os.execv(TARN, [TARN, "--host", write_host(RICH), "authenticate", "root"])
+            ioctl(1, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+            os.execve(TARN, [TARN, *words], {**os.environ, "TERM": "xterm", **environment})
         shown = b""
-        while b"Password: " not in shown:
-            shown += os.read(terminal, 1024)
-        os.write(terminal, PASSWORD.encode() + b"\n")
         try:
             while more := os.read(terminal, 1024):
                 shown += more
+                if answer and b"Password: " in shown:
+                    os.write(terminal, answer)
+                    answer = b""
         except OSError:
             pass  # the other end is closed
-        self.assertEqual(os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]), 0)
-        self.assertNotIn(PASSWORD.encode(), shown)
+        return os.waitstatus_to_exitcode(os.waitpid(pid, 0)[1]), shown.decode("utf-8")
+
+    def test_a_terminal_shows_no_password(self):
+        status, shown = self.on_terminal(["--host", write_host(RICH), "authenticate", "root"],
+                                         answer=PASSWORD.encode() + b"\n")
+        self.assertEqual(status, 0)
+        self.assertNotIn(PASSWORD, shown)
+
+    def test_a_terminal_shows_what_fits_and_trouble_in_colour(self):
+        for columns, command, left_out in (
+                (80, "disks", "Cylinders, Data, Alternate, Device"), (200, "disks", None), (50, "paths", None),
+                (30, "disks", "Type, Capacity, Heads"), (80, "hba", None), (80, "disk-io", "Busy (s), Queue last")):
+            _, shown = self.on_terminal([command], columns)
+            lines = [re.sub("\x1b.*?m", "", line) for line in shown.splitlines() if not line.startswith("warn")]
+            self.assertLessEqual(max(map(len, lines)), columns, command)
+            self.assertEqual(left_out is not None, "Left out, for" in " ".join(lines), command)
+            self.assertIn(left_out or "", " ".join(" ".join(lines).split()))
+        red = "\x1b[31m!! ONE PATH LEFT\x1b[0m\r\n"
+        self.assertIn(red, self.on_terminal(["paths"])[1])
+        self.assertNotIn("\x1b", self.on_terminal(["paths"], NO_COLOR="1")[1])
+        self.assertNotIn("\x1b", self.on_terminal(["--csv", "paths"])[1])
 
 
 def main():

@@ -3,14 +3,19 @@ package com.kelvo.tarn.cli;
 import com.kelvo.tarn.cli.commands.AuthenticateCommand;
 import com.kelvo.tarn.cli.output.Page;
 import java.util.Objects;
+import java.util.Set;
 import java.util.stream.Stream;
-import picocli.CommandLine;
 import picocli.CommandLine.IParameterExceptionHandler;
+import picocli.CommandLine.Model.ArgSpec;
+import picocli.CommandLine.Model.OptionSpec;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.UnmatchedArgumentException;
+import picocli.CommandLine;
 
 /** Tells in one line what is wrong with a command line, and where to read what is right. */
 final class BadUsage implements IParameterExceptionHandler {
+    private static final Set<Class<?>> numbers = Set.of(int.class, Integer.class);
+
     @Override
     public int handleParseException(ParameterException exception, String[] given) {
         String hint = exception.getCause() instanceof IllegalArgumentException ? "" // the description is wrong
@@ -29,8 +34,10 @@ final class BadUsage implements IParameterExceptionHandler {
         if (exception instanceof UnmatchedArgumentException) {
             return complaint((UnmatchedArgumentException) exception, exception.getCommandLine().getCommand());
         }
-        if (exception.getArgSpec() != null && exception.getArgSpec().type() == Integer.class) {
-            return exception.getArgSpec().paramLabel() + ": '" + exception.getValue()
+        ArgSpec argument = exception.getArgSpec();
+        if (argument != null && exception.getValue() != null && numbers.contains(argument.type())) {
+            String name = argument.isOption() ? ((OptionSpec) argument).longestName() : argument.paramLabel();
+            return name + ": '" + exception.getValue()
                 + (exception.getValue().matches("[+-]?\\d+") ? "' is out of range" : "' is not a number");
         }
         return exception.getMessage();

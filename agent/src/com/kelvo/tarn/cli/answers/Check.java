@@ -178,8 +178,8 @@ public final class Check {
                 long unrecovered = row.counters.get(ArrayReport.UNRECOVERED);
                 long timeouts = row.counters.get(ArrayReport.TIMEOUTS);
                 if (unrecovered != 0 || timeouts != 0) {
-                    String counts = String.format("%s counts %d unrecovered errors and %d request timeouts",
-                                                  row.controller, unrecovered, timeouts);
+                    String counts = row.controller + " counts unrecovered errors: " + unrecovered
+                        + ", request timeouts: " + timeouts;
                     errors.merge(row.place(), counts, (first, second) -> first + "; " + second);
                 }
             }

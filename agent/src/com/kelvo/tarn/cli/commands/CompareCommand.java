@@ -22,6 +22,14 @@ import picocli.CommandLine.Parameters;
          footer = "Counters are no change; where both descriptions say when they were recorded, they are shown as "
              + "rates. Exit status: 0 nothing changed, 1 something did, 2 bad usage or an unreadable description.")
 public final class CompareCommand extends TableInquiry<Comparison> {
+    /** How people read the values of properties that are numbers. */
+    private static final Map<String, Function<Object, String>> wordings = Map.of(
+        "portState", state -> PortStates.name((UnsignedInt) state),
+        "operationalStatus", statuses -> PortStates.statusNames((List<?>) statuses),
+        "speed", speed -> HbaTree.speed((UnsignedInt) speed),
+        "portFcId", fcId -> HbaTree.fcId(((UnsignedInt) fcId).longValue()),
+        "totalBytes", bytes -> Units.bytes((Long) bytes));
+
     @Parameters(index = "0", paramLabel = "OLD", description = "The host's description before.")
     private File old;
 
@@ -96,9 +104,10 @@ public final class CompareCommand extends TableInquiry<Comparison> {
         }
     }
 
+    /** The value of a property as the other commands show it. */
     private static String words(String property, Object value) {
-        return value == null ? "unknown" : property.equals("portState") ? PortStates.name((UnsignedInt) value)
-            : property.equals("operationalStatus") ? PortStates.statusNames((List<?>) value) : value.toString();
+        return value == null ? "unknown"
+            : wordings.getOrDefault(property, Object::toString).apply(value);
     }
 
     private static void show(Rates rates, Page out) {

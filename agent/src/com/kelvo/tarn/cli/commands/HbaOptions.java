@@ -43,7 +43,7 @@ final class HbaOptions {
     /** Says under device names that nobody chose how they came about. */
     void explainDeviceNames(Fabric fabric, Page out) {
         if (!any() && fabric.remotePorts().anyMatch(remote -> !remote.mappings.isEmpty())) {
-            out.println("Device names are made of bus, target and LUN; --leadville shows those of /dev/rdsk");
+            out.printFolded("Device names are made of bus, target and LUN; --leadville shows those of /dev/rdsk");
         }
     }
 }

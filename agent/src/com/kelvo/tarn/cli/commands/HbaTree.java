@@ -113,13 +113,22 @@ final class HbaTree {
         long fcId = Instances.number(port, HbaPortProvider.portFcId).longValue();
         return join(
             PortStates.isOk(port) ? state : trouble + state.toUpperCase(Locale.ROOT),
-            speeds.getOrDefault(Instances.number(port, HbaPortProvider.speed).longValue(), "speed unknown"),
+            speed(Instances.number(port, HbaPortProvider.speed)),
             types.getOrDefault(Instances.number(port, HbaPortProvider.portType), ""),
             labelled("WWN ", port, HbaPortProvider.permanentAddress),
             node,
-            fcId == 0 ? "" : String.format("FC ID 0x%06x", fcId),
+            fcId == 0 ? "" : "FC ID " + fcId(fcId),
             labelled("fabric ", port, HbaPortProvider.fabricName),
             labelled("", port, HbaPortProvider.name));
+    }
+
+    static String speed(UnsignedInt bitsPerSecond) {
+        return speeds.getOrDefault(bitsPerSecond.longValue(), "speed unknown");
+    }
+
+    /** Such as "0x010200". */
+    static String fcId(long fcId) {
+        return String.format("0x%06x", fcId);
     }
 
     /** The frames, and whatever errors there were. */

@@ -128,7 +128,8 @@ abstract class Inquiry<T> implements Callable<Integer> {
             answer.page.accept(out);
             out.flush();
         }
-        log.stream().filter(answer.shownLog).forEach(line -> err.println(line.level + ": " + line.text()));
+        log.stream().filter(answer.shownLog).map(line -> line.level + ": " + line.text()).distinct()
+            .forEach(err::println);
         if (answer.complaint != null) {
             Page.complain(err, answer.complaint);
         }

@@ -51,11 +51,15 @@ public final class ManualPage {
         lines.add(".SS " + escape(Stream.concat(Stream.of(command.name()), own.stream().map(ManualPage::usage))
                                       .collect(Collectors.joining(" "))));
         lines.add(escape(text(command.usageMessage().description())));
-        own.forEach(this::writeArgument);
+        own.stream().filter(argument -> !isExplainedBefore(argument, command.root())).forEach(this::writeArgument);
         if (command.usageMessage().footer().length > 0) {
             lines.add(".PP");
             lines.add(escape(text(command.usageMessage().footer())));
         }
+    }
+
+    private static boolean isExplainedBefore(ArgSpec argument, CommandSpec root) {
+        return argument instanceof OptionSpec && root.findOption(((OptionSpec) argument).longestName()) != null;
     }
 
     private void writeArgument(ArgSpec argument) {

@@ -125,13 +125,13 @@ public final class Table<R> {
         }
     }
 
-    /** For programs: comma-separated values as RFC 4180 has them. */
+    /** For programs: comma-separated values as RFC 4180 has them, apart from the lines' ends. */
     public void printCsv(PrintWriter out) {
         List<Column<R>> exact = columns.stream().filter(column -> column.exact != null).collect(Collectors.toList());
-        out.print(exact.stream().map(column -> quoted(column.heading)).collect(Collectors.joining(",", "", "\r\n")));
+        out.print(exact.stream().map(column -> quoted(column.heading)).collect(Collectors.joining(",", "", "\n")));
         for (R row : rows) {
             out.print(exact.stream().map(column -> quoted(column.exact.apply(row)))
-                          .collect(Collectors.joining(",", "", "\r\n")));
+                          .collect(Collectors.joining(",", "", "\n")));
         }
     }
 
