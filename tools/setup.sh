@@ -3,7 +3,8 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcrypt-dev
-                openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java)
+                openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java graphviz
+                node-d3)
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
                libhbaapi2 libhbaapi-dev)
 bench_packages=(libbenchmark-dev)

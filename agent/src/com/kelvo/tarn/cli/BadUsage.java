@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli;
 
 import com.kelvo.tarn.cli.commands.AuthenticateCommand;
 import com.kelvo.tarn.cli.output.Page;
+import java.io.IOException;
 import java.util.Objects;
 import java.util.Set;
 import java.util.stream.Stream;
@@ -18,7 +19,10 @@ final class BadUsage implements IParameterExceptionHandler {
 
     @Override
     public int handleParseException(ParameterException exception, String[] given) {
-        String hint = exception.getCause() instanceof IllegalArgumentException ? "" // the description is wrong
+        // What is wrong may be the host's description or the file that is to be made.
+        boolean rightlyUsed = exception.getCause() instanceof IllegalArgumentException
+            || exception.getCause() instanceof IOException;
+        String hint = rightlyUsed ? ""
             : " (try '" + exception.getCommandLine().getCommandSpec().qualifiedName() + " --help')";
         Page.complain(exception.getCommandLine().getErr(), complaint(exception) + hint);
         return exitStatus(exception.getCommandLine(), given);

@@ -74,6 +74,13 @@ public final class Check {
         return new Check(new Examination(library, log, fullPercent).examine(array));
     }
 
+    /** What is wrong with what is seen of the storage network. */
+    public static List<Finding> of(Fabric fabric) {
+        Examination examination = new Examination(null, null, 0);
+        examination.examineFabric(fabric);
+        return examination.findings;
+    }
+
     /** The walk through everything that is asked. */
     private static final class Examination {
         private final Library library;

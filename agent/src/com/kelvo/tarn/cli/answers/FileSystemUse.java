@@ -24,8 +24,12 @@ public final class FileSystemUse {
         return unsigned(disk.totalBytes());
     }
 
+    public BigInteger free() {
+        return unsigned(disk.freeBytes());
+    }
+
     public BigInteger used() {
-        return total().subtract(unsigned(disk.freeBytes())).max(BigInteger.ZERO);
+        return total().subtract(free()).max(BigInteger.ZERO);
     }
 
     /** More bytes than 2^63 are what a negative number looks like: blocks overdrawn from the reserve. */

@@ -10,14 +10,14 @@ import picocli.CommandLine.Option;
 /** How the device names of target mappings are made: what the agent's objects answer when the library asks them. */
 final class HbaOptions {
     @Option(names = "--keep-os-device-name",
-            description = "hba, paths, report: device names as the HBA library gives them.")
+            description = "hba, paths, map, report: device names as the HBA library gives them.")
     private boolean keepOsDeviceName;
 
     @Option(names = "--leadville",
-            description = "hba, paths, report: names in /dev/rdsk/ lose their directory and their s2 slice.")
+            description = "hba, paths, map, report: names in /dev/rdsk/ lose their directory and their s2 slice.")
     private boolean leadville;
 
-    @Option(names = "--force-leadville", description = "hba, paths, report: all names, not only those in /dev/rdsk/, "
+    @Option(names = "--force-leadville", description = "hba, paths, map, report: all names, not only those in /dev/rdsk/, "
             + "lose their directory and their s2 slice.")
     private boolean forceLeadville;
 

@@ -4,6 +4,7 @@ import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.answers.PortFacts;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.cli.output.Tree;
 import com.kelvo.tarn.cli.output.Units;
@@ -23,18 +24,6 @@ import javax.wbem.cim.UnsignedInt;
 /** Draws an adapter with all that it sees. Two exclamation marks stand before what is not healthy. */
 final class HbaTree {
     private static final String trouble = "!! ";
-
-    private static final Map<UnsignedInt, String> types = Map.of(
-        HbaPortProvider.PORT_TYPE_N, "N port", HbaPortProvider.PORT_TYPE_NL, "NL port",
-        HbaPortProvider.PORT_TYPE_E, "E port", HbaPortProvider.PORT_TYPE_F, "F port",
-        HbaPortProvider.PORT_TYPE_FL, "FL port");
-
-    /** What stands for a world-wide name where there is none, or where the adapter does not tell. */
-    private static final String noName = "0".repeat(16);
-
-    /** The HBA API's speeds, by the bits per second that the library makes of them. */
-    private static final Map<Long, String> speeds =
-        Map.of(1143535043L, "1 Gb/s", 2287070085L, "2 Gb/s", 11435350430L, "10 Gb/s");
 
     private static final List<Map.Entry<TrProperty, String>> errorCounters = List.of(
         Map.entry(FCPortStatisticsProvider.linkFailures, trouble + "link failures"),
@@ -110,14 +99,14 @@ final class HbaTree {
 
     private static String port(TrInstance port, String node) {
         String state = PortStates.name(port);
-        long fcId = Instances.number(port, HbaPortProvider.portFcId).longValue();
+        String fcId = PortFacts.fcId(port);
         return join(
             PortStates.isOk(port) ? state : trouble + state.toUpperCase(Locale.ROOT),
-            speed(Instances.number(port, HbaPortProvider.speed)),
-            types.getOrDefault(Instances.number(port, HbaPortProvider.portType), ""),
+            PortFacts.speed(port),
+            PortFacts.type(port),
             labelled("WWN ", port, HbaPortProvider.permanentAddress),
             node,
-            fcId == 0 ? "" : "FC ID " + fcId(fcId),
+            fcId.isEmpty() ? "" : "FC ID " + fcId,
             labelled("fabric ", port, HbaPortProvider.fabricName),
             labelled("", port, HbaPortProvider.name));
     }
@@ -168,8 +157,8 @@ final class HbaTree {
 
     /** The property's value after the label; nothing when it has none. */
     private static String labelled(String label, TrInstance instance, TrProperty property) {
-        String value = Instances.text(instance, property);
-        return value.isEmpty() || value.equals(noName) ? "" : label + value;
+        String value = PortFacts.name(instance, property);
+        return value.isEmpty() ? "" : label + value;
     }
 
     private static String join(String... parts) {

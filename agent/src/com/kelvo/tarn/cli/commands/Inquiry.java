@@ -102,8 +102,8 @@ abstract class Inquiry<T> implements Callable<Integer> {
     @Override
     public final Integer call() {
         if (tarn.hba().any() && !takesHbaOptions()) {
-            throw new ParameterException(spec.commandLine(), "The options for device names go with hba, paths and "
-                                         + "report");
+            throw new ParameterException(spec.commandLine(), "The options for device names go with hba, "
+                                         + "paths, map and report");
         }
         if (tarn.csv() && !(this instanceof TableInquiry)) {
             throw new ParameterException(spec.commandLine(), "--csv goes with the commands that print one table");

@@ -66,7 +66,7 @@ public final class Page extends PrintWriter {
     }
 
     /** The text with "\x1b" and the like in place of control characters. */
-    static String printable(String text) {
+    public static String printable(String text) {
         return control.matcher(text).replaceAll(
             found -> String.format("\\\\x%02x", (int) found.group().charAt(0)));
     }

@@ -1,0 +1,44 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import java.util.Map;
+import javax.wbem.cim.UnsignedInt;
+
+/** What a port says of itself, in words; empty where it says nothing. */
+public final class PortFacts {
+    private static final Map<UnsignedInt, String> types = Map.of(
+        HbaPortProvider.PORT_TYPE_N, "N port", HbaPortProvider.PORT_TYPE_NL, "NL port",
+        HbaPortProvider.PORT_TYPE_E, "E port", HbaPortProvider.PORT_TYPE_F, "F port",
+        HbaPortProvider.PORT_TYPE_FL, "FL port");
+
+    /** What stands for a world-wide name where there is none, or where the adapter does not tell. */
+    private static final String noName = "0".repeat(16);
+
+    /** The HBA API's speeds, by the bits per second that the library makes of them. */
+    private static final Map<Long, String> speeds =
+        Map.of(1143535043L, "1 Gb/s", 2287070085L, "2 Gb/s", 11435350430L, "10 Gb/s");
+
+    private PortFacts() {
+    }
+
+    public static String type(TrInstance port) {
+        return types.getOrDefault(Instances.number(port, HbaPortProvider.portType), "");
+    }
+
+    public static String speed(TrInstance port) {
+        return speeds.getOrDefault(Instances.number(port, HbaPortProvider.speed).longValue(), "speed unknown");
+    }
+
+    public static String fcId(TrInstance port) {
+        long id = Instances.number(port, HbaPortProvider.portFcId).longValue();
+        return id == 0 ? "" : String.format("0x%06x", id);
+    }
+
+    /** A name, world-wide or other, of a port or of an adapter. */
+    public static String name(TrInstance instance, TrProperty property) {
+        String name = Instances.text(instance, property);
+        return name.equals(noName) ? "" : name;
+    }
+}

@@ -1,0 +1,74 @@
+package com.kelvo.tarn.cli.commands;
+
+import com.kelvo.tarn.cli.answers.Check;
+import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.map.Picture;
+import com.kelvo.tarn.cli.map.TopologyBuilder;
+import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import java.io.IOException;
+import java.util.Arrays;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.stream.Collectors;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Mixin;
+import picocli.CommandLine.Option;
+
+@Command(name = "map", description = "The storage network as a picture: adapters, ports, fabrics, arrays and their "
+         + "logical units.",
+         footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with one path left, "
+             + "grey what nothing is reached through. SVG and HTML are drawn by Graphviz (package graphviz).")
+public final class MapCommand extends Export {
+    private static final Map<String, Picture> endings = Map.of(
+        "dot", Picture.DOT, "gv", Picture.DOT, "svg", Picture.SVG, "html", Picture.HTML, "htm", Picture.HTML);
+
+    @Mixin
+    private HbaOptions options;
+
+    @Option(names = "--format", paramLabel = "FORMAT", description = "dot, svg or html. Without it, what --output ends "
+            + "in; without that, dot.")
+    private String format;
+
+    @Option(names = "--all", description = "Draw each logical unit and remote port, however many there are. Without it, "
+            + "many that look alike share a box.")
+    private boolean all;
+
+    @Override
+    protected String text() throws IOException {
+        Picture picture = picture();
+        Fabric fabric = new Fabric(options.or(tarn().hba()).fill());
+        Map<String, List<String>> findings = Check.of(fabric).stream().collect(Collectors.groupingBy(
+            finding -> finding.subject, Collectors.mapping(finding -> finding.message, Collectors.toList())));
+        return picture.of(TopologyBuilder.topology(new SolarisNativeMethod().getComputerSystem(), fabric, findings, all),
+                          all);
+    }
+
+    private Picture picture() {
+        if (format != null) {
+            return Arrays.stream(Picture.values()).filter(picture -> name(picture).equals(format)).findFirst()
+                .orElseThrow(() -> refusal("--format: '" + format + "' is none of " + names()));
+        }
+        if (output() == null) {
+            return Picture.DOT;
+        }
+        Picture picture = endings.get(output().substring(output().lastIndexOf('.') + 1).toLowerCase(Locale.ROOT));
+        if (picture == null) {
+            throw refusal("--output: '" + output() + "' ends in none of " + names() + "; --format says which it is");
+        }
+        return picture;
+    }
+
+    private static String names() {
+        return Arrays.stream(Picture.values()).map(MapCommand::name).collect(Collectors.joining(", "));
+    }
+
+    private static String name(Picture picture) {
+        return picture.name().toLowerCase(Locale.ROOT);
+    }
+
+    @Override
+    protected boolean takesHbaOptions() {
+        return true;
+    }
+}

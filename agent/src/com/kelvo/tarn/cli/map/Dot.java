@@ -1,0 +1,132 @@
+package com.kelvo.tarn.cli.map;
+
+import com.kelvo.tarn.cli.output.Page;
+import java.util.regex.Pattern;
+import java.util.stream.Collectors;
+
+/** Writes a topology in the language of Graphviz. Whatever it names is text there, never markup. */
+final class Dot {
+    private static final String font = "Helvetica,Arial,sans-serif";
+
+    /** What Graphviz would still read as a character's name after it has decoded the text once. */
+    private static final Pattern characterName = Pattern.compile("&(?=#?\\w+;)");
+    private static final Pattern notInXml = Pattern.compile("[\\p{Cs}\uFFFE\uFFFF]");
+    private static final String lineEnd = "<br align=\"left\"/>";
+
+    /** How each state is drawn: frame, fill, ink, width of the frame. */
+    private enum Style {
+        UNUSED(Palette.IDLE, Palette.IDLE_BOX, Palette.IDLE, 1), GOOD(Palette.LINE, Palette.BOX, Palette.INK, 1),
+        ONE_PATH(Palette.WARNING, Palette.WARNING_BOX, Palette.INK, 2),
+        TROUBLE(Palette.TROUBLE, Palette.TROUBLE_BOX, Palette.INK, 2);
+
+        final Palette frame;
+        final Palette fill;
+        final Palette ink;
+        final int width;
+
+        Style(Palette frame, Palette fill, Palette ink, int width) {
+            this.frame = frame;
+            this.fill = fill;
+            this.ink = ink;
+            this.width = width;
+        }
+
+        static Style of(Topology.State state) {
+            return valueOf(state.name());
+        }
+    }
+
+    /** A label that is no plain text. */
+    private interface Markup {
+        String text();
+    }
+
+    private final StringBuilder text = new StringBuilder();
+
+    private Dot() {
+    }
+
+    /** The topology as text that ends with a newline. */
+    static String of(Topology topology) {
+        Dot dot = new Dot();
+        dot.write(topology);
+        return dot.text.toString();
+    }
+
+    /** The id of the thing's element in a picture. */
+    static String id(Topology.Node node) {
+        return "thing-" + node.number;
+    }
+
+    private void write(Topology topology) {
+        text.append("digraph \"storage network\" {\n");
+        statement("graph", "rankdir", "LR", "outputorder", "edgesfirst", "ranksep", "0.45", "nodesep", "0.18",
+                  "fontname", font, "fontsize", "12", "fontcolor", Palette.FAINT, "bgcolor", Palette.PAPER);
+        statement("node", "shape", "box", "style", "rounded,filled", "fontname", font, "fontsize", "11",
+                  "margin", "0.16,0.07");
+        statement("edge", "fontname", font, "fontsize", "10", "fontcolor", Palette.FAINT, "arrowsize", "0.5", "penwidth", "1.2");
+        topology.nodes.values().forEach(this::node);
+        int clusters = 0;
+        int lines = 0;
+        for (Topology.Group group : topology.groups.values()) {
+            text.append("  subgraph \"cluster ").append(clusters++).append("\" {\n  ");
+            statement("graph", "label", group.title, "style", "rounded,filled", "color", Palette.FRAME,
+                      "labeljust", "l", "margin", "12", "tooltip", group.title);
+            text.append("    ").append(group.nodes.stream().map(node -> quoted(node.name))
+                                           .collect(Collectors.joining("; "))).append(";\n  }\n");
+        }
+        for (Topology.Edge edge : topology.edges) {
+            edge(edge, "line-" + lines++);
+        }
+        text.append("}\n");
+    }
+
+    private void node(Topology.Node node) {
+        Style style = Style.of(node.state);
+        Palette faint = node.state == Topology.State.UNUSED ? style.ink : Palette.FAINT;
+        String lines = "<b>" + markup(node.title) + "</b>" + lineEnd
+            + node.lines.stream().map(line -> coloured(line, faint)).collect(Collectors.joining())
+            + node.reasons.stream().map(reason -> coloured(reason, style.frame)).collect(Collectors.joining());
+        statement(quoted(node.name), "id", id(node), "label", (Markup) () -> lines, "color", style.frame,
+                  "fillcolor", style.fill, "fontcolor", style.ink, "penwidth", style.width, "tooltip", node.name);
+    }
+
+    private void edge(Topology.Edge edge, String id) {
+        Style style = Style.of(edge.state());
+        statement(quoted(edge.from.name) + " -> " + quoted(edge.to.name), "id", id,
+                  "color", style == Style.ONE_PATH ? Palette.LINE : style.frame,
+                  "style", style == Style.UNUSED ? "dashed" : "solid",
+                  "label", edge.label, "tooltip", edge.hint);
+    }
+
+    /** Attributes are pairs of a name and a value: markup, or anything else for its text. */
+    private void statement(String subject, Object... attributes) {
+        text.append("  ").append(subject).append(" [");
+        for (int i = 0; i < attributes.length; i += 2) {
+            Object value = attributes[i + 1];
+            text.append(i == 0 ? "" : ", ").append(attributes[i]).append('=')
+                .append(value instanceof Markup ? "<" + ((Markup) value).text() + ">" : quoted(value.toString()));
+        }
+        text.append("];\n");
+    }
+
+    private static String coloured(String line, Palette colour) {
+        return "<font color=\"" + colour + "\">" + markup(line) + "</font>" + lineEnd;
+    }
+
+    /** Text within a label that is markup. */
+    private static String markup(String text) {
+        return references(text).replace("<", "&lt;").replace(">", "&gt;").replace("\"", "&quot;");
+    }
+
+    /** Text as the value of an attribute. */
+    private static String quoted(String text) {
+        return '"' + references(text).replace("\\", "\\\\").replace("\"", "\\\"") + '"';
+    }
+
+    /** Graphviz reads names of characters in any text. */
+    private static String references(String text) {
+        String shown = notInXml.matcher(Page.printable(text)).replaceAll("\ufffd");
+        return characterName.matcher(shown).replaceAll("&amp;").replace("&", "&amp;");
+    }
+}

@@ -1,0 +1,135 @@
+package com.kelvo.tarn.cli.map;
+
+import com.google.gson.Gson;
+import com.kelvo.tarn.cli.output.Page;
+import java.io.IOException;
+import java.io.InputStream;
+import java.nio.charset.StandardCharsets;
+import java.security.MessageDigest;
+import java.security.NoSuchAlgorithmException;
+import java.util.ArrayList;
+import java.util.Base64;
+import java.util.Comparator;
+import java.util.HashMap;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+import java.util.stream.Collectors;
+
+/**
+ * The page of a topology: one file that asks nothing of anywhere. The policy in its head lets a browser run its own
+ * scripts, which it knows by their hashes, and nothing else, whatever a device is called.
+ */
+final class MapPage {
+    private static final Pattern place = Pattern.compile("\\{\\{(\\w+)}}");
+    /** So many paths have a row; what is in trouble comes first then. */
+    private static final int mostRows = 2000;
+
+    private MapPage() {
+    }
+
+    /** The page around a picture of the topology. With all, no path lacks a row. */
+    static String of(Topology topology, String svg, boolean all) throws IOException {
+        String style = Palette.css() + resource("page.css");
+        String library = resource("d3.min.js");
+        String script = resource("page.js");
+        Map<String, String> parts = new HashMap<>();
+        parts.put("policy", "default-src 'none'; base-uri 'none'; form-action 'none'; style-src " + hash(style)
+                  + "; script-src " + hash(library) + " " + hash(script));
+        parts.put("style", style);
+        parts.put("library", library);
+        parts.put("script", script);
+        parts.put("title", escaped(topology.title));
+        parts.put("summary", escaped(topology.summary));
+        parts.put("troubles", troubles(topology));
+        parts.put("picture", svg);
+        parts.put("data", data(topology));
+        parts.put("columns", cells("th scope=\"col\"", Topology.columns));
+        List<Topology.Row> rows = rows(topology, all);
+        parts.put("rows", rows.stream().map(MapPage::row).collect(Collectors.joining()));
+        parts.put("omitted", rows.size() == topology.rows.size() ? "" : String.format(
+            Locale.ROOT, "These are %,d of %,d paths, those in trouble first: the command paths shows all, and so does "
+            + "map --all.", rows.size(), topology.rows.size()));
+        return filled(resource("page.html"), parts);
+    }
+
+    private static String filled(String template, Map<String, String> parts) {
+        return place.matcher(template).replaceAll(found -> Matcher.quoteReplacement(parts.get(found.group(1))));
+    }
+
+    /** All rows, or those that there is room for. */
+    private static List<Topology.Row> rows(Topology topology, boolean all) {
+        return all || topology.rows.size() <= mostRows ? topology.rows
+            : topology.rows.stream().sorted(Comparator.comparing((Topology.Row row) -> row.unit.state).reversed())
+                  .limit(mostRows).collect(Collectors.toList());
+    }
+
+    private static String row(Topology.Row row) {
+        return "<tr class=\"" + name(row.unit.state) + "\">" + cells("td", row.cells) + "</tr>\n";
+    }
+
+    private static String cells(String element, List<String> texts) {
+        return texts.stream().map(text -> "<" + element + ">" + escaped(text) + "</" + element.substring(0, 2) + ">")
+            .collect(Collectors.joining());
+    }
+
+    /** What is in trouble, and why; each leads to its place in the picture. */
+    private static String troubles(Topology topology) {
+        return topology.nodes.values().stream().filter(node -> node.state.compareTo(Topology.State.GOOD) > 0)
+            .sorted(Comparator.comparing((Topology.Node node) -> node.state).reversed())
+            .map(node -> "<li class=\"" + name(node.state) + "\"><a href=\"#" + Dot.id(node) + "\">"
+                             + escaped(node.name) + "</a>: " + escaped(String.join("; ", node.reasons)) + "</li>\n")
+            .collect(Collectors.joining());
+    }
+
+    /** What the script knows of the things, the lines and the ways, each thing by its number. */
+    private static String data(Topology topology) {
+        List<Map<String, Object>> things = new ArrayList<>();
+        for (Topology.Node node : topology.nodes.values()) {
+            Map<String, Object> thing = new LinkedHashMap<>();
+            thing.put("name", Page.printable(node.name));
+            thing.put("state", name(node.state));
+            thing.put("reasons", node.reasons.stream().map(Page::printable).collect(Collectors.toList()));
+            Map<String, String> facts = new LinkedHashMap<>();
+            node.facts.forEach((label, value) -> facts.put(label, Page.printable(value)));
+            thing.put("facts", facts);
+            thing.put("text", Page.printable(node.title + " " + String.join(" ", node.lines)));
+            things.add(thing);
+        }
+        return new Gson().toJson(Map.of( // which escapes what would end the element
+            "things", things,
+            "lines", topology.edges.stream().map(edge -> List.of(edge.from.number, edge.to.number))
+                .collect(Collectors.toList()),
+            "ways", topology.ways.stream()
+                .map(way -> way.stream().map(node -> node.number).collect(Collectors.toList()))
+                .collect(Collectors.toList())));
+    }
+
+    private static String name(Topology.State state) {
+        return state.name().toLowerCase(Locale.ROOT).replace('_', '-');
+    }
+
+    /** Text between tags or in an attribute. */
+    private static String escaped(String text) {
+        return Page.printable(text).replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+            .replace("\"", "&quot;");
+    }
+
+    private static String hash(String text) {
+        try {
+            byte[] digest = MessageDigest.getInstance("SHA-256").digest(text.getBytes(StandardCharsets.UTF_8));
+            return "'sha256-" + Base64.getEncoder().encodeToString(digest) + "'";
+        } catch (NoSuchAlgorithmException impossible) {
+            throw new IllegalStateException(impossible);
+        }
+    }
+
+    private static String resource(String name) throws IOException {
+        try (InputStream in = MapPage.class.getResourceAsStream(name)) {
+            return new String(in.readAllBytes(), StandardCharsets.UTF_8);
+        }
+    }
+}

@@ -1,0 +1,35 @@
+package com.kelvo.tarn.cli.map;
+
+import java.io.IOException;
+
+/** The forms that a picture of the storage network may have. */
+public enum Picture {
+    DOT {
+        @Override
+        public String of(Topology topology, boolean all) {
+            return Dot.of(topology);
+        }
+    },
+    SVG {
+        @Override
+        public String of(Topology topology, boolean all) throws IOException {
+            String svg = Graphviz.svg(Dot.of(topology));
+            int body = svg.indexOf('>') + 1;
+            return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + svg.substring(0, body) + "\n<style>\n" + Palette.css()
+                + "</style>" + svg.substring(body);
+        }
+    },
+    HTML {
+        @Override
+        public String of(Topology topology, boolean all) throws IOException {
+            return MapPage.of(topology, Graphviz.svg(Dot.of(topology)), all);
+        }
+    };
+
+    /**
+     * The whole picture as text that ends with a newline; with all, a page lists each path.
+     *
+     * @throws IOException when it cannot be drawn, saying what would help
+     */
+    public abstract String of(Topology topology, boolean all) throws IOException;
+}

@@ -1,0 +1,156 @@
+package com.kelvo.tarn.cli.map;
+
+import java.util.ArrayList;
+import java.util.LinkedHashMap;
+import java.util.LinkedHashSet;
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+
+/** What a picture of the storage network shows: things, the lines between them, and the ways along these lines. */
+public final class Topology {
+    /** What a thing is; in this order they stand from left to right. */
+    enum Kind { HOST, ADAPTER, PORT, FABRIC, REMOTE_PORT, UNIT }
+
+    /** How a thing does; the later, the worse. */
+    enum State { UNUSED, GOOD, ONE_PATH, TROUBLE }
+
+    /** An array: its remote ports and logical units stand in one frame. */
+    static final class Group {
+        final String title;
+        final List<Node> nodes = new ArrayList<>();
+
+        Group(String title) {
+            this.title = title;
+        }
+    }
+
+    /** A thing. Its name is unique, and that by which other commands call it; the title is what the box says first. */
+    static final class Node {
+        /** The place among the nodes. */
+        final int number;
+        final Kind kind;
+        final String name;
+        final String title;
+        /** What the box says below its title. */
+        final List<String> lines = new ArrayList<>();
+        /** All that is known, by what it is called; shown when the thing is pointed at. */
+        final Map<String, String> facts = new LinkedHashMap<>();
+        /** Why the state is not good, the worst first; empty when it is. */
+        final List<String> reasons = new ArrayList<>();
+        State state = State.GOOD;
+
+        private Node(int number, Kind kind, String name, String title) {
+            this.number = number;
+            this.kind = kind;
+            this.name = name;
+            this.title = title;
+        }
+
+        /** A line of the box and a fact alike; a blank value is neither. */
+        void line(String label, String value) {
+            if (!value.isBlank() && !lines.contains(value)) {
+                lines.add(value);
+                fact(label, value);
+            }
+        }
+
+        void fact(String label, String value) {
+            if (!value.isBlank()) {
+                facts.put(label, value);
+            }
+        }
+
+        /** The worst state counts, each reason once. */
+        void is(State found, String reason) {
+            state = found == State.UNUSED && state == State.GOOD || found.compareTo(state) > 0 ? found : state;
+            if (!reasons.contains(reason)) {
+                reasons.add(reason);
+            }
+        }
+    }
+
+    /** A line. */
+    static final class Edge {
+        final Node from;
+        final Node to;
+        /** What stands at the line. */
+        final String label;
+        /** What it carries, shown when it is pointed at. */
+        final String hint;
+        private final State own;
+
+        private Edge(Node from, Node to, String label, String hint, State state) {
+            this.from = from;
+            this.to = to;
+            this.label = label;
+            this.hint = hint;
+            own = state;
+        }
+
+        /** A line that carries no one path does as the thing that it leads to. */
+        State state() {
+            return own != null ? own : to.state;
+        }
+    }
+
+    /** A path as a row of the table, and the thing that stands for its logical unit. */
+    static final class Row {
+        final List<String> cells;
+        final Node unit;
+
+        private Row(List<String> cells, Node unit) {
+            this.cells = cells;
+            this.unit = unit;
+        }
+    }
+
+    /** What the table's columns are called. */
+    static final List<String> columns = List.of("Array", "LUN", "Remark", "Device", "Adapter", "Port", "Port WWN",
+                                                "Port state", "Remote port", "Remote port state", "Bus", "Target");
+
+    final String title;
+    /** What there is, and how many. */
+    String summary = "";
+    final Map<String, Node> nodes = new LinkedHashMap<>();
+    final Map<String, Group> groups = new LinkedHashMap<>();
+    final List<Edge> edges = new ArrayList<>();
+    /** Each the things from the host to a logical unit, or as far as it goes. */
+    final Set<List<Node>> ways = new LinkedHashSet<>();
+    final List<Row> rows = new ArrayList<>();
+    private final Set<List<Node>> joined = new LinkedHashSet<>();
+
+    Topology(String title) {
+        this.title = title;
+    }
+
+    /** The thing of that name, made when there is none. */
+    Node node(Kind kind, String name, String title) {
+        return nodes.computeIfAbsent(name, absent -> new Node(nodes.size(), kind, name, title));
+    }
+
+    /** A thing within a group, which is made when there is none of that title; without a title, in no group. */
+    Node node(Kind kind, String name, String title, String group) {
+        if (!nodes.containsKey(name) && !group.isEmpty()) {
+            groups.computeIfAbsent(group, Group::new).nodes.add(node(kind, name, title));
+        }
+        return node(kind, name, title);
+    }
+
+    /** One line between two things, however often they are joined. */
+    void join(Node from, Node to) {
+        if (joined.add(List.of(from, to))) {
+            draw(from, to, "", from.name + " to " + to.name, null);
+        }
+    }
+
+    /** A row of the table, a cell for each column. */
+    void row(Node unit, String... cells) {
+        rows.add(new Row(List.of(cells), unit));
+    }
+
+    /** One line more between two things. */
+    void draw(Node from, Node to, String label, String hint, State state) {
+        edges.add(new Edge(from, to, label, hint, state));
+    }
+}

@@ -1,0 +1,194 @@
+package com.kelvo.tarn.cli.metrics;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.answers.FileSystemUse;
+import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.answers.Library;
+import com.kelvo.tarn.cli.answers.LogicalUnit;
+import com.kelvo.tarn.cli.answers.Paths;
+import com.kelvo.tarn.cli.answers.PortFacts;
+import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
+import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
+import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
+import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
+import java.math.BigDecimal;
+import java.math.BigInteger;
+import java.util.Arrays;
+import java.util.LinkedHashMap;
+import java.util.Map;
+
+/** A host's states and counters, asked once each. */
+public final class HostMetrics {
+    private static final Map<TrProperty, String> errorKinds = new LinkedHashMap<>();
+
+    static {
+        errorKinds.put(FCPortStatisticsProvider.linkFailures, "link_failure");
+        errorKinds.put(FCPortStatisticsProvider.lossOfSyncCounter, "loss_of_sync");
+        errorKinds.put(FCPortStatisticsProvider.lossOfSignalCounter, "loss_of_signal");
+        errorKinds.put(FCPortStatisticsProvider.primitiveSeqProtocolErrCount, "primitive_sequence_protocol");
+        errorKinds.put(FCPortStatisticsProvider.invalidTransmissionWords, "invalid_transmission_word");
+        errorKinds.put(FCPortStatisticsProvider.crcErrors, "crc");
+        errorKinds.put(FCPortStatisticsProvider.errorFrames, "error_frame");
+        errorKinds.put(FCPortStatisticsProvider.dumpedFrames, "dumped_frame");
+    }
+
+    private final Library library;
+    private final Exposition out = new Exposition();
+
+    private HostMetrics(Library library) {
+        this.library = library;
+    }
+
+    /** The text format of Prometheus. A section whose call fails is left out, and said to be down. */
+    public static String text(Library library) {
+        HostMetrics metrics = new HostMetrics(library);
+        SolarisNativeMethod host = new SolarisNativeMethod();
+        metrics.section("computer-system", () -> metrics.add(host.getComputerSystem()));
+        metrics.section("operating-system", () -> metrics.add(host.getOperatingSystem()));
+        metrics.section("logical-disks", metrics::addFileSystems);
+        metrics.section("processors", metrics::addProcessors);
+        metrics.section("cpu", () -> library.cpu().forEach(metrics::add));
+        metrics.section("disk-io", () -> library.diskIo().forEach(metrics::add));
+        metrics.section("hba", metrics::addFabric);
+        return metrics.out.text();
+    }
+
+    private void section(String name, Runnable call) {
+        int up = 1;
+        try {
+            call.run();
+        } catch (RuntimeException | StackOverflowError | OutOfMemoryError failed) {
+            up = 0;
+        }
+        out.gauge("tarn_section_up", "Whether the library answered; its metrics are left out where it did not.")
+            .sample(up, "section", name);
+    }
+
+    private void add(SolarisComputerSystem system) {
+        out.gauge("tarn_host_info", "The host, always 1.")
+            .sample(1, "hostname", system.hostName(), "system", system.systemName(), "version", system.version(),
+                    "platform", system.platform(), "serial", system.serialNumber());
+    }
+
+    private void add(SolarisOperatingSystem system) {
+        Exposition.Family memory = out.gauge("tarn_memory_bytes", "Memory and swap, as a whole and free.");
+        memory.sample(kilobytes(system.totalPhysicalKB()), "kind", "physical");
+        memory.sample(kilobytes(system.freePhysicalKB()), "kind", "physical_free");
+        memory.sample(kilobytes(system.totalSwapKB()), "kind", "swap");
+        memory.sample(kilobytes(system.freeSwapKB()), "kind", "swap_free");
+    }
+
+    /** One that would not tell its sizes, or is not mounted any more, has none. */
+    private void addFileSystems() {
+        Exposition.Family sizes = out.gauge("tarn_filesystem_bytes", "The sizes of mounted file systems.");
+        for (SolarisLogicalDisk listed : library.logicalDisks()) {
+            SolarisLogicalDisk disk = library.withSizes(listed);
+            FileSystemUse use = new FileSystemUse(disk);
+            if (use.isKnown()) {
+                Object[] labels = {"mountpoint", disk.mountPoint(), "device", disk.device(), "fstype",
+                                   disk.fileSystemType()};
+                sizes.sample(use.total(), with(labels, "kind", "total"));
+                sizes.sample(use.free(), with(labels, "kind", "free"));
+                sizes.sample(use.available(), with(labels, "kind", "available"));
+            }
+        }
+    }
+
+    private void addProcessors() {
+        Exposition.Family online = out.gauge("tarn_processor_online", "Whether the processor is online.");
+        library.processors().forEach(
+            data -> online.sample(data.state().equals("online") ? 1 : 0, "processor", data.processorId()));
+    }
+
+    private void add(SolarisCpuUtilizationData data) {
+        Exposition.Family ticks = out.counter("tarn_cpu_ticks_total", "Clock ticks since boot; 32 bits, which wrap.");
+        Object[] labels = {"processor", data.cpuId()};
+        ticks.sample(unsigned32(data.userTicks()), with(labels, "mode", "user"));
+        ticks.sample(unsigned32(data.kernelTicks()), with(labels, "mode", "kernel"));
+        ticks.sample(unsigned32(data.waitTicks()), with(labels, "mode", "wait"));
+        ticks.sample(unsigned32(data.idleTicks()), with(labels, "mode", "idle"));
+    }
+
+    private void add(SolarisDiskIOInformation io) {
+        Object[] labels = {"disk", io.diskName(), "instance", io.instanceName()};
+        count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."), io.bytesRead(), labels);
+        count(out.counter("tarn_disk_written_bytes_total", "Bytes written since boot."), io.bytesWritten(), labels);
+        Exposition.Family busy = out.counter("tarn_disk_busy_seconds_total", "Time with a request at the disk.");
+        if (io.runTime() != -1) {
+            busy.sample(new BigDecimal(unsigned(io.runTime()), 9), labels);
+        }
+    }
+
+    private void addFabric() {
+        Fabric fabric = library.fabric();
+        for (Fabric.Port port : fabric.ports()) {
+            Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn",
+                               port.instance == null ? "" : PortFacts.name(port.instance, HbaPortProvider.permanentAddress)};
+            out.gauge("tarn_fc_port_online", "Whether the port is online; one that cannot be read is not.")
+                .sample(port.instance != null && PortStates.isOk(port.instance) ? 1 : 0, labels);
+            addSpeed(port, labels);
+            addCounters(port.statistics, labels);
+            out.gauge("tarn_fc_remote_ports", "Remote ports that the port has discovered.")
+                .sample(port.remotePorts.size(), Arrays.copyOf(labels, 4));
+        }
+        Exposition.Family paths = out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
+        for (LogicalUnit unit : new Paths(fabric).units) {
+            Object[] labels = {"node", unit.node, "lun", unit.lun};
+            paths.sample(unit.onlinePaths(), with(labels, "state", "online"));
+            paths.sample(unit.paths.size() - unit.onlinePaths(), with(labels, "state", "other"));
+        }
+    }
+
+    private void addSpeed(Fabric.Port port, Object[] labels) {
+        Exposition.Family speed = out.gauge("tarn_fc_port_speed_bits_per_second", "The speed of the port's link.");
+        if (port.instance != null && Instances.number(port.instance, HbaPortProvider.speed).longValue() != 0) {
+            speed.sample(Instances.number(port.instance, HbaPortProvider.speed).bigIntegerValue(), labels);
+        }
+    }
+
+    private void addCounters(TrInstance statistics, Object[] labels) {
+        Exposition.Family frames = out.counter("tarn_fc_port_frames_total", "Frames through the port.");
+        Exposition.Family errors = out.counter("tarn_fc_port_errors_total", "What went wrong at the port.");
+        if (statistics != null) {
+            count(frames, Instances.number(statistics, FCPortStatisticsProvider.packetsTransmitted).longValue(),
+                  with(labels, "direction", "transmitted"));
+            count(frames, Instances.number(statistics, FCPortStatisticsProvider.packetsReceived).longValue(),
+                  with(labels, "direction", "received"));
+            errorKinds.forEach((counter, kind) -> count(errors, Instances.number(statistics, counter).longValue(),
+                                                        with(labels, "kind", kind)));
+        }
+    }
+
+    /** A counter without a sign; one with all bits set is not kept, and left out. */
+    private static void count(Exposition.Family family, long bits, Object... labels) {
+        if (bits != -1) {
+            family.sample(unsigned(bits), labels);
+        }
+    }
+
+    private static Object[] with(Object[] labels, String name, String value) {
+        Object[] more = Arrays.copyOf(labels, labels.length + 2);
+        more[labels.length] = name;
+        more[labels.length + 1] = value;
+        return more;
+    }
+
+    private static BigInteger unsigned(long bits) {
+        return new BigInteger(Long.toUnsignedString(bits));
+    }
+
+    private static long unsigned32(long bits) {
+        return Integer.toUnsignedLong((int) bits);
+    }
+
+    private static BigInteger kilobytes(long number) {
+        return BigInteger.valueOf(number).multiply(BigInteger.valueOf(1024));
+    }
+}

@@ -1,0 +1,56 @@
+package com.kelvo.tarn.cli.output;
+
+import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.FileSystemException;
+import java.nio.file.Files;
+import java.nio.file.LinkOption;
+import java.nio.file.Path;
+import java.nio.file.StandardCopyOption;
+import java.nio.file.StandardOpenOption;
+
+/** A file that whoever reads it sees whole: as it was, or as it is now. */
+public final class OutputFile {
+    private OutputFile() {
+    }
+
+    /**
+     * Replaces the file's content in one step. What is no plain file, such as a device or a pipe, is written to.
+     *
+     * @throws IOException when it cannot be; the message names the file, which is then as it was
+     */
+    public static void write(String name, String content) throws IOException {
+        byte[] bytes = content.getBytes(StandardCharsets.UTF_8);
+        try {
+            Path file = Path.of(name);
+            if (Files.isSymbolicLink(file) && Files.exists(file)) {
+                file = file.toRealPath();
+            }
+            if (Files.exists(file) && !Files.isRegularFile(file, LinkOption.NOFOLLOW_LINKS)) {
+                Files.write(file, bytes, StandardOpenOption.WRITE);
+                return;
+            }
+            // Made with the rights that a new file gets, and in the same directory, where it can take the name over.
+            Path whole = file.resolveSibling("." + file.getFileName() + "." + ProcessHandle.current().pid() + ".tmp");
+            try {
+                Files.write(whole, bytes, StandardOpenOption.CREATE_NEW, StandardOpenOption.WRITE);
+                Files.move(whole, file, StandardCopyOption.ATOMIC_MOVE);
+            } finally {
+                Files.deleteIfExists(whole);
+            }
+        } catch (IOException | RuntimeException failed) {
+            throw new IOException("'" + name + "' cannot be written: " + reason(failed), failed);
+        }
+    }
+
+    private static String reason(Exception failed) {
+        if (failed instanceof java.nio.file.NoSuchFileException) {
+            return "there is no such directory";
+        } else if (failed instanceof java.nio.file.AccessDeniedException) {
+            return "permission denied";
+        } else if (failed instanceof FileSystemException && ((FileSystemException) failed).getReason() != null) {
+            return ((FileSystemException) failed).getReason();
+        }
+        return String.valueOf(failed.getMessage());
+    }
+}
