@@ -14,7 +14,8 @@ std::size_t stackLeft() {
         return std::numeric_limits<std::size_t>::max();
     }
     const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-    const auto lowest = reinterpret_cast<std::uintptr_t>(segment.ss_sp) - segment.ss_size;
+    const auto base = reinterpret_cast<std::uintptr_t>(segment.ss_sp);
+    const std::uintptr_t lowest = segment.ss_size < base ? base - segment.ss_size : 0; // a stack may be unlimited
     return here > lowest ? here - lowest : 0;
 }
 

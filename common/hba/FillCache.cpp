@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <new>
+#include <string>
 
 #include "common/hba/Conversions.h"
 #include "common/hba/HbaCacheImpl.h"
@@ -34,7 +35,7 @@ private:
         terminateString(shownName.data(), adapterNameSize);
         handle = adapter.handle;
         if (handle == 0) {
-            warn(unableToOpen(index, shownName.data(), adapter.status));
+            warn([&] { return unableToOpen(index, shownName.data(), adapter.status); });
             return;
         }
         refreshInformation(handle, adapterName.data());
@@ -66,7 +67,7 @@ private:
             isFetched = false;
         }
         if (!isFetched) {
-            warn(BadStatus("GetFcpTargetMapping", mapping.status(), index, shownName.data()));
+            warn([&] { return BadStatus("GetFcpTargetMapping", mapping.status(), index, shownName.data()); });
         }
     }
 
@@ -119,7 +120,7 @@ private:
         if (status == HBA_STATUS_OK) {
             return false;
         }
-        warn(BadStatus(callName, status, index, shownName.data()));
+        warn([&] { return BadStatus(callName, status, index, shownName.data()); });
         return true;
     }
 
@@ -129,20 +130,23 @@ private:
         if (count <= maximum) {
             return static_cast<jsize>(count);
         }
-        warn(tooMany(what(), count, adapterText(index, shownName.data()), maximum));
+        warn([&] { return tooMany(what(), count, adapterText(index, shownName.data()), maximum); });
         return 0;
     }
 
     /// A string, not the thread's one line of BadStatus: Java, asked for the log's class, may come back for a walk of its
-    /// own, which words lines of its own.
-    void warn(const std::string &message) {
+    /// own, which words lines of its own. Nothing about a line ends the walk.
+    template <class Line>
+    void warn(Line line) {
         try {
             room.take(3); // the name of the log's class, the class, the line
+            const std::string message = line();
+            cache.warn(message.c_str());
         } catch (const NoLocalRoom &) {
             env->ExceptionClear();
-            return;
+        } catch (const std::bad_alloc &) {
+            // There is no memory to tell it.
         }
-        cache.warn(message.c_str());
     }
 
     static constexpr jint referencesBefore = 19;           // the classes and the result

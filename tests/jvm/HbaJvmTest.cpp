@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
+#include <future>
 #include <nlohmann/json.hpp>
 #include <regex>
 
@@ -306,6 +307,28 @@ TEST_F(HbaTest, LargeMappingsAreMatchedWhole) {
         const std::string where = "0/0/6/" + lun + "/mapping";
         EXPECT_EQ(tree.values(where), "=|=|0|0|" + lun + "|c0t0d" + lun + "|0|5006000000001006");
     }
+}
+
+TEST_F(HbaTest, ThreadsThatFillAtOnceAllGetTheWholeCache) {
+    loadAdapters(twoAdapters());
+    const Lines whole = fill().lines;
+    cache = env->NewGlobalRef(cache);
+    names = env->NewGlobalRef(names);
+    const auto fillOften = [&] {
+        const jvm::AttachedThread thread;
+        int equal = 0;
+        for (int round = 0; round < 10; ++round) {
+            thread.env->PushLocalFrame(16);
+            equal += jvm::HbaTree(thread.env, enterFill(thread.env)).lines == whole ? 1 : 0;
+            thread.env->PopLocalFrame(nullptr);
+        }
+        return equal;
+    };
+    std::vector<std::future<int>> threads(8);
+    std::ranges::generate(threads, [&] { return std::async(std::launch::async, fillOften); });
+    EXPECT_EQ(std::ranges::count(threads, 10, &std::future<int>::get), 8);
+    env->DeleteGlobalRef(cache);
+    env->DeleteGlobalRef(names);
 }
 
 // ---- The self-test --------------------------------------------------------------------------------------------------

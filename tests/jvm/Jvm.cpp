@@ -64,6 +64,14 @@ std::vector<std::string> takeWarnings() {
     return std::exchange(warnings, {});
 }
 
+AttachedThread::AttachedThread() {
+    machine->AttachCurrentThread(reinterpret_cast<void **>(&env), nullptr);
+}
+
+AttachedThread::~AttachedThread() {
+    machine->DetachCurrentThread();
+}
+
 std::string toText(JNIEnv *env, jobject object) {
     if (object == nullptr) {
         return "null";

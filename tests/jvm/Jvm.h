@@ -14,6 +14,17 @@ JNIEnv *start(const std::vector<std::string> &options);
 /// The environment of the thread that started it.
 JNIEnv *environment();
 
+/// Makes the calling thread one of the virtual machine's for as long as this lives.
+class AttachedThread {
+public:
+    AttachedThread();
+    ~AttachedThread();
+    AttachedThread(const AttachedThread &) = delete;
+    AttachedThread &operator=(const AttachedThread &) = delete;
+
+    JNIEnv *env = nullptr;
+};
+
 /// What -Xcheck:jni has complained about since the last call.
 std::vector<std::string> takeWarnings();
 
