@@ -28,12 +28,21 @@ public final class PortFacts {
     }
 
     public static String speed(TrInstance port) {
-        return speeds.getOrDefault(Instances.number(port, HbaPortProvider.speed).longValue(), "speed unknown");
+        return speed(Instances.number(port, HbaPortProvider.speed));
+    }
+
+    public static String speed(UnsignedInt bitsPerSecond) {
+        return speeds.getOrDefault(bitsPerSecond.longValue(), "speed unknown");
     }
 
     public static String fcId(TrInstance port) {
         long id = Instances.number(port, HbaPortProvider.portFcId).longValue();
-        return id == 0 ? "" : String.format("0x%06x", id);
+        return id == 0 ? "" : fcId(id);
+    }
+
+    /** Such as "0x010200". */
+    public static String fcId(long id) {
+        return String.format("0x%06x", id);
     }
 
     /** A name, world-wide or other, of a port or of an adapter. */

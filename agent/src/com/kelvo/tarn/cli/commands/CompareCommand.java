@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.answers.Comparison;
+import com.kelvo.tarn.cli.answers.PortFacts;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.cli.answers.Rates;
 import com.kelvo.tarn.cli.output.Page;
@@ -26,8 +27,8 @@ public final class CompareCommand extends TableInquiry<Comparison> {
     private static final Map<String, Function<Object, String>> wordings = Map.of(
         "portState", state -> PortStates.name((UnsignedInt) state),
         "operationalStatus", statuses -> PortStates.statusNames((List<?>) statuses),
-        "speed", speed -> HbaTree.speed((UnsignedInt) speed),
-        "portFcId", fcId -> HbaTree.fcId(((UnsignedInt) fcId).longValue()),
+        "speed", speed -> PortFacts.speed((UnsignedInt) speed),
+        "portFcId", fcId -> PortFacts.fcId(((UnsignedInt) fcId).longValue()),
         "totalBytes", bytes -> Units.bytes((Long) bytes));
 
     @Parameters(index = "0", paramLabel = "OLD", description = "The host's description before.")

@@ -111,15 +111,6 @@ final class HbaTree {
             labelled("", port, HbaPortProvider.name));
     }
 
-    static String speed(UnsignedInt bitsPerSecond) {
-        return speeds.getOrDefault(bitsPerSecond.longValue(), "speed unknown");
-    }
-
-    /** Such as "0x010200". */
-    static String fcId(long fcId) {
-        return String.format("0x%06x", fcId);
-    }
-
     /** The frames, and whatever errors there were. */
     private static String counters(TrInstance statistics) {
         if (statistics == null) {
