@@ -173,7 +173,8 @@ private:
 };
 
 void printHelp() {
-    std::puts("./bench [--benchmark_filter=REGEX] [--benchmark_list_tests]\n\n"
+    std::puts("./bench [--benchmark_filter=REGEX] [--benchmark_list_tests]\n"
+              "./bench start-up\n\n"
               "Runs each comparison whose name the expression matches, and prints how many times its reference the\n"
               "measured side takes, with the bound that this is to stay below. The exit status is 0 when everything\n"
               "ran, whether or not the bounds were met.");

@@ -76,7 +76,7 @@ find_archive() {
     archive=
     [ -n "$archive_dir" ] && [ "$java_major" -ge 13 ] || return 0
     place=$(cksum <<<"$java_home $class_path")
-    state=$(ls -lL "${jars[@]}" "$java_home/lib/modules" 2>/dev/null | cksum)
+    state=$({ ls -lL "${jars[@]}" "$java_home/lib/modules" 2>/dev/null || true; } | cksum)
     place=${place%% *}
     archive=$archive_dir/tarn-$place-${state%% *}.jsa
     for file in "${jars[@]}"; do # ls tells the time to the minute only

@@ -1,0 +1,229 @@
+"""Builds the packages, and runs what they hold away from the source tree: python3 tests/package.py BUILD-TREE"""
+
+import os
+import re
+import shlex
+import shutil
+import stat
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+SOURCE = Path(__file__).resolve().parents[1]
+BUILD = SCRATCH = ROOT = DEB = None  # the build tree; where everything goes; the unpacked package; the package
+TOOLS = "bash cksum cut dirname env ls mkdir mktemp mv readlink rm sed".split()  # what the command needs besides Java
+
+
+def run(*command, **options):
+    return subprocess.run(command, capture_output=True, text=True, timeout=120, **options)
+
+
+def must(*command, **options):
+    done = run(*command, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{shlex.join(map(str, command))}: {done.returncode}\n{done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def tarn(*arguments, usr=None, path="/usr/bin:/bin", **environment):
+    """The installed command, run from / with nothing of this process's environment."""
+    variables = {"PATH": path, "HOME": str(SCRATCH / "home"), **environment}
+    return run((usr or ROOT / "usr") / "bin/tarn", *arguments, env=variables, cwd="/")
+
+
+def write(path, text, mode=0o644):
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_text(text)
+    path.chmod(mode)
+
+
+def java_home(name, version, release=True, refusing="true"):
+    """A Java of that version, as far as the command looks at it, that writes down how it is called."""
+    home = SCRATCH / name
+    write(home / "bin/java", f"""#!/bin/bash
+printf '%s\\n' "$@" >>{home}/calls
+case "$*" in
+    -version) echo 'openjdk version "{version}"' >&2; exit ;;
+    *ArchiveClassesAtExit*) {refusing} || exit 1 ;;
+esac
+exec {shutil.which("java")} "$@"
+""", 0o755)
+    if release:
+        write(home / "release", f'IMPLEMENTOR="X"\nJAVA_VERSION="{version}"\n')
+    return str(home)
+
+
+def tree(root):
+    """What lies below: path -> octal mode, or "d" or the target of a link."""
+    found = {}
+    for path in sorted(root.rglob("*")):
+        mode = path.lstat().st_mode
+        found[str(path.relative_to(root))] = os.readlink(path) if stat.S_ISLNK(mode) else \
+            "d" if stat.S_ISDIR(mode) else f"{stat.S_IMODE(mode):04o}"
+    return found
+
+
+class Package(unittest.TestCase):
+    maxDiff = None
+
+    def test_debian_finds_no_fault(self):
+        done = run("lintian", "--allow-root", "--fail-on", "error", DEB)
+        self.assertEqual(done.returncode, 0, done.stdout)
+        fields = must("dpkg-deb", "-f", DEB, "Depends", "Suggests", "Version", "Description")
+        for needed in ("java11-runtime-headless", "libpicocli-java", "libgoogle-gson-java", "liblog4j2-java", "libc6",
+                       "Suggests: graphviz", "Version: 1.0.0\n", "This is tarnsolaris 1.0.0"):
+            self.assertIn(needed, fields)
+        self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], ["tarn-1.0.0.jar"])
+
+    def test_it_runs_from_anywhere(self):
+        here = must(SOURCE / "tarn", "report", env={**os.environ, "TARN_HOST": ""})
+        moved = SCRATCH / "some where/usr"
+        must("cmake", "--install", BUILD, "--prefix", moved)
+        for usr in (ROOT / "usr", moved):
+            done = tarn("report", usr=usr)
+            self.assertEqual((done.returncode, done.stdout), (0, here), done.stderr)
+        (SCRATCH / "linked").symlink_to(moved / "bin/tarn")
+        host = SCRATCH / "host.json"
+        host.write_text('{"sysinfo": {"SI_HOSTNAME": "brook"}}')
+        self.assertIn("brook", must(SCRATCH / "linked", "computer-system", env={**os.environ, "TARN_HOST": str(host)}))
+
+    def test_the_manifests_for_solaris(self):
+        must("cmake", "--build", BUILD, "--target", "solaris_packages")
+        installed = tree(BUILD / "solaris/root")
+        files = {path: mode for path, mode in installed.items() if mode != "d"}
+        own = {path for path, mode in installed.items() if mode == "d" and "/tarnsolaris" in path}
+        self.assertGreater(len(files), 10)
+
+        wanted = [f"i {name}={BUILD}/solaris/{name}" for name in ("copyright", "depend", "pkginfo")]
+        for path, mode in installed.items():
+            attributes = "0755 root bin" if path in own else "? ? ?"
+            wanted.append(f"d none {path} {attributes}" if mode == "d" else
+                          f"f none {path}={BUILD}/solaris/root/{path} {mode} root bin" if mode.startswith("0") else
+                          f"s none {path}={mode}")
+        self.assertEqual(sorted((BUILD / "solaris/prototype").read_text().splitlines()), sorted(wanted))
+        for line in wanted[:3]:
+            self.assertTrue(Path(line.partition("=")[2]).stat().st_size > 0, line)
+        parameters = dict(line.split("=", 1) for line in (BUILD / "solaris/pkginfo").read_text().splitlines())
+        self.assertLessEqual({"PKG", "NAME", "ARCH", "VERSION", "CATEGORY"}, parameters.keys())
+        self.assertRegex(parameters["PKG"], r"^[A-Za-z][A-Za-z0-9+-]{1,31}$")
+        for line in (BUILD / "solaris/depend").read_text().splitlines():
+            self.assertRegex(line, r"^P [A-Z]+[A-Za-z0-9]+ \S")
+
+        actions = [shlex.split(line) for line in (BUILD / "solaris/tarnsolaris.p5m").read_text().splitlines()]
+        delivered = {}
+        for kind, *words in actions:
+            values = dict(word.split("=", 1) for word in words if "=" in word)
+            self.assertIn(kind, ("set", "depend", "license", "file", "dir", "link"))
+            if "path" in values:
+                self.assertNotIn(values["path"], delivered)
+                delivered[values["path"]] = values.get("target") or (
+                    values["owner"], values["group"], values["mode"], words[0] if kind == "file" else kind)
+            elif kind == "depend":
+                self.assertRegex(values["fmri"], r"^pkg:/[a-z]")
+        root = ("root", "bin")
+        self.assertEqual(delivered, {path: (*root, mode, path) if mode.startswith("0") else mode
+                                     for path, mode in files.items()} | {path: (*root, "0755", "dir") for path in own})
+        self.assertIn(["set", "name=pkg.fmri", "value=pkg:/system/storage/tarnsolaris@1.0.0"], actions)
+
+    def test_the_example_embeds_the_installed_library(self):
+        jars = ":".join(f"/usr/share/java/{name}.jar" for name in ("log4j-1.2-api", "log4j-api", "log4j-core"))
+        class_path = f"{SCRATCH / 'classes'}:{ROOT / 'usr/share/java/tarn.jar'}:{jars}"
+        example = ROOT / "usr/share/doc/tarnsolaris/examples/embed/Embed.java"
+        (SCRATCH / "classes").mkdir()
+        must("javac", "--release", "11", "-Xlint:all", "-Werror", "-cp", class_path, "-d", SCRATCH / "classes", example)
+        library = next(ROOT.rglob("libtarnsolaris.so")).parent
+
+        def embed(*arguments):
+            return run("java", "-Xcheck:jni", f"-Djava.library.path={library}", "-cp", class_path, "Embed", *arguments,
+                       cwd="/", env={"PATH": "/usr/bin:/bin"})
+        done = embed()
+        self.assertEqual((done.returncode, done.stderr), (0, "WARN SolarisDiskDrive DKIOCGVTOC\n"))
+        for line in ("rill, SUNW,Sun-Fire-V440", "/: 7192340480 bytes available", "c1t0d0: SUN72G",
+                     "port 210000e08b10a3c2"):
+            self.assertIn(line, done.stdout.splitlines())
+        write(SCRATCH / "bare.json", '{"sysinfo": {"SI_HOSTNAME": "brook", "SI_PLATFORM": "SUNW,X"}}')
+        self.assertEqual(embed(SCRATCH / "bare.json").stdout, "brook, SUNW,X\n")
+
+    def test_java_that_is_missing_or_too_old(self):
+        wanted = "tarn: Java 11 or newer is needed; "
+        for name in TOOLS:
+            (SCRATCH / "tools").mkdir(exist_ok=True)
+            (SCRATCH / "tools" / name).symlink_to(shutil.which(name))
+        tools = str(SCRATCH / "tools")
+        for environment, complaint in (
+                ({"path": tools}, "there is no java on the PATH"),
+                ({"JAVA_HOME": "/nowhere"}, "JAVA_HOME is /nowhere, which has no bin/java"),
+                ({"JAVA_HOME": java_home("eight", "1.8.0_392")}, f"{SCRATCH}/eight/bin/java is Java 1.8.0_392"),
+                ({"JAVA_HOME": java_home("ten", "10.0.2", False)}, f"{SCRATCH}/ten/bin/java is Java 10.0.2"),
+                ({"path": f"{SCRATCH}/ten/bin:{tools}"}, f"{SCRATCH}/ten/bin/java is Java 10.0.2"),
+                ({"JAVA_HOME": java_home("none", "", False)}, f"{SCRATCH}/none/bin/java does not tell its version")):
+            with self.subTest(complaint):
+                done = tarn("report", **environment)
+                self.assertEqual((done.returncode, done.stdout, done.stderr), (2, "", f"{wanted}{complaint}\n"))
+        usr = SCRATCH / "lacking"
+        shutil.copytree(ROOT / "usr", usr, symlinks=True)
+        command = usr / "bin/tarn"
+        command.write_text(command.read_text().replace("/usr/share/java)", "/nowhere)"))
+        done = tarn("report", usr=usr)
+        self.assertEqual((done.returncode, done.stderr.count("\n")), (2, 1))
+        self.assertRegex(done.stderr, r"^tarn: picocli\.jar is needed, and is not in \S+/share/java /nowhere$")
+
+    def test_the_class_data_archive(self):
+        home = java_home("seventeen", "17.0.1")
+        cache, calls = SCRATCH / "cache", Path(home, "calls")
+        usr = SCRATCH / "archived"
+        shutil.copytree(ROOT / "usr", usr, symlinks=True)
+
+        def start(java=home, **environment):
+            """Runs a command; tells whether an archive was made, and whether one was used."""
+            calls = Path(java, "calls")
+            calls.write_text("")
+            done = tarn("build-date", usr=usr, JAVA_HOME=java, XDG_CACHE_HOME=str(cache), **environment)
+            self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "Jan 18 2006\n", ""))
+            return "ArchiveClassesAtExit" in calls.read_text(), "SharedArchiveFile" in calls.read_text()
+
+        def archives():
+            return sorted(path.name for path in (cache / "tarn").iterdir())
+
+        self.assertEqual([start(), start()], [(True, True), (False, True)])
+        (first,) = archives()
+        archive = cache / "tarn" / first
+        self.assertEqual((stat.S_IMODE(archive.stat().st_mode) & 0o77, archive.stat().st_size > 1 << 20), (0, True))
+        archive.chmod(0o600)
+        archive.write_bytes(b"no archive" * 1000)
+        self.assertEqual(start(), (False, True), "one that the virtual machine refuses")
+        jar = usr / "share/java/tarn-1.0.0.jar"
+        os.utime(jar)
+        self.assertEqual(start(), (True, True), "older than the jar")
+        os.utime(jar, (0, 0))
+        self.assertEqual(start(), (True, True), "another jar")
+        self.assertEqual((len(archives()), first in archives()), (1, False))
+
+        self.assertEqual(start(TARN_CACHE=""), (False, False))
+        self.assertEqual(start(TARN_CACHE="/dev/null/here"), (False, False), "no such folder")
+        self.assertEqual(start(java_home("eleven", "11.0.2")), (False, False), "Java 11 makes none")
+        # A virtual machine that refuses to make one is asked once.
+        refusing = java_home("refusing", "17", refusing="false")
+        self.assertEqual([start(refusing), start(refusing)], [(True, False), (False, False)])
+        self.assertEqual([name for name in archives() if name.startswith(".")], [])
+
+
+def main():
+    global BUILD, SCRATCH, ROOT, DEB
+    BUILD = Path(sys.argv[1]).resolve()
+    with tempfile.TemporaryDirectory(prefix="tarn-package-") as folder:
+        SCRATCH = Path(folder)
+        ROOT = SCRATCH / "root"
+        must("cpack", "--config", BUILD / "CPackConfig.cmake", "-G", "DEB", "-B", SCRATCH)
+        (DEB,) = SCRATCH.glob("*.deb")
+        must("dpkg-deb", "-x", DEB, ROOT)
+        result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Package))
+    failed = len({str(test).split(" (")[0] for test, _ in result.failures + result.errors})
+    print(f"{result.testsRun - failed} passed, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
