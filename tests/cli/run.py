@@ -86,6 +86,24 @@ REPORT = "    2  0  1  0  2   80" + "".join("%10u" * 8 % (start, 2, 7, 4, 5, 6, 
 FAR = "50000000000000b1"  # a remote port
 ARRAY = "array A B KELVO 'Tray Array'"
 
+HOSTS = {}  # descriptions that a command names, by the word that stands for them
+
+
+def counting(seconds, disk=(0, 0, 0), cpu=(0, 0, 0, 0), port=(0, 0, 0)):
+    """The word for a host with these counters, recorded at that time; -1 has all bits set."""
+    word = f"@{len(HOSTS)}"
+    HOSTS[word] = {
+        "kstat": [{"ks_name": "sd0", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
+                   "data": dict(zip(("nread", "nwritten", "rtime"), disk))},
+                  {"ks_module": "cpu_stat", "ks_name": "cpu_stat0",
+                   "data": dict(zip(("user", "kernel", "wait", "idle"), cpu))}],
+        "hba": {"adapters": [{"name": "a", "ports": [{
+            "attributes": {"PortWWN": FAR},
+            "statistics": dict(zip(("TxFrames", "RxFrames", "InvalidCRCCount"), port))}]}]},
+        **({"recordedAt": f"2026-11-24T10:{seconds}Z"} if seconds else {})}
+    return word
+
+
 # ---- Cases ----------------------------------------------------------------------------------------------------------
 
 COMMANDS = [*RESULTS, "report", "array", "authenticate"]
@@ -192,6 +210,25 @@ CASES = [
     Case("no disk, for programs", "disk nope", RICH, None, log=LOGS["report"], status=1),
     Case("nothing changed", "compare hosts/rill.json hosts/rill.json", result={"changes": [], "rates": None}, log=ANY),
     Case("a pulled cable", f"compare {UNPLUGGED}", status=1, result=read("cli/cable-pulled.json"), log=ANY),
+    *(Case(f"rates of {rates}", f"compare {old} {new}", picks={
+        "changes": [], "rates.disks": rates and [{"diskName": "", "instanceName": "sd0", **dict(zip((
+            "bytesReadPerSecond", "bytesWrittenPerSecond", "busyPercent"), rates[0]))}],
+        "rates.processors": rates and [{"cpuId": 0, **dict(zip((
+            "userPercent", "kernelPercent", "waitPercent", "idlePercent"), rates[1]))}],
+        "rates.ports": rates and [{"port": "port " + FAR, **dict(zip((
+            "framesSentPerSecond", "framesReceivedPerSecond", "errorsPerSecond"), rates[2]))}]}, log=ANY)
+      for old, new, rates in (
+          (counting("00:00", (0, 1, 0), (0, 0, 0, 0), (0, 0, 1)),
+           counting("00:10", (5000, 1, 10 ** 9), (2, 3, 0, 5), (20, 5, 4)),
+           [(500.0, 0.0, 10.0), (20.0, 30.0, 0.0, 50.0), (2.0, 0.5, 0.3)]),
+          (counting("00:00", (-20, 9, 5), (2 ** 32 - 1, 0, 0, 0), (-1, 0, -1)),
+           counting("00:10", (-10, 8, 5), (0, 0, 0, 3), (5, -1, 4)),
+           [(1.0, None, 0.0), (25.0, 0.0, 0.0, 75.0), (None, None, 0.0)]),
+          (counting("00:00", (0, 0, 0), (9, 9, 9, 9), (0, 0, 0)), counting("00:10", (0, 0, 0), (0, 0, 0, 0), (0, 0, 0)),
+           [(0.0, 0.0, 0.0), (None,) * 4, (0.0, 0.0, 0.0)]))),
+    *(Case(f"no rates: {name}", f"compare {old} {new}", result={"changes": [], "rates": None}, log=ANY)
+      for name, old, new in (("backwards", counting("00:10"), counting("00:00")), ("at once", *[counting("00:10")] * 2),
+                             ("one without a time", counting(None), counting("00:00")))),
     *(Case(f"compare refuses: {command}", command, complains=[complaint], status=2) for command, complaint in (
         ("compare hosts/rill.json", "NEW"), ("compare hosts/rill.json /no/such", "/no/such"),
         ("--host hosts/rill.json compare a b", "--host"))),
@@ -245,7 +282,8 @@ def write_host(host):
 
 
 def run(case):
-    words = shlex.split(case.command) + ["--json"] * case.is_json()
+    words = [write_host(HOSTS[word]) if word in HOSTS else word for word in shlex.split(case.command)]
+    words += ["--json"] * case.is_json()
     if case.host is not None:
         words = ["--host", write_host(case.host), *words]
     return subprocess.run([TARN, *words], cwd=ROOT, input=case.password.encode(), capture_output=True, timeout=120,

@@ -128,7 +128,7 @@ public final class CompareCommand extends TableInquiry<Comparison> {
         out.println();
         new Table<>(rates.ports).text("Port", port -> port.port)
             .number("Frames sent/s", shown(port -> port.framesSentPerSecond, CompareCommand::decimal))
-            .number("Received/s", shown(port -> port.framesReceivedPerSecond, CompareCommand::decimal))
+            .number("Frames received/s", shown(port -> port.framesReceivedPerSecond, CompareCommand::decimal))
             .number("Errors/h", shown(port -> port.errorsPerSecond, rate -> decimal(rate * 3600))).print(out);
     }
 

@@ -25,7 +25,8 @@ public final class ManualPage {
     }
 
     private void write(CommandSpec root) {
-        lines.add(String.format(".TH %s 1 \"\" \"%s\"", root.name().toUpperCase(), escape(root.version()[0].replaceFirst(" \\(.*", ""))));
+        String release = root.version()[0].replaceFirst("\\+.*", ""); // without the commit
+        lines.add(String.format(".TH %s 1 \"\" \"%s\"", root.name().toUpperCase(), escape(release)));
         lines.add(".SH NAME");
         lines.add(escape(root.name() + " - " + text(root.usageMessage().description())));
         lines.add(".SH SYNOPSIS");
