@@ -20,6 +20,10 @@ public:
     Directory(const Directory &) = delete;
     Directory &operator=(const Directory &) = delete;
 
+    bool isOpen() const {
+        return stream != nullptr;
+    }
+
     /// Name of the next entry, "." and ".." included, valid until the next call; null behind the last.
     const char *next() {
         if (stream == nullptr) {

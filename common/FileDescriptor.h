@@ -13,6 +13,10 @@ public:
     }
     FileDescriptor(FileDescriptor &&other) noexcept : descriptor(std::exchange(other.descriptor, none)) {
     }
+    FileDescriptor &operator=(FileDescriptor &&other) noexcept {
+        std::swap(descriptor, other.descriptor);
+        return *this;
+    }
     ~FileDescriptor() {
         close();
     }

@@ -111,6 +111,7 @@ struct FileSystemsForm {
         ByText<FileSystem> named = value;
         std::vector<FileSystem> list;
         for (auto &[path, fileSystem] : named) {
+            fileSystem.path = path;
             list.push_back(fileSystem);
             fileSystem.path.clear();
         }

@@ -10,10 +10,9 @@ add_custom_command(
     DEPENDS ${BUILT_IN_HOST} ${REPLAY}/EmbedHost.cmake
     COMMENT "Embedding the built-in host" VERBATIM)
 
-# How Java chooses the host is the library's.
+# How Java chooses the host is a part of the library.
 file(GLOB REPLAY_SOURCES CONFIGURE_DEPENDS ${REPLAY}/*.cpp)
 list(REMOVE_ITEM REPLAY_SOURCES ${REPLAY}/ReplayHost.cpp)
-target_sources(tarn_code PRIVATE ${REPLAY}/ReplayHost.cpp)
 
 add_library(tarn_replay STATIC ${REPLAY_SOURCES} ${BUILT_IN_SOURCE})
 target_link_libraries(tarn_replay PUBLIC tarn_description ${CMAKE_DL_LIBS})

@@ -1,0 +1,338 @@
+#include "record/DiskGroups.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <utility>
+
+namespace record {
+namespace {
+
+constexpr std::size_t mostSlices = 26; // minor nodes "a" to "z"
+constexpr std::string_view deviceTree = "../../devices";
+constexpr std::string_view rawNode = ",raw";
+constexpr std::string_view powerPathPrefix = "emcpower";
+
+/// An entry's name, taken apart as names of disks are made: "c1t0d0" "s3", or "emcpower7" "d".
+struct NameParts {
+    std::string_view disk;
+    std::string_view suffix;
+    std::optional<unsigned> place;
+};
+
+bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+NameParts takeApart(std::string_view name) {
+    std::size_t at = name.size();
+    while (at > 0 && isDigit(name[at - 1])) {
+        --at;
+    }
+    const std::string_view number = name.substr(at);
+    if (at > 0 && name[at - 1] == 's' && !number.empty() && number.size() <= 2) {
+        unsigned place = 0;
+        for (const char digit : number) {
+            place = place * 10 + static_cast<unsigned>(digit - '0');
+        }
+        return {name.substr(0, at - 1), name.substr(at - 1), place < mostSlices ? std::optional(place) : std::nullopt};
+    }
+    if (name.starts_with(powerPathPrefix) && name.back() >= 'a' && name.back() <= 'z') {
+        return {name.substr(0, name.size() - 1), name.substr(name.size() - 1), name.back() - 'a'};
+    }
+    return {name, {}, std::nullopt};
+}
+
+template <class T>
+bool agree(const std::optional<T> &one, const std::optional<T> &other) {
+    if constexpr (std::equality_comparable<T>) {
+        return !one || !other || *one == *other;
+    } else {
+        return !one || !other || std::memcmp(&*one, &*other, sizeof(T)) == 0;
+    }
+}
+
+template <class T>
+void addTo(std::optional<T> &known, std::optional<T> &&more) {
+    if (!known) {
+        known = std::move(more);
+    }
+}
+
+bool haveOneMajor(const std::optional<dev_t> &one, const std::optional<dev_t> &other) {
+    return !one || !other || major(*one) == major(*other);
+}
+
+bool hasMajorOf(const Group &group, const std::optional<dev_t> &device) {
+    return std::ranges::all_of(group.slices,
+                               [&](const SeenSlice &slice) { return haveOneMajor(slice.device, device); });
+}
+
+/// The physical path when the link leads to the minor node that goes with the place.
+std::optional<std::string_view> physicalPath(const std::optional<description::Link> &link, unsigned place, bool raw) {
+    if (!link || !*link) {
+        return std::nullopt;
+    }
+    std::string_view text = **link;
+    if (!text.starts_with(deviceTree)) {
+        return std::nullopt;
+    }
+    text.remove_prefix(deviceTree.size());
+    if (raw) {
+        if (!text.ends_with(rawNode)) {
+            return std::nullopt;
+        }
+        text.remove_suffix(rawNode.size());
+    }
+    const char node[] = {':', static_cast<char>('a' + place)};
+    if (!text.ends_with(std::string_view(node, sizeof node))) {
+        return std::nullopt;
+    }
+    text.remove_suffix(sizeof node);
+    return text;
+}
+
+/// A link that does not follow from path and place.
+std::optional<description::Link> unruledLink(const std::optional<description::Link> &link,
+                                             const std::optional<std::string> &path, unsigned place, bool raw) {
+    const bool isRuled = path ? physicalPath(link, place, raw) == *path : link == description::Link();
+    return isRuled ? std::nullopt : link;
+}
+
+/// One call's errno by ways to open the device, each under a name no longer than needed.
+class FailuresOfCall {
+public:
+    FailuresOfCall(std::string_view call, description::Disk &described) : name(call), disk(described) {
+    }
+
+    void describe(int forRequests, int again, int forCommands) {
+        const int asked[] = {forRequests, again, forCommands};
+        const auto first = std::ranges::find_if(asked, isAsked);
+        if (first == std::end(asked)) {
+            return;
+        }
+        if (std::ranges::all_of(asked, [&](int error) { return !isAsked(error) || error == *first; })) {
+            set("", *first);
+            return;
+        }
+        set(" O_RDWR", forRequests);
+        if (!isAsked(again) || !isAsked(forCommands) || again == forCommands) {
+            set(" O_RDONLY", std::max(again, forCommands));
+            return;
+        }
+        set(" O_RDONLY", again);
+        if (again != 0 || forCommands != 0) {
+            disk.fails[name + " O_RDONLY|O_NDELAY"] = forCommands;
+        }
+    }
+
+private:
+    static bool isAsked(int error) {
+        return error != Outcomes::notAsked;
+    }
+
+    void set(const char *mode, int error) {
+        if (error > 0) {
+            disk.fails[name + mode] = error;
+        }
+    }
+
+    std::string name;
+    description::Disk &disk;
+};
+
+void describeFailures(const Answers &answers, description::Disk &disk) {
+    const Outcomes &outcome = answers.outcomes;
+    constexpr int none = Outcomes::notAsked;
+    const auto single = [&](std::string_view call, Question question) {
+        FailuresOfCall(call, disk).describe(outcome[question], none, none);
+    };
+    single("stat", Question::stat);
+    single("readlink", Question::readlink);
+    single("ustat", Question::ustat);
+    single("fstat", Question::fstat);
+    single("DKIOCINFO", Question::information);
+    FailuresOfCall("open", disk)
+        .describe(outcome[Question::openForRequests], outcome[Question::openAgain], outcome[Question::openForCommands]);
+    // What has no answer fails with EIO without being told so.
+    const auto isUsual = [](int error) { return error == EIO || error == none; };
+    const auto request = [&](std::string_view call, Question first, Question again, bool isAnswered) {
+        if (isAnswered || !isUsual(outcome[first]) || !isUsual(outcome[again])) {
+            FailuresOfCall(call, disk).describe(outcome[first], outcome[again], none);
+        }
+    };
+    request("DKIOCGGEOM", Question::geometry, Question::geometryAgain, answers.geometry.has_value());
+    request("DKIOCGVTOC", Question::label, Question::labelAgain, answers.label.has_value());
+    for (std::size_t i = 0; i < askedCommands.size(); ++i) {
+        const auto question = static_cast<Question>(static_cast<std::size_t>(Question::inquiry) + i);
+        if (!isUsual(outcome[question])) {
+            single(askedCommands[i], question);
+        }
+        if (outcome[question] == 0) {
+            disk.scsi.emplace(askedCommands[i], answers.commands[i]);
+        }
+    }
+}
+
+} // namespace
+
+bool Outcomes::agreesWith(const Outcomes &other) const {
+    for (std::size_t i = 0; i < questions; ++i) {
+        if (errors[i] != other.errors[i] && errors[i] != notAsked && other.errors[i] != notAsked) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void Outcomes::add(const Outcomes &other) {
+    for (std::size_t i = 0; i < questions; ++i) {
+        if (errors[i] == notAsked) {
+            errors[i] = other.errors[i];
+        }
+    }
+}
+
+bool Answers::agreesWith(const Answers &other) const {
+    if (!outcomes.agreesWith(other.outcomes) || !agree(geometry, other.geometry) || !agree(label, other.label)) {
+        return false;
+    }
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        const auto question = static_cast<Question>(static_cast<std::size_t>(Question::inquiry) + i);
+        if (outcomes[question] == 0 && other.outcomes[question] == 0 && commands[i] != other.commands[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void Answers::add(Answers &&other) {
+    for (std::size_t i = 0; i < commands.size(); ++i) {
+        if (commands[i].empty()) {
+            commands[i] = std::move(other.commands[i]);
+        }
+    }
+    outcomes.add(other.outcomes);
+    addTo(geometry, std::move(other.geometry));
+    addTo(label, std::move(other.label));
+}
+
+std::size_t DiskGroups::add(SeenEntry &&entry) {
+    const NameParts parts = takeApart(entry.name);
+    const auto fits = [&](const Group &group) {
+        return group.slices.size() < mostSlices && hasMajorOf(group, entry.device) &&
+               group.answers.agreesWith(entry.answers);
+    };
+    std::size_t chosen = groups.size();
+    if (!groups.empty() && groups.back().diskName == parts.disk && fits(groups.back())) {
+        chosen = groups.size() - 1; // the entries of a disk mostly follow one another
+    } else {
+        std::vector<std::size_t> &ofDisk = byDiskName[std::string(parts.disk)];
+        const auto found = std::ranges::find_if(ofDisk, [&](std::size_t index) { return fits(groups[index]); });
+        if (found != ofDisk.end()) {
+            chosen = *found;
+        } else {
+            ofDisk.push_back(chosen);
+            groups.push_back({std::string(parts.disk), !raw, raw, {}, {}});
+        }
+    }
+    Group &group = groups[chosen];
+    SeenSlice &slice = group.slices.emplace_back();
+    slice.suffix = parts.suffix;
+    slice.place = parts.place;
+    (raw ? slice.rawLink : slice.link) = std::move(entry.link);
+    slice.device = entry.device;
+    slice.partition = entry.partition;
+    slice.isMounted = entry.isMounted;
+    group.answers.add(std::move(entry.answers));
+    return chosen;
+}
+
+std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDisks) {
+    const auto putInOrder = [](Group &group) {
+        std::ranges::stable_sort(group.slices, {}, [](const SeenSlice &slice) {
+            return slice.place.value_or(static_cast<unsigned>(mostSlices));
+        });
+    };
+    std::ranges::for_each(rawDisks.groups, putInOrder);
+    std::ranges::for_each(blockDisks.groups, putInOrder);
+    const auto isSameSlice = [](const SeenSlice &one, const SeenSlice &other) {
+        return one.suffix == other.suffix && agree(one.device, other.device);
+    };
+    std::vector<Group> joined = std::move(rawDisks.groups);
+    for (Group &block : blockDisks.groups) {
+        const auto found = rawDisks.byDiskName.find(block.diskName);
+        Group *partner = nullptr;
+        if (found != rawDisks.byDiskName.end()) {
+            for (const std::size_t index : found->second) {
+                Group &raw = joined[index];
+                if (!raw.isBlock && std::ranges::equal(raw.slices, block.slices, isSameSlice) &&
+                    hasMajorOf(raw, block.slices.front().device) && raw.answers.agreesWith(block.answers)) {
+                    partner = &raw;
+                    break;
+                }
+            }
+        }
+        if (partner == nullptr) {
+            joined.push_back(std::move(block));
+            continue;
+        }
+        partner->isBlock = true;
+        partner->answers.add(std::move(block.answers));
+        for (std::size_t i = 0; i < block.slices.size(); ++i) {
+            partner->slices[i].link = std::move(block.slices[i].link);
+            addTo(partner->slices[i].device, std::move(block.slices[i].device));
+        }
+    }
+    return joined;
+}
+
+description::Disk Group::describe() && {
+    description::Disk disk{};
+    disk.name = std::move(diskName);
+    if (!isBlock || !isRaw) {
+        disk.directories = {std::string(isRaw ? description::rawDirectory : description::blockDirectory)};
+    }
+    const auto placeOf = [&](std::size_t i) { return slices[i].place.value_or(static_cast<unsigned>(i)); };
+    for (std::size_t i = 0; i < slices.size() && !disk.path; ++i) {
+        for (const bool raw : {false, true}) {
+            const auto path = physicalPath(raw ? slices[i].rawLink : slices[i].link, placeOf(i), raw);
+            disk.path = path && !disk.path ? std::optional(std::string(*path)) : disk.path;
+        }
+    }
+    bool hasMinor = false;
+    for (std::size_t i = 0; i < slices.size() && !hasMinor; ++i) {
+        if (slices[i].device && minor(*slices[i].device) >= placeOf(i)) {
+            disk.minor = static_cast<unsigned>(minor(*slices[i].device)) - placeOf(i);
+            hasMinor = true;
+        }
+    }
+    disk.slices.resize(slices.size());
+    for (std::size_t i = 0; i < slices.size(); ++i) {
+        const SeenSlice &seen = slices[i];
+        description::Slice &slice = disk.slices[i];
+        const unsigned place = placeOf(i);
+        slice = {seen.suffix, std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt};
+        if (place != i) {
+            slice.place = place;
+        }
+        if (seen.device) {
+            disk.major = static_cast<unsigned>(major(*seen.device));
+            const auto number = static_cast<unsigned>(minor(*seen.device));
+            slice.minor = number == disk.minor + place ? std::nullopt : std::optional(number);
+        }
+        slice.partition = seen.partition == place ? std::nullopt : seen.partition;
+        slice.link = unruledLink(seen.link, disk.path, place, false);
+        slice.rawLink = unruledLink(seen.rawLink, disk.path, place, true);
+        if (seen.isMounted) {
+            disk.mounted.push_back(seen.suffix);
+        }
+    }
+    disk.geometry = answers.geometry;
+    disk.vtoc = answers.label;
+    describeFailures(answers, disk);
+    return disk;
+}
+
+} // namespace record

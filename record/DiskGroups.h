@@ -1,0 +1,131 @@
+#pragma once
+
+#include <array>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "description/Host.h"
+
+// What was seen of single directory entries, gathered into disks with slices.
+
+namespace record {
+
+/// A call, in a way to open the device where it can depend on that.
+enum class Question {
+    stat,
+    readlink,
+    ustat,
+    openForRequests,
+    openAgain,
+    openForCommands,
+    fstat,
+    information,
+    geometry,
+    geometryAgain,
+    label,
+    labelAgain,
+    inquiry, // the four commands, in the order of `askedCommands`
+    inquiryC0,
+    receiveDiagnosticA0,
+    logSense3B,
+};
+inline constexpr std::size_t questions = static_cast<std::size_t>(Question::logSense3B) + 1;
+
+/// The names of the commands that answer.
+inline constexpr std::array<std::string_view, 4> askedCommands = {"INQUIRY", "INQUIRY C0", "RECEIVE DIAGNOSTIC A0",
+                                                                  "LOG SENSE 3B"};
+
+/// How the calls came out: 0, an errno, or not asked.
+class Outcomes {
+public:
+    static constexpr int notAsked = -1;
+
+    Outcomes() {
+        errors.fill(notAsked);
+    }
+
+    int &operator[](Question question) {
+        return errors[static_cast<std::size_t>(question)];
+    }
+    int operator[](Question question) const {
+        return errors[static_cast<std::size_t>(question)];
+    }
+
+    /// Whether nothing that both were asked came out differently.
+    bool agreesWith(const Outcomes &other) const;
+
+    /// Takes over what only the other was asked.
+    void add(const Outcomes &other);
+
+private:
+    std::array<int, questions> errors;
+};
+
+/// What the slices of a disk have in common.
+struct Answers {
+    Outcomes outcomes;
+    std::optional<dk_geom> geometry;
+    std::optional<struct ::vtoc> label;
+    std::array<std::vector<unsigned char>, askedCommands.size()> commands;
+
+    bool agreesWith(const Answers &other) const;
+    void add(Answers &&other);
+};
+
+/// One entry of a directory.
+struct SeenEntry {
+    std::string_view name;
+    std::optional<description::Link> link;
+    std::optional<dev_t> device;
+    std::optional<ushort_t> partition;
+    bool isMounted = false;
+    Answers answers;
+};
+
+/// A slice, as far as it was seen in either directory.
+struct SeenSlice {
+    std::string suffix;            // of its name, behind the disk's
+    std::optional<unsigned> place; // that the suffix tells
+    std::optional<description::Link> link;
+    std::optional<description::Link> rawLink;
+    std::optional<dev_t> device;
+    std::optional<ushort_t> partition;
+    bool isMounted;
+};
+
+/// Slices of one disk that answer alike.
+struct Group {
+    std::string diskName;
+    bool isBlock;
+    bool isRaw;
+    std::vector<SeenSlice> slices;
+    Answers answers;
+
+    /// As a disk of a description.
+    description::Disk describe() &&;
+};
+
+/// The entries of one directory.
+class DiskGroups {
+public:
+    explicit DiskGroups(bool isRawDirectory) : raw(isRawDirectory) {
+    }
+
+    /// Puts the entry to a group that it agrees with, or into one of its own. Index of the group.
+    std::size_t add(SeenEntry &&entry);
+
+    /// The disks of both directories. Groups with the same slices that agree are one.
+    static std::vector<Group> join(DiskGroups &&rawDisks, DiskGroups &&blockDisks);
+
+    std::vector<Group> groups;
+
+private:
+    bool raw;
+    std::unordered_map<std::string, std::vector<std::size_t>> byDiskName;
+};
+
+} // namespace record

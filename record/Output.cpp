@@ -1,0 +1,120 @@
+#include "record/Output.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace record {
+namespace {
+
+/// 0, or the errno.
+int writeWhole(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t count = ::write(descriptor, text.data(), text.size());
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        text.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
+    }
+    return 0;
+}
+
+/// Holds back what would end the program, so that nothing unfinished is left behind.
+class WithoutSignals {
+public:
+    WithoutSignals() {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+            sigaddset(&ending, signal);
+        }
+        sigprocmask(SIG_BLOCK, &ending, &before);
+    }
+    ~WithoutSignals() {
+        sigprocmask(SIG_SETMASK, &before, nullptr);
+    }
+    WithoutSignals(const WithoutSignals &) = delete;
+    WithoutSignals &operator=(const WithoutSignals &) = delete;
+
+private:
+    sigset_t before;
+};
+
+int createNew(const std::string &path) {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+}
+
+/// The finished file gets its name, unless another has it. 0, or the errno.
+int giveName(const std::string &unfinished, const std::string &path) {
+    if (::link(unfinished.c_str(), path.c_str()) == 0) {
+        return 0;
+    }
+    if (errno == EEXIST || errno == ENOSPC || errno == EACCES) {
+        return errno;
+    }
+    // A file system without links: the name is taken first, then the file is put in its place.
+    const int reserved = createNew(path);
+    if (reserved < 0) {
+        return errno;
+    }
+    ::close(reserved);
+    return ::rename(unfinished.c_str(), path.c_str()) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+OutputFile::OutputFile(std::string filePath)
+    : path(std::move(filePath)), unfinishedPath(path + "." + std::to_string(::getpid())) {
+    struct ::stat status {};
+    if (::lstat(path.c_str(), &status) == 0) {
+        refuse(std::strerror(EEXIST));
+    }
+    const WithoutSignals held;
+    const int descriptor = createNew(unfinishedPath);
+    if (descriptor < 0) {
+        refuse(std::strerror(errno));
+    }
+    ::close(descriptor);
+    ::unlink(unfinishedPath.c_str());
+}
+
+void OutputFile::refuse(const std::string &reason) const {
+    throw OutputError(path + ": " + reason);
+}
+
+void OutputFile::write(const std::string &text) const {
+    const WithoutSignals held;
+    const int descriptor = createNew(unfinishedPath);
+    if (descriptor < 0) {
+        refuse(std::strerror(errno));
+    }
+    int error = writeWhole(descriptor, text);
+    if (error == 0 && ::fsync(descriptor) != 0) {
+        error = errno;
+    }
+    if (::close(descriptor) != 0 && error == 0) {
+        error = errno;
+    }
+    if (error == 0) {
+        error = giveName(unfinishedPath, path);
+    }
+    ::unlink(unfinishedPath.c_str());
+    if (error != 0) {
+        refuse(std::strerror(error));
+    }
+}
+
+void writeToStandardOutput(const std::string &text) {
+    std::signal(SIGPIPE, SIG_IGN); // told like any other failure
+    if (const int error = writeWhole(STDOUT_FILENO, text); error != 0) {
+        throw OutputError(std::string("standard output: ") + std::strerror(error));
+    }
+}
+
+} // namespace record

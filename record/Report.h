@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace record {
+
+/// What the recorder says of its work, on standard error.
+class Report {
+public:
+    /// `isQuiet`: says nothing at all. `isTerminal`: counts may move.
+    Report(bool isQuiet, bool isTerminal) : quiet(isQuiet), moving(isTerminal && !isQuiet) {
+    }
+
+    /// A line for a section that is done, such as "processors: 4".
+    void section(const std::string &name, const std::string &result);
+
+    /// How far a section with many elements has come; shown now and then, on a terminal only.
+    void progress(const char *name, std::size_t done, std::size_t all) {
+        if (moving && done % progressStep == 0 && done != 0) {
+            showProgress(name, done, all);
+        }
+    }
+
+    /// Something that could not be read, for the list at the end.
+    void notRead(const std::string &name, const std::string &what, const std::string &why);
+
+    /// The list of what could not be read.
+    void finish();
+
+private:
+    static constexpr std::size_t progressStep = 100;
+
+    void showProgress(const char *name, std::size_t done, std::size_t all);
+    void clearProgress();
+
+    bool quiet;
+    bool moving;
+    bool progressIsShown = false;
+    std::vector<std::string> missing;
+};
+
+/// "1 disk", "2 disks".
+std::string counted(std::size_t count, const std::string &what);
+
+/// The system's text for the errno.
+std::string errnoText(int error);
+
+} // namespace record
