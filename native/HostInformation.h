@@ -58,7 +58,7 @@ jobject runThrowingEntry(JNIEnv *env, Body body) {
             return body();
         } catch (const JavaExceptionPending &) {
             throw;
-        } catch (NativeError error) {
+        } catch (NativeError error) { // NOLINT(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
             ThrowJavaError(env, error.getMessage());
         } catch (...) {
             ThrowJavaError(env, "UNKNOWN EXCEPTION");

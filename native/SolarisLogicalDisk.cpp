@@ -83,6 +83,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateLogicalDiskNa
         for (const std::string &mountPoint : ListLogicalDisks()) {
             try {
                 list.add(makeDisk(mountPoint.c_str(), env, result, false));
+                // NOLINTNEXTLINE(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
             } catch (NativeError error) {
                 // Unmounted since it was listed; the others are still there.
                 LogMessage(env, error.getMessage(), "warn");

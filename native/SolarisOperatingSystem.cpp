@@ -105,7 +105,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getOperatingSystem(JNI
             return describeOperatingSystem(env, result);
         } catch (const JavaExceptionPending &) {
             throw;
-        } catch (NativeError error) {
+        } catch (NativeError error) { // NOLINT(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
             LogMessage(env, error.getMessage(), "warn");
         } catch (...) {
             // The blank object says that nothing could be learned.

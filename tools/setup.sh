@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034 # its variables are for those that source it
 # What ./tarn, ./test and ./bench share: install what the machine lacks, build what is missing. To be sourced.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -6,7 +7,7 @@ build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcry
                 openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java graphviz
                 node-d3)
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
-               libhbaapi2 libhbaapi-dev dpkg-dev lintian)
+               libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck)
 bench_packages=(libbenchmark-dev)
 
 # What a virtual machine that runs the agent is to find, once it is built.

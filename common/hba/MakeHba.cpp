@@ -1,4 +1,4 @@
-#include <cstdio>
+#include <string>
 
 #include "common/LocalFrame.h"
 #include "common/hba/Conversions.h"
@@ -11,11 +11,9 @@ jobject HbaCacheImpl::MakeHba(int adapterIndex, hba_AdapterAttributes &attribute
     return makeInLocalFrame(env, 48, [&] {
         const jobject cimClass = hbaClassNames.getHostBusAdapterClass();
         const Values values = defaultValues(cimClass);
-        char deviceID[32];
-        std::snprintf(deviceID, sizeof deviceID, "%s:%d", toString(attributes.NodeWWN), adapterIndex);
-
         HostBusAdapterProvider::Static &of = hostBusAdapterProvider;
-        values.at(of.field_deviceID).set(jni::newString(env, deviceID));
+        const std::string deviceID = toString(attributes.NodeWWN) + (":" + std::to_string(adapterIndex));
+        values.at(of.field_deviceID).set(jni::newString(env, deviceID.c_str()));
         values.at(of.field_creationClassName).set(nameOf(cimClass));
         values.at(of.field_systemName).set(hbaClassNames.getSystemName());
         values.at(of.field_systemCreationClassName).set(nameOf(hbaClassNames.getComputerSystemClass()));
@@ -32,9 +30,7 @@ jobject HbaCacheImpl::MakeHba(int adapterIndex, hba_AdapterAttributes &attribute
         values.at(of.field_vendorSpecificID).set(uint32(attributes.VendorSpecificID));
         values.at(of.field_driverName).set(string(attributes.DriverName, 256));
 
-        char captionText[32];
-        std::snprintf(captionText, sizeof captionText, "Adapter %d", adapterIndex);
-        const jobject caption = jni::newString(env, captionText);
+        const jobject caption = jni::newString(env, ("Adapter " + std::to_string(adapterIndex)).c_str());
         values.at(of.field_caption).set(caption);
         values.at(of.field_description).set(caption);
         values.at(of.field_elementName).set(caption);

@@ -1,4 +1,4 @@
-#include <cstdio>
+#include <string>
 
 #include "common/LocalFrame.h"
 #include "common/hba/HbaCacheImpl.h"
@@ -46,9 +46,8 @@ jobject HbaCacheImpl::MakeHbaPort(int adapterIndex, int portIndex, HBA_PortAttri
 
         HbaPortProvider::Static &of = hbaPortProvider;
         values.at(of.field_creationClassName).set(nameOf(cimClass));
-        char captionText[48];
-        std::snprintf(captionText, sizeof captionText, "Adapter %d Port %d", adapterIndex, portIndex);
-        const jobject caption = jni::newString(env, captionText);
+        const std::string text = "Adapter " + std::to_string(adapterIndex) + " Port " + std::to_string(portIndex);
+        const jobject caption = jni::newString(env, text.c_str());
         values.at(of.field_caption).set(caption);
         values.at(of.field_description).set(caption);
         values.at(of.field_elementName).set(caption);

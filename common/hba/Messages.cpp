@@ -26,16 +26,15 @@ const char *StatusString(HBA_STATUS status) {
 
 const char *BadStatus(const char *callName, HBA_STATUS status, int adapterIndex, const char *adapterName) {
     thread_local std::array<char, 500> line;
-    std::snprintf(line.data(), line.size(), "HBA_%s call returned %d (%s) for adapter %d (%s)", callName,
-                  static_cast<int>(status), StatusString(status), adapterIndex, adapterName);
+    static_cast<void>(std::snprintf(line.data(), line.size(), "HBA_%s call returned %d (%s) for adapter %d (%s)",
+                                    callName, static_cast<int>(status), StatusString(status), adapterIndex,
+                                    adapterName)); // the longest fits
     return line.data();
 }
 
 std::string unableToOpen(int adapterIndex, const char *adapterName, HBA_STATUS status) {
-    std::array<char, 500> line;
-    std::snprintf(line.data(), line.size(), "Unable to open HBA adapter %d (%s) -- status is %d (%s) (check ownership)",
-                  adapterIndex, adapterName, static_cast<int>(status), StatusString(status));
-    return line.data();
+    return "Unable to open HBA adapter " + std::to_string(adapterIndex) + " (" + adapterName + ") -- status is " +
+           std::to_string(static_cast<int>(status)) + " (" + StatusString(status) + ") (check ownership)";
 }
 
 std::string tooMany(const std::string &what, HBA_UINT32 count, const std::string &reporter, HBA_UINT32 maximum) {

@@ -35,6 +35,7 @@ void TargetMappingTable::release() {
 /// The memory comes zeroed, page by page as it is used.
 bool TargetMappingTable::takeFromHeap(HBA_UINT32 entryCount) {
     if (entryCount <= maximumMappingEntries) {
+        // NOLINTNEXTLINE(cppcoreguidelines-owning-memory): `heap` owns it
         heap.reset(std::calloc(1, std::max(mappingSize(entryCount), sizeof(HBA_FCPTARGETMAPPING))));
     }
     return heap != nullptr;

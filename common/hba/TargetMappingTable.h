@@ -47,7 +47,7 @@ private:
 
     struct Release {
         void operator()(void *memory) const {
-            std::free(memory);
+            std::free(memory); // NOLINT(cppcoreguidelines-owning-memory): the unique_ptr's, which calls this
         }
     };
 

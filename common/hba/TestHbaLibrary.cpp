@@ -115,10 +115,11 @@ private:
     }
 
     __attribute__((format(printf, 2, 3))) void addLine(const char *format, ...) {
-        std::array<char, 1024> line; // the longest has 677 characters
+        std::array<char, 1024> line; // the longest has 677 characters, so that none is cut
         std::va_list arguments;
         va_start(arguments, format);
-        std::vsnprintf(line.data(), line.size(), format, arguments);
+        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the line above has initialised it
+        static_cast<void>(std::vsnprintf(line.data(), line.size(), format, arguments));
         va_end(arguments);
         const jni::LocalRef<jstring> text(env, jni::newString(env, line.data()));
         jni::callBoolean(env, list, listAdd, text.get());
