@@ -43,7 +43,7 @@
     const scale = Math.max(smallest, Math.min(roomiest, whole));
     const [right, down] = spare(scale);
     svg.call(zoom.transform, d3.zoomIdentity.translate(
-      Math.max(margin, right / 2), down >= 2 * margin ? down / 2 : height / 2 - hostHeight * scale).scale(scale));
+      Math.max(margin, right / 2), down >= 0 ? down / 2 : height / 2 - hostHeight * scale).scale(scale));
   }
 
   /** Shows all; where that would be too small to read, what there is room for. The frame is no higher than it takes. */

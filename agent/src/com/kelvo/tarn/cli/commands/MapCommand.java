@@ -21,7 +21,7 @@ import picocli.CommandLine.Option;
              + "grey what nothing is reached through. SVG and HTML are drawn by Graphviz (package graphviz).")
 public final class MapCommand extends Export {
     private static final Map<String, Picture> endings = Map.of(
-        "dot", Picture.DOT, "gv", Picture.DOT, "svg", Picture.SVG, "html", Picture.HTML, "htm", Picture.HTML);
+        ".dot", Picture.DOT, ".gv", Picture.DOT, ".svg", Picture.SVG, ".html", Picture.HTML, ".htm", Picture.HTML);
 
     @Mixin
     private HbaOptions options;
@@ -52,7 +52,8 @@ public final class MapCommand extends Export {
         if (output() == null) {
             return Picture.DOT;
         }
-        Picture picture = endings.get(output().substring(output().lastIndexOf('.') + 1).toLowerCase(Locale.ROOT));
+        String ending = output().substring(Math.max(0, output().lastIndexOf('.'))).toLowerCase(Locale.ROOT);
+        Picture picture = endings.get(ending);
         if (picture == null) {
             throw refusal("--output: '" + output() + "' ends in none of " + names() + "; --format says which it is");
         }

@@ -8,8 +8,6 @@ import java.util.stream.Collectors;
 final class Dot {
     private static final String font = "Helvetica,Arial,sans-serif";
 
-    /** What Graphviz would still read as a character's name after it has decoded the text once. */
-    private static final Pattern characterName = Pattern.compile("&(?=#?\\w+;)");
     private static final Pattern notInXml = Pattern.compile("[\\p{Cs}\uFFFE\uFFFF]");
     private static final String lineEnd = "<br align=\"left\"/>";
 
@@ -114,19 +112,18 @@ final class Dot {
         return "<font color=\"" + colour + "\">" + markup(line) + "</font>" + lineEnd;
     }
 
-    /** Text within a label that is markup. */
+    /** Text within a label that is markup; Graphviz still puts names in place of backslash and letter. */
     private static String markup(String text) {
-        return references(text).replace("<", "&lt;").replace(">", "&gt;").replace("\"", "&quot;");
+        return printable(text).replace("\\", "\\\\").replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+            .replace("\"", "&quot;");
     }
 
-    /** Text as the value of an attribute. */
+    /** Text as the value of an attribute, in which Graphviz reads names of characters as well. */
     private static String quoted(String text) {
-        return '"' + references(text).replace("\\", "\\\\").replace("\"", "\\\"") + '"';
+        return '"' + printable(text).replace("\\", "\\\\").replace("&", "&amp;").replace("\"", "\\\"") + '"';
     }
 
-    /** Graphviz reads names of characters in any text. */
-    private static String references(String text) {
-        String shown = notInXml.matcher(Page.printable(text)).replaceAll("\ufffd");
-        return characterName.matcher(shown).replaceAll("&amp;").replace("&", "&amp;");
+    private static String printable(String text) {
+        return notInXml.matcher(Page.printable(text)).replaceAll("\ufffd");
     }
 }

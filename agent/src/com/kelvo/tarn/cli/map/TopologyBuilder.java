@@ -73,7 +73,8 @@ public final class TopologyBuilder {
                             boolean all) {
         String name = system.hostName().isBlank() ? "unnamed host" : system.hostName();
         topology = new Topology("Storage network of " + name);
-        host = topology.node(Kind.HOST, name, name);
+        host = topology.node(Kind.HOST, "host", name);
+        host.fact("Name", system.hostName());
         host.line("Platform", system.platform());
         host.fact("System", system.systemName() + " " + system.version());
         this.fabric = fabric;

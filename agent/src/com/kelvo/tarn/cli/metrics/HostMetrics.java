@@ -147,9 +147,10 @@ public final class HostMetrics {
     }
 
     private void addSpeed(Fabric.Port port, Object[] labels) {
-        Exposition.Family speed = out.gauge("tarn_fc_port_speed_bits_per_second", "The speed of the port's link.");
+        Exposition.Family speed = out.gauge("tarn_fc_port_speed_bytes_per_second", "The speed of the port's link.");
         if (port.instance != null && Instances.number(port.instance, HbaPortProvider.speed).longValue() != 0) {
-            speed.sample(Instances.number(port.instance, HbaPortProvider.speed).bigIntegerValue(), labels);
+            BigInteger bits = Instances.number(port.instance, HbaPortProvider.speed).bigIntegerValue();
+            speed.sample(new BigDecimal(bits).divide(BigDecimal.valueOf(8)), labels);
         }
     }
 

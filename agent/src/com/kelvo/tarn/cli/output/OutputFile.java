@@ -2,9 +2,10 @@ package com.kelvo.tarn.cli.output;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
+import java.nio.file.AccessDeniedException;
 import java.nio.file.FileSystemException;
 import java.nio.file.Files;
-import java.nio.file.LinkOption;
+import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
 import java.nio.file.StandardCopyOption;
 import java.nio.file.StandardOpenOption;
@@ -22,14 +23,12 @@ public final class OutputFile {
     public static void write(String name, String content) throws IOException {
         byte[] bytes = content.getBytes(StandardCharsets.UTF_8);
         try {
-            Path file = Path.of(name);
-            if (Files.isSymbolicLink(file) && Files.exists(file)) {
-                file = file.toRealPath();
-            }
-            if (Files.exists(file) && !Files.isRegularFile(file, LinkOption.NOFOLLOW_LINKS)) {
-                Files.write(file, bytes, StandardOpenOption.WRITE);
+            Path named = Path.of(name);
+            if (Files.exists(named) && !Files.isRegularFile(named)) {
+                Files.write(named, bytes, StandardOpenOption.WRITE);
                 return;
             }
+            Path file = Files.exists(named) ? named.toRealPath() : named; // a link stays one
             // Made with the rights that a new file gets, and in the same directory, where it can take the name over.
             Path whole = file.resolveSibling("." + file.getFileName() + "." + ProcessHandle.current().pid() + ".tmp");
             try {
@@ -44,9 +43,9 @@ public final class OutputFile {
     }
 
     private static String reason(Exception failed) {
-        if (failed instanceof java.nio.file.NoSuchFileException) {
+        if (failed instanceof NoSuchFileException) {
             return "there is no such directory";
-        } else if (failed instanceof java.nio.file.AccessDeniedException) {
+        } else if (failed instanceof AccessDeniedException) {
             return "permission denied";
         } else if (failed instanceof FileSystemException && ((FileSystemException) failed).getReason() != null) {
             return ((FileSystemException) failed).getReason();

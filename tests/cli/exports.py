@@ -1,0 +1,206 @@
+"""Checks what the commands map and metrics write: python3 tests/cli/exports.py PATH-TO-TARN PATH-TO-PROMTOOL"""
+
+import json
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+ROOT = Path(__file__).parents[2]
+TARN, PROMTOOL = sys.argv[1:3]
+SVG = "{http://www.w3.org/2000/svg}"
+NASTY = "\"q' \\N \\ <script>alert(1)</script> <img src=x onerror=alert(1)> &lt;b&gt; \u00e9\u4e2d \x1b[2J\nline"
+RILL = json.loads((ROOT / "hosts/rill.json").read_text(encoding="utf-8"))
+
+
+def adapter(node, *ports, mappings=()):
+    return {"name": "hba", "attributes": {"NodeWWN": node}, "ports": ports, "targetMapping": list(mappings)}
+
+
+def port(wwn, *discovered, state=2, **attributes):
+    return {"attributes": {"PortWWN": wwn, "PortState": state, "FabricName": "1000000000000001", **attributes},
+            "discovered": discovered}
+
+
+def mapping(wwn, lun, device="c1t0d0"):
+    return {"ScsiId": {"OSDeviceName": device, "ScsiOSLun": lun}, "FcpId": {"PortWWN": wwn, "FcpLun": lun << 48}}
+
+
+def remote(number, **attributes):
+    return {"attributes": {"PortWWN": f"5006{number:012x}", "NodeWWN": f"5005{number:012x}", "PortState": 2, **attributes}}
+
+
+HOSTILE = {"sysinfo": {"SI_HOSTNAME": NASTY}, "mnttab": ["dev\t/<\\\"\u00e9\tufs\trw\t1"] * 2,
+           "statvfs": {"/<\\\"\u00e9": {"f_bsize": 1, "f_frsize": 1, "f_blocks": 3, "f_bfree": 2, "f_bavail": -1}},
+           "hba": {"adapters": [adapter("2" * 16, port("21" * 8, remote(1, PortSymbolicName=NASTY)),
+                                        mappings=[mapping(f"5006{1:012x}", 0, NASTY)])]}}
+MANY = {"hba": {"adapters": [
+    adapter(f"20{a:014x}", port(f"21{a:014x}", *map(remote, range(16))),
+            mappings=[mapping(f"5006{r:012x}", lun) for r in range(16) for lun in range(256)]) for a in range(16)]}}
+
+
+def apart(adapters, disks):
+    """As many arrays as disks, each of one remote port with one logical unit."""
+    return {"hba": {"adapters": [
+        adapter(f"20{a:014x}", port(f"21{a:014x}", *map(remote, range(disks))),
+                mappings=[mapping(f"5006{r:012x}", 0) for r in range(disks)]) for a in range(adapters)]}}
+
+
+def troubled():
+    host = json.loads(json.dumps(RILL))
+    first, second = host["hba"]["adapters"]
+    first["ports"][0]["attributes"]["PortState"] = 6
+    first["ports"][1]["discovered"][1]["status"] = {"GetDiscoveredPortAttributes": 1}
+    second["ports"] += [port("1000001b320a77e2"), {"status": {"GetAdapterPortAttributes": 1}}]
+    host["hba"]["adapters"].append({"name": "hba-2", "openFailures": 2})
+    return host
+
+
+class Exports(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="tarn-exports-")
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+
+    def tarn(self, *words, host=None, status=0, **environment):
+        if host is not None:
+            (self.folder / "host.json").write_text(json.dumps(host), encoding="utf-8")
+            words = ["--host", self.folder / "host.json", *words]
+        done = subprocess.run([TARN, *words], capture_output=True, timeout=300,
+                              env={**os.environ, "TARN_HOST": "", **environment})
+        self.assertEqual(done.returncode, status, done.stderr)
+        self.assertNotIn(b"\tat ", done.stderr)
+        return done.stdout.decode("utf-8"), done.stderr.decode("utf-8")
+
+    def boxes(self, host=None, *words):
+        """The lines of each box, and the colour of its frame; by its first two lines. Also all text there is."""
+        svg = ElementTree.fromstring(self.tarn("map", "--format", "svg", *words, host=host)[0].encode())
+        self.assertLessEqual({element.tag for element in svg.iter()},
+                             {SVG + name for name in ("svg", "style", "g", "a", "title", "text", "polygon", "path")})
+        found = {}
+        for group in svg.iter(SVG + "g"):
+            if group.get("class") == "node":
+                lines = [text.text for text in group.iter(SVG + "text")]
+                found[" ".join(lines[:2])] = (lines, next(group.iter(SVG + "path")).get("stroke"))
+        return found, sorted(text.text for text in svg.iter(SVG + "text"))
+
+    def check_metrics(self, text):
+        done = subprocess.run([PROMTOOL, "check", "metrics"], input=text.encode(), capture_output=True, timeout=120)
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, b"", b""))
+        return dict(line.rsplit(" ", 1) for line in text.splitlines() if not line.startswith("#"))
+
+    def test_the_picture_of_the_readme_is_what_map_draws(self):
+        drawn = self.boxes(None, "--leadville")[1]
+        shown = ElementTree.parse(ROOT / "docs/rill-map.svg")
+        self.assertEqual(sorted(text.text for text in shown.iter(SVG + "text")), drawn)
+        self.assertLess((ROOT / "docs/rill-map.svg").stat().st_size, 200 * 1024)
+        for name in ("rill", "Adapter 1", "1000001b320a77e1", "50060e8000c3a2b2", "LUN 31", "c3t50060E8000C3A2B2d0"):
+            self.assertIn(name, drawn)
+
+    def test_trouble_is_red_and_says_why(self):
+        boxes = self.boxes(troubled(), "--leadville")[0]
+        red, orange, grey, calm = "#b3201b", "#8f5600", "#8b949c", "#7b8b9a"
+        for name, colour, reason in (
+                ("Port 0 210000e08b10a3c2", red, "link down"), ("Adapter 2 it cannot be read", red, None),
+                ("Port 3 it cannot be read", red, None), ("Remote port 1 it cannot be read", red, None),
+                ("Port 2 1000001b320a77e2", grey, "no remote ports"), ("LUN 2 c4t0d2", orange, "one path left"),
+                ("LUN 0 c2t50060E8000C3A2B1d0", orange, "one path left of 2"),
+                ("LUN 0 c2t200400A0B8160A01d0", red, "no path left"), ("Port 0 1000001b320a77e0", calm, "online, 2 Gb/s")):
+            self.assertEqual((boxes[name][1], boxes[name][0][-1]), (colour, reason or boxes[name][0][-1]), name)
+
+    def test_many_that_look_alike_share_a_box(self):
+        for host, boxes, shown in ((MANY, 66, "256 logical units LUN 0 to 255"),
+                                   (apart(2, 2000), 8, "2,000 remote ports of 2,000 arrays")):
+            found = self.boxes(host)[0]
+            self.assertIn(shown, found)
+            self.assertLessEqual(len(found), boxes)
+        self.assertEqual(len(self.tarn("map", "--all", host=apart(1, 300))[0].split("label=<<b>LUN ")), 301)
+
+    def test_names_are_text(self):
+        shown = NASTY.replace("\x1b", "\\x1b").replace("\n", "\\x0a")
+        self.assertIn(shown, self.boxes(HOSTILE)[0])
+        values = self.check_metrics(self.tarn("metrics", host=HOSTILE)[0])
+        hosts = [name for name in values if name.startswith("tarn_host_info")]
+        value = re.search(r'hostname="((?:[^"\\]|\\.)*)"', hosts[0])[1]
+        self.assertEqual(re.sub(r"\\(.)", lambda found: {"n": "\n"}.get(found[1], found[1]), value), NASTY)
+        self.assertEqual(values['tarn_filesystem_bytes{mountpoint="/<\\\\\\"\u00e9",device="dev",fstype="ufs",'
+                                'kind="available"}'], "0")
+
+    def test_metrics_and_rules(self):
+        rich = json.loads((ROOT / "tests/hosts/command-line.json").read_text(encoding="utf-8"))
+        values = self.check_metrics(self.tarn("metrics", host=rich)[0])
+        port_0 = 'adapter="0",port="0",wwn="210000e08b010203"'
+        for name, value in (
+                ('tarn_memory_bytes{kind="swap_free"}', "81920"), ('tarn_processor_online{processor="5"}', "0"),
+                ('tarn_cpu_ticks_total{processor="0",mode="idle"}', "3221225472"),
+                ('tarn_disk_busy_seconds_total{disk="c1t0d0",instance="sd0"}', "7.5"),
+                ('tarn_disk_read_bytes_total{disk="",instance="sd9"}', None),
+                ('tarn_fc_port_frames_total{%s,direction="received"}' % port_0, "9223372036854775808"),
+                ('tarn_fc_port_frames_total{%s,direction="transmitted"}' % port_0, None),
+                ('tarn_fc_port_errors_total{%s,kind="link_failure"}' % port_0, "3"),
+                ('tarn_fc_port_online{adapter="0",port="2",wwn=""}', "0"),
+                ('tarn_fc_remote_ports{adapter="0",port="0"}', "2"),
+                ('tarn_lun_paths{node="",lun="16389",state="online"}', None), ('tarn_section_up{section="hba"}', "1")):
+            self.assertEqual(values.get(name), value, name)
+        nothing = self.check_metrics(self.tarn("metrics", host={"sysinfo": RILL["sysinfo"]})[0])
+        self.assertEqual({name for name, value in nothing.items() if value == "0" and "section_up" in name},
+                         {f'tarn_section_up{{section="{name}"}}' for name in ("cpu", "disk-io")})
+        self.assertFalse([name for name in nothing if name.startswith(("tarn_cpu", "tarn_disk", "tarn_filesystem"))])
+        self.check_rules(self.check_metrics(self.tarn("metrics", host=troubled())[0]))
+
+    def check_rules(self, values):
+        """The cookbook's rules, on the numbers of a host in trouble."""
+        rules = re.search(r"```yaml\n(groups:.*?)```", (ROOT / "docs/cookbook.md").read_text(encoding="utf-8"), re.S)[1]
+        (self.folder / "rules.yml").write_text(rules, encoding="utf-8")
+        subprocess.run([PROMTOOL, "check", "rules", self.folder / "rules.yml"], check=True, capture_output=True)
+        test = {"rule_files": ["rules.yml"], "tests": [{
+            "interval": "1m", "input_series": [{"series": name, "values": f"{value}x30"} for name, value in values.items()],
+            "promql_expr_test": [{"expr": f'count(ALERTS{{alertname="{alert}",alertstate="firing"}})', "eval_time": "25m",
+                                  "exp_samples": [{"labels": "{}", "value": number}]}
+                                 for alert, number in (("FibreChannelPortOffline", 2), ("LogicalUnitWithoutSpare", 5),
+                                                       ("FileSystemNearlyFull", 1))]}]}
+        (self.folder / "test.yml").write_text(json.dumps(test), encoding="utf-8")
+        done = subprocess.run([PROMTOOL, "test", "rules", self.folder / "test.yml"], capture_output=True, text=True)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+
+    def test_a_file_is_made_whole_or_not_at_all(self):
+        target = self.folder / "map.svg"
+        target.write_text("before")
+        path = self.folder / "bin"  # everything but dot
+        path.mkdir()
+        for program in os.listdir("/usr/bin"):
+            if program != "dot":
+                (path / program).symlink_to(Path("/usr/bin", program))
+        for words, complaint, environment in (
+                (["map", "--output", target], "package graphviz", {"PATH": str(path)}),
+                (["map", "--format", "png"], "--format: 'png' is none of dot, svg, html", {}),
+                (["map", "--output", "x.png"], "'x.png' ends in none of dot, svg, html", {}),
+                (["map", "--output", "svg"], "'svg' ends in none", {}), (["metrics", "--output", ""], "no file named", {}),
+                (["metrics", "--output", self.folder / "no/where.prom"], "no such directory", {}),
+                (["metrics", "--output", self.folder], "directory", {}), (["metrics", "--output", "/dev/full"], "space", {})):
+            out, err = self.tarn(*words, status=2, **environment)
+            self.assertEqual((out, len(err.splitlines())), ("", 1), err)
+            self.assertIn(complaint, err.replace("Is a d", "d"))
+        self.assertEqual(target.read_text(), "before")
+        link = self.folder / "link.svg"
+        link.symlink_to("map.svg")
+        self.assertEqual(self.tarn("map", "--output", link), ("", ""))
+        self.assertTrue(link.is_symlink() and target.read_text().startswith("<?xml"))
+        umask = os.umask(0)
+        os.umask(umask)
+        self.assertEqual(target.stat().st_mode & 0o777, 0o666 & ~umask)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["bin", "link.svg", "map.svg"])
+        self.assertEqual(self.tarn("map", "--output", "/dev/stdout", "--format", "dot"), self.tarn("map"))
+
+
+if __name__ == "__main__":
+    result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Exports))
+    failed = len(result.failures) + len(result.errors)
+    print(f"{result.testsRun - failed} passed, {failed} failed")
+    sys.exit(1 if failed else 0)
