@@ -69,12 +69,16 @@ class Package(unittest.TestCase):
     maxDiff = None
 
     def test_debian_finds_no_fault(self):
-        done = run("lintian", "--allow-root", "--fail-on", "error", DEB)
+        done = run("lintian", "--allow-root", "--fail-on", "error,warning", DEB)
         self.assertEqual(done.returncode, 0, done.stdout)
         fields = must("dpkg-deb", "-f", DEB, "Depends", "Suggests", "Version", "Description")
         for needed in ("java11-runtime-headless", "libpicocli-java", "libgoogle-gson-java", "liblog4j2-java", "libc6",
-                       "Suggests: graphviz", "Version: 1.0.0\n", "This is tarnsolaris 1.0.0"):
+                       "Suggests: graphviz", "Version: 1.0.0\n"):
             self.assertIn(needed, fields)
+        self.assertIn(f"tarn {re.search(r'This is tarnsolaris (1.0.0.*)[.]', fields)[1]}\n", tarn("--version").stdout)
+        shell = f"source {ROOT}/usr/share/bash-completion/completions/tarn; complete -p tarn"
+        self.assertIn(" tarn\n", must("bash", "-c", shell))
+        self.assertIn(".TH TARN 1", must("zcat", ROOT / "usr/share/man/man1/tarn.1.gz"))
         self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], ["tarn-1.0.0.jar"])
 
     def test_it_runs_from_anywhere(self):
@@ -162,6 +166,7 @@ class Package(unittest.TestCase):
             with self.subTest(complaint):
                 done = tarn("report", **environment)
                 self.assertEqual((done.returncode, done.stdout, done.stderr), (2, "", f"{wanted}{complaint}\n"))
+        self.assertEqual(tarn("check", JAVA_HOME="/nowhere").returncode, 3, "unknown, to a monitor")
         usr = SCRATCH / "lacking"
         shutil.copytree(ROOT / "usr", usr, symlinks=True)
         command = usr / "bin/tarn"

@@ -4,11 +4,13 @@
 #   library_dir    the folder with the native library
 #   jar_dirs       where to look for the jars that the agent needs, first to last
 #   archive_dir    where the class-data archive may be put; empty: none is used
-#   training       the arguments of the run that shows which classes belong into the archive
+#   training       the commands whose classes belong into the archive, each a word of the array
+
+unusable=2 # the exit status without a usable Java
 
 complain() {
     printf 'tarn: %s\n' "$*" >&2
-    exit 2
+    exit "$unusable"
 }
 
 # Sets java, java_home and java_major. The virtual machine's own release file tells its version; starting one to ask
@@ -61,7 +63,8 @@ make_archive() (
     trap 'rm -f "$fresh"' EXIT
     trap 'exit 1' HUP INT TERM
     unset TARN_HOST
-    if ! "${virtual_machine[@]}" -XX:ArchiveClassesAtExit="$fresh" "${main[@]}" "${training[@]}" </dev/null ||
+    if ! "${virtual_machine[@]}" -XX:ArchiveClassesAtExit="$fresh" "${classes[@]}" com.kelvo.tarn.cli.Training \
+        "${training[@]}" </dev/null ||
         [ ! -e "$fresh" ]; then
         : >"$fresh"
     fi
@@ -89,12 +92,13 @@ find_archive() {
 # Replaces this process by the command line.
 launch() {
     export LC_ALL=C.UTF-8 # arguments and file names are UTF-8 whatever the terminal says
+    [[ " $* " != *" check "* ]] || unusable=3 # what a monitoring plugin calls unknown
     find_java
     find_jars
     # What the virtual machine itself would say of an archive it cannot use is no part of a result.
     virtual_machine=("$java" -XX:+UseSerialGC -XX:TieredStopAtLevel=1 -Xlog:disable)
     [ "$java_major" -lt 22 ] || virtual_machine+=(--enable-native-access=ALL-UNNAMED)
-    main=("-Djava.library.path=$library_dir" -cp "$class_path" com.kelvo.tarn.cli.Tarn)
+    classes=("-Djava.library.path=$library_dir" -cp "$class_path")
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
         local columns=0
@@ -102,5 +106,6 @@ launch() {
         [ "${columns:-0}" -gt 0 ] || columns=80
         virtual_machine+=("-Dtarn.columns=$columns")
     fi
-    exec "${virtual_machine[@]}" ${archive:+-XX:SharedArchiveFile="$archive"} "${main[@]}" "$@"
+    exec "${virtual_machine[@]}" ${archive:+-XX:SharedArchiveFile="$archive"} "${classes[@]}" \
+        com.kelvo.tarn.cli.Tarn "$@"
 }

@@ -39,6 +39,11 @@ public final class Tarn extends TarnOptions {
     private boolean version;
 
     public static void main(String[] arguments) {
+        System.exit(run(arguments));
+    }
+
+    /** Runs one command; returns its exit status. */
+    static int run(String... arguments) {
         StandardOutput out = new StandardOutput();
         Page err = new Page(new OutputStreamWriter(new FileOutputStream(FileDescriptor.err), StandardCharsets.UTF_8),
                             Terminal.NONE);
@@ -55,7 +60,7 @@ public final class Tarn extends TarnOptions {
             status = BadUsage.exitStatus(tarn, arguments);
         }
         err.flush();
-        System.exit(status);
+        return status;
     }
 
     /** Adds the commands that are named among the arguments, since each takes time to load; without any, all. */
