@@ -79,6 +79,11 @@ class Package(unittest.TestCase):
         shell = f"source {ROOT}/usr/share/bash-completion/completions/tarn; complete -p tarn"
         self.assertIn(" tarn\n", must("bash", "-c", shell))
         self.assertIn(".TH TARN 1", must("zcat", ROOT / "usr/share/man/man1/tarn.1.gz"))
+        recorder = (ROOT / "usr/bin/tarn-record", ROOT / "usr/share/man/man1/tarn-record.1.gz")
+        explained = must("zcat", recorder[1]).replace("\\-", "-")
+        for option in re.findall(r"^  (--\w+)", must(recorder[0], "--help"), re.M) + ["--help"]:
+            self.assertIn(f".B {option}", explained)
+        self.assertIn(tarn("--version").stdout.split()[1], must(recorder[0], "--version"))
         self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], ["tarn-1.0.0.jar"])
 
     def test_it_runs_from_anywhere(self):
