@@ -142,7 +142,7 @@ public final class CompareCommand extends TableInquiry<Comparison> {
     }
 
     private static String decimal(double number) {
-        return String.format(Locale.ROOT, "%.1f", number);
+        return Units.decimal(number, 1);
     }
 
     @Override

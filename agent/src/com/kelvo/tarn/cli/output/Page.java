@@ -9,7 +9,6 @@ import java.util.regex.Pattern;
  * stands after two exclamation marks is in trouble, and coloured where there are colours.
  */
 public final class Page extends PrintWriter {
-    private static final Pattern control = Pattern.compile("\\p{IsControl}");
     /** To the end of the table's cell or of the list's item. */
     private static final Pattern trouble = Pattern.compile("!! .*?(?=  |[,;]|$)");
     private static final String red = "\u001b[31m";
@@ -67,7 +66,17 @@ public final class Page extends PrintWriter {
 
     /** The text with "\x1b" and the like in place of control characters. */
     public static String printable(String text) {
-        return control.matcher(text).replaceAll(
-            found -> String.format("\\\\x%02x", (int) found.group().charAt(0)));
+        int plainLength = 0;
+        while (plainLength < text.length() && !Character.isISOControl(text.charAt(plainLength))) {
+            plainLength++;
+        }
+        if (plainLength == text.length()) {
+            return text;
+        }
+        StringBuilder shown = new StringBuilder();
+        for (char character : text.toCharArray()) {
+            shown.append(Character.isISOControl(character) ? String.format("\\x%02x", (int) character) : character);
+        }
+        return shown.toString();
     }
 }
