@@ -437,8 +437,10 @@ class CommandLine(unittest.TestCase):
     def test_a_terminal_shows_what_fits_and_trouble_in_colour(self):
         for columns, command, left_out in (
                 (80, "disks", "Cylinders, Data, Alternate, Device"), (200, "disks", None), (50, "paths", None),
-                (30, "disks", "Type, Capacity, Heads"), (80, "hba", None), (80, "disk-io", "Busy (s), Queue last")):
-            _, shown = self.on_terminal([command], columns)
+                (30, "disks", "Type, Capacity, Heads"), (80, "hba", None),
+                (80, "array 1T54412345 1T54412346 SUN CSM200_R", "Unrecovered, !! Timeouts, !! Retries"),
+                (80, "disk-io", "Busy (s), Queue last")):
+            _, shown = self.on_terminal(command.split(), columns)
             lines = [re.sub("\x1b.*?m", "", line) for line in shown.splitlines() if not line.startswith("warn")]
             self.assertLessEqual(max(map(len, lines)), columns, command)
             self.assertEqual(left_out is not None, "Left out, for" in " ".join(lines), command)

@@ -3,7 +3,6 @@ package com.kelvo.tarn.cli.answers;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import java.util.List;
-import java.util.Locale;
 import java.util.Map;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
@@ -32,11 +31,6 @@ public final class PortStates {
 
     public static String name(TrInstance port) {
         return name((UnsignedInt) port.get(HbaPortProvider.portState));
-    }
-
-    /** The state in words, marked when it is not online. */
-    public static String shown(UnsignedInt state) {
-        return isOnline(state) ? name(state) : "!! " + name(state).toUpperCase(Locale.ROOT);
     }
 
     /** Operational statuses in words. */

@@ -27,7 +27,6 @@ final class Snapshot {
     private static final Set<String> notCompared = Set.of(
         "antecedent", "dependent", "deviceID", "systemName", "systemCreationClassName", "creationClassName", "caption",
         "description", "elementName", "portNumber");
-    private static final String noName = "0".repeat(16);
 
     /** When the description was recorded; null when it does not say. */
     final Instant recordedAt;
@@ -127,8 +126,8 @@ final class Snapshot {
 
     /** A world-wide name stays when the thing moves; without one, its place has to do. */
     private static String named(String kind, TrInstance instance, TrProperty property, String place) {
-        String name = instance == null ? "" : Instances.text(instance, property);
-        return name.isEmpty() || name.equals(noName) ? place : kind + name;
+        String name = instance == null ? "" : PortFacts.name(instance, property);
+        return name.isEmpty() ? place : kind + name;
     }
 
     /** Under its subject, or the first "SUBJECT (2)" that is free. Answers which. */

@@ -19,7 +19,8 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.Parameters;
 
-@Command(name = "compare", description = "What changed between two descriptions of one host.",
+@Command(name = "compare", exitCodeOnExecutionException = 2,
+         description = "What changed between two descriptions of one host.",
          footer = "Counters are no change; where both descriptions say when they were recorded, they are shown as "
              + "rates. Exit status: 0 nothing changed, 1 something did, 2 bad usage or an unreadable description.")
 public final class CompareCommand extends TableInquiry<Comparison> {
@@ -107,7 +108,7 @@ public final class CompareCommand extends TableInquiry<Comparison> {
 
     /** The value of a property as the other commands show it. */
     private static String words(String property, Object value) {
-        return value == null ? "unknown"
+        return value == null ? "none"
             : wordings.getOrDefault(property, Object::toString).apply(value);
     }
 

@@ -47,7 +47,8 @@ public final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData
 
     private static void ticks(Table<SolarisCpuUtilizationData> table, String heading,
                               Function<SolarisCpuUtilizationData, Long> ticks) {
-        table.number(heading, data -> unsigned(ticks.apply(data))).reading(data -> Units.percent(
+        table.number(heading, data -> ticks.apply(data) == -1 ? null : unsigned(ticks.apply(data)));
+        table.reading(data -> Units.percent(
             unsigned(ticks.apply(data)),
             unsigned(data.userTicks()) + unsigned(data.kernelTicks()) + unsigned(data.waitTicks())
                 + unsigned(data.idleTicks())));

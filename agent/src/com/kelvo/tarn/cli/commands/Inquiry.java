@@ -95,7 +95,8 @@ abstract class Inquiry<T> implements Callable<Integer> {
             throw badUsage;
         } catch (Throwable thrown) {
             String message = thrown.getMessage() != null ? thrown.getMessage() : thrown.toString();
-            return new Answer(null, thrown, message, 1, out -> { }, out -> out.println("!! " + message), line -> true);
+            return new Answer(null, thrown, message, spec.exitCodeOnExecutionException(), out -> { },
+                              out -> out.println("!! " + message), line -> true);
         }
     }
 

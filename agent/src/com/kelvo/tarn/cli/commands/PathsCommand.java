@@ -8,6 +8,7 @@ import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Tree;
 import java.util.List;
+import java.util.Locale;
 import java.util.Objects;
 import java.util.function.Function;
 import java.util.stream.Collectors;
@@ -57,7 +58,8 @@ public final class PathsCommand extends TableInquiry<Paths> {
     }
 
     private static String end(String name, UnsignedInt state) {
-        return text(name) + " " + PortStates.shown(state);
+        String shown = PortStates.name(state);
+        return text(name) + " " + (PortStates.isOnline(state) ? shown : "!! " + shown.toUpperCase(Locale.ROOT));
     }
 
     private static String text(String name) {

@@ -43,7 +43,8 @@ public final class ReportCommand extends Inquiry<Map<String, Answer>> {
     @Override
     protected void show(Map<String, Answer> sections, Page out) {
         sections.forEach((name, answer) -> {
-            out.println("── " + name + " " + "─".repeat(Math.max(0, 76 - name.length())));
+            String line = "─".repeat(Math.max(0, Math.min(out.width(), 80) - name.length() - 4));
+            out.println("── " + name + " " + line);
             answer.summary.accept(out);
             out.println();
         });

@@ -9,8 +9,11 @@ import java.util.regex.Pattern;
  * stands after two exclamation marks is in trouble, and coloured where there are colours.
  */
 public final class Page extends PrintWriter {
+    /** Stands before what is in trouble. */
+    public static final String TROUBLE = "!! ";
+
     /** To the end of the table's cell or of the list's item. */
-    private static final Pattern trouble = Pattern.compile("!! .*?(?=  |[,;]|$)");
+    private static final Pattern trouble = Pattern.compile(TROUBLE + ".*?(?=  |[,;]|$)");
     private static final String red = "\u001b[31m";
     private static final String plain = "\u001b[0m";
 
@@ -28,7 +31,7 @@ public final class Page extends PrintWriter {
     }
 
     /** How many characters a line has room for. */
-    int width() {
+    public int width() {
         return terminal.width();
     }
 

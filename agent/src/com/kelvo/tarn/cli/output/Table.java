@@ -107,10 +107,15 @@ public final class Table<R> {
         if (!note.isEmpty()) {
             out.printFolded(note);
         }
-        if (fitting < widths.length) {
-            out.printFolded("Left out, for the width of the terminal: "
-                            + columns.subList(fitting, widths.length).stream().map(column -> column.heading)
-                                  .filter(heading -> !heading.isEmpty()).collect(Collectors.joining(", ")));
+        List<String> leftOut = new ArrayList<>();
+        for (int i = fitting; i < widths.length; i++) {
+            int column = i;
+            boolean trouble = lines.stream().anyMatch(line -> line.get(column).startsWith(Page.TROUBLE));
+            leftOut.add((trouble ? Page.TROUBLE : "") + columns.get(i).heading);
+        }
+        leftOut.removeIf(String::isEmpty);
+        if (!leftOut.isEmpty()) {
+            out.printFolded("Left out, for the width of the terminal: " + String.join(", ", leftOut));
         }
     }
 
