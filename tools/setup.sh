@@ -7,8 +7,8 @@ build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcry
                 openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java graphviz
                 node-d3)
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
-               libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck chromium chromium-driver
-               python3-selenium)
+               libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck
+               chromium chromium-driver python3-selenium)
 bench_packages=(libbenchmark-dev)
 
 # What a virtual machine that runs the agent is to find, once it is built.
@@ -76,12 +76,13 @@ build() {
 
 # Prints where promtool is. It comes in a package whose installation would start a server, so it is only unpacked.
 promtool() {
-    local place=$root/build/promtool
+    local place=$root/build/promtool as_root=()
     if [ ! -x "$place/usr/bin/promtool" ]; then
         rm -rf "$place"
         mkdir -p "$place"
-        apt-cache show prometheus >/dev/null 2>&1 || run_quietly $([ "$(id -u)" -eq 0 ] || echo sudo) apt-get update
-        # -o: whoever runs the tests owns the folder, not apt's own user.
+        [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+        apt-cache show prometheus >/dev/null 2>&1 || run_quietly "${as_root[@]}" apt-get update
+        # Whoever runs the tests owns the folder, not apt's own user.
         (cd "$place" && run_quietly apt-get download -o APT::Sandbox::User=root prometheus)
         run_quietly dpkg -x "$place"/prometheus_*.deb "$place"
         rm "$place"/prometheus_*.deb

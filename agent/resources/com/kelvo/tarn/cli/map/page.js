@@ -10,7 +10,8 @@
   const rows = d3.selectAll("tbody tr").nodes().map(row => ({row, search: row.textContent.toLowerCase()}));
 
   function searchText(thing) {
-    return [thing.name, thing.text, thing.state, ...thing.reasons, ...Object.values(thing.facts)].join(" ").toLowerCase();
+    const texts = [thing.name, thing.text, thing.state, ...thing.reasons, ...Object.values(thing.facts)];
+    return texts.join(" ").toLowerCase();
   }
 
   // ---- Moving and zooming ----
@@ -134,6 +135,9 @@
     const found = things.map(thing => matches(thing.search));
     things.forEach((thing, number) => thing.group.classed("dim", !found[number]));
     lines.forEach(line => line.group.classed("dim", !found[line.from] || !found[line.to]));
+    if (words.length > 0 && found.includes(true)) {
+      reveal(things[found.indexOf(true)]);
+    }
     const shown = rows.filter(({row, search}) => !(row.hidden = !matches(search))).length;
     document.getElementById("matches").textContent = words.length === 0 ? ""
       : `${found.filter(match => match).length} of ${things.length} things, ${shown} of ${rows.length} paths`;

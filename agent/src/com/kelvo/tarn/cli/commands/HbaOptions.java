@@ -17,8 +17,8 @@ final class HbaOptions {
             description = "hba, paths, map, report: names in /dev/rdsk/ lose their directory and their s2 slice.")
     private boolean leadville;
 
-    @Option(names = "--force-leadville", description = "hba, paths, map, report: all names, not only those in /dev/rdsk/, "
-            + "lose their directory and their s2 slice.")
+    @Option(names = "--force-leadville", description = "hba, paths, map, report: all names, not only those in "
+            + "/dev/rdsk/, lose their directory and their s2 slice.")
     private boolean forceLeadville;
 
     boolean any() {

@@ -17,8 +17,8 @@ import picocli.CommandLine.Option;
 
 @Command(name = "map", description = "The storage network as a picture: adapters, ports, fabrics, arrays and their "
          + "logical units.",
-         footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with one path left, "
-             + "grey what nothing is reached through. SVG and HTML are drawn by Graphviz (package graphviz).")
+         footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with one path "
+             + "left, grey what nothing is reached through. SVG and HTML are drawn by Graphviz (package graphviz).")
 public final class MapCommand extends Export {
     private static final Map<String, Picture> endings = Map.of(
         ".dot", Picture.DOT, ".gv", Picture.DOT, ".svg", Picture.SVG, ".html", Picture.HTML, ".htm", Picture.HTML);
@@ -26,12 +26,12 @@ public final class MapCommand extends Export {
     @Mixin
     private HbaOptions options;
 
-    @Option(names = "--format", paramLabel = "FORMAT", description = "dot, svg or html. Without it, what --output ends "
-            + "in; without that, dot.")
+    @Option(names = "--format", paramLabel = "FORMAT", description = "dot, svg or html. Without it, what --output "
+            + "ends in; without that, dot.")
     private String format;
 
-    @Option(names = "--all", description = "Draw each logical unit and remote port, however many there are. Without it, "
-            + "many that look alike share a box.")
+    @Option(names = "--all", description = "Draw each logical unit and remote port, however many there are. Without "
+            + "it, many that look alike share a box.")
     private boolean all;
 
     @Override
@@ -40,8 +40,8 @@ public final class MapCommand extends Export {
         Fabric fabric = new Fabric(options.or(tarn().hba()).fill());
         Map<String, List<String>> findings = Check.of(fabric).stream().collect(Collectors.groupingBy(
             finding -> finding.subject, Collectors.mapping(finding -> finding.message, Collectors.toList())));
-        return picture.of(TopologyBuilder.topology(new SolarisNativeMethod().getComputerSystem(), fabric, findings, all),
-                          all);
+        return picture.of(
+            TopologyBuilder.topology(new SolarisNativeMethod().getComputerSystem(), fabric, findings, all), all);
     }
 
     private Picture picture() {

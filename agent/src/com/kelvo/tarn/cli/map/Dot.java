@@ -62,7 +62,8 @@ final class Dot {
                   "fontname", font, "fontsize", "12", "fontcolor", Palette.FAINT, "bgcolor", Palette.PAPER);
         statement("node", "shape", "box", "style", "rounded,filled", "fontname", font, "fontsize", "11",
                   "margin", "0.16,0.07");
-        statement("edge", "fontname", font, "fontsize", "10", "fontcolor", Palette.FAINT, "arrowsize", "0.5", "penwidth", "1.2");
+        statement("edge", "fontname", font, "fontsize", "10", "fontcolor", Palette.FAINT,
+                  "arrowsize", "0.5", "penwidth", "1.2");
         topology.nodes.values().forEach(this::node);
         int clusters = 0;
         int lines = 0;

@@ -15,8 +15,8 @@ public enum Picture {
         public String of(Topology topology, boolean all) throws IOException {
             String svg = Graphviz.svg(Dot.of(topology));
             int body = svg.indexOf('>') + 1;
-            return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + svg.substring(0, body) + "\n<style>\n" + Palette.css()
-                + "</style>" + svg.substring(body);
+            return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + svg.substring(0, body) + "\n<style>\n"
+                + Palette.css() + "</style>" + svg.substring(body);
         }
     },
     HTML {

@@ -163,7 +163,8 @@ public final class TopologyBuilder {
         Fabric.RemotePort first = remote.first();
         String name = !remote.isReadable() ? first.place() : "remote port " + wwn(first);
         Node box = topology.node(Kind.REMOTE_PORT, topology.nodes.containsKey(name) ? first.place() : name,
-                                 remote.isReadable() ? "Remote port" : "Remote port " + first.index, group(remote.node()));
+                                 remote.isReadable() ? "Remote port" : "Remote port " + first.index,
+                                 group(remote.node()));
         describePort(box, first.instance);
         blame(box, remote);
         join(remote, box);

@@ -27,7 +27,8 @@ final class Exposition {
                 text.append(i == 0 ? "{" : ",").append(labels[i]).append("=\"")
                     .append(escaped(labels[i + 1].toString())).append('"');
             }
-            String number = value instanceof BigDecimal ? ((BigDecimal) value).stripTrailingZeros().toPlainString() : value.toString();
+            String number = !(value instanceof BigDecimal) ? value.toString()
+                : ((BigDecimal) value).stripTrailingZeros().toPlainString();
             samples.putIfAbsent(text.append(labels.length == 0 ? "" : "}").toString(), number);
             return this;
         }

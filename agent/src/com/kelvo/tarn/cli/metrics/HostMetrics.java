@@ -129,8 +129,9 @@ public final class HostMetrics {
     private void addFabric() {
         Fabric fabric = library.fabric();
         for (Fabric.Port port : fabric.ports()) {
-            Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn",
-                               port.instance == null ? "" : PortFacts.name(port.instance, HbaPortProvider.permanentAddress)};
+            String wwn =
+                port.instance == null ? "" : PortFacts.name(port.instance, HbaPortProvider.permanentAddress);
+            Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn", wwn};
             out.gauge("tarn_fc_port_online", "Whether the port is online; one that cannot be read is not.")
                 .sample(port.instance != null && PortStates.isOk(port.instance) ? 1 : 0, labels);
             addSpeed(port, labels);
@@ -138,7 +139,8 @@ public final class HostMetrics {
             out.gauge("tarn_fc_remote_ports", "Remote ports that the port has discovered.")
                 .sample(port.remotePorts.size(), Arrays.copyOf(labels, 4));
         }
-        Exposition.Family paths = out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
+        Exposition.Family paths =
+            out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
         for (LogicalUnit unit : new Paths(fabric).units) {
             Object[] labels = {"node", unit.node, "lun", unit.lun};
             paths.sample(unit.onlinePaths(), with(labels, "state", "online"));
