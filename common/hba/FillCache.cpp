@@ -57,7 +57,8 @@ private:
         mapping.release();
     }
 
-    /// The mapping serves all ports of the adapter. When it cannot be had, they are walked without one.
+    /// The mapping serves all ports of the adapter. When it cannot be had, they are walked without one, and the log has
+    /// the status that the library gave, which is OK when it was memory that lacked.
     void fetchTargetMapping() {
         bool isFetched =
             mapping.fetch([this](HBA_FCPTARGETMAPPING *storage) { return HBA_GetFcpTargetMapping(handle, storage); });
