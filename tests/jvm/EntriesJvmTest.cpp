@@ -55,8 +55,8 @@ protected:
         const jstring controller = newString("ctrl-B");
         add("scsiInterrogate", "ctrl-A, ctrl-B, KELVO, ARRAY 9", INTERROGATOR(scsiInterrogate), newString("ctrl-A"),
             controller, newString("KELVO"), newString("ARRAY 9"));
-        add("scsiInterrogate", "ctrl-C, null, KELVO, ARRAY 8", INTERROGATOR(scsiInterrogate), newString("ctrl-C"), none,
-            newString("KELVO"), newString("ARRAY 8"));
+        add("scsiInterrogate", "ctrl-C, ctrl-B, KELVO, ARRAY 8", INTERROGATOR(scsiInterrogate), newString("ctrl-C"),
+            controller, newString("KELVO"), newString("ARRAY 8"));
         add("scsiInterrogate", "null, ctrl-B, null, null", INTERROGATOR(scsiInterrogate), none, controller, none, none);
         add("getLibraryBuildDate", "", AUTHENTICATOR(getLibraryBuildDate));
 
