@@ -13,7 +13,11 @@ public final class KelvoLogger {
     private KelvoLogger() {
     }
 
-    /** Hands the agent's lines to this appender too. */
+    /**
+     * Hands the agent's lines to this appender too.
+     *
+     * @param appender takes the lines of all loggers below "com.kelvo"
+     */
     public static synchronized void deliverTo(Appender appender) {
         if (agent != null) {
             agent.addAppender(appender);
@@ -22,7 +26,11 @@ public final class KelvoLogger {
         }
     }
 
-    /** The logger of one of the agent's classes. */
+    /**
+     * {@return the logger of one of the agent's classes}
+     *
+     * @param source the class
+     */
     public static synchronized Logger of(Class<?> source) {
         if (agent == null) {
             agent = Logger.getLogger("com.kelvo");

@@ -7,10 +7,16 @@ public final class TrNamespace {
 
     private final String name;
 
+    /**
+     * The namespace of that name.
+     *
+     * @param name such as "root/kelvo"
+     */
     public TrNamespace(String name) {
         this.name = name;
     }
 
+    /** {@return its name, such as "root/kelvo"} */
     public String getName() {
         return name;
     }

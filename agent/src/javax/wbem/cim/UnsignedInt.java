@@ -21,15 +21,17 @@ public abstract class UnsignedInt {
         bits = value;
     }
 
+    /** {@return the value, which is never negative} */
     public BigInteger bigIntegerValue() {
         return new BigInteger(toString());
     }
 
-    /** The value's bits; negative for a 64-bit value of 2^63 and above. */
+    /** {@return the value's bits; negative for a 64-bit value of 2^63 and above} */
     public long longValue() {
         return bits;
     }
 
+    /** {@return the value's lower 32 bits; negative for a 32-bit value of 2^31 and above} */
     public int intValue() {
         return (int) bits;
     }

@@ -38,6 +38,11 @@ public final class Tarn extends TarnOptions {
     @Option(names = {"-V", "--version"}, versionHelp = true, description = "Show the version.")
     private boolean version;
 
+    /**
+     * Runs one command, and ends the virtual machine with its exit status.
+     *
+     * @param arguments the command line's
+     */
     public static void main(String[] arguments) {
         System.exit(run(arguments));
     }

@@ -14,6 +14,7 @@ public final class ReplayHost {
     /**
      * Makes a host description the one that answers from now on.
      *
+     * @param path the description's file
      * @throws IllegalArgumentException when it cannot be read, naming the file and the member; the host before it stays
      */
     public static native void load(String path);

@@ -11,7 +11,9 @@ public final class ArrayReport {
         "Reads", "Writes", "Blocks", "I/Os", "Recovered", "Unrecovered", "Timeouts", "Retries");
     /** The first of the counters that are better 0. */
     public static final int FIRST_ERROR = COUNTERS.indexOf("Recovered");
+    /** The place of the unrecovered errors among the counters. */
     public static final int UNRECOVERED = COUNTERS.indexOf("Unrecovered");
+    /** The place of the request timeouts among the counters. */
     public static final int TIMEOUTS = COUNTERS.indexOf("Timeouts");
 
     private static final String notCounting = "   -2";
@@ -24,8 +26,9 @@ public final class ArrayReport {
 
     /** What one controller counted for one drive. */
     public static final class Row {
-        /** Tray and slot of the drive; question marks when its place is not known. */
+        /** The drive's tray; a question mark when its place is not known. */
         public final String tray;
+        /** Its slot there; a question mark when its place is not known. */
         public final String slot;
         /** The controller's identity. */
         public final String controller;
@@ -39,11 +42,12 @@ public final class ArrayReport {
             this.counters = counters;
         }
 
+        /** {@return whether the drive's place is known} */
         public boolean isPlaced() {
             return !slot.equals(unplaced);
         }
 
-        /** Such as "tray 0 slot 3". */
+        /** {@return the drive's place, such as "tray 0 slot 3"} */
         public String place() {
             return "tray " + tray + " slot " + slot;
         }
@@ -52,15 +56,22 @@ public final class ArrayReport {
     private final String report;
     /** The identities that were asked for. */
     final List<String> controllers;
+    /** In the order of the report; empty when there are none. */
     public final List<Row> rows;
 
+    /**
+     * Decodes a report.
+     *
+     * @param report as the library makes it
+     * @param controllers the two identities that were asked for
+     */
     public ArrayReport(String report, List<String> controllers) {
         this.report = report;
         this.controllers = controllers;
         rows = report.length() <= numberWidth ? List.of() : decode();
     }
 
-    /** Whether the controllers count no blocks yet, and have been told to. */
+    /** {@return whether the controllers count no blocks yet, and have been told to} */
     public boolean isNotCounting() {
         return report.equals(notCounting);
     }

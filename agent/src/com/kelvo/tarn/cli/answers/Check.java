@@ -49,6 +49,7 @@ public final class Check {
             order = code;
         }
 
+        /** {@return whether it is critical, and no warning} */
         public boolean isCritical() {
             return severity.equals("critical");
         }
@@ -65,16 +66,29 @@ public final class Check {
         state = findings.isEmpty() ? "OK" : findings.get(0).isCritical() ? "CRITICAL" : "WARNING";
     }
 
+    /** {@return how many findings are critical} */
     public long criticals() {
         return findings.stream().filter(Finding::isCritical).count();
     }
 
-    /** Asks the host. A file system is full from so many per cent on; the array is four arguments, or none. */
+    /**
+     * Asks the host.
+     *
+     * @param library what is asked
+     * @param log where its lines come; the warnings among them are findings
+     * @param fullPercent how many per cent used make a file system full
+     * @param array the four arguments of an array report, or none
+     * @return what is wrong
+     */
     public static Check of(Library library, LibraryLog log, int fullPercent, List<String> array) {
         return new Check(new Examination(library, log, fullPercent).examine(array));
     }
 
-    /** What is wrong with what is seen of the storage network. */
+    /**
+     * {@return what is wrong with what is seen of the storage network, not sorted}
+     *
+     * @param fabric what is seen
+     */
     public static List<Finding> of(Fabric fabric) {
         Examination examination = new Examination(null, null, 0);
         examination.examineFabric(fabric);

@@ -16,9 +16,11 @@ public final class Comparison {
         public final String subject;
         /** "appeared", "vanished" or "changed". */
         public final String change;
-        /** These three only of what changed; null is a property that is not there. */
+        /** What of it changed; null, as are the two below, when it appeared or vanished. */
         public final String property;
+        /** The value in the old description; null when the property was not there. */
         public final Object was;
+        /** The value in the new one; null when the property is not there any more. */
         public final Object is;
 
         private Change(String subject, String change, String property, Object was, Object is) {
@@ -30,6 +32,7 @@ public final class Comparison {
         }
     }
 
+    /** By section, in the order of the report. */
     public final List<Change> changes = new ArrayList<>();
     /** Null: it is not known how much time lies between the two. */
     public final Rates rates;
@@ -43,10 +46,21 @@ public final class Comparison {
     public static final class Host {
         private final Snapshot snapshot;
 
+        /**
+         * Asks the host that answers now.
+         *
+         * @param library what is asked
+         * @param description the file that the host was loaded from
+         */
         public Host(Library library, Path description) {
             snapshot = new Snapshot(library, description);
         }
 
+        /**
+         * {@return what changed since another time}
+         *
+         * @param old the same host then
+         */
         public Comparison since(Host old) {
             return new Comparison(old.snapshot, snapshot);
         }

@@ -10,7 +10,11 @@ public final class DeviceNames {
     private DeviceNames() {
     }
 
-    /** The name without "/dev/dsk/" or "/dev/rdsk/" before it. */
+    /**
+     * {@return the name without "/dev/dsk/" or "/dev/rdsk/" before it}
+     *
+     * @param name of a disk or a slice
+     */
     public static String withoutDirectory(String name) {
         return directory.matcher(name).replaceFirst("");
     }

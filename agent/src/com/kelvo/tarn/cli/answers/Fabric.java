@@ -16,9 +16,11 @@ import java.util.stream.Stream;
 public final class Fabric {
     /** A host bus adapter. */
     public static final class Adapter {
+        /** Its place in the walk, from 0. */
         public final int index;
         /** Null: the adapter cannot be read. */
         public final TrInstance instance;
+        /** By index. */
         public final List<Port> ports = new ArrayList<>();
 
         private Adapter(int index, HbaCache.Hba record) {
@@ -29,7 +31,7 @@ public final class Fabric {
             }
         }
 
-        /** Such as "adapter 0". */
+        /** {@return what it is called, such as "adapter 0"} */
         public String place() {
             return "adapter " + index;
         }
@@ -37,7 +39,9 @@ public final class Fabric {
 
     /** A port of an adapter. */
     public static final class Port {
+        /** What it is a port of. */
         public final Adapter adapter;
+        /** Its place at the adapter, from 0. */
         public final int index;
         /** Whether the library has a record of it; without one there are no statistics and no remote ports. */
         public final boolean recorded;
@@ -45,6 +49,7 @@ public final class Fabric {
         public final TrInstance instance;
         /** Null: its counters cannot be read. */
         public final TrInstance statistics;
+        /** What it has discovered, by index. */
         public final List<RemotePort> remotePorts = new ArrayList<>();
 
         private Port(Adapter adapter, int index, HbaCache.HbaPort record) {
@@ -59,7 +64,7 @@ public final class Fabric {
             }
         }
 
-        /** Such as "adapter 0 port 1". */
+        /** {@return what it is called, such as "adapter 0 port 1"} */
         public String place() {
             return adapter.place() + " port " + index;
         }
@@ -67,7 +72,9 @@ public final class Fabric {
 
     /** A remote port as one of the host's ports has discovered it. */
     public static final class RemotePort {
+        /** What has discovered it. */
         public final Port port;
+        /** Its place among what the port has discovered, from 0. */
         public final int index;
         /** Null: the remote port cannot be read. */
         public final TrInstance instance;
@@ -81,26 +88,32 @@ public final class Fabric {
             mappings = record == null ? List.of() : Arrays.asList(record.targetMappings());
         }
 
-        /** Such as "adapter 0 port 1 remote port 2". */
+        /** {@return what it is called, such as "adapter 0 port 1 remote port 2"} */
         public String place() {
             return port.place() + " remote port " + index;
         }
     }
 
+    /** By index. */
     public final List<Adapter> adapters = new ArrayList<>();
 
+    /**
+     * Takes what a fill answered.
+     *
+     * @param cache the adapters; null for one that cannot be read
+     */
     public Fabric(HbaCache.Hba... cache) {
         for (HbaCache.Hba adapter : cache) {
             adapters.add(new Adapter(adapters.size(), adapter));
         }
     }
 
-    /** All ports of all adapters. */
+    /** {@return all ports of all adapters} */
     public List<Port> ports() {
         return adapters.stream().flatMap(adapter -> adapter.ports.stream()).collect(Collectors.toList());
     }
 
-    /** All remote ports; one that several ports have discovered is there once for each. */
+    /** {@return all remote ports; one that several ports have discovered is there once for each} */
     public Stream<RemotePort> remotePorts() {
         return ports().stream().flatMap(port -> port.remotePorts.stream());
     }

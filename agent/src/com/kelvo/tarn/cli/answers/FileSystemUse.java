@@ -10,43 +10,58 @@ public final class FileSystemUse {
 
     private final SolarisLogicalDisk disk;
 
-    /** Takes a logical disk that was asked for by name. */
+    /**
+     * Takes a logical disk.
+     *
+     * @param disk one that was asked for by name, and so has its sizes
+     */
     public FileSystemUse(SolarisLogicalDisk disk) {
         this.disk = disk;
     }
 
-    /** False: the system would not tell the sizes, which are then all 0. */
+    /** {@return false when the system would not tell the sizes, which are then all 0} */
     public boolean isKnown() {
         return (disk.totalBytes() | disk.availableBytes() | disk.freeBytes() | disk.blockSize()) != 0;
     }
 
+    /** {@return its size in bytes, without a sign} */
     public BigInteger total() {
         return unsigned(disk.totalBytes());
     }
 
+    /** {@return the bytes that are free, those kept for root among them} */
     public BigInteger free() {
         return unsigned(disk.freeBytes());
     }
 
+    /** {@return the bytes that are not free} */
     public BigInteger used() {
         return total().subtract(free()).max(BigInteger.ZERO);
     }
 
-    /** More bytes than 2^63 are what a negative number looks like: blocks overdrawn from the reserve. */
+    /**
+     * {@return the bytes that any user may fill} More than 2^63 are what a negative number looks like, blocks overdrawn
+     * from the reserve, and count as none.
+     */
     public BigInteger available() {
         return BigInteger.valueOf(Math.max(0, disk.availableBytes()));
     }
 
+    /** {@return whether nothing is available} */
     public boolean isExhausted() {
         return available().signum() == 0;
     }
 
-    /** What is used and what is available, together. */
+    /** {@return what is used and what is available, together} */
     public BigInteger usable() {
         return used().add(available());
     }
 
-    /** Whether at least so many per cent of what is usable are used. */
+    /**
+     * {@return whether at least so many per cent of what is usable are used, or nothing is available}
+     *
+     * @param percent 0 to 100
+     */
     public boolean isFull(int percent) {
         return isExhausted()
             || used().multiply(BigInteger.valueOf(100)).compareTo(usable().multiply(BigInteger.valueOf(percent))) >= 0;

@@ -13,12 +13,22 @@ public final class Instances {
     private Instances() {
     }
 
-    /** A number; one that was not set counts as 0. */
+    /**
+     * {@return a number; 0 when it was not set}
+     *
+     * @param instance what has the property
+     * @param property one that is a CIM unsigned integer
+     */
     public static UnsignedInt number(TrInstance instance, TrProperty property) {
         return Objects.requireNonNullElse((UnsignedInt) instance.get(property), zero);
     }
 
-    /** A text without blanks at its ends; empty when it was not set. */
+    /**
+     * {@return a text without blanks at its ends; empty when it was not set}
+     *
+     * @param instance what has the property
+     * @param property any
+     */
     public static String text(TrInstance instance, TrProperty property) {
         return Objects.toString(instance.get(property), "").strip();
     }

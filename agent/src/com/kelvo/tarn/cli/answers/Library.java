@@ -23,20 +23,34 @@ public final class Library {
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
 
+    /**
+     * Asks the host that answers at the time of each question.
+     *
+     * @param log where the library's lines come
+     */
     public Library(LibraryLog log) {
         this.log = log;
     }
 
+    /** {@return the mounted file systems, without their sizes} */
     public List<SolarisLogicalDisk> logicalDisks() {
         return host.enumerateLogicalDiskNames();
     }
 
-    /** With its sizes. */
+    /**
+     * {@return the file system that is mounted there, with its sizes}
+     *
+     * @param mountPoint where
+     */
     public SolarisLogicalDisk logicalDisk(String mountPoint) {
         return host.getLogicalDiskByName(mountPoint);
     }
 
-    /** The same disk with its sizes; as it is when it was unmounted since. */
+    /**
+     * {@return the same disk with its sizes; as it is when it was unmounted since}
+     *
+     * @param disk one without
+     */
     public SolarisLogicalDisk withSizes(SolarisLogicalDisk disk) {
         try {
             return logicalDisk(disk.mountPoint());
@@ -45,42 +59,59 @@ public final class Library {
         }
     }
 
+    /** {@return the processors, by id} */
     public List<SolarisProcessorData> processors() {
         return host.enumerateProcessors();
     }
 
+    /** {@return what each processor spent its ticks on} */
     public List<SolarisCpuUtilizationData> cpu() {
         return host.enumerateCpuUtilizationInfo();
     }
 
+    /** {@return the counters of each disk} */
     public List<SolarisDiskIOInformation> diskIo() {
         return host.enumerateDiskIOInformation();
     }
 
+    /** {@return the whole disks} */
     public List<TrInstance> disks() {
         return collect(new SolarisDiskDriveProvider()::enumerateDisks, SolarisDiskDriveProvider.name);
     }
 
-    /** Null: there is no such disk. */
+    /**
+     * {@return the disk of that name; null when there is none}
+     *
+     * @param name such as "c0t0d0"
+     */
     public TrInstance disk(String name) {
         return log.about(name, () -> new SolarisDiskDriveProvider().getDisk(name));
     }
 
+    /** {@return the slices of all disks} */
     public List<TrInstance> partitions() {
         return collect(new SolarisDiskPartitionProvider()::enumeratePartitions, SolarisDiskPartitionProvider.name);
     }
 
-    /** Null: there is no such slice. */
+    /**
+     * {@return the slice of that name; null when there is none}
+     *
+     * @param name such as "c0t0d0s0"
+     */
     public TrInstance partition(String name) {
         return log.about(name, () -> new SolarisDiskPartitionProvider().getPartition(name));
     }
 
-    /** The storage network, with device names as the HBA library gives them. */
+    /** {@return the storage network, with device names as the HBA library gives them} */
     public Fabric fabric() {
         return new Fabric(new HbaCache(false, false).fillHbaCache(new HbaClassNames(TrNamespace.KELVO, true)));
     }
 
-    /** The report of the array that four arguments name: both controllers' identities, vendor and product. */
+    /**
+     * {@return the library's report of an array}
+     *
+     * @param arguments both controllers' identities, vendor and product
+     */
     public String array(List<String> arguments) {
         return new SolarisScsiInterrogator().scsiInterrogate(arguments.get(0), arguments.get(1), arguments.get(2),
                                                              arguments.get(3));

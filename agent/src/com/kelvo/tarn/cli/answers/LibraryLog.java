@@ -14,6 +14,7 @@ public final class LibraryLog extends AppenderSkeleton {
     public static final class Line {
         /** "info" or "warn". */
         public final String level;
+        /** As the library logged it. */
         public final String message;
 
         private transient String subject = "";
@@ -23,16 +24,17 @@ public final class LibraryLog extends AppenderSkeleton {
             this.message = message;
         }
 
+        /** {@return whether it tells of trouble} */
         public boolean isWarning() {
             return level.equals("warn");
         }
 
-        /** The disk that the line is about; empty when that is not known. */
+        /** {@return the disk that the line is about; empty when that is not known} */
         public String subject() {
             return subject;
         }
 
-        /** The message, after what it is about. */
+        /** {@return the message, after what it is about} */
         public String text() {
             return subject.isEmpty() ? message : subject + ": " + message;
         }
@@ -40,11 +42,12 @@ public final class LibraryLog extends AppenderSkeleton {
 
     private final List<Line> lines = new ArrayList<>();
 
+    /** Collects from now on. */
     public LibraryLog() {
         KelvoLogger.deliverTo(this);
     }
 
-    /** The lines since the last time, in order. */
+    /** {@return the lines since the last time, in order} */
     public List<Line> take() {
         List<Line> taken = List.copyOf(lines);
         lines.clear();

@@ -16,16 +16,25 @@ public final class LogicalUnit {
         final transient Fabric.RemotePort remote;
         private final transient TrInstance mapping;
 
-        /** The adapter's and the port's place in the library's walk. */
+        /** The adapter's place in the library's walk. */
         public final int adapter;
+        /** The local port's place at the adapter. */
         public final int port;
+        /** The local port's world-wide name. */
         public final String portWWN;
+        /** The local port's state, by its CIM number. */
         public final UnsignedInt portState;
+        /** The remote port's world-wide name. */
         public final String remotePort;
+        /** The remote port's state, by its CIM number. */
         public final UnsignedInt remotePortState;
+        /** The device that the way is used through. */
         public final String osDeviceName;
+        /** The controller's number in device names. */
         public final UnsignedInt scsiBus;
+        /** The SCSI target's number. */
         public final UnsignedInt targetId;
+        /** The unit as the system numbers it. */
         public final UnsignedInt scsiLun;
 
         Path(Fabric.RemotePort remote, TrInstance mapping) {
@@ -43,6 +52,7 @@ public final class LogicalUnit {
             scsiLun = Instances.value(mapping, TargetMappingProvider.scsiLun);
         }
 
+        /** {@return whether the ports at both ends are online} */
         public boolean isOnline() {
             return PortStates.isOnline(portState) && PortStates.isOnline(remotePortState);
         }
@@ -50,7 +60,9 @@ public final class LogicalUnit {
 
     /** A way that stands without its unit, and names it. */
     public static final class Way extends Path {
+        /** The unit's node name. */
         public final String node;
+        /** The unit's number as the array exports it. */
         public final UnsignedInt lun;
 
         private Way(LogicalUnit unit, Path path) {
@@ -72,16 +84,17 @@ public final class LogicalUnit {
         lun = Instances.number(mapping, TargetMappingProvider.exportedLUN);
     }
 
-    /** The paths of which both ends are online. */
+    /** {@return how many paths have both ends online} */
     public long onlinePaths() {
         return paths.stream().filter(Path::isOnline).count();
     }
 
+    /** {@return the paths, each naming the unit} */
     public List<Way> ways() {
         return paths.stream().map(path -> new Way(this, path)).collect(Collectors.toList());
     }
 
-    /** Such as "50060e8000c3a2b0 LUN 5". */
+    /** {@return what it is called, such as "50060e8000c3a2b0 LUN 5"} */
     public String place() {
         return node + " LUN " + lun;
     }

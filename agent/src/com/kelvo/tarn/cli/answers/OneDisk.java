@@ -52,19 +52,32 @@ public final class OneDisk {
         paths = units.stream().flatMap(unit -> unit.ways().stream()).collect(Collectors.toList());
     }
 
-    /** What disk a path is known as, such as "c2t0d0". */
+    /**
+     * {@return what disk a path is known as, such as "c2t0d0"; its device's name when it is no disk}
+     *
+     * @param path one of its units'
+     */
     public String diskOf(LogicalUnit.Path path) {
         return Objects.requireNonNullElse(host.diskOfPath(path), path.osDeviceName);
     }
 
-    /** Whether a unit has less than two ways online, on a host with the ports to have two. */
+    /**
+     * {@return whether a unit has less than two ways online, on a host with the ports to have two}
+     *
+     * @param unit one of its units
+     */
     public boolean lacksWays(LogicalUnit unit) {
         return host.paths.lacksWays(unit);
     }
 
     /**
-     * The disk of that name, or null: the disk's own, a slice's or an instance's, with or without "/dev/dsk/" or
-     * "/dev/rdsk/", or the mount point of a file system on it.
+     * Finds a disk by its own name, a slice's or an instance's, with or without "/dev/dsk/" or "/dev/rdsk/", or the
+     * mount point of a file system on it.
+     *
+     * @param asked any of these
+     * @param library what is asked
+     * @param log where it is said what could not be asked
+     * @return null when nothing is known by that name
      */
     public static OneDisk find(String asked, Library library, LibraryLog log) {
         Everything host = new Everything(library, log);

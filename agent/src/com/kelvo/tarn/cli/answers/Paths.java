@@ -11,9 +11,15 @@ public final class Paths {
     private static final Comparator<LogicalUnit> order = Comparator.<LogicalUnit, String>comparing(unit -> unit.node)
         .thenComparing(unit -> unit.lun.longValue(), Long::compareUnsigned);
 
+    /** By node name, then by number. */
     public final List<LogicalUnit> units;
     private final boolean oneWayIsTrouble;
 
+    /**
+     * Sorts what is seen by logical unit.
+     *
+     * @param fabric what is seen
+     */
     public Paths(Fabric fabric) {
         TreeMap<LogicalUnit, LogicalUnit> found = new TreeMap<>(order);
         fabric.remotePorts().forEach(remote -> {
@@ -28,7 +34,11 @@ public final class Paths {
         oneWayIsTrouble = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
     }
 
-    /** Whether less than two ways to the unit are online, on a host with the ports to have two. */
+    /**
+     * {@return whether less than two ways to the unit are online, on a host with the ports to have two}
+     *
+     * @param unit one of these
+     */
     public boolean lacksWays(LogicalUnit unit) {
         return oneWayIsTrouble && unit.onlinePaths() < 2;
     }

@@ -23,29 +23,58 @@ public final class PortFacts {
     private PortFacts() {
     }
 
+    /**
+     * {@return the type, such as "N port"}
+     *
+     * @param port local or remote
+     */
     public static String type(TrInstance port) {
         return types.getOrDefault(Instances.number(port, HbaPortProvider.portType), "");
     }
 
+    /**
+     * {@return the speed, such as "2 Gb/s"}
+     *
+     * @param port local or remote
+     */
     public static String speed(TrInstance port) {
         return speed(Instances.number(port, HbaPortProvider.speed));
     }
 
+    /**
+     * {@return the speed, such as "2 Gb/s"}
+     *
+     * @param bitsPerSecond as the library tells it
+     */
     public static String speed(UnsignedInt bitsPerSecond) {
         return speeds.getOrDefault(bitsPerSecond.longValue(), "speed unknown");
     }
 
+    /**
+     * {@return the Fibre Channel address, such as "0x010200"}
+     *
+     * @param port local or remote
+     */
     public static String fcId(TrInstance port) {
         long id = Instances.number(port, HbaPortProvider.portFcId).longValue();
         return id == 0 ? "" : fcId(id);
     }
 
-    /** Such as "0x010200". */
+    /**
+     * {@return the Fibre Channel address, such as "0x010200"}
+     *
+     * @param id its 24 bits
+     */
     public static String fcId(long id) {
         return String.format("0x%06x", id);
     }
 
-    /** A name, world-wide or other, of a port or of an adapter. */
+    /**
+     * {@return a name, world-wide or other}
+     *
+     * @param instance a port or an adapter
+     * @param property the name's
+     */
     public static String name(TrInstance instance, TrProperty property) {
         String name = Instances.text(instance, property);
         return name.equals(noName) ? "" : name;

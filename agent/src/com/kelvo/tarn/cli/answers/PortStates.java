@@ -24,32 +24,58 @@ public final class PortStates {
     private PortStates() {
     }
 
-    /** The state in words; null, which a port without an instance has, is an unknown one. */
+    /**
+     * {@return the state in words}
+     *
+     * @param state its CIM number; null, which a port without an instance has, is an unknown one
+     */
     public static String name(UnsignedInt state) {
         return state == null ? "state unknown" : names.getOrDefault(state, "state unknown");
     }
 
+    /**
+     * {@return the port's state in words}
+     *
+     * @param port local or remote
+     */
     public static String name(TrInstance port) {
         return name((UnsignedInt) port.get(HbaPortProvider.portState));
     }
 
-    /** Operational statuses in words. */
+    /**
+     * {@return operational statuses in words}
+     *
+     * @param statuses their CIM numbers
+     */
     public static String statusNames(List<?> statuses) {
         return statuses.stream().map(status -> statusNames.getOrDefault(status, String.valueOf(status)))
             .collect(Collectors.joining(", "));
     }
 
+    /**
+     * {@return whether that is the state of a port online}
+     *
+     * @param state its CIM number, or null
+     */
     public static boolean isOnline(UnsignedInt state) {
         return HbaPortProvider.PORT_STATE_ONLINE.equals(state);
     }
 
-    /** Whether the operational status is OK and nothing else. */
+    /**
+     * {@return whether the operational status is OK and nothing else}
+     *
+     * @param port local or remote
+     */
     public static boolean isOk(TrInstance port) {
         return statuses(port).findAny().isPresent()
             && statuses(port).allMatch(HbaPortProvider.OPERATIONAL_STATUS_OK::equals);
     }
 
-    /** Whether the operational status is an error: link down, or the port says so. */
+    /**
+     * {@return whether the operational status is an error: link down, or the port says so}
+     *
+     * @param port local or remote
+     */
     public static boolean isError(TrInstance port) {
         return statuses(port).anyMatch(HbaPortProvider.OPERATIONAL_STATUS_ERROR::equals);
     }

@@ -22,10 +22,15 @@ public final class Rates {
     /** A processor's clock counters have 32 bits and go round; no clock ticks faster than this a second. */
     private static final double fastestClock = 1000;
 
+    /** What was read from a disk and written to it. */
     public static final class Disk {
+        /** Such as "c0t0d0", or empty. */
         public final String diskName;
+        /** What the kernel calls it, such as "sd0". */
         public final String instanceName;
+        /** Bytes read per second. */
         public final Double bytesReadPerSecond;
+        /** Bytes written per second. */
         public final Double bytesWrittenPerSecond;
         /** The share of the time in which a request was under way, in per cent. */
         public final Double busyPercent;
@@ -41,10 +46,15 @@ public final class Rates {
 
     /** What a processor spent its ticks on, in per cent of them. */
     public static final class Processor {
+        /** The processor's number. */
         public final int cpuId;
+        /** Spent in programs. */
         public final Double userPercent;
+        /** Spent in the kernel. */
         public final Double kernelPercent;
+        /** Spent waiting for I/O. */
         public final Double waitPercent;
+        /** Spent idle. */
         public final Double idlePercent;
 
         private Processor(int cpuId, Double... percent) {
@@ -56,10 +66,13 @@ public final class Rates {
         }
     }
 
+    /** What went through a port of an adapter. */
     public static final class Port {
         /** As the changes call it. */
         public final String port;
+        /** Frames sent per second. */
         public final Double framesSentPerSecond;
+        /** Frames received per second. */
         public final Double framesReceivedPerSecond;
         /** All kinds of errors that the adapter counts. */
         public final Double errorsPerSecond;
@@ -74,8 +87,11 @@ public final class Rates {
 
     /** Between the two recordings. */
     public final double seconds;
+    /** Those that both descriptions count. */
     public final List<Disk> disks = new ArrayList<>();
+    /** Those that both descriptions have. */
     public final List<Processor> processors = new ArrayList<>();
+    /** Those that both descriptions have counters of. */
     public final List<Port> ports = new ArrayList<>();
 
     /** Null: one of the two does not say when it was recorded, or the new one is not the later. */

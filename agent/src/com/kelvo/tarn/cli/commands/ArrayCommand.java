@@ -8,6 +8,7 @@ import java.util.List;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code array}: one call of {@code scsiInterrogate}. */
 @Command(name = "array", description = "The drive statistics of a disk array with two controllers.",
          footer = "With --json the result is the library's report, a string of fixed-width fields.")
 public final class ArrayCommand extends TableInquiry<String> {

@@ -10,6 +10,7 @@ import java.nio.charset.StandardCharsets;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code authenticate}: the native method of that name. */
 @Command(name = "authenticate", description = "Whether a password is that user's.",
          footer = "The password is asked for without echo, or is one line of standard input. Exit status: 0 it is, "
              + "3 it is not.")

@@ -4,6 +4,7 @@ import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.providers.solaris.SolarisAuthenticator;
 import picocli.CommandLine.Command;
 
+/** {@code build-date}: one call of {@code getLibraryBuildDate}. */
 @Command(name = "build-date", description = "The library's build date.")
 public final class BuildDateCommand extends Inquiry<String> {
     @Override

@@ -11,6 +11,7 @@ import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
 
+/** {@code check}: a {@link Check} for people, or a line each for programs. */
 @Command(name = "check", description = "What is wrong with the host, worst first.",
          exitCodeOnInvalidInput = CheckCommand.unknown, exitCodeOnExecutionException = CheckCommand.unknown,
          footer = "Exit status, as monitoring plugins have it: 0 nothing, 1 warnings, 2 something critical, 3 bad "

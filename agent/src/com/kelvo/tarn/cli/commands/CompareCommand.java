@@ -19,6 +19,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.Parameters;
 
+/** {@code compare}: loads two hosts one after the other, and shows their {@link Comparison}. */
 @Command(name = "compare", exitCodeOnExecutionException = 2,
          description = "What changed between two descriptions of one host.",
          footer = "Counters are no change; where both descriptions say when they were recorded, they are shown as "

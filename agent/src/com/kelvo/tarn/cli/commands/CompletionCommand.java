@@ -5,6 +5,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Spec;
 
+/** {@code completion}: what picocli makes of the commands' options. */
 @Command(name = "completion", description = "The completion of this command line, for bash.",
          footer = "To use it: source <(tarn completion)")
 public final class CompletionCommand implements Runnable {

@@ -7,6 +7,7 @@ import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
 import java.util.List;
 import picocli.CommandLine.Command;
 
+/** {@code computer-system}: one call of {@code getComputerSystem}. */
 @Command(name = "computer-system", description = "The host as a computer system.")
 public final class ComputerSystemCommand extends TableInquiry<SolarisComputerSystem> {
     @Override

@@ -9,12 +9,14 @@ import java.util.function.Function;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code cpu}: {@code enumerateCpuUtilizationInfo}, or {@code getCpuUtilizationInfo} for one. */
 @Command(name = "cpu", description = "The clock ticks that each processor spent, since boot.",
          footer = "The counters have 32 bits; --json gives them as the library does, negative from 2^31 on.")
 public final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData> {
     @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this processor.")
     private Integer id;
 
+    /** For all, or for the one that is named. */
     public CpuCommand() {
         super("processor");
     }

@@ -14,6 +14,7 @@ import java.util.List;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code disk}: a {@link OneDisk}. */
 @Command(name = "disk",
          description = "All that is known of one disk: drive, counters, slices, file systems, ways to it.",
          footer = "The ways are all those to the logical unit, under whichever device name.")

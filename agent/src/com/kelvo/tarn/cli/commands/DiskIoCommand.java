@@ -9,12 +9,14 @@ import java.util.List;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code disk-io}: {@code enumerateDiskIOInformation}, or {@code getDiskIOInformation} for one. */
 @Command(name = "disk-io", description = "What was read from and written to each disk, since boot.")
 public final class DiskIoCommand extends Listing<String, SolarisDiskIOInformation> {
     @Parameters(arity = "0..1", paramLabel = "DISK",
                 description = "Only this disk, such as c0t0d0 or /dev/rdsk/c0t0d0.")
     private String disk;
 
+    /** For all, or for the one that is named. */
     public DiskIoCommand() {
         super("disk");
     }

@@ -12,6 +12,7 @@ import java.util.stream.Stream;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code disks}: {@code enumerateDisks}, or {@code getDisk} for one. */
 @Command(name = "disks", description = "The whole disks with their geometry.",
          footer = "The capacity is computed: heads x sectors x data cylinders of 512 bytes.")
 public final class DisksCommand extends Listing<String, TrInstance> {
@@ -19,6 +20,7 @@ public final class DisksCommand extends Listing<String, TrInstance> {
                 description = "Only this disk, such as c0t0d0 or /dev/rdsk/c0t0d0.")
     private String disk;
 
+    /** For all, or for the one that is named. */
     public DisksCommand() {
         super("disk");
     }

@@ -13,10 +13,14 @@ abstract class Export extends Inquiry<String> {
             + "nothing. With --json the result is null then, else the text.")
     private String output;
 
-    /** The text, which ends with a newline. An IOException says what keeps it from being made. */
+    /**
+     * {@return the text, which ends with a newline}
+     *
+     * @throws IOException when it cannot be made, saying what keeps it from that
+     */
     protected abstract String text() throws IOException;
 
-    /** The file that the text goes to; null: standard output. */
+    /** {@return the file that the text goes to; null for standard output} */
     protected final String output() {
         return output;
     }
@@ -38,6 +42,11 @@ abstract class Export extends Inquiry<String> {
         }
     }
 
+    /**
+     * {@return bad usage of this command, to be thrown}
+     *
+     * @param message what is wrong
+     */
     protected final ParameterException refusal(String message) {
         return new ParameterException(spec().commandLine(), message);
     }

@@ -6,6 +6,7 @@ import com.kelvo.tarn.providers.hba.HbaCache;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 
+/** {@code hba}: one call of {@code fillHbaCache}. */
 @Command(name = "hba", description = "The Fibre Channel adapters with their ports, remote ports and logical units.")
 public final class HbaCommand extends Inquiry<HbaCache.Hba[]> {
     @Mixin

@@ -7,6 +7,7 @@ import java.util.List;
 import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
 
+/** {@code hba-test}: one call of {@code testHbaLibrary}. */
 @Command(name = "hba-test", description = "What the HBA library says of its adapters, line by line, failures included.")
 public final class HbaTestCommand extends Inquiry<List<String>> {
     @Override

@@ -7,6 +7,7 @@ import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.Parameters;
 import picocli.CommandLine.Spec;
 
+/** {@code help}: the same as a command's option of that name. */
 @Command(name = "help", description = "The help of a command, or of all.")
 public final class HelpCommand implements Runnable {
     @Spec

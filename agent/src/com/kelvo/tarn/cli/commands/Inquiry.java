@@ -23,62 +23,105 @@ abstract class Inquiry<T> implements Callable<Integer> {
     @Spec
     private CommandSpec spec;
 
-    /** Makes the native call, or the calls. */
+    /**
+     * Makes the native call, or the calls.
+     *
+     * @return the answer
+     * @throws Exception what the call has thrown, which is shown and is no failure of the command's own
+     */
     protected abstract T ask() throws Exception;
 
-    /** Lays the answer out for people. */
+    /**
+     * Lays the answer out for people.
+     *
+     * @param answer one that is not missing
+     * @param out where
+     */
     protected abstract void show(T answer, Page out);
 
-    /** Lays it out as a section of the report. */
+    /**
+     * Lays it out as a section of the report.
+     *
+     * @param answer one that is not missing
+     * @param out where
+     */
     protected void summarize(T answer, Page out) {
         show(answer, out);
     }
 
-    /** What JSON shows of the answer. */
+    /**
+     * {@return what JSON shows of the answer}
+     *
+     * @param answer any
+     */
     protected Object result(T answer) {
         return answer;
     }
 
-    /** When the answer is that there is no such thing, what people are told: "no disk c9t9d9". Otherwise null. */
+    /**
+     * {@return when the answer is that there is no such thing, what people are told: "no disk c9t9d9"; otherwise null}
+     *
+     * @param answer any
+     */
     protected String missing(T answer) {
         return null;
     }
 
+    /**
+     * {@return the exit status of the command}
+     *
+     * @param answer one that is not missing
+     */
     protected int exitStatus(T answer) {
         return 0;
     }
 
-    /** Whether people are shown a line of the library's log beside the answer. JSON has them all. */
+    /**
+     * {@return whether people are shown a line of the library's log beside the answer; JSON has them all}
+     *
+     * @param line the line
+     * @param answer one that is not missing
+     */
     protected boolean isToThePoint(LibraryLog.Line line, T answer) {
         return true;
     }
 
+    /** {@return whether the options for device names go with it} */
     protected boolean takesHbaOptions() {
         return false;
     }
 
-    /** Whether the report has a section of it: not when it joins the answers of others. */
+    /** {@return whether the report has a section of it: not when it joins the answers of others} */
     protected boolean isSection() {
         return true;
     }
 
+    /** Makes the host answer that the options name. */
     protected void chooseHost() {
         tarn.chooseHost(this);
     }
 
+    /** {@return the options that all commands have} */
     protected final TarnOptions tarn() {
         return tarn;
     }
 
+    /** {@return the library, logging to where the command's lines come from} */
     protected final Library library() {
         return new Library(tarn.log());
     }
 
+    /** {@return the command as picocli sees it} */
     protected final CommandSpec spec() {
         return spec;
     }
 
-    /** Writes the answer when it is not to be JSON. */
+    /**
+     * Writes the answer when it is not to be JSON.
+     *
+     * @param answer one that is not missing
+     * @param out where
+     */
     protected void print(T answer, PrintWriter out) {
         show(answer, new Page(out, Terminal.ofStandardOutput()));
     }

@@ -13,12 +13,17 @@ abstract class Listing<K, E> extends TableInquiry<List<E>> {
         this.noun = noun;
     }
 
-    /** What the argument names; null: all. */
+    /** {@return what the argument names; null for all} */
     protected abstract K wanted();
 
+    /** {@return all there are} */
     protected abstract List<E> all();
 
-    /** Null: there is no such thing. */
+    /**
+     * {@return the one of that name; null when there is none}
+     *
+     * @param name what the argument names
+     */
     protected abstract E one(K name);
 
     @Override

@@ -12,6 +12,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
+/** {@code logical-disks}: {@code enumerateLogicalDiskNames}, {@code getLogicalDiskByName} for one and for sizes. */
 @Command(name = "logical-disks", description = "The mounted UFS and NFS file systems.",
          footer = "The library computes sizes only for one that is asked for by name; --sizes asks for each.")
 public final class LogicalDisksCommand extends Listing<String, SolarisLogicalDisk> {
@@ -21,6 +22,7 @@ public final class LogicalDisksCommand extends Listing<String, SolarisLogicalDis
     @Option(names = "--sizes", description = "With the sizes of all, as df shows them.")
     private boolean sizes;
 
+    /** For all, or for the one that is named. */
     public LogicalDisksCommand() {
         super("logical disk");
     }

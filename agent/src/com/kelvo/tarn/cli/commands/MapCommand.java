@@ -15,6 +15,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 
+/** {@code map}: a {@link Picture} of what {@code fillHbaCache} sees, and of what is wrong with it. */
 @Command(name = "map", description = "The storage network as a picture: adapters, ports, fabrics, arrays and their "
          + "logical units.",
          footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with one path "

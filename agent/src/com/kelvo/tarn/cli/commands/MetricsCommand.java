@@ -3,6 +3,7 @@ package com.kelvo.tarn.cli.commands;
 import com.kelvo.tarn.cli.metrics.HostMetrics;
 import picocli.CommandLine.Command;
 
+/** {@code metrics}: the {@link HostMetrics}. */
 @Command(name = "metrics", description = "The host's states and counters, in the text format of Prometheus.",
          footer = "What the library does not answer is left out, and tarn_section_up is 0 for it; the exit status is 0 "
              + "all the same.")

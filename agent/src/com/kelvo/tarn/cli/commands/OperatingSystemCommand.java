@@ -9,6 +9,7 @@ import java.util.List;
 import java.util.function.Function;
 import picocli.CommandLine.Command;
 
+/** {@code operating-system}: one call of {@code getOperatingSystem}. */
 @Command(name = "operating-system",
          description = "The operating system with its memory and swap, sampled over a second.")
 public final class OperatingSystemCommand extends TableInquiry<SolarisOperatingSystem> {

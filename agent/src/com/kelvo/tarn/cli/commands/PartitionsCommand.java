@@ -12,6 +12,7 @@ import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code partitions}: {@code enumeratePartitions}, or {@code getPartition} for one. */
 @Command(name = "partitions", description = "The slices of the disks.")
 public final class PartitionsCommand extends Listing<String, TrInstance> {
     private static final List<String> tags = List.of("unassigned", "boot", "root", "swap", "usr", "backup", "stand",
@@ -23,6 +24,7 @@ public final class PartitionsCommand extends Listing<String, TrInstance> {
                 description = "Only this slice, such as c0t0d0s0 or /dev/dsk/c0t0d0s0.")
     private String partition;
 
+    /** For all, or for the one that is named. */
     public PartitionsCommand() {
         super("partition");
     }

@@ -16,6 +16,7 @@ import javax.wbem.cim.UnsignedInt;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 
+/** {@code paths}: the {@link Paths} that {@code fillHbaCache} sees. */
 @Command(name = "paths", description = "The logical units behind Fibre Channel, each with all the ways to it.",
          footer = "A unit is named by its array's node name and the LUN that the array exports.")
 public final class PathsCommand extends TableInquiry<Paths> {

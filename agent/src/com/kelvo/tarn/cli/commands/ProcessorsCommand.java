@@ -7,11 +7,13 @@ import java.util.List;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
+/** {@code processors}: {@code enumerateProcessors}, or {@code getProcessor} for one. */
 @Command(name = "processors", description = "The processors.")
 public final class ProcessorsCommand extends Listing<Integer, SolarisProcessorData> {
     @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this one.")
     private Integer id;
 
+    /** For all, or for the one that is named. */
     public ProcessorsCommand() {
         super("processor");
     }

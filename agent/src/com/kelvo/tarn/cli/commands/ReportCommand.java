@@ -7,6 +7,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Model.ArgSpec;
 
+/** {@code report}: the answer of each command that is a section. */
 @Command(name = "report", description = "Everything that needs no argument, section by section.",
          footer = "With --json the result has one member for each section, named after its command. That of a "
              + "section that raised an exception is {\"exception\": {\"class\": ..., \"message\": ...}}; the others "

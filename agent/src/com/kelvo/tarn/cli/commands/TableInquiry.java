@@ -6,6 +6,11 @@ import java.io.PrintWriter;
 
 /** A command whose answer is a table. */
 abstract class TableInquiry<T> extends Inquiry<T> {
+    /**
+     * {@return the table that shows the answer}
+     *
+     * @param answer one that is not missing
+     */
     protected abstract Table<?> table(T answer);
 
     @Override

@@ -4,12 +4,14 @@ import java.io.IOException;
 
 /** The forms that a picture of the storage network may have. */
 public enum Picture {
+    /** The graph, in Graphviz' language. */
     DOT {
         @Override
         public String of(Topology topology, boolean all) {
             return Dot.of(topology);
         }
     },
+    /** The graph as Graphviz draws it, with colours for light and dark. */
     SVG {
         @Override
         public String of(Topology topology, boolean all) throws IOException {
@@ -19,6 +21,7 @@ public enum Picture {
                 + Palette.css() + "</style>" + svg.substring(body);
         }
     },
+    /** A page that holds the drawing and all that is needed to look at it. */
     HTML {
         @Override
         public String of(Topology topology, boolean all) throws IOException {
@@ -27,8 +30,11 @@ public enum Picture {
     };
 
     /**
-     * The whole picture as text that ends with a newline; with all, a page lists each path.
+     * Draws a storage network.
      *
+     * @param topology what is to be seen
+     * @param all whether a page lists each path
+     * @return the whole picture as text that ends with a newline
      * @throws IOException when it cannot be drawn, saying what would help
      */
     public abstract String of(Topology topology, boolean all) throws IOException;

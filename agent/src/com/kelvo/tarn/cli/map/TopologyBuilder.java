@@ -83,7 +83,14 @@ public final class TopologyBuilder {
         this.all = all;
     }
 
-    /** Findings are what is wrong with a thing, by its place; with all, nothing shares a box. */
+    /**
+     * {@return the boxes and lines that show a host's storage network}
+     *
+     * @param system the host
+     * @param fabric what it sees
+     * @param findings what is wrong with a thing, by its place
+     * @param all whether nothing shares a box
+     */
     public static Topology topology(SolarisComputerSystem system, Fabric fabric, Map<String, List<String>> findings,
                                     boolean all) {
         TopologyBuilder builder = new TopologyBuilder(system, fabric, findings, all);

@@ -46,7 +46,11 @@ public final class HostMetrics {
         this.library = library;
     }
 
-    /** The text format of Prometheus. A section whose call fails is left out, and said to be down. */
+    /**
+     * {@return the text format of Prometheus} A section whose call fails is left out, and said to be down.
+     *
+     * @param library what is asked
+     */
     public static String text(Library library) {
         HostMetrics metrics = new HostMetrics(library);
         SolarisNativeMethod host = new SolarisNativeMethod();

@@ -25,6 +25,11 @@ public final class Json {
     private Json() {
     }
 
+    /**
+     * {@return a document, on several lines and without a newline at its end}
+     *
+     * @param value what the library returned, or lists and maps of that
+     */
     public static String text(Object value) {
         return writer.toJson(value);
     }

@@ -17,7 +17,11 @@ public final class ManualPage {
     private ManualPage() {
     }
 
-    /** The page of a command with all its subcommands, apart from hidden ones. */
+    /**
+     * {@return the page of a command with all its subcommands, apart from hidden ones}
+     *
+     * @param root the command
+     */
     public static String of(CommandSpec root) {
         ManualPage page = new ManualPage();
         page.write(root);

@@ -18,6 +18,8 @@ public final class OutputFile {
     /**
      * Replaces the file's content in one step. What is no plain file, such as a device or a pipe, is written to.
      *
+     * @param name the file's path
+     * @param content what it is to hold
      * @throws IOException when it cannot be; the message names the file, which is then as it was
      */
     public static void write(String name, String content) throws IOException {

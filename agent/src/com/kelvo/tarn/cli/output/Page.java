@@ -19,6 +19,12 @@ public final class Page extends PrintWriter {
 
     private final Terminal terminal;
 
+    /**
+     * A page that is written to.
+     *
+     * @param out where the lines go
+     * @param terminal how wide they may be, and whether there are colours
+     */
     public Page(Writer out, Terminal terminal) {
         super(out);
         this.terminal = terminal;
@@ -30,19 +36,26 @@ public final class Page extends PrintWriter {
         super.print(terminal.hasColour() ? trouble.matcher(shown).replaceAll(red + "$0" + plain) : shown);
     }
 
-    /** How many characters a line has room for. */
+    /** {@return how many characters a line has room for} */
     public int width() {
         return terminal.width();
     }
 
-    /** A line; where the terminal is too narrow for it, several, of which all but the first are indented. */
+    /**
+     * Prints a line; where the terminal is too narrow for it, several, of which all but the first are indented.
+     *
+     * @param text the line
+     */
     public void printFolded(String text) {
         printFolded("", "  ", text);
     }
 
     /**
-     * A line after a margin; where the terminal is too narrow for it, several, broken at blanks, of which all but the
-     * first come after the other margin.
+     * Prints a line after a margin; where the terminal is too narrow for it, several, broken at blanks.
+     *
+     * @param firstMargin stands before the first
+     * @param margin stands before the others
+     * @param text the line
      */
     public void printFolded(String firstMargin, String margin, String text) {
         String rest = printable(text);
@@ -62,12 +75,21 @@ public final class Page extends PrintWriter {
         println(before + rest);
     }
 
-    /** One line on standard error, whatever the message holds. */
+    /**
+     * Writes one line, whatever the message holds.
+     *
+     * @param err standard error
+     * @param message what is wrong
+     */
     public static void complain(PrintWriter err, String message) {
         err.println("tarn: " + message.strip().replaceAll("\\s*\\R\\s*", " "));
     }
 
-    /** The text with "\x1b" and the like in place of control characters. */
+    /**
+     * {@return the text with "\x1b" and the like in place of control characters}
+     *
+     * @param text any
+     */
     public static String printable(String text) {
         int plainLength = 0;
         while (plainLength < text.length() && !Character.isISOControl(text.charAt(plainLength))) {

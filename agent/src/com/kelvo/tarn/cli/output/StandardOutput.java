@@ -30,6 +30,7 @@ public final class StandardOutput extends PrintWriter {
 
     private final Channel channel;
 
+    /** Nothing is written before it is flushed. */
     public StandardOutput() {
         this(new Channel());
     }
@@ -39,7 +40,11 @@ public final class StandardOutput extends PrintWriter {
         this.channel = channel;
     }
 
-    /** Writes what is left. False: something could not be written. A reader who has read enough is no failure. */
+    /**
+     * Writes what is left.
+     *
+     * @return false when something could not be written; a reader who has read enough is no failure
+     */
     public boolean finish() {
         return !checkError() || channel.failure != null && "Broken pipe".equals(channel.failure.getMessage());
     }

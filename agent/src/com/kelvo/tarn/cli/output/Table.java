@@ -33,58 +33,118 @@ public final class Table<R> {
     private final List<Column<R>> columns = new ArrayList<>();
     private String note = "";
 
+    /**
+     * A table without columns so far.
+     *
+     * @param rows what stands in its rows
+     */
     public Table(Collection<R> rows) {
         this.rows = List.copyOf(rows);
     }
 
+    /**
+     * Adds a column of texts.
+     *
+     * @param heading what stands over it
+     * @param cell what stands in a row of it
+     * @return this table
+     */
     public Table<R> text(String heading, Function<R, ?> cell) {
         return text(heading, cell, cell);
     }
 
-    /** A column that people see otherwise than programs. */
+    /**
+     * Adds a column of texts that people see otherwise than programs.
+     *
+     * @param heading what stands over it
+     * @param exact what programs see in a row of it
+     * @param shown what people see
+     * @return this table
+     */
     public Table<R> text(String heading, Function<R, ?> exact, Function<R, ?> shown) {
         columns.add(new Column<>(heading, false, exact, shown));
         return this;
     }
 
+    /**
+     * Adds a column of numbers.
+     *
+     * @param heading what stands over it
+     * @param cell what stands in a row of it
+     * @return this table
+     */
     public Table<R> number(String heading, Function<R, ?> cell) {
         return number(heading, cell, cell);
     }
 
+    /**
+     * Adds a column of numbers that people see otherwise than programs.
+     *
+     * @param heading what stands over it
+     * @param exact what programs see in a row of it
+     * @param shown what people see
+     * @return this table
+     */
     public Table<R> number(String heading, Function<R, ?> exact, Function<R, ?> shown) {
         columns.add(new Column<>(heading, true, exact, shown));
         return this;
     }
 
-    /** Reads the number of the column before it for people, such as "37.6 GiB". */
+    /**
+     * Adds a column that reads the number before it for people, such as "37.6 GiB".
+     *
+     * @param shown what people see in a row of it
+     * @return this table
+     */
     public Table<R> reading(Function<R, ?> shown) {
         columns.add(new Column<>("", true, null, shown));
         return this;
     }
 
-    /** The same as a text. */
+    /**
+     * Adds a column that explains the one before it to people.
+     *
+     * @param shown what they see in a row of it
+     * @return this table
+     */
     public Table<R> gloss(Function<R, ?> shown) {
         columns.add(new Column<>("", false, null, shown));
         return this;
     }
 
-    /** A counter of bytes without a sign, exactly and in a readable unit; one with all bits set is not kept. */
+    /**
+     * Adds a counter of bytes without a sign, exactly and in a readable unit; one with all bits set is not kept.
+     *
+     * @param heading what stands over it
+     * @param cell the counter's bits
+     * @return this table
+     */
     public Table<R> bytes(String heading, Function<R, Long> cell) {
         return number(heading, row -> Units.counter(cell.apply(row)))
             .reading(row -> Units.counter(cell.apply(row)) == null ? "" : Units.bytes(Units.unsigned(cell.apply(row))));
     }
 
-    /** A line under the table, for people. */
+    /**
+     * Sets the line under the table, for people.
+     *
+     * @param text the line
+     * @return this table
+     */
     public Table<R> note(String text) {
         note = text;
         return this;
     }
 
+    /** {@return whether there are no rows} */
     public boolean isEmpty() {
         return rows.isEmpty();
     }
 
-    /** For people: as many of the columns as the page is wide enough for. */
+    /**
+     * Prints it for people: as many of the columns as the page is wide enough for.
+     *
+     * @param out where
+     */
     public void print(Page out) {
         List<List<String>> lines = new ArrayList<>();
         lines.add(columns.stream().map(column -> column.heading).collect(Collectors.toList()));
@@ -119,7 +179,11 @@ public final class Table<R> {
         }
     }
 
-    /** For people, a row as lines of a heading and a value each. */
+    /**
+     * Prints it for people, a row as lines of a heading and a value each.
+     *
+     * @param out where
+     */
     public void printUpright(Page out) {
         int width = columns.stream().mapToInt(column -> column.heading.length()).max().orElse(0);
         for (R row : rows) {
@@ -130,7 +194,11 @@ public final class Table<R> {
         }
     }
 
-    /** For programs: comma-separated values as RFC 4180 has them, apart from the lines' ends. */
+    /**
+     * Prints it for programs: comma-separated values as RFC 4180 has them, apart from the lines' ends.
+     *
+     * @param out where
+     */
     public void printCsv(PrintWriter out) {
         List<Column<R>> exact = columns.stream().filter(column -> column.exact != null).collect(Collectors.toList());
         out.print(exact.stream().map(column -> quoted(column.heading)).collect(Collectors.joining(",", "", "\n")));

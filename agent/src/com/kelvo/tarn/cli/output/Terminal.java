@@ -13,7 +13,7 @@ public final class Terminal {
         this.colour = colour;
     }
 
-    /** As whoever started the virtual machine found it: the property "tarn.columns" is a terminal's width. */
+    /** {@return what whoever started the virtual machine found} The property "tarn.columns" is a terminal's width. */
     public static Terminal ofStandardOutput() {
         int columns = Integer.getInteger("tarn.columns", 0);
         boolean plain = !System.getenv().getOrDefault("NO_COLOR", "").isEmpty() || "dumb".equals(System.getenv("TERM"));

@@ -8,14 +8,29 @@ public final class Tree {
     private final String label;
     private final List<Tree> children = new ArrayList<>();
 
+    /**
+     * A node without any below it.
+     *
+     * @param label its line
+     */
     public Tree(String label) {
         this.label = label;
     }
 
+    /**
+     * Adds a branch after those that there are.
+     *
+     * @param child the node at its end
+     */
     public void add(Tree child) {
         children.add(child);
     }
 
+    /**
+     * Prints the node and all below it.
+     *
+     * @param out where
+     */
     public void print(Page out) {
         print(out, "", "");
     }

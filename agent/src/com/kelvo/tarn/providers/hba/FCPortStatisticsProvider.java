@@ -9,20 +9,34 @@ import java.util.List;
 /** Port counters; one that the adapter does not keep has all 64 bits set. */
 public final class FCPortStatisticsProvider {
     private static final List<TrProperty> properties = new ArrayList<>();
+    /** The port's world-wide name, 16 hexadecimal digits: a String. */
     public static final TrProperty elementName = TrProperty.append(properties, "elementName");
+    /** The same, as the key. */
     public static final TrProperty instanceID = TrProperty.append(properties, "instanceID");
+    /** Frames sent, an UnsignedInt64 as are all below; all bits set in one that the adapter does not keep. */
     public static final TrProperty packetsTransmitted = TrProperty.append(properties, "packetsTransmitted");
+    /** Frames received. */
     public static final TrProperty packetsReceived = TrProperty.append(properties, "packetsReceived");
+    /** Loop initialisations. */
     public static final TrProperty lipCount = TrProperty.append(properties, "lipCount");
+    /** "Not operational" sequences. */
     public static final TrProperty nosCount = TrProperty.append(properties, "nosCount");
+    /** Frames received with an error. */
     public static final TrProperty errorFrames = TrProperty.append(properties, "errorFrames");
+    /** Frames dropped for want of room. */
     public static final TrProperty dumpedFrames = TrProperty.append(properties, "dumpedFrames");
+    /** Times the link failed. */
     public static final TrProperty linkFailures = TrProperty.append(properties, "linkFailures");
+    /** Times synchronisation was lost. */
     public static final TrProperty lossOfSyncCounter = TrProperty.append(properties, "lossOfSyncCounter");
+    /** Times the signal was lost. */
     public static final TrProperty lossOfSignalCounter = TrProperty.append(properties, "lossOfSignalCounter");
+    /** Errors in primitive sequences. */
     public static final TrProperty primitiveSeqProtocolErrCount =
         TrProperty.append(properties, "primitiveSeqProtocolErrCount");
+    /** Invalid transmission words received. */
     public static final TrProperty invalidTransmissionWords = TrProperty.append(properties, "invalidTransmissionWords");
+    /** Frames received with a wrong checksum. */
     public static final TrProperty crcErrors = TrProperty.append(properties, "crcErrors");
 
     private FCPortStatisticsProvider() {

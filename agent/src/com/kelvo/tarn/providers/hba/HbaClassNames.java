@@ -16,7 +16,12 @@ public final class HbaClassNames {
     private final boolean keepOsDeviceName;
     private String systemName;
 
-    /** Keeping OS device names leaves them as the HBA library gives them. */
+    /**
+     * The classes of a namespace.
+     *
+     * @param namespace where they are
+     * @param keepOsDeviceName whether OS device names stay as the HBA library gives them
+     */
     public HbaClassNames(TrNamespace namespace, boolean keepOsDeviceName) {
         computerSystemClass = new TrClass("Kelvo_ComputerSystem", namespace, List.of());
         hostBusAdapterClass = HostBusAdapterProvider.classIn(namespace);
@@ -27,35 +32,46 @@ public final class HbaClassNames {
         this.keepOsDeviceName = keepOsDeviceName;
     }
 
+    /**
+     * {@return the classes of a namespace, with OS device names that are made as {@link HbaCache} was told}
+     *
+     * @param namespace where they are
+     */
     public static HbaClassNames get(TrNamespace namespace) {
         return new HbaClassNames(namespace, false);
     }
 
+    /** {@return the class that stands for the host in the other instances' keys} */
     public TrClass getComputerSystemClass() {
         return computerSystemClass;
     }
 
+    /** {@return the class of adapters} */
     public TrClass getHostBusAdapterClass() {
         return hostBusAdapterClass;
     }
 
+    /** {@return the class of adapters' ports} */
     public TrClass getHbaPortClass() {
         return hbaPortClass;
     }
 
+    /** {@return the class of remote ports} */
     public TrClass getHbaDiscoveredPortClass() {
         return hbaDiscoveredPortClass;
     }
 
+    /** {@return the class of ports' counters} */
     public TrClass getFCPortStatisticsClass() {
         return fcPortStatisticsClass;
     }
 
+    /** {@return the class of logical units as a pair of ports reaches them} */
     public TrClass getTargetMappingClass() {
         return targetMappingClass;
     }
 
-    /** The host's name, asked of the library the first time it is needed. */
+    /** {@return the host's name, asked of the library the first time it is needed} */
     public String getSystemName() {
         if (systemName == null) {
             systemName = new SolarisNativeMethod().getComputerSystem().hostName();
@@ -63,11 +79,12 @@ public final class HbaClassNames {
         return systemName;
     }
 
+    /** {@return whether OS device names stay as the HBA library gives them} */
     public boolean isKeepOsDeviceName() {
         return keepOsDeviceName;
     }
 
-    /** The class whose static methods take the library's log lines. */
+    /** {@return the class whose static methods take the library's log lines, with "/" between its packages} */
     public String getNativeMethodClassName() {
         return "com/kelvo/tarn/providers/solaris/SolarisNativeMethod";
     }

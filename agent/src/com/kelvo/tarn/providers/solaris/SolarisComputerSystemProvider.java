@@ -13,6 +13,15 @@ public final class SolarisComputerSystemProvider {
         private final String platform;
         private final String version;
 
+        /**
+         * Made by the library. What the system does not tell is a blank.
+         *
+         * @param systemName the operating system's name, such as "SunOS"
+         * @param hostName the host's name
+         * @param serialNumber "unknown": the system does not tell the serial number
+         * @param platform the hardware, such as "SUNW,Sun-Fire-V440"
+         * @param version the kernel's version, such as "Generic_118558-21"
+         */
         public SolarisComputerSystem(String systemName, String hostName, String serialNumber, String platform,
                                      String version) {
             this.systemName = systemName;
@@ -22,22 +31,27 @@ public final class SolarisComputerSystemProvider {
             this.version = version;
         }
 
+        /** {@return the operating system's name, such as "SunOS"} */
         public String systemName() {
             return systemName;
         }
 
+        /** {@return the host's name} */
         public String hostName() {
             return hostName;
         }
 
+        /** {@return "unknown": the system does not tell the serial number} */
         public String serialNumber() {
             return serialNumber;
         }
 
+        /** {@return the hardware, such as "SUNW,Sun-Fire-V440"} */
         public String platform() {
             return platform;
         }
 
+        /** {@return the kernel's version, such as "Generic_118558-21"} */
         public String version() {
             return version;
         }

@@ -13,27 +13,57 @@ import javax.wbem.cim.UnsignedInt32;
 /** The host's whole disks. */
 public final class SolarisDiskDriveProvider {
     private static final List<TrProperty> properties = new ArrayList<>();
+    /** Such as "c0t0d0": a String, the key. */
     public static final TrProperty name = TrProperty.append(properties, "name");
+    /** The first word of the disk's label, a String; null without a label. */
     public static final TrProperty diskType = TrProperty.append(properties, "diskType");
+    /** The physical device path, a String; null when it cannot be learned. */
     public static final TrProperty deviceIdentifier = TrProperty.append(properties, "deviceIdentifier");
+    /** An UnsignedInt32, as are all figures below; 0 when the disk does not tell its geometry. */
     public static final TrProperty heads = TrProperty.append(properties, "heads");
+    /** Sectors of 512 bytes. */
     public static final TrProperty sectorsPerTrack = TrProperty.append(properties, "sectorsPerTrack");
+    /** All cylinders. */
     public static final TrProperty physicalCylinders = TrProperty.append(properties, "physicalCylinders");
+    /** Those that hold data. */
     public static final TrProperty dataCylinders = TrProperty.append(properties, "dataCylinders");
+    /** Those kept in reserve. */
     public static final TrProperty alternateCylinders = TrProperty.append(properties, "alternateCylinders");
 
+    /** The class of the instances. */
     public static final TrClass _class = new TrClass("Kelvo_DiskDrive", TrNamespace.KELVO, properties);
 
     static {
         NativeLibrary.load();
     }
 
+    /**
+     * Delivers the disks that can be opened, in the order of the system's device directory.
+     *
+     * @param receiver takes their instances; what it throws ends the walk
+     */
     public native void enumerateDisks(InstanceReceiver receiver);
 
-    /** Null: no such disk, or none that can be opened. */
+    /**
+     * {@return the disk's instance; null when there is no such disk, or none that can be opened}
+     *
+     * @param diskName such as "c0t0d0" or "/dev/rdsk/c0t0d0"
+     */
     public native TrInstance getDisk(String diskName);
 
-    /** Makes a disk's instance for the library. Type and path may be null; the figures are 16 bits wide. */
+    /**
+     * Makes a disk's instance for the library. The figures are 16 bits wide.
+     *
+     * @param diskName such as "c0t0d0"
+     * @param type the first word of its label, or null
+     * @param devicePath its physical device path, or null
+     * @param headCount tracks in a cylinder
+     * @param sectorCount sectors in a track
+     * @param physicalCylinderCount all cylinders
+     * @param dataCylinderCount those that hold data
+     * @param alternateCylinderCount those kept in reserve
+     * @return the instance
+     */
     public TrInstance makeDisk1(String diskName, String type, String devicePath, long headCount, long sectorCount,
                                 long physicalCylinderCount, long dataCylinderCount, long alternateCylinderCount) {
         Object[] values = _class.getDefaultValues();

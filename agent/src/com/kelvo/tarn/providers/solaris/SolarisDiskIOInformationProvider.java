@@ -14,6 +14,16 @@ public final class SolarisDiskIOInformationProvider {
         private final long waitLastUpdate;
         private final long runTime;
 
+        /**
+         * Made by the library. The counters are the kernel's, 64 bits without a sign.
+         *
+         * @param instanceName the kernel's name, such as "sd0"
+         * @param diskName the system's name, such as "c0t0d0", or an empty text
+         * @param bytesRead the bytes read since boot
+         * @param bytesWritten the bytes written since boot
+         * @param waitLastUpdate when the wait queue last changed, in nanoseconds of the kernel's clock
+         * @param runTime how long requests were being served since boot, in nanoseconds
+         */
         public SolarisDiskIOInformation(String instanceName, String diskName, long bytesRead, long bytesWritten,
                                         long waitLastUpdate, long runTime) {
             this.instanceName = instanceName;
@@ -24,26 +34,32 @@ public final class SolarisDiskIOInformationProvider {
             this.runTime = runTime;
         }
 
+        /** {@return the kernel's name, such as "sd0"} */
         public String instanceName() {
             return instanceName;
         }
 
+        /** {@return the system's name, such as "c0t0d0", or an empty text} */
         public String diskName() {
             return diskName;
         }
 
+        /** {@return the bytes read since boot} */
         public long bytesRead() {
             return bytesRead;
         }
 
+        /** {@return the bytes written since boot} */
         public long bytesWritten() {
             return bytesWritten;
         }
 
+        /** {@return when the wait queue last changed, in nanoseconds of the kernel's clock} */
         public long waitLastUpdate() {
             return waitLastUpdate;
         }
 
+        /** {@return how long requests were being served since boot, in nanoseconds} */
         public long runTime() {
             return runTime;
         }

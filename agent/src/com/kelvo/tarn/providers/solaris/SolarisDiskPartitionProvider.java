@@ -14,26 +14,54 @@ import javax.wbem.cim.UnsignedInt32;
 /** The slices of the host's disks. */
 public final class SolarisDiskPartitionProvider {
     private static final List<TrProperty> properties = new ArrayList<>();
+    /** Such as "c0t0d0s0": a String, the key. */
     public static final TrProperty name = TrProperty.append(properties, "name");
+    /** The disk that it is a slice of, a String. */
     public static final TrProperty diskName = TrProperty.append(properties, "diskName");
+    /** Its number in the disk's table of contents, an UnsignedInt32. */
     public static final TrProperty partitionNumber = TrProperty.append(properties, "partitionNumber");
+    /** An UnsignedInt32, in sectors of 512 bytes. */
     public static final TrProperty sizeInSectors = TrProperty.append(properties, "sizeInSectors");
+    /** What the slice is meant for, as the label has it: an UnsignedInt16. */
     public static final TrProperty tag = TrProperty.append(properties, "tag");
+    /** Whether it may be mounted or written, as the label has it: an UnsignedInt16. */
     public static final TrProperty flags = TrProperty.append(properties, "flags");
+    /** Whether a file system is mounted from it, a Boolean. */
     public static final TrProperty mounted = TrProperty.append(properties, "mounted");
 
+    /** The class of the instances. */
     public static final TrClass _class = new TrClass("Kelvo_DiskPartition", TrNamespace.KELVO, properties);
 
     static {
         NativeLibrary.load();
     }
 
+    /**
+     * Delivers the slices of the disks that answer, in the order of the system's device directory.
+     *
+     * @param receiver takes their instances
+     */
     public native void enumeratePartitions(InstanceReceiver receiver);
 
-    /** Null: no such slice, or one whose disk does not answer. */
+    /**
+     * {@return the slice's instance; null when there is no such slice, or its disk does not answer}
+     *
+     * @param partitionName such as "c0t0d0s0"
+     */
     public native TrInstance getPartition(String partitionName);
 
-    /** Makes a slice's instance for the library. The numbers are the bits of unsigned ones. */
+    /**
+     * Makes a slice's instance for the library. The numbers are the bits of unsigned ones.
+     *
+     * @param partitionName such as "c0t0d0s0"
+     * @param disk such as "c0t0d0"
+     * @param number its number in the disk's table of contents
+     * @param sectors its size in sectors of 512 bytes
+     * @param partitionTag what it is meant for
+     * @param partitionFlags whether it may be mounted or written
+     * @param isMounted whether a file system is mounted from it
+     * @return the instance
+     */
     public TrInstance makePartition1(String partitionName, String disk, int number, int sectors, short partitionTag,
                                      short partitionFlags, boolean isMounted) {
         Object[] values = _class.getDefaultValues();

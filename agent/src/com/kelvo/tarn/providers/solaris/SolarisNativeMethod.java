@@ -19,34 +19,66 @@ public final class SolarisNativeMethod {
         NativeLibrary.load();
     }
 
+    /** {@return the host as a computer system, never null} */
     public native SolarisComputerSystem getComputerSystem();
 
-    /** Takes a second: memory and swap are sampled. */
+    /** {@return the operating system, never null} Takes a second: memory and swap are sampled. */
     public native SolarisOperatingSystem getOperatingSystem();
 
+    /** {@return the mounted UFS and NFS file systems, their sizes 0} */
     public native Vector<SolarisLogicalDisk> enumerateLogicalDiskNames();
 
+    /**
+     * {@return the file system that is mounted there, with its sizes}
+     *
+     * @param mountPoint such as "/export"
+     */
     public native SolarisLogicalDisk getLogicalDiskByName(String mountPoint);
 
+    /** {@return the processors, 128 at most, by id} */
     public native Vector<SolarisProcessorData> enumerateProcessors();
 
-    /** Null: no such processor. */
+    /**
+     * {@return the processor, or null when there is none of that id}
+     *
+     * @param id the processor's
+     */
     public native SolarisProcessorData getProcessor(int id);
 
+    /** {@return what each processor spent its time on} */
     public native Vector<SolarisCpuUtilizationData> enumerateCpuUtilizationInfo();
 
+    /**
+     * {@return what the processor spent its time on; a processor that is not there is refused}
+     *
+     * @param id the processor's
+     */
     public native SolarisCpuUtilizationData getCpuUtilizationInfo(int id);
 
+    /** {@return the counters of each disk that the kernel keeps any of} */
     public native Vector<SolarisDiskIOInformation> enumerateDiskIOInformation();
 
-    /** Null: no statistics of a disk of that name. */
+    /**
+     * {@return the disk's counters, or null when the kernel keeps none of a disk of that name}
+     *
+     * @param diskName such as "c0t0d0" or "/dev/rdsk/c0t0d0"
+     */
     public native SolarisDiskIOInformation getDiskIOInformation(String diskName);
 
-    /** Takes the library's log lines, as does {@link #warn}. */
+    /**
+     * Takes the library's log lines, as does {@link #warn}.
+     *
+     * @param message one line
+     */
     public static void info(String message) {
         KelvoLogger.of(SolarisNativeMethod.class).info(message);
     }
 
+    /**
+     * Takes those lines that tell of trouble.
+     *
+     * @param message one line
+     */
     public static void warn(String message) {
         KelvoLogger.of(SolarisNativeMethod.class).warn(message);
     }

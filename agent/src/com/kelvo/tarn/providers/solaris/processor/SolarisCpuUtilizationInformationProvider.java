@@ -13,6 +13,16 @@ public final class SolarisCpuUtilizationInformationProvider {
         private final long waitTicks;
         private final long idleTicks;
 
+        /**
+         * Made by the library. The kernel counts ticks of its clock since boot in unsigned 32 bits; these are
+         * the same bits with a sign.
+         *
+         * @param cpuId the processor's number
+         * @param userTicks the ticks spent in programs
+         * @param kernelTicks the ticks spent in the kernel
+         * @param waitTicks the ticks spent waiting for I/O
+         * @param idleTicks the ticks spent idle
+         */
         public SolarisCpuUtilizationData(int cpuId, long userTicks, long kernelTicks, long waitTicks, long idleTicks) {
             this.cpuId = cpuId;
             this.userTicks = userTicks;
@@ -21,22 +31,27 @@ public final class SolarisCpuUtilizationInformationProvider {
             this.idleTicks = idleTicks;
         }
 
+        /** {@return the processor's number} */
         public int cpuId() {
             return cpuId;
         }
 
+        /** {@return the ticks spent in programs} */
         public long userTicks() {
             return userTicks;
         }
 
+        /** {@return the ticks spent in the kernel} */
         public long kernelTicks() {
             return kernelTicks;
         }
 
+        /** {@return the ticks spent waiting for I/O} */
         public long waitTicks() {
             return waitTicks;
         }
 
+        /** {@return the ticks spent idle} */
         public long idleTicks() {
             return idleTicks;
         }

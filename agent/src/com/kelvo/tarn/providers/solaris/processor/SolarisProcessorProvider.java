@@ -12,6 +12,14 @@ public final class SolarisProcessorProvider {
         private final String state;
         private final long clockMHz;
 
+        /**
+         * Made by the library.
+         *
+         * @param processorId the processor's number
+         * @param processorType the instruction set, such as "sparcv9"
+         * @param state "online" or "offline"
+         * @param clockMHz the clock rate in MHz
+         */
         public SolarisProcessorData(int processorId, String processorType, String state, long clockMHz) {
             this.processorId = processorId;
             this.processorType = processorType;
@@ -19,18 +27,22 @@ public final class SolarisProcessorProvider {
             this.clockMHz = clockMHz;
         }
 
+        /** {@return the processor's number} */
         public int processorId() {
             return processorId;
         }
 
+        /** {@return the instruction set, such as "sparcv9"} */
         public String processorType() {
             return processorType;
         }
 
+        /** {@return "online" or "offline"} */
         public String state() {
             return state;
         }
 
+        /** {@return the clock rate in MHz} */
         public long clockMHz() {
             return clockMHz;
         }
