@@ -12,6 +12,7 @@ import unittest
 from pathlib import Path
 
 SOURCE = Path(__file__).resolve().parents[1]
+VERSION = re.search(r"project\(tarnsolaris VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
 BUILD = SCRATCH = ROOT = DEB = None  # the build tree; where everything goes; the unpacked package; the package
 TOOLS = "bash cksum cut dirname env ls mkdir mktemp mv readlink rm sed".split()  # what the command needs besides Java
 
@@ -73,9 +74,9 @@ class Package(unittest.TestCase):
         self.assertEqual(done.returncode, 0, done.stdout)
         fields = must("dpkg-deb", "-f", DEB, "Depends", "Suggests", "Version", "Description")
         for needed in ("java11-runtime-headless", "libpicocli-java", "libgoogle-gson-java", "liblog4j2-java", "libc6",
-                       "Suggests: graphviz", "Version: 1.0.0\n"):
+                       "Suggests: graphviz", f"Version: {VERSION}\n"):
             self.assertIn(needed, fields)
-        self.assertIn(f"tarn {re.search(r'This is tarnsolaris (1.0.0.*)[.]', fields)[1]}\n", tarn("--version").stdout)
+        self.assertIn(f"tarn {re.search(rf'This is tarnsolaris ({VERSION}.*)[.]', fields)[1]}\n", tarn("--version").stdout)
         shell = f"source {ROOT}/usr/share/bash-completion/completions/tarn; complete -p tarn"
         self.assertIn(" tarn\n", must("bash", "-c", shell))
         self.assertIn(".TH TARN 1", must("zcat", ROOT / "usr/share/man/man1/tarn.1.gz"))
@@ -84,7 +85,8 @@ class Package(unittest.TestCase):
         for option in re.findall(r"^  (--\w+)", must(recorder[0], "--help"), re.M) + ["--help"]:
             self.assertIn(f".B {option}", explained)
         self.assertIn(tarn("--version").stdout.split()[1], must(recorder[0], "--version"))
-        self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], ["tarn-1.0.0.jar"])
+        self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], [f"tarn-{VERSION}.jar"])
+        self.assertIn(f"\n## {VERSION} - ", must("head", "-n3", SOURCE / "CHANGELOG.md"))
 
     def test_it_runs_from_anywhere(self):
         here = must(SOURCE / "tarn", "report", env={**os.environ, "TARN_HOST": ""})
@@ -134,7 +136,13 @@ class Package(unittest.TestCase):
         root = ("root", "bin")
         self.assertEqual(delivered, {path: (*root, mode, path) if mode.startswith("0") else mode
                                      for path, mode in files.items()} | {path: (*root, "0755", "dir") for path in own})
-        self.assertIn(["set", "name=pkg.fmri", "value=pkg:/system/storage/tarnsolaris@1.0.0"], actions)
+        self.assertIn(["set", "name=pkg.fmri", f"value=pkg:/system/storage/tarnsolaris@{VERSION}"], actions)
+
+        there = SCRATCH / "there"
+        must("cmake", "-S", SOURCE, "-B", there, "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=SunOS", "-DTARN_JVM=ON",
+             "-DTARN_LIBRARY_JARS=/usr/share/java")
+        for place in ("/../lib/sparcv9\n", "/../share/lib/java/tarn.jar\n"):
+            self.assertIn(place, (there / "packaging/tarn").read_text(), "where Solaris expects it")
 
     def test_the_example_embeds_the_installed_library(self):
         jars = ":".join(f"/usr/share/java/{name}.jar" for name in ("log4j-1.2-api", "log4j-api", "log4j-core"))
@@ -204,7 +212,7 @@ class Package(unittest.TestCase):
         archive.chmod(0o600)
         archive.write_bytes(b"no archive" * 1000)
         self.assertEqual(start(), (False, True), "one that the virtual machine refuses")
-        jar = usr / "share/java/tarn-1.0.0.jar"
+        jar = usr / f"share/java/tarn-{VERSION}.jar"
         os.utime(jar)
         self.assertEqual(start(), (True, True), "older than the jar")
         os.utime(jar, (0, 0))
