@@ -76,7 +76,8 @@ class Package(unittest.TestCase):
         for needed in ("java11-runtime-headless", "libpicocli-java", "libgoogle-gson-java", "liblog4j2-java", "libc6",
                        "Suggests: graphviz", f"Version: {VERSION}\n"):
             self.assertIn(needed, fields)
-        self.assertIn(f"tarn {re.search(rf'This is tarnsolaris ({VERSION}.*)[.]', fields)[1]}\n", tarn("--version").stdout)
+        built = re.search(rf"This is tarnsolaris ({VERSION}.*)[.]", fields)[1]
+        self.assertIn(f"tarn {built}\n", tarn("--version").stdout)
         shell = f"source {ROOT}/usr/share/bash-completion/completions/tarn; complete -p tarn"
         self.assertIn(" tarn\n", must("bash", "-c", shell))
         self.assertIn(".TH TARN 1", must("zcat", ROOT / "usr/share/man/man1/tarn.1.gz"))
@@ -84,7 +85,7 @@ class Package(unittest.TestCase):
         explained = must("zcat", recorder[1]).replace("\\-", "-")
         for option in re.findall(r"^  (--\w+)", must(recorder[0], "--help"), re.M) + ["--help"]:
             self.assertIn(f".B {option}", explained)
-        self.assertIn(tarn("--version").stdout.split()[1], must(recorder[0], "--version"))
+        self.assertIn(built, must(recorder[0], "--version"))
         self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], [f"tarn-{VERSION}.jar"])
         self.assertIn(f"\n## {VERSION} - ", must("head", "-n3", SOURCE / "CHANGELOG.md"))
 

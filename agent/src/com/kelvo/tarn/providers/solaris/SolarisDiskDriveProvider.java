@@ -40,7 +40,7 @@ public final class SolarisDiskDriveProvider {
     /**
      * Delivers the disks that can be opened, in the order of the system's device directory.
      *
-     * @param receiver takes their instances; what it throws ends the walk
+     * @param receiver takes their instances; what it throws ends the walk, and is described on standard error
      */
     public native void enumerateDisks(InstanceReceiver receiver);
 

@@ -39,7 +39,7 @@ public final class SolarisDiskPartitionProvider {
     /**
      * Delivers the slices of the disks that answer, in the order of the system's device directory.
      *
-     * @param receiver takes their instances
+     * @param receiver takes their instances; what it throws ends the walk, and comes from this call
      */
     public native void enumeratePartitions(InstanceReceiver receiver);
 
