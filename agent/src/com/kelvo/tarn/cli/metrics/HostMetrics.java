@@ -23,6 +23,7 @@ import java.math.BigInteger;
 import java.util.Arrays;
 import java.util.LinkedHashMap;
 import java.util.Map;
+import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
 public final class HostMetrics {
@@ -75,13 +76,23 @@ public final class HostMetrics {
             .sample(up, "section", name);
     }
 
+    /** What the library answers with blanks alone, the system has not told it. */
+    private static void requireAnswer(String... texts) {
+        if (Stream.of(texts).allMatch(String::isBlank)) {
+            throw new IllegalStateException("the system tells nothing");
+        }
+    }
+
     private void add(SolarisComputerSystem system) {
+        requireAnswer(system.hostName(), system.systemName(), system.version(), system.platform());
         out.gauge("tarn_host_info", "The host, always 1.")
-            .sample(1, "hostname", system.hostName(), "system", system.systemName(), "version", system.version(),
-                    "platform", system.platform(), "serial", system.serialNumber());
+            .sample(1, "hostname", system.hostName().strip(), "system", system.systemName().strip(), "version",
+                    system.version().strip(), "platform", system.platform().strip(), "serial",
+                    system.serialNumber().strip());
     }
 
     private void add(SolarisOperatingSystem system) {
+        requireAnswer(system.name());
         Exposition.Family memory = out.gauge("tarn_memory_bytes", "Memory and swap, as a whole and free.");
         memory.sample(kilobytes(system.totalPhysicalKB()), "kind", "physical");
         memory.sample(kilobytes(system.freePhysicalKB()), "kind", "physical_free");

@@ -1,6 +1,8 @@
 package com.kelvo.tarn.cli.output;
 
 import java.io.IOException;
+import java.io.OutputStream;
+import java.nio.channels.Channels;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.AccessDeniedException;
 import java.nio.file.FileSystemException;
@@ -9,6 +11,9 @@ import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
 import java.nio.file.StandardCopyOption;
 import java.nio.file.StandardOpenOption;
+import java.nio.file.attribute.PosixFilePermission;
+import java.nio.file.attribute.PosixFilePermissions;
+import java.util.Set;
 
 /** A file that whoever reads it sees whole: as it was, or as it is now. */
 public final class OutputFile {
@@ -16,7 +21,8 @@ public final class OutputFile {
     }
 
     /**
-     * Replaces the file's content in one step. What is no plain file, such as a device or a pipe, is written to.
+     * Replaces the file's content in one step; it keeps its rights. What is no plain file, such as a device or a pipe,
+     * is written to.
      *
      * @param name the file's path
      * @param content what it is to hold
@@ -30,11 +36,21 @@ public final class OutputFile {
                 Files.write(named, bytes, StandardOpenOption.WRITE);
                 return;
             }
-            Path file = Files.exists(named) ? named.toRealPath() : named; // a link stays one
-            // Made with the rights that a new file gets, and in the same directory, where it can take the name over.
+            boolean isNew = !Files.exists(named);
+            Path file = isNew ? named : named.toRealPath(); // a link stays one
+            Set<PosixFilePermission> rights =
+                isNew ? PosixFilePermissions.fromString("rw-rw-rw-") : Files.getPosixFilePermissions(file);
+            // In the same directory, where it can take the name over.
             Path whole = file.resolveSibling("." + file.getFileName() + "." + ProcessHandle.current().pid() + ".tmp");
             try {
-                Files.write(whole, bytes, StandardOpenOption.CREATE_NEW, StandardOpenOption.WRITE);
+                try (OutputStream out = Channels.newOutputStream(Files.newByteChannel(
+                         whole, Set.of(StandardOpenOption.CREATE_NEW, StandardOpenOption.WRITE),
+                         PosixFilePermissions.asFileAttribute(rights)))) {
+                    out.write(bytes);
+                }
+                if (!isNew) {
+                    Files.setPosixFilePermissions(whole, rights); // also what this process keeps from new files
+                }
                 Files.move(whole, file, StandardCopyOption.ATOMIC_MOVE);
             } finally {
                 Files.deleteIfExists(whole);
