@@ -140,12 +140,24 @@ class Browser(unittest.TestCase):
     def test_a_thing_that_is_reached_comes_into_view(self):
         self.browser.set_window_size(500, 900)
         self.addCleanup(self.browser.set_window_size, 1400, 1000)
-        self.open()
-        self.assertLessEqual(self.script("document.documentElement.scrollWidth"), self.script("window.innerWidth"))
+        self.open(json.loads((ROOT / "hosts/rill-cable-pulled.json").read_text(encoding="utf-8")))
+        for sideways in ("document.documentElement", "document.querySelector('#troubles')"):
+            self.assertLessEqual(self.script(sideways + ".scrollWidth"), self.script(sideways + ".clientWidth"), sideways)
         self.all("#troubles a")[0].click()
         frame = self.browser.find_element(By.ID, "picture").rect
         thing = self.browser.switch_to.active_element.rect
         self.assertTrue(frame["x"] <= thing["x"] and thing["x"] + thing["width"] <= frame["x"] + frame["width"])
+
+    def test_the_filter_looks_into_boxes(self):
+        node, wwn = "50" * 8, "51" * 8
+        self.open({"hba": {"adapters": [{
+            "name": "a", "ports": [{"attributes": {"PortWWN": "21" * 8, "PortState": 2}, "discovered": [
+                {"attributes": {"PortWWN": wwn, "NodeWWN": node, "PortState": 2}}]}],
+            "targetMapping": [{"ScsiId": {"OSDeviceName": f"c1t0d{lun}", "ScsiOSLun": lun},
+                               "FcpId": {"PortWWN": wwn, "FcpLun": lun << 48}} for lun in range(40)]}]}})
+        self.browser.find_element(By.ID, "filter").send_keys("c1t0d37")
+        self.assertEqual([thing.get_attribute("aria-label") for thing in self.all(".node:not(.dim)")],
+                         [f"{node} LUN 0 to {node} LUN 39"])
 
     def test_light_and_dark_are_the_reader_s(self):
         self.open()

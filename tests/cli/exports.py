@@ -18,7 +18,7 @@ RILL = json.loads((ROOT / "hosts/rill.json").read_text(encoding="utf-8"))
 
 
 def adapter(node, *ports, mappings=()):
-    return {"name": "hba", "attributes": {"NodeWWN": node}, "ports": ports, "targetMapping": list(mappings)}
+    return {"name": "hba " + node, "attributes": {"NodeWWN": node}, "ports": ports, "targetMapping": list(mappings)}
 
 
 def port(wwn, *discovered, state=2, **attributes):
@@ -113,6 +113,28 @@ class Exports(unittest.TestCase):
                 ("LUN 0 c2t50060E8000C3A2B1d0", orange, "one path left of 2"),
                 ("LUN 0 c2t200400A0B8160A01d0", red, "no path left"), ("Port 0 1000001b320a77e0", calm, "online, 2 Gb/s")):
             self.assertEqual((boxes[name][1], boxes[name][0][-1]), (colour, reason or boxes[name][0][-1]), name)
+
+    def test_a_line_is_what_one_port_sees(self):
+        nameless = {"PortWWN": "0" * 16}
+        host = {"hba": {"adapters": [
+            adapter("2" * 16, port("21" * 8, remote(1), FabricName="0" * 16), port("22" * 8, remote(1, PortState=6), FabricName="0" * 16),
+                    mappings=[mapping(f"5006{1:012x}", 0, "x" * 100)]),
+            adapter("3" * 16, port("23" * 8, remote(2, **nameless, NodeWWN="0" * 16), remote(3, **nameless), FabricName="0" * 16),
+                    mappings=[mapping("0" * 16, 0)]), adapter("4" * 16)]}}
+        dot = self.tarn("map", "--keep-os-device-name", host=host)[0]
+        lines = re.findall(r'^  "(.*)" -> "(.*)" \[id="[^"]*", color="(.*?)"', dot, re.M)
+        calm, red, grey = "#7b8b9a", "#b3201b", "#8b949c"
+        shared, unit = "remote port 5006000000000001", "5005000000000001 LUN 0"
+        self.assertEqual(sorted(line for line in lines if line[0] != "host"), sorted([
+            ("adapter 0", "adapter 0 port 0", calm), ("adapter 0", "adapter 0 port 1", calm),
+            ("adapter 0 port 0", shared, calm), ("adapter 0 port 1", shared, red), (shared, unit, calm), (shared, unit, red),
+            ("adapter 1", "adapter 1 port 0", calm), ("adapter 1 port 0", "adapter 1 port 0 remote port 0", calm),
+            ("adapter 1 port 0", "adapter 1 port 0 remote port 1", calm),
+            ("adapter 1 port 0 remote port 0", "0000000000000000 LUN 0", calm),
+            ("adapter 1 port 0 remote port 1", "5005000000000003 LUN 0", calm)]))
+        self.assertIn(("host", "adapter 2", grey), lines)
+        self.assertNotIn("Array 0", dot)  # no name is no array
+        self.assertIn(">" + "x" * 47 + "\u2026<", dot)
 
     def test_many_that_look_alike_share_a_box(self):
         for host, boxes, shown in ((MANY, 66, "256 logical units LUN 0 to 255"),

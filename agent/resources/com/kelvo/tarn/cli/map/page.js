@@ -7,7 +7,8 @@
   const things = data.things.map((thing, number) => Object.assign(
     thing, {number, group: svg.select("#thing-" + number), search: searchText(thing)}));
   const lines = data.lines.map(([from, to], number) => ({from, to, group: svg.select("#line-" + number)}));
-  const rows = d3.selectAll("tbody tr").nodes().map(row => ({row, search: row.textContent.toLowerCase()}));
+  const rows = d3.selectAll("tbody tr").nodes().map(row => (
+    {row, thing: Number(row.dataset.thing), search: [...row.cells].map(cell => cell.textContent).join(" ").toLowerCase()}));
 
   function searchText(thing) {
     const texts = [thing.name, thing.text, thing.state, ...thing.reasons, ...Object.values(thing.facts)];
@@ -19,7 +20,13 @@
   picture.classed("live", true);
   svg.attr("viewBox", null).attr("width", null).attr("height", null);
   svg.selectAll("title").remove();
-  svg.selectAll("a").attr("xlink:title", null);
+  svg.selectAll(".node a, .cluster a").attr("xlink:title", null);
+  // Nobody hits a line that is a pixel wide.
+  svg.selectAll(".edge").each(function () {
+    const line = this.querySelector("path");
+    const near = line.parentNode.appendChild(line.cloneNode());
+    near.setAttribute("class", "near");
+  });
   const layer = svg.append("g");
   layer.node().append(svg.select(".graph").node());
   // The picture's own paper is no thing of the page's.
@@ -77,7 +84,13 @@
     }
   });
   d3.selectAll("[data-zoom]").on("click", function () { buttons[this.dataset.zoom](); });
-  window.addEventListener("resize", begin);
+  let width = window.innerWidth;
+  window.addEventListener("resize", () => { // a height changes with the keyboard of a telephone
+    if (window.innerWidth !== width) {
+      width = window.innerWidth;
+      begin();
+    }
+  });
   begin();
 
   // ---- A thing's facts, and the ways through it ----
@@ -94,7 +107,7 @@
       line.group.classed("off", thing !== null && !on).classed("on", on);
     });
     if (thing !== null) {
-      const facts = d3.select("#facts").attr("class", thing.state).html(null);
+      const facts = d3.select("#facts").attr("class", thing.state).html(null).property("scrollTop", 0);
       facts.append("h2").text(thing.name);
       thing.reasons.forEach(reason => facts.append("p").attr("class", "reason").text(reason));
       const list = facts.append("dl");
@@ -133,12 +146,19 @@
     const words = document.getElementById("filter").value.toLowerCase().split(/\s+/).filter(word => word !== "");
     const matches = text => words.every(word => text.includes(word));
     const found = things.map(thing => matches(thing.search));
+    let shown = 0;
+    rows.forEach(({row, thing, search}) => {
+      row.hidden = !matches(search);
+      if (!row.hidden) {
+        found[thing] = true; // a box that many share does not name them all
+        shown++;
+      }
+    });
     things.forEach((thing, number) => thing.group.classed("dim", !found[number]));
     lines.forEach(line => line.group.classed("dim", !found[line.from] || !found[line.to]));
     if (words.length > 0 && found.includes(true)) {
       reveal(things[found.indexOf(true)]);
     }
-    const shown = rows.filter(({row, search}) => !(row.hidden = !matches(search))).length;
     document.getElementById("matches").textContent = words.length === 0 ? ""
       : `${found.filter(match => match).length} of ${things.length} things, ${shown} of ${rows.length} paths`;
   }

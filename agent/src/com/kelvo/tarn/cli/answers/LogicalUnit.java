@@ -13,7 +13,8 @@ import javax.wbem.cim.UnsignedInt;
 public final class LogicalUnit {
     /** One way: a target mapping, with the ports at both ends. A port that cannot be read leaves its members null. */
     public static class Path {
-        final transient Fabric.RemotePort remote;
+        /** The far end, as the near one has discovered it. */
+        public final transient Fabric.RemotePort remote;
         private final transient TrInstance mapping;
 
         /** The adapter's place in the library's walk. */

@@ -76,7 +76,15 @@ public final class PortFacts {
      * @param property the name's
      */
     public static String name(TrInstance instance, TrProperty property) {
-        String name = Instances.text(instance, property);
+        return name(Instances.text(instance, property));
+    }
+
+    /**
+     * {@return the name; empty when it is what stands for none}
+     *
+     * @param name a world-wide one or another
+     */
+    public static String name(String name) {
         return name.equals(noName) ? "" : name;
     }
 }

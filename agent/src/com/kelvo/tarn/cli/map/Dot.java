@@ -10,10 +10,12 @@ final class Dot {
 
     private static final Pattern notInXml = Pattern.compile("[\\p{Cs}\uFFFE\uFFFF]");
     private static final String lineEnd = "<br align=\"left\"/>";
+    /** A box is so many characters wide at most; some names have hundreds. */
+    private static final int widest = 48;
 
     /** How each state is drawn: frame, fill, ink, width of the frame. */
     private enum Style {
-        UNUSED(Palette.IDLE, Palette.IDLE_BOX, Palette.IDLE, 1), GOOD(Palette.LINE, Palette.BOX, Palette.INK, 1),
+        UNUSED(Palette.IDLE, Palette.IDLE_BOX, Palette.IDLE_INK, 1), GOOD(Palette.LINE, Palette.BOX, Palette.INK, 1),
         ONE_PATH(Palette.WARNING, Palette.WARNING_BOX, Palette.INK, 2),
         TROUBLE(Palette.TROUBLE, Palette.TROUBLE_BOX, Palette.INK, 2);
 
@@ -82,10 +84,12 @@ final class Dot {
 
     private void node(Topology.Node node) {
         Style style = Style.of(node.state);
-        Palette faint = node.state == Topology.State.UNUSED ? style.ink : Palette.FAINT;
+        boolean unused = node.state == Topology.State.UNUSED;
+        Palette faint = unused ? style.ink : Palette.FAINT;
+        Palette blame = unused ? style.ink : style.frame;
         String lines = "<b>" + markup(node.title) + "</b>" + lineEnd
-            + node.lines.stream().map(line -> coloured(line, faint)).collect(Collectors.joining())
-            + node.reasons.stream().map(reason -> coloured(reason, style.frame)).collect(Collectors.joining());
+            + node.lines.stream().map(line -> coloured(cut(line), faint)).collect(Collectors.joining())
+            + node.reasons.stream().map(reason -> coloured(reason, blame)).collect(Collectors.joining());
         statement(quoted(node.name), "id", id(node), "label", (Markup) () -> lines, "color", style.frame,
                   "fillcolor", style.fill, "fontcolor", style.ink, "penwidth", style.width, "tooltip", node.name);
     }
@@ -111,6 +115,11 @@ final class Dot {
 
     private static String coloured(String line, Palette colour) {
         return "<font color=\"" + colour + "\">" + markup(line) + "</font>" + lineEnd;
+    }
+
+    private static String cut(String line) {
+        return line.codePointCount(0, line.length()) <= widest ? line
+            : line.substring(0, line.offsetByCodePoints(0, widest - 1)) + "…";
     }
 
     /** Text within a label that is markup; Graphviz still puts names in place of backslash and letter. */

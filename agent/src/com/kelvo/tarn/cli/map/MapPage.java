@@ -50,9 +50,10 @@ final class MapPage {
         parts.put("columns", cells("th scope=\"col\"", Topology.columns));
         List<Topology.Row> rows = rows(topology, all);
         parts.put("rows", rows.stream().map(MapPage::row).collect(Collectors.joining()));
-        parts.put("omitted", rows.size() == topology.rows.size() ? "" : String.format(
-            Locale.ROOT, "These are %,d of %,d paths, those in trouble first: the command paths shows all, and so does "
-            + "map --all.", rows.size(), topology.rows.size()));
+        parts.put("note", rows.isEmpty() ? "There are none."
+            : rows.size() == topology.rows.size() ? "" : String.format(
+                Locale.ROOT, "These are %,d of %,d paths, those in trouble first: the command paths shows all, and so "
+                + "does map --all.", rows.size(), topology.rows.size()));
         return filled(resource("page.html"), parts);
     }
 
@@ -68,7 +69,8 @@ final class MapPage {
     }
 
     private static String row(Topology.Row row) {
-        return "<tr class=\"" + name(row.unit.state) + "\">" + cells("td", row.cells) + "</tr>\n";
+        return "<tr class=\"" + name(row.unit.state) + "\" data-thing=\"" + row.unit.number + "\">"
+            + cells("td", row.cells) + "</tr>\n";
     }
 
     private static String cells(String element, List<String> texts) {

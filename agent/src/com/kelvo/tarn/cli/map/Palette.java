@@ -9,8 +9,8 @@ import java.util.stream.Stream;
 enum Palette {
     PAPER("#ffffff", "#14181c"), FRAME("#f4f6f8", "#1b2127"), BOX("#fdfefe", "#222a31"), INK("#1d2833", "#e6ebf0"),
     FAINT("#56636f", "#a3afba"), LINE("#7b8b9a", "#74828f"), IDLE("#8b949c", "#7d878f"), IDLE_BOX("#eff0f1", "#1d2125"),
-    WARNING("#8f5600", "#f0b354"), WARNING_BOX("#fff3dc", "#3a2c12"), TROUBLE("#b3201b", "#ff8e85"),
-    TROUBLE_BOX("#fdebea", "#401d1b"), ACCENT("#0b5cad", "#7db7f2");
+    IDLE_INK("#656e76", "#838d95"), WARNING("#8f5600", "#f0b354"), WARNING_BOX("#fff3dc", "#3a2c12"),
+    TROUBLE("#b3201b", "#ff8e85"), TROUBLE_BOX("#fdebea", "#401d1b"), ACCENT("#0b5cad", "#7db7f2");
 
     private final String light;
     private final String dark;

@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.map;
 
 import java.util.ArrayList;
+import java.util.HashMap;
 import java.util.LinkedHashMap;
 import java.util.LinkedHashSet;
 import java.util.List;
@@ -78,7 +79,7 @@ public final class Topology {
         final String label;
         /** What it carries, shown when it is pointed at. */
         final String hint;
-        private final State own;
+        private State own;
 
         private Edge(Node from, Node to, String label, String hint, State state) {
             this.from = from;
@@ -88,7 +89,12 @@ public final class Topology {
             own = state;
         }
 
-        /** A line that carries no one path does as the thing that it leads to. */
+        /** The worst state counts. */
+        void is(State found) {
+            own = own == null || found.compareTo(own) > 0 ? found : own;
+        }
+
+        /** A line of which nothing else is known does as the thing that it leads to. */
         State state() {
             return own != null ? own : to.state;
         }
@@ -118,7 +124,7 @@ public final class Topology {
     /** Each the things from the host to a logical unit, or as far as it goes. */
     final Set<List<Node>> ways = new LinkedHashSet<>();
     final List<Row> rows = new ArrayList<>();
-    private final Set<List<Node>> joined = new LinkedHashSet<>();
+    private final Map<List<Node>, Edge> joined = new HashMap<>();
 
     Topology(String title) {
         this.title = title;
@@ -138,10 +144,9 @@ public final class Topology {
     }
 
     /** One line between two things, however often they are joined. */
-    void join(Node from, Node to) {
-        if (joined.add(List.of(from, to))) {
-            draw(from, to, "", from.name + " to " + to.name, null);
-        }
+    Edge join(Node from, Node to) {
+        return joined.computeIfAbsent(List.of(from, to),
+                                      absent -> draw(from, to, "", from.name + " to " + to.name, null));
     }
 
     /** A row of the table, a cell for each column. */
@@ -150,7 +155,9 @@ public final class Topology {
     }
 
     /** One line more between two things. */
-    void draw(Node from, Node to, String label, String hint, State state) {
-        edges.add(new Edge(from, to, label, hint, state));
+    Edge draw(Node from, Node to, String label, String hint, State state) {
+        Edge edge = new Edge(from, to, label, hint, state);
+        edges.add(edge);
+        return edge;
     }
 }

@@ -64,8 +64,7 @@ public final class TopologyBuilder {
     private final boolean all;
     private final Node host;
     private final Map<Fabric.Port, List<Node>> waysToPorts = new HashMap<>();
-    /** By what {@link #key} makes of a path's ends. */
-    private final Map<List<Object>, List<Node>> waysToRemotePorts = new HashMap<>();
+    private final Map<Fabric.RemotePort, List<Node>> waysToRemotePorts = new HashMap<>();
 
     private int remotePorts;
 
@@ -118,6 +117,9 @@ public final class TopologyBuilder {
             box.fact("Driver", name(adapter.instance, HostBusAdapterProvider.driverName) + " "
                      + name(adapter.instance, HostBusAdapterProvider.driverVersion));
             blame(box, adapter.place(), "");
+            if (adapter.ports.isEmpty() && adapter.instance != null) {
+                box.is(State.UNUSED, "no ports");
+            }
             addWay(List.of(host, box));
             adapter.ports.forEach(port -> drawPort(port, box));
         }
@@ -196,11 +198,12 @@ public final class TopologyBuilder {
     private void join(Remote remote, Node box) {
         for (Fabric.RemotePort view : remote.views) {
             List<Node> way = new ArrayList<>(waysToPorts.get(view.port));
+            Node end = way.get(way.size() - 1);
             way.add(box);
             addWay(way);
-            waysToRemotePorts.put(key(view.port.adapter.index, view.port.index,
-                                      view.instance == null ? null
-                                          : (String) view.instance.get(HbaPortProvider.permanentAddress)), way);
+            topology.join(end, box).is(findings.containsKey(view.place()) ? State.TROUBLE
+                                           : box.state == State.UNUSED ? State.UNUSED : State.GOOD);
+            waysToRemotePorts.put(view, way);
             box.facts.putIfAbsent("Seen by " + view.port.place(),
                                   view.instance == null ? "not readable" : PortStates.name(view.instance));
         }
@@ -247,7 +250,7 @@ public final class TopologyBuilder {
         Map<Node, List<LogicalUnit.Path>> carried = new LinkedHashMap<>();
         for (LogicalUnit unit : units) {
             for (LogicalUnit.Path path : unit.paths) {
-                List<Node> way = new ArrayList<>(way(path));
+                List<Node> way = new ArrayList<>(waysToRemotePorts.get(path.remote));
                 carried.computeIfAbsent(way.get(way.size() - 1), added -> new ArrayList<>()).add(path);
                 way.add(box);
                 topology.ways.add(way);
@@ -262,8 +265,8 @@ public final class TopologyBuilder {
     }
 
     private void drawPath(Node end, Node box, LogicalUnit.Path path) {
-        String label = "adapter " + path.adapter + " port " + path.port + " to " + text(path.remotePort) + ", "
-            + text(path.osDeviceName) + (path.isOnline() ? "" : ", not online");
+        String label = path.remote.port.place() + " to " + wwnOrPlace(path.remote) + ", " + text(path.osDeviceName)
+            + (path.isOnline() ? "" : ", not online");
         topology.draw(end, box, "", label, path.isOnline() ? State.GOOD : State.TROUBLE);
         box.fact("Path " + (box.facts.keySet().stream().filter(fact -> fact.startsWith("Path ")).count() + 1), label);
     }
@@ -312,10 +315,11 @@ public final class TopologyBuilder {
         findings.getOrDefault(place, List.of()).forEach(message -> box.is(State.TROUBLE, message + whose));
     }
 
-    /** Where several ports see it, a finding is one of them's. */
+    /** A finding is that of the ports that see it, unless all see the same. */
     private void blame(Node box, Remote remote) {
-        remote.views.forEach(view -> blame(
-            box, view.place(), remote.views.size() == 1 ? "" : " (seen by " + view.port.place() + ")"));
+        boolean alike = remote.views.stream().map(view -> findings.get(view.place())).distinct().count() == 1;
+        remote.views.forEach(
+            view -> blame(box, view.place(), alike ? "" : " (seen by " + view.port.place() + ")"));
         if (remote.views.stream().allMatch(view -> view.instance != null && view.mappings.isEmpty())) {
             box.is(State.UNUSED, "no logical units");
         }
@@ -338,15 +342,7 @@ public final class TopologyBuilder {
     }
 
     private List<List<Node>> ways(LogicalUnit unit) {
-        return unit.paths.stream().map(this::way).collect(Collectors.toList());
-    }
-
-    private List<Node> way(LogicalUnit.Path path) {
-        return waysToRemotePorts.get(key(path.adapter, path.port, path.remotePort));
-    }
-
-    private static List<Object> key(int adapter, int port, String remoteWwn) {
-        return List.of(adapter, port, text(remoteWwn));
+        return unit.paths.stream().map(path -> waysToRemotePorts.get(path.remote)).collect(Collectors.toList());
     }
 
     /** Remembers the way, and draws what of it is not drawn yet. */
@@ -368,8 +364,9 @@ public final class TopologyBuilder {
         return items.stream().collect(Collectors.groupingBy(by, LinkedHashMap::new, Collectors.toList())).values();
     }
 
+    /** The frame's title; empty when there is none, for want of a name. */
     private static String group(String node) {
-        return node.isEmpty() ? "" : "Array " + node;
+        return PortFacts.name(node).isEmpty() ? "" : "Array " + node;
     }
 
     private static String wwn(Fabric.RemotePort remote) {
