@@ -137,7 +137,10 @@ class Exports(unittest.TestCase):
         self.assertIn(">" + "x" * 47 + "\u2026<", dot)
 
     def test_many_that_look_alike_share_a_box(self):
-        for host, boxes, shown in ((MANY, 66, "256 logical units LUN 0 to 255"),
+        dense = {"hba": {"adapters": [
+            adapter(f"20{a:014x}", port(f"21{a:014x}", *(remote(r, NodeWWN="50" * 8) for r in range(16))),
+                    mappings=[mapping(f"5006{r:012x}", lun) for r in range(16) for lun in range(8)]) for a in range(5)]}}
+        for host, boxes, shown in ((MANY, 66, "256 logical units LUN 0 to 255"), (dense, 29, "8 logical units LUN 0 to 7"),
                                    (apart(2, 2000), 8, "2,000 remote ports of 2,000 arrays")):
             found = self.boxes(host)[0]
             self.assertIn(shown, found)

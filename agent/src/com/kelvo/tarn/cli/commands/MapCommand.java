@@ -31,8 +31,8 @@ public final class MapCommand extends Export {
             + "ends in; without that, dot.")
     private String format;
 
-    @Option(names = "--all", description = "Draw each logical unit and remote port, however many there are. Without "
-            + "it, many that look alike share a box.")
+    @Option(names = "--all", description = "Draw each logical unit, remote port and path, however many there are. "
+            + "Without it, many that look alike share a box or a line.")
     private boolean all;
 
     @Override

@@ -26,8 +26,12 @@ import java.util.stream.Collectors;
 
 /** Makes the topology of what a host sees of its storage network. */
 public final class TopologyBuilder {
-    /** So many logical units are drawn one by one; of more, those of an array that look alike share a box. */
+    /**
+     * So many logical units are drawn one by one, each path a line; of more, those of an array that look alike share a
+     * box, and paths with the same ends a line.
+     */
     private static final int fewUnits = 256;
+    private static final int fewPaths = 512;
     /** So many logical units of an array are drawn one by one while there are few, and once there are more. */
     private static final int fewOfArray = 32;
     private static final int fewOfArrayOfMany = 4;
@@ -210,7 +214,8 @@ public final class TopologyBuilder {
     }
 
     private void drawUnits(boolean apart) {
-        int few = paths.units.size() <= fewUnits ? fewOfArray : fewOfArrayOfMany;
+        boolean eachPath = all || paths.units.stream().mapToInt(unit -> unit.paths.size()).sum() <= fewPaths;
+        int few = paths.units.size() <= fewUnits && eachPath ? fewOfArray : fewOfArrayOfMany;
         Map<String, List<LogicalUnit>> arrays = new LinkedHashMap<>();
         paths.units.forEach(
             unit -> arrays.computeIfAbsent(apart ? unit.node : "", added -> new ArrayList<>()).add(unit));
@@ -219,12 +224,12 @@ public final class TopologyBuilder {
                 ? units.stream().map(List::of).collect(Collectors.toList())
                 : boxes(units, unit -> List.of(remark(unit), ways(unit)), this::remark,
                         apart ? fewBoxesOfArray : fewBoxes);
-            boxes.forEach(box -> drawUnits(box, apart));
+            boxes.forEach(box -> drawUnits(box, apart, eachPath));
         }
     }
 
     /** Draws logical units that share a box, and writes their rows. */
-    private void drawUnits(List<LogicalUnit> units, boolean apart) {
+    private void drawUnits(List<LogicalUnit> units, boolean apart, boolean eachPath) {
         LogicalUnit first = units.get(0);
         LogicalUnit last = units.get(units.size() - 1);
         boolean single = units.size() == 1;
@@ -257,7 +262,7 @@ public final class TopologyBuilder {
                 addRow(box, unit, path);
             }
         }
-        if (single) {
+        if (single && eachPath) {
             carried.forEach((end, ways) -> ways.forEach(path -> drawPath(end, box, path)));
         } else {
             carried.forEach((end, ways) -> drawPaths(end, box, ways));
