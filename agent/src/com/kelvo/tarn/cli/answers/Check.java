@@ -205,9 +205,10 @@ public final class Check {
                 }
             }
             errors.forEach((place, message) -> warn(Code.DRIVE_ERRORS, place, message));
-            if (report.isNotCounting()) {
-                warn(Code.ARRAY_COUNTERS, report.controllers.get(0), "its controllers count no blocks, and were just "
-                     + "told to (LOG SELECT)");
+            if (report.rows.isEmpty()) {
+                warn(Code.ARRAY_COUNTERS, report.controllers.get(0), report.isNotCounting()
+                    ? "its controllers count no blocks, and were just told to (LOG SELECT)"
+                    : "no controller of that identity reported a drive");
             }
         }
 
