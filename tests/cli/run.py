@@ -119,7 +119,7 @@ CASES = [
         ("disk-io c1t0d0", RESULTS["disk-io"][0]), ("disk-io c9t9d9", None), ("disks c1t0d0", RESULTS["disks"][0]),
         ("disks c1t2d0", None), ("partitions c1t0d0s1", RESULTS["partitions"][1]), ("partitions c1t1d0s0", None))),
     Case("an exception", "cpu 9", RICH, None, exception=raised("kstat_lookup failed."), status=1),
-    Case("an exception, for people", "cpu 9", RICH, complains=["kstat_lookup failed."], status=1),
+    Case("an exception, for people", "cpu 9", RICH, complains=["processor 9: kstat_lookup failed."], status=1),
     *(Case(f"device names: {command}", command, RICH, log=LOGS["hba"],
            picks={UNIT.format(0): first, UNIT.format(1): second}) for command, first, second in (
                ("--keep-os-device-name hba", "/dev/rdsk/c2t50060E8000C3A2B1d5s2", "/dev/dsk/c4t1d0s0"),
@@ -188,6 +188,8 @@ CASES = [
         "drive-errors tray 0 slot 1: A counts unrecovered errors: 6, request timeouts: 7; B counts"]),
     Case("check: an array that does not count", f"check --{ARRAY}", array("A without blocks"), log=ANY, status=2,
          shows=["array-counters A: "]),
+    Case("check: an array that is not there", f"check --{ARRAY}", {"sysconf": RICH["sysconf"], "kstat": []}, status=1,
+         picks={"findings.0.subject": "A", "findings.1": IndexError}),
     Case("check: another limit", "check --full 92", log=ANY, status=1, picks={"findings.0.code": "disk-unreadable"}),
     *(Case(f"check refuses: {command}", command, host, complains=[complaint], status=3)
       for command, host, complaint in (
@@ -205,6 +207,16 @@ CASES = [
             ((6, 3), "LUN 0: !! NO PATH LEFT ├─ c0t0d0: adapter 0 port 0 21000000000000a0 !! LINK DOWN →"))),
     Case("a disk that is mentioned by its adapter only", "disk c4t1d0", RICH, log=ANY, shows=[
         "Disk: c4t1d0 Instance: - Drive: !! cannot be opened", "no slices", " LUN 0: "]),
+    *(Case(f"a disk that is known by {name} only", f"disk {name}", {
+        "kstat": [{"ks_name": "sd9", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO", "data": {}}],
+        "mnttab": ["/dev/dsk/c1t3d0s0\t/three\tufs\trw\t1"]}, picks={"name": disk}, log=ANY)
+      for name, disk in (("sd9", "sd9"), ("/three", "c1t3d0"), ("/dev/rdsk/c1t3d0s2", "c1t3d0"))),
+    Case("a disk with nothing but odd figures", "disk c0t0d0", {"kstat": [], "disks": [{
+        "name": "c0t0d0", "geometry": {"dkg_nhead": 1}, "vtoc": {"v_asciilabel": "T", "v_part": [{"p_tag": 77}]}}]},
+        shows=["Drive: T, capacity unknown", "c0t0d0s0 0 B 77 wm"], log=ANY),
+    Case("ports without names", "paths", {"hba": {"adapters": [{"name": "a", "ports": [{"discovered": [{}]}],
+                                                                 "targetMapping": [{}]}]}},
+         shows=["unknown array LUN 0 └─ c0t0d0: adapter 0 port 0 unknown !! STATE UNKNOWN → unknown !! STATE"]),
     *(Case(f"no disk {name}", f"disk {name}", RICH, complains=[f"no disk {name}\n"], status=1)
       for name in ("nope", "/home", "/dev/dsk/", "s0")),
     Case("no disk, for programs", "disk nope", RICH, None, log=LOGS["report"], status=1),
@@ -298,8 +310,8 @@ def pick(value, path):
     for step in path.split("."):
         try:
             value = value[int(step)] if isinstance(value, list) else value[step]
-        except KeyError:
-            return KeyError
+        except LookupError as missing:
+            return type(missing)
     return value
 
 

@@ -19,6 +19,11 @@ public final class DeviceNames {
         return directory.matcher(name).replaceFirst("");
     }
 
+    /** Whether the name is that of an entry of "/dev/dsk" or "/dev/rdsk", with the directory. */
+    static boolean hasDirectory(String name) {
+        return directory.matcher(name).lookingAt();
+    }
+
     /** The name without the slice at its end, such as "s2". */
     static String withoutSlice(String name) {
         return slice.matcher(name).replaceFirst("");

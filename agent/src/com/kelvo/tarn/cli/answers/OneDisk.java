@@ -42,7 +42,7 @@ public final class OneDisk {
         this.host = host;
         drive = first(host.drives.stream().filter(found -> nameOf(found).equals(name)));
         partitions = host.partitions.stream().filter(found -> diskOf(found).equals(name)).collect(Collectors.toList());
-        io = first(host.io.stream().filter(counted -> counted.diskName().equals(name)));
+        io = first(host.io.stream().filter(counted -> nameOf(counted).equals(name)));
         instance = io == null ? null : io.instanceName();
         mounts = host.mounts.stream().filter(mounted -> name.equals(host.diskOfDevice(mounted.device())))
             .map(host.library::withSizes).collect(Collectors.toList());
@@ -89,6 +89,11 @@ public final class OneDisk {
         return Instances.text(drive, SolarisDiskDriveProvider.name);
     }
 
+    /** A disk that has no entry in "/dev/dsk" is called what the kernel calls it. */
+    private static String nameOf(SolarisDiskIOInformation counted) {
+        return counted.diskName().isEmpty() ? counted.instanceName() : counted.diskName();
+    }
+
     private static String diskOf(TrInstance partition) {
         return Instances.text(partition, SolarisDiskPartitionProvider.diskName);
     }
@@ -125,14 +130,16 @@ public final class OneDisk {
                 names.add(nameOf(drive));
                 devicePaths.put(Instances.text(drive, SolarisDiskDriveProvider.deviceIdentifier), nameOf(drive));
             }
-            io.forEach(counted -> names.add(counted.diskName()));
+            io.forEach(counted -> names.add(nameOf(counted)));
             for (TrInstance partition : partitions) {
                 names.add(diskOf(partition));
                 slices.put(Instances.text(partition, SolarisDiskPartitionProvider.name), diskOf(partition));
             }
-            names.remove("");
-            ways().map(path -> DeviceNames.withoutDirectory(path.osDeviceName)).filter(entry -> !entry.contains("/"))
+            Stream.concat(mounts.stream().map(SolarisLogicalDisk::device).filter(DeviceNames::hasDirectory),
+                          ways().map(path -> path.osDeviceName))
+                .map(DeviceNames::withoutDirectory).filter(entry -> !entry.contains("/"))
                 .forEach(entry -> names.add(DeviceNames.withoutSlice(entry)));
+            names.remove("");
         }
 
         private <T> List<T> ask(String command, Supplier<List<T>> question) {
@@ -152,15 +159,14 @@ public final class OneDisk {
                 () -> Stream.ofNullable(diskOfDevice(asked)),
                 () -> Stream.ofNullable(diskOfEntry(asked)),
                 () -> io.stream().filter(counted -> counted.instanceName().equals(asked))
-                    .map(SolarisDiskIOInformation::diskName).filter(name -> !name.isEmpty()),
+                    .map(OneDisk::nameOf),
                 () -> ways().filter(path -> asked.equals(numberedName(path))).map(this::diskOfPath))
                 .flatMap(Supplier::get).filter(Objects::nonNull).findFirst().orElse(null);
         }
 
         /** The disk that a path in "/dev/dsk" or "/dev/rdsk" leads to, or null. */
         private String diskOfDevice(String device) {
-            String entry = DeviceNames.withoutDirectory(device);
-            return entry.equals(device) ? null : diskOfEntry(entry);
+            return DeviceNames.hasDirectory(device) ? diskOfEntry(DeviceNames.withoutDirectory(device)) : null;
         }
 
         /** The disk that is called so, or has a slice that is, or null. */

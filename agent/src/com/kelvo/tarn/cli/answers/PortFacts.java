@@ -82,9 +82,9 @@ public final class PortFacts {
     /**
      * {@return the name; empty when it is what stands for none}
      *
-     * @param name a world-wide one or another
+     * @param name a world-wide one or another, or null
      */
     public static String name(String name) {
-        return name.equals(noName) ? "" : name;
+        return name == null || name.equals(noName) ? "" : name;
     }
 }

@@ -90,7 +90,8 @@ public final class DiskCommand extends Inquiry<OneDisk> {
         return new Table<>(disk.partitions)
             .text("Slice", row -> row.get(SolarisDiskPartitionProvider.name))
             .number("Size", row -> Units.bytes(PartitionsCommand.sectors(row) * Units.SECTOR))
-            .text("Tag", row -> PartitionsCommand.tagName(row))
+            .text("Tag", row -> PartitionsCommand.tagName(row).isEmpty()
+                ? row.get(SolarisDiskPartitionProvider.tag) : PartitionsCommand.tagName(row))
             .text("Flags", row -> PartitionsCommand.flagNames(row))
             .text("Mounted", row -> mountPoint(row, disk.mounts));
     }

@@ -58,7 +58,8 @@ public final class DisksCommand extends Listing<String, TrInstance> {
     /** Such as "SUN72G, 68.4 GiB", of a drive that has a type. */
     static String typeAndCapacity(TrInstance drive) {
         String type = Instances.text(drive, SolarisDiskDriveProvider.diskType);
-        return (type.isEmpty() ? "unknown type" : type) + ", " + Units.bytes(capacity(drive));
+        return (type.isEmpty() ? "unknown type" : type) + ", "
+            + (capacity(drive) == 0 ? "capacity unknown" : Units.bytes(capacity(drive)));
     }
 
     /** Null when it is not known. */

@@ -68,6 +68,15 @@ abstract class Inquiry<T> implements Callable<Integer> {
     }
 
     /**
+     * {@return what people are told of what the native call threw}
+     *
+     * @param message that of the exception
+     */
+    protected String complaint(String message) {
+        return message;
+    }
+
+    /**
      * {@return the exit status of the command}
      *
      * @param answer one that is not missing
@@ -137,7 +146,7 @@ abstract class Inquiry<T> implements Callable<Integer> {
         } catch (ParameterException badUsage) {
             throw badUsage;
         } catch (Throwable thrown) {
-            String message = thrown.getMessage() != null ? thrown.getMessage() : thrown.toString();
+            String message = complaint(thrown.getMessage() != null ? thrown.getMessage() : thrown.toString());
             return new Answer(null, thrown, message, spec.exitCodeOnExecutionException(), out -> { },
                               out -> out.println("!! " + message), line -> true);
         }

@@ -41,6 +41,13 @@ abstract class Listing<K, E> extends TableInquiry<List<E>> {
         return wanted() != null && answer.isEmpty() ? "no " + noun + " " + wanted() : null;
     }
 
+    /** Names what was asked for, where the library does not. */
+    @Override
+    protected final String complaint(String message) {
+        return wanted() == null || message.contains(wanted().toString()) ? message
+            : noun + " " + wanted() + ": " + message;
+    }
+
     @Override
     protected final void show(List<E> answer, Page out) {
         if (answer.isEmpty()) {

@@ -3,13 +3,13 @@ package com.kelvo.tarn.cli.commands;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.Paths;
+import com.kelvo.tarn.cli.answers.PortFacts;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Tree;
 import java.util.List;
 import java.util.Locale;
-import java.util.Objects;
 import java.util.function.Function;
 import java.util.stream.Collectors;
 import javax.wbem.cim.UnsignedInt;
@@ -47,12 +47,12 @@ public final class PathsCommand extends TableInquiry<Paths> {
 
     /** A unit with its ways, marked when it lacks any. */
     static Tree tree(LogicalUnit unit, boolean lacksWays, Function<LogicalUnit.Path, String> device) {
-        Tree tree = new Tree((unit.node.isEmpty() ? "unknown array" : "") + unit.place()
+        Tree tree = new Tree(known(unit.node, "unknown array") + " LUN " + unit.lun
                              + (!lacksWays ? "" : unit.onlinePaths() == 1 ? ": !! ONE PATH LEFT"
                                                                                       : ": !! NO PATH LEFT"));
         for (LogicalUnit.Path path : unit.paths) {
             tree.add(new Tree(String.format(
-                "%s: adapter %d port %d %s → %s", text(device.apply(path)), path.adapter, path.port,
+                "%s: adapter %d port %d %s → %s", known(device.apply(path), "no device"), path.adapter, path.port,
                 end(path.portWWN, path.portState), end(path.remotePort, path.remotePortState))));
         }
         return tree;
@@ -60,11 +60,11 @@ public final class PathsCommand extends TableInquiry<Paths> {
 
     private static String end(String name, UnsignedInt state) {
         String shown = PortStates.name(state);
-        return text(name) + " " + (PortStates.isOnline(state) ? shown : "!! " + shown.toUpperCase(Locale.ROOT));
+        return known(name, "unknown") + " " + (PortStates.isOnline(state) ? shown : "!! " + shown.toUpperCase(Locale.ROOT));
     }
 
-    private static String text(String name) {
-        return Objects.requireNonNullElse(name, "unknown");
+    private static String known(String name, String otherwise) {
+        return PortFacts.name(name).isEmpty() ? otherwise : name;
     }
 
     @Override
