@@ -104,6 +104,14 @@ def counting(seconds, disk=(0, 0, 0), cpu=(0, 0, 0, 0), port=(0, 0, 0)):
     return word
 
 
+def sized(total):
+    """The word for a host with a file system of so many bytes; None: its size is not told."""
+    word = f"@{len(HOSTS)}"
+    HOSTS[word] = {"mnttab": ["d\t/u\tufs\trw\t1"],
+                   "statvfs": {"/u": {"f_frsize": 1, "f_bsize": 8192, "f_blocks": total}} if total else {}}
+    return word
+
+
 # ---- Cases ----------------------------------------------------------------------------------------------------------
 
 COMMANDS = [*RESULTS, "report", "array", "authenticate"]
@@ -222,6 +230,10 @@ CASES = [
     Case("no disk, for programs", "disk nope", RICH, None, log=LOGS["report"], status=1),
     Case("nothing changed", "compare hosts/rill.json hosts/rill.json", result={"changes": [], "rates": None}, log=ANY),
     Case("a pulled cable", f"compare {UNPLUGGED}", status=1, result=read("cli/cable-pulled.json"), log=ANY),
+    *(Case(f"a file system of {old}, then of {new} bytes", f"compare {sized(old)} {sized(new)}", status=1, log=ANY,
+           prints=f"changed   file system /u: totalBytes {shown}\n") for old, new, shown in (
+               (2 ** 30, 2 ** 63, "1.0 GiB → 8.0 EiB"), (2 ** 30, None, "1.0 GiB → unknown"),
+               (2 ** 30, 2 ** 30 + 1, "1073741824 → 1073741825"))),
     *(Case(f"rates of {rates}", f"compare {old} {new}", picks={
         "changes": [], "rates.disks": rates and [{"diskName": "", "instanceName": "sd0", **dict(zip((
             "bytesReadPerSecond", "bytesWrittenPerSecond", "busyPercent"), rates[0]))}],

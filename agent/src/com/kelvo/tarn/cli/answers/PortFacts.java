@@ -29,7 +29,11 @@ public final class PortFacts {
      * @param port local or remote
      */
     public static String type(TrInstance port) {
-        return types.getOrDefault(Instances.number(port, HbaPortProvider.portType), "");
+        return type(Instances.number(port, HbaPortProvider.portType));
+    }
+
+    public static String type(UnsignedInt type) {
+        return types.getOrDefault(type, "");
     }
 
     /**

@@ -84,7 +84,8 @@ final class Snapshot {
             Map<String, Object> values = new LinkedHashMap<>();
             values.put("device", disk.device());
             values.put("fileSystemType", disk.fileSystemType());
-            values.put("totalBytes", disk.totalBytes());
+            FileSystemUse use = new FileSystemUse(disk);
+            values.put("totalBytes", use.isKnown() ? disk.totalBytes() : null);
             add(found, "file system " + disk.mountPoint(), values);
         });
     }

@@ -29,9 +29,10 @@ public final class CompareCommand extends TableInquiry<Comparison> {
     private static final Map<String, Function<Object, String>> wordings = Map.of(
         "portState", state -> PortStates.name((UnsignedInt) state),
         "operationalStatus", statuses -> PortStates.statusNames((List<?>) statuses),
+        "portType", type -> PortFacts.type((UnsignedInt) type),
         "speed", speed -> PortFacts.speed((UnsignedInt) speed),
         "portFcId", fcId -> PortFacts.fcId(((UnsignedInt) fcId).longValue()),
-        "totalBytes", bytes -> Units.bytes((Long) bytes));
+        "totalBytes", bytes -> Units.bytes(Units.unsigned((Long) bytes)));
 
     @Parameters(index = "0", paramLabel = "OLD", description = "The host's description before.")
     private File old;
@@ -99,18 +100,23 @@ public final class CompareCommand extends TableInquiry<Comparison> {
         }
         for (Comparison.Change change : comparison.changes) {
             out.printFolded(change.property == null ? change.change + "  " + change.subject
-                : change.change + "   " + change.subject + ": " + change.property + " "
-                    + words(change.property, change.was) + " → " + words(change.property, change.is));
+                : change.change + "   " + change.subject + ": " + change.property + " " + words(change));
         }
         if (comparison.rates != null) {
             show(comparison.rates, out);
         }
     }
 
-    /** The value of a property as the other commands show it. */
+    /** Both values as the other commands show them; as they are where that would not tell them apart. */
+    private static String words(Comparison.Change change) {
+        String was = words(change.property, change.was);
+        String is = words(change.property, change.is);
+        return was.equals(is) ? change.was + " → " + change.is : was + " → " + is;
+    }
+
     private static String words(String property, Object value) {
-        return value == null ? "none"
-            : wordings.getOrDefault(property, Object::toString).apply(value);
+        String words = value == null ? "" : wordings.getOrDefault(property, Object::toString).apply(value);
+        return words.isEmpty() ? property.equals("exception") ? "none" : "unknown" : words;
     }
 
     private static void show(Rates rates, Page out) {
