@@ -148,7 +148,13 @@ public final class Table<R> {
     public void print(Page out) {
         List<List<String>> lines = new ArrayList<>();
         lines.add(columns.stream().map(column -> column.heading).collect(Collectors.toList()));
-        rows.forEach(row -> lines.add(columns.stream().map(column -> shown(column, row)).collect(Collectors.toList())));
+        for (R row : rows) {
+            List<String> line = new ArrayList<>(columns.size());
+            for (Column<R> column : columns) {
+                line.add(shown(column, row));
+            }
+            lines.add(line);
+        }
         int[] widths = new int[columns.size()];
         for (List<String> line : lines) {
             for (int i = 0; i < widths.length; i++) {
@@ -156,11 +162,17 @@ public final class Table<R> {
             }
         }
         int fitting = fitting(widths, out.width());
+        StringBuilder text = new StringBuilder();
         for (List<String> line : lines) {
-            StringBuilder text = new StringBuilder();
+            text.setLength(0);
             for (int i = 0; i < fitting; i++) {
-                String padding = " ".repeat(widths[i] - line.get(i).length());
-                text.append(columns.get(i).right ? padding + line.get(i) : line.get(i) + padding).append("  ");
+                String cell = line.get(i);
+                boolean right = columns.get(i).right;
+                text.append(right ? "" : cell);
+                for (int blanks = widths[i] - cell.length(); blanks > 0; blanks--) {
+                    text.append(' ');
+                }
+                text.append(right ? cell : "").append("  ");
             }
             out.println(text.toString().stripTrailing());
         }
