@@ -32,8 +32,8 @@ public final class Tarn extends TarnOptions {
         "partitions", "hba", "hba-test", "array", "authenticate", "build-date", "paths", "disk", "check", "compare",
         "map", "metrics", "help", "completion", "manual");
 
-    /** Those that work on all the others. */
-    private static final Set<String> worksOnAll = Set.of("report", "help", "completion", "manual");
+    /** Those that work on all the others; the report only on those up to the build date, its last section. */
+    private static final Set<String> worksOnAll = Set.of("help", "completion", "manual");
 
     @Option(names = {"-V", "--version"}, versionHelp = true, description = "Show the version.")
     private boolean version;
@@ -71,8 +71,10 @@ public final class Tarn extends TarnOptions {
     /** Adds the commands that are named among the arguments, since each takes time to load; without any, all. */
     private static CommandLine withCommands(CommandLine tarn, List<String> arguments) {
         boolean all = Collections.disjoint(commands, arguments) || !Collections.disjoint(worksOnAll, arguments);
+        List<String> sections = !arguments.contains("report") ? List.of()
+            : commands.subList(0, commands.indexOf("build-date") + 1);
         for (String name : commands) {
-            if (all || arguments.contains(name)) {
+            if (all || arguments.contains(name) || sections.contains(name)) {
                 tarn.addSubcommand(name, command(name));
             }
         }
