@@ -32,6 +32,11 @@ public final class PortFacts {
         return type(Instances.number(port, HbaPortProvider.portType));
     }
 
+    /**
+     * {@return the type's name; empty when it has none}
+     *
+     * @param type as a port's instance has it
+     */
     public static String type(UnsignedInt type) {
         return types.getOrDefault(type, "");
     }
