@@ -96,7 +96,7 @@ std::optional<std::string_view> physicalPath(const std::optional<description::Li
 /// A link that does not follow from path and place.
 std::optional<description::Link> unruledLink(const std::optional<description::Link> &link,
                                              const std::optional<std::string> &path, unsigned place, bool raw) {
-    const bool isRuled = path ? physicalPath(link, place, raw) == *path : link == description::Link();
+    const bool isRuled = path ? physicalPath(link, place, raw) == *path : isNoLink(link);
     return isRuled ? std::nullopt : link;
 }
 

@@ -76,6 +76,11 @@ struct Answers {
     void add(Answers &&other);
 };
 
+/// Whether it is known of an entry that it is no link.
+inline bool isNoLink(const std::optional<description::Link> &link) {
+    return link && !*link;
+}
+
 /// One entry of a directory.
 struct SeenEntry {
     std::string_view name;

@@ -60,7 +60,7 @@ public:
         if (outcome[Question::stat] == 0) {
             entry.device = status.st_rdev;
         }
-        isPlain = outcome[Question::stat] == 0 && S_ISREG(status.st_mode) && entry.link == description::Link();
+        isPlain = outcome[Question::stat] == 0 && S_ISREG(status.st_mode) && isNoLink(entry.link);
         return entry;
     }
 
@@ -79,7 +79,7 @@ public:
             return outcome[question] == ENXIO || outcome[question] == Outcomes::notAsked;
         };
         isPlain = outcome[Question::openForRequests] == ENXIO && isNoDevice(Question::openForCommands) &&
-                  entry.link == description::Link();
+                  isNoLink(entry.link);
         return entry;
     }
 

@@ -154,25 +154,27 @@ private:
     void walkPort(HBA_UINT32 p) {
         HbaPort &port = elementAt(adapter->ports, p);
         const std::string number = " port " + std::to_string(p);
-        if (refuses("GetAdapterPortAttributes" + number, HBA_GetAdapterPortAttributes(handle, p, &port.attributes),
+        HBA_PORTATTRIBUTES attributes{};
+        if (refuses("GetAdapterPortAttributes" + number, HBA_GetAdapterPortAttributes(handle, p, &attributes),
                     port.status.GetAdapterPortAttributes)) {
-            port.attributes = {};
             return;
         }
+        port.attributes = attributes;
         ++ports;
-        if (refuses("GetPortStatistics" + number, HBA_GetPortStatistics(handle, p, &port.statistics),
-                    port.status.GetPortStatistics)) {
-            port.statistics = {};
+        HBA_PORTSTATISTICS statistics{};
+        if (!refuses("GetPortStatistics" + number, HBA_GetPortStatistics(handle, p, &statistics),
+                     port.status.GetPortStatistics)) {
+            port.statistics = statistics;
         }
         const HBA_UINT32 discovered = believed("discovered ports of" + number, port.attributes.NumberofDiscoveredPorts,
                                                tarn::maximumDiscoveredPorts);
         for (HBA_UINT32 d = 0; d < discovered; ++d) {
             HbaDiscoveredPort &remote = elementAt(port.discovered, d);
-            if (refuses("GetDiscoveredPortAttributes" + number + " remote port " + std::to_string(d),
-                        HBA_GetDiscoveredPortAttributes(handle, p, d, &remote.attributes),
-                        remote.status.GetDiscoveredPortAttributes)) {
-                remote.attributes = {};
-            } else {
+            HBA_PORTATTRIBUTES remoteAttributes{};
+            if (!refuses("GetDiscoveredPortAttributes" + number + " remote port " + std::to_string(d),
+                         HBA_GetDiscoveredPortAttributes(handle, p, d, &remoteAttributes),
+                         remote.status.GetDiscoveredPortAttributes)) {
+                remote.attributes = remoteAttributes;
                 ++remotePorts;
             }
         }

@@ -71,7 +71,7 @@ public:
         if (attached != nullptr) {
             return std::exchange(attached, nullptr);
         }
-        if (rest.empty()) {
+        if (rest.empty() || std::string_view(rest.front()).starts_with("--")) {
             throw BadUsage(std::string(option) + " takes " + expected);
         }
         return take();
