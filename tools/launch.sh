@@ -2,6 +2,7 @@
 # has set
 #   jar            the agent's jar
 #   library_dir    the folder with the native library
+#   recorder       the program that records a host
 #   jar_dirs       where to look for the jars that the agent needs, first to last
 #   archive_dir    where the class-data archive may be put; empty: none is used
 #   training       the commands whose classes belong into the archive, each a word of the array
@@ -98,7 +99,7 @@ launch() {
     # What the virtual machine itself would say of an archive it cannot use is no part of a result.
     virtual_machine=("$java" -XX:+UseSerialGC -XX:TieredStopAtLevel=1 -Xlog:disable)
     [ "$java_major" -lt 22 ] || virtual_machine+=(--enable-native-access=ALL-UNNAMED)
-    classes=("-Djava.library.path=$library_dir" -cp "$class_path")
+    classes=("-Djava.library.path=$library_dir" "-Dtarn.recorder=$recorder" -cp "$class_path")
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
         local columns=0

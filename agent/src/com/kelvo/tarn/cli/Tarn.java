@@ -30,7 +30,7 @@ public final class Tarn extends TarnOptions {
     private static final List<String> commands = List.of(
         "report", "computer-system", "operating-system", "logical-disks", "processors", "cpu", "disk-io", "disks",
         "partitions", "hba", "hba-test", "array", "authenticate", "build-date", "paths", "disk", "check", "compare",
-        "map", "metrics", "help", "completion", "manual");
+        "map", "metrics", "record", "help", "completion", "manual");
 
     /** Those that work on all the others; the report only on those up to the build date, its last section. */
     private static final Set<String> worksOnAll = Set.of("help", "completion", "manual");

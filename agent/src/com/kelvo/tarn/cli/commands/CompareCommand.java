@@ -43,7 +43,7 @@ public final class CompareCommand extends TableInquiry<Comparison> {
     /** Its arguments are the hosts. */
     @Override
     protected void chooseHost() {
-        if (tarn().namesHost()) {
+        if (tarn().host() != null) {
             throw new ParameterException(spec().commandLine(), "--host does not go with compare, which names both");
         }
     }
@@ -55,7 +55,7 @@ public final class CompareCommand extends TableInquiry<Comparison> {
     }
 
     private Comparison.Host host(File description) {
-        TarnOptions.load(description.getPath(), this);
+        TarnOptions.load(description.getPath(), spec().commandLine());
         return new Comparison.Host(library(), description.toPath());
     }
 

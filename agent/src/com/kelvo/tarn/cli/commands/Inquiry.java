@@ -107,7 +107,7 @@ abstract class Inquiry<T> implements Callable<Integer> {
 
     /** Makes the host answer that the options name. */
     protected void chooseHost() {
-        tarn.chooseHost(this);
+        tarn.chooseHost(spec.commandLine());
     }
 
     /** {@return the options that all commands have} */

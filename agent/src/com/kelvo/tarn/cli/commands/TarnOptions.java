@@ -3,6 +3,7 @@ package com.kelvo.tarn.cli.commands;
 import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.kelvo.tarn.replay.ReplayHost;
 import java.io.File;
+import picocli.CommandLine;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
@@ -32,23 +33,23 @@ public abstract class TarnOptions {
     private final LibraryLog log = new LibraryLog();
 
     /** Lets the host that was asked for answer. The command is the one that a complaint is about. */
-    final void chooseHost(Inquiry<?> command) {
+    final void chooseHost(CommandLine command) {
         String path = host != null ? host.getPath() : System.getenv().getOrDefault("TARN_HOST", "");
         if (host == null && path.isEmpty()) {
             return;
         }
         if (path.isEmpty()) {
-            throw new ParameterException(command.spec().commandLine(), "--host: no file named");
+            throw new ParameterException(command, "--host: no file named");
         }
         load(path, command);
     }
 
     /** Lets the host of that description answer. */
-    static void load(String path, Inquiry<?> command) {
+    static void load(String path, CommandLine command) {
         try {
             ReplayHost.load(path);
         } catch (IllegalArgumentException unreadable) {
-            throw new ParameterException(command.spec().commandLine(), unreadable.getMessage(), unreadable);
+            throw new ParameterException(command, unreadable.getMessage(), unreadable);
         }
     }
 
@@ -60,9 +61,9 @@ public abstract class TarnOptions {
         return csv;
     }
 
-    /** Whether a host was named on the command line. */
-    final boolean namesHost() {
-        return host != null;
+    /** The description that was named on the command line, or null. */
+    final File host() {
+        return host;
     }
 
     /** The choices for host bus adapters that were made before the command. */

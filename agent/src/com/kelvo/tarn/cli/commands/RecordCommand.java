@@ -1,0 +1,75 @@
+package com.kelvo.tarn.cli.commands;
+
+import java.io.File;
+import java.io.IOException;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.concurrent.Callable;
+import picocli.CommandLine.Command;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.ParameterException;
+import picocli.CommandLine.ParentCommand;
+import picocli.CommandLine.Spec;
+
+/** Hands over to tarn-record, which asks the host itself and needs no Java where a host is recorded. */
+@Command(name = "record", description = "The host's description, for --host of another machine.",
+         footer = "Standard error tells what was recorded, and what could not be read. Passwords are never recorded. Exit "
+             + "status: 0 done, 1 the description cannot be written, 2 bad usage.")
+public final class RecordCommand implements Callable<Integer> {
+    @ParentCommand
+    private TarnOptions tarn;
+
+    @Spec
+    private CommandSpec spec;
+
+    @Option(names = "--output", paramLabel = "FILE", description = "Make this new file, which only its owner may read, "
+            + "and print nothing.")
+    private String output;
+
+    private final List<String> arrays = new ArrayList<>();
+
+    @Option(names = "--timeout", paramLabel = "SECONDS", description = "How long a file system has to tell its sizes; "
+            + "without it, 10.")
+    private String timeout;
+
+    @Option(names = "--quiet", description = "Say nothing on standard error.")
+    private boolean quiet;
+
+    @Option(names = "--array", arity = "4", paramLabel = "CONTROLLER1 CONTROLLER2 VENDOR PRODUCT",
+            hideParamSyntax = true, description = "Also the drive statistics of this array; as often as there are "
+            + "arrays.")
+    private void setArrays(List<String> given) {
+        arrays.clear();
+        arrays.addAll(given);
+    }
+
+    @Override
+    public Integer call() throws IOException, InterruptedException {
+        if (tarn.csv() || tarn.json() || tarn.hba().any()) {
+            throw new ParameterException(spec.commandLine(),
+                                         "A recording is JSON as it is; --json, --csv and device names do not go with it");
+        }
+        tarn.chooseHost(spec.commandLine());
+        List<String> command = new ArrayList<>(List.of(System.getProperty("tarn.recorder", "tarn-record")));
+        if (output != null) {
+            command.addAll(List.of("--output", output));
+        }
+        if (timeout != null) {
+            command.addAll(List.of("--timeout", timeout));
+        }
+        if (quiet) {
+            command.add("--quiet");
+        }
+        for (int i = 0; i < arrays.size(); i += 4) {
+            command.add("--array");
+            command.addAll(arrays.subList(i, i + 4));
+        }
+        ProcessBuilder recorder = new ProcessBuilder(command).inheritIO();
+        File host = tarn.host();
+        if (host != null) {
+            recorder.environment().put("TARN_HOST", host.getPath());
+        }
+        return recorder.start().waitFor();
+    }
+}

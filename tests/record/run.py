@@ -1,0 +1,232 @@
+"""Records hosts and holds the recordings to them: python3 tests/record/run.py TARN BUILD CLASS-PATH [RECORDER...]
+
+With another recorder, such as one under an emulator, nothing is held but that it writes the same bytes.
+"""
+
+import json
+import os
+import pty
+import re
+import stat
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
+
+import hosts
+
+RANDOM_HOSTS = int(os.environ.get("TARN_RANDOM_HOSTS", "24"))
+NAMED = ["logical-disks /", "processors 0", "cpu 0", "disk-io c1t0d0", "disks c1t0d0", "disk c1t0d0", "disk /",
+         "partitions c1t0d0s0"]
+ARRAY = " ".join(hosts.ARRAY)
+COMMANDS = ["report", f"--json report --array {ARRAY}", "computer-system", "operating-system", "--csv logical-disks --sizes",
+            "hba --keep-os-device-name --leadville", "hba --force-leadville", "hba-test", f"array {ARRAY}", "build-date",
+            "paths", "check", f"check --array {ARRAY}", "map --all", "metrics", *NAMED]
+ELSEWHERE = {"authenticate", "record", "help", "completion"}  # about the users, held below, about no host
+
+
+def run(command, host=None, **more):
+    environment = {**os.environ, "TARN_HOST": str(host or ""), "LC_ALL": "C"}
+    return subprocess.run(command, env=environment, capture_output=True, timeout=300, **more)
+
+
+def scratch_host(description, folder=None, name=None):
+    path = Path(folder or tempfile.mkdtemp(dir=SCRATCH), name or "host.json")
+    path.write_text(json.dumps(description))
+    return str(path)
+
+
+def all_hosts():
+    hosts_by_name = hosts.known() | {f"random-{seed}": hosts.anything(seed) for seed in range(RANDOM_HOSTS)}
+    return {name: {**host, "recordedAt": "2026-11-24T10:00:00Z"} for name, host in hosts_by_name.items()}
+
+
+def record(recorder, host):
+    done = run([*recorder, "--quiet", "--array", *hosts.ARRAY], host)
+    assert (done.returncode, done.stderr) == (0, b""), done
+    return done.stdout
+
+
+def undated(recording):
+    """The recording as if it were made when the host was described; fails when it does not tell the time."""
+    undone, count = re.subn(rb'^  "recordedAt": "\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ"',
+                            b'  "recordedAt": "2026-11-24T10:00:00Z"', recording, flags=re.M)
+    assert count == 1, recording
+    return undone
+
+
+class RoundTrip(unittest.TestCase):
+    """Every command prints for the recording what it prints for the host."""
+
+    @classmethod
+    def prepare(cls, descriptions, pool):
+        """Everything that takes long: two virtual machines side by side answer all the commands."""
+        was, now = (Path(SCRATCH, side) for side in ("was", "now"))
+        was.mkdir()
+        now.mkdir()
+        cls.recordings = dict(zip(descriptions, pool.map(cls.record, descriptions.items())))
+        for name, (recording, _) in cls.recordings.items():
+            Path(now, f"{name}.json").write_bytes(recording)
+        lines = [f"--host {name}.json {command}" for name in descriptions for command in COMMANDS]
+        lines += [f"compare {name}.json ../was/{name}.json" for name in descriptions]
+        # The command line keeps the log of each run, which makes a virtual machine slow that runs too many.
+        parts = [(folder, lines[i:i + 1000]) for i in range(0, len(lines), 1000) for folder in (was, now)]
+        cls.was, cls.now = {}, {}
+        for (folder, _), found in zip(parts, pool.map(answers, *zip(*parts))):
+            (cls.was if folder == was else cls.now).update(found)
+
+    @staticmethod
+    def record(named):
+        """The recording of a host, and the recording of the recording."""
+        name, description = named
+        recording = undated(record(RECORDER, scratch_host(description, Path(SCRATCH, "was"), f"{name}.json")))
+        copy = Path(SCRATCH, f"{name}.json")
+        copy.write_bytes(recording)
+        return recording, undated(record(RECORDER, copy))
+
+    def hold(self, name):
+        recording, again = self.recordings[name]
+        self.assertEqual(again, recording)
+        self.assertNotIn(b"shadow", recording)
+        held = [command for command in self.was if f" {name}.json " in command]
+        self.assertEqual(len(held), len(COMMANDS) + 1)
+        for command in held:
+            self.assertNotEqual(self.was[command], b"")
+            self.assertEqual(self.now[command], self.was[command], command)
+
+    def test_no_command_is_left_out(self):
+        listed = re.findall(r"^  ([a-z][a-z-]*)", run([TARN, "--help"]).stdout.decode(), re.M)
+        asked = {word for command in COMMANDS for word in command.split()}
+        self.assertEqual(set(listed) - asked - {"compare"}, ELSEWHERE)
+
+
+def answers(folder, lines):
+    """What each command prints, and its exit status."""
+    environment = {**os.environ, "TARN_HOST": "", "LC_ALL": "C.UTF-8"}
+    done = subprocess.run(
+        ["java", "-XX:+UseSerialGC", "-XX:TieredStopAtLevel=1", f"-Djava.library.path={BUILD}", "-cp", CLASS_PATH,
+         Path(__file__).parent / "Commands.java"], input="\n".join(lines).encode(), cwd=folder, env=environment,
+        stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=300)
+    assert done.returncode == 0, done
+    found = re.findall(rb"(.*?)\0([^\n]*): (\d+)\n", done.stdout, re.S)
+    assert [command.decode() for _, command, _ in found] == lines, done.stdout[-2000:]
+    return {command.decode() + " ": status + b"\n" + printed for printed, command, status in found}
+
+
+class SameBytes(unittest.TestCase):
+    """Another recorder writes the same bytes."""
+
+    @classmethod
+    def prepare(cls, descriptions, pool):
+        for side in (RECORDER, OTHER):
+            hosts_written = [scratch_host(description) for description in descriptions.values()]
+            found = dict(zip(descriptions, pool.map(lambda host, by=side: undated(record(by, host)), hosts_written)))
+            setattr(cls, "other" if side is OTHER else "own", found)
+
+    def hold(self, name):
+        self.assertEqual(self.other[name], self.own[name])
+
+
+class Recorder(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory(dir=SCRATCH)
+        self.addCleanup(self.folder.cleanup)
+        self.file = os.path.join(self.folder.name, "host.json")
+
+    def test_tarn_records_the_host_that_it_is_told(self):
+        host = scratch_host({"uname": {"nodename": "other"}})
+        done = run([TARN, "record", "--quiet", "--host", host])
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+        self.assertEqual(undated(done.stdout), b'{\n  "recordedAt": "2026-11-24T10:00:00Z",\n'
+                                               b'  "uname": {"nodename": "other"}\n}\n')
+
+    def test_a_file_is_made_whole_for_its_owner_only(self):
+        os.umask(0o000)
+        self.assertEqual(run([*RECORDER, f"--output={self.file}"]).returncode, 0)
+        self.assertEqual(stat.S_IMODE(os.stat(self.file).st_mode), 0o600)
+        self.assertEqual(json.loads(Path(self.file).read_text())["uname"]["nodename"], "rill")
+        self.assertEqual(os.listdir(self.folder.name), ["host.json"])
+
+    def test_what_is_refused_is_one_line_and_no_file(self):
+        Path(self.folder.name, "old").write_text("old")
+        folder, usage = self.folder.name, " (try 'tarn-record --help')"
+        for arguments, status, complaint in (
+                (["--output", f"{folder}/old"], 1, f"{folder}/old: File exists"),
+                (["--output", f"{folder}/no/file"], 1, f"{folder}/no/file: No such file or directory"),
+                (["--output"], 2, "--output takes a file" + usage),
+                (["--frob=1"], 2, "unknown option '--frob'" + usage),
+                (["rill"], 2, "surplus argument 'rill'" + usage),
+                (["--quiet=yes"], 2, "--quiet takes no value" + usage),
+                (["--timeout", "1s"], 2, "--timeout: '1s' is no number of seconds from 1 to 86400" + usage),
+                (["--array", "a", "b", "c", "--quiet"], 2,
+                 "--array takes four names: CONTROLLER1 CONTROLLER2 VENDOR PRODUCT" + usage)):
+            done = run([*RECORDER, *arguments])
+            self.assertEqual((done.returncode, done.stdout, done.stderr.decode()),
+                             (status, b"", f"tarn-record: {complaint}\n"))
+        self.assertEqual([path.read_text() for path in Path(folder).iterdir()], ["old"])
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([*RECORDER, "--quiet"], stdout=full, stderr=subprocess.PIPE, timeout=60)
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, b"tarn-record: standard output: No space left on device\n"))
+
+    def test_it_says_what_it_does(self):
+        disks = [{"name": f"c{i}", "slices": ["s0"], "fails": {"open": "EBUSY"} if i == 7 else {}} for i in range(250)]
+        host = scratch_host({"disks": disks, "mnttab": ["a\t/a\tufs\trw\t1"]})
+        told = run([*RECORDER], host).stderr.decode()
+        for line in ("mnttab: 1 line", "disks: 250 raw devices", "statvfs: 0 of 1 file system", "Not read:",
+                     "  uname: all of it: Function not implemented", "  kstat: all of it: No such file or directory",
+                     "  disks: c7s0 open O_RDWR: Device or resource busy", "  statvfs: /a: No such file or directory",
+                     "  hba: all of it: Error"):
+            self.assertIn(line + "\n", told)
+        self.assertNotIn("\r", told)
+        self.assertIn(b"/dev/rdsk: 200 of 250", self.on_terminal(host))
+
+    def on_terminal(self, host):
+        shown, (reader, terminal) = b"", pty.openpty()
+        with subprocess.Popen(RECORDER, env={**os.environ, "TARN_HOST": host}, stdout=subprocess.DEVNULL, stderr=terminal):
+            os.close(terminal)
+            try:
+                while more := os.read(reader, 65536):
+                    shown += more
+            except OSError:
+                pass  # the other end is closed
+        os.close(reader)
+        return shown
+
+    def test_a_file_system_that_hangs_is_given_up(self):
+        mounts = ["/first", "/gone", "/last"]
+        host = scratch_host({"mnttab": [f"srv:{mount}\t{mount}\tnfs\trw\t1" for mount in mounts],
+                             "statvfs": {"/first": {"f_blocks": 1}, "/gone": {"seconds": 60}, "/last": {"f_blocks": 3}}})
+        before = time.monotonic()
+        done = run([*RECORDER, "--timeout", "1"], host)  # ends with its output: nobody waits for what hangs
+        self.assertLess(time.monotonic() - before, 30)
+        self.assertEqual(json.loads(done.stdout)["statvfs"], {
+            "/first": {"f_blocks": 1}, "/gone": {"fails": "ETIMEDOUT"}, "/last": {"f_blocks": 3}})
+        self.assertIn(b"statvfs: 2 of 3 file systems\n", done.stderr)
+        self.assertIn(b"  statvfs: /gone: Connection timed out\n", done.stderr)
+
+
+def main():
+    global SCRATCH, TARN, BUILD, CLASS_PATH, RECORDER, OTHER
+    TARN, BUILD, CLASS_PATH, *OTHER = sys.argv[1:]
+    BUILD = os.path.abspath(BUILD)
+    RECORDER = [os.path.join(BUILD, "tarn-record")]
+    held = SameBytes if OTHER else RoundTrip
+    descriptions = all_hosts()
+    with tempfile.TemporaryDirectory(prefix="tarn-record-") as SCRATCH, ThreadPoolExecutor(2) as pool:
+        held.prepare(descriptions, pool)
+        for name in descriptions:
+            setattr(held, f"test_{name}", lambda self, name=name: self.hold(name))
+        load = unittest.defaultTestLoader.loadTestsFromTestCase
+        suite = load(held) if OTHER else unittest.TestSuite([load(held), load(Recorder)])
+        result = unittest.TextTestRunner().run(suite)
+    failed = len(result.failures) + len(result.errors)
+    print(f"{result.testsRun - failed} passed, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
