@@ -91,12 +91,12 @@ Host readHost(const std::string &json) {
     return host;
 }
 
-std::string writeHost(const Host &host) {
-    JsonWriter writer;
+void writeHost(const Host &host, const TextSink &sink) {
+    JsonWriter writer(sink);
     writer.beginObject(Layout::lines);
     Form<Host>::writeMembers(writer, host, Host());
     writer.endObject();
-    return writer.take();
+    writer.finish();
 }
 
 } // namespace description

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "description/JsonWriter.h"
 #include "platform/solaris.h"
 
 // What a host looks like, as data. Members bear the names that they have in a host description.
@@ -156,7 +157,7 @@ struct Host {
 /// Reads a description. Raises HostDescriptionError.
 Host readHost(const std::string &json);
 
-/// The description of the host, which `readHost` takes back. Members that have their default are left out.
-std::string writeHost(const Host &host);
+/// Writes the description of the host, which `readHost` takes back. Members that have their default are left out.
+void writeHost(const Host &host, const TextSink &sink);
 
 } // namespace description

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -11,8 +12,21 @@ namespace {
 constexpr std::size_t indentationStep = 2;
 constexpr const char *digits = "0123456789abcdef";
 
-bool isPlain(char character) {
-    return character >= ' ' && character <= '~' && character != '"' && character != '\\';
+constexpr auto plainCharacters = [] {
+    std::array<unsigned char, 256> plain{};
+    for (unsigned char character = ' '; character <= '~'; ++character) {
+        plain[character] = character != '"' && character != '\\';
+    }
+    return plain;
+}();
+
+/// Whether the text is a JSON string as it is. Most are, so all of it is looked at without a branch for each character.
+bool isPlain(std::string_view text) {
+    unsigned char plain = 1;
+    for (const char character : text) {
+        plain &= plainCharacters[static_cast<unsigned char>(character)];
+    }
+    return plain != 0;
 }
 
 /// The text as a JSON string. Nothing when it is not UTF-8.
@@ -27,12 +41,25 @@ std::optional<std::string> escaped(std::string_view text) {
 } // namespace
 
 bool JsonWriter::isText(std::string_view bytes) {
-    return std::ranges::all_of(bytes, isPlain) || escaped(bytes);
+    return isPlain(bytes) || escaped(bytes);
+}
+
+void JsonWriter::putBeyondBuffer(std::initializer_list<std::string_view> parts) {
+    for (std::string_view part : parts) {
+        while (!part.empty()) {
+            if (used == buffer.size()) {
+                flush();
+            }
+            const std::string_view fitting = part.substr(0, buffer.size() - used);
+            copy(fitting);
+            part.remove_prefix(fitting.size());
+        }
+    }
 }
 
 void JsonWriter::begin(char bracket, Layout layout) {
     separate();
-    json += bracket;
+    put(bracket);
     levels.push_back({layout, true});
     indentation += layout == Layout::lines ? indentationStep : 0;
 }
@@ -46,88 +73,74 @@ void JsonWriter::end(char bracket) {
             newLine();
         }
     }
-    json += bracket;
+    put(bracket);
 }
 
 /// What stands between two members or elements.
-void JsonWriter::separate() {
-    if (isNamed) {
-        isNamed = false;
-        return;
-    }
+void JsonWriter::separateFromLast() {
     if (levels.empty()) {
         return;
     }
     Level &level = levels.back();
-    if (!level.isEmpty) {
-        json += ',';
-    }
     if (level.layout == Layout::lines) {
+        if (!level.isEmpty) {
+            put(',');
+        }
         newLine();
     } else if (!level.isEmpty) {
-        json += ' ';
+        put(std::string_view(", "));
     }
     level.isEmpty = false;
 }
 
 void JsonWriter::newLine() {
-    json += '\n';
-    json.append(indentation, ' ');
-}
-
-void JsonWriter::quote(std::string_view text) {
-    json += '"';
-    json += text;
-    json += '"';
+    static constexpr std::string_view blanks = "                                ";
+    put('\n', blanks.substr(0, indentation));
 }
 
 void JsonWriter::name(std::string_view text) {
     separate();
-    if (std::ranges::all_of(text, isPlain)) {
-        quote(text);
+    if (isPlain(text)) {
+        put('"', text, std::string_view("\": "));
     } else {
-        json += escaped(text).value();
+        put(std::string_view(escaped(text).value()), std::string_view(": "));
     }
-    json += ": ";
     isNamed = true;
 }
 
 void JsonWriter::text(std::string_view bytes) {
-    if (std::ranges::all_of(bytes, isPlain)) {
+    if (isPlain(bytes)) {
         separate();
-        quote(bytes);
+        put('"', bytes, '"');
     } else if (const std::optional<std::string> string = escaped(bytes)) {
         separate();
-        json += *string;
+        put(std::string_view(*string));
     } else {
         beginObject();
-        name("hex");
+        name(std::string_view("hex"));
         hexBytes({reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size()});
         endObject();
     }
 }
 
 void JsonWriter::hexBytes(std::span<const unsigned char> bytes) {
-    separate();
-    json += '"';
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (i != 0) {
-            json += ' ';
-        }
-        json += digits[bytes[i] >> 4];
-        json += digits[bytes[i] & 15];
-    }
-    json += '"';
+    hex(bytes, true);
 }
 
 void JsonWriter::hexDigits(std::span<const unsigned char> bytes) {
+    hex(bytes, false);
+}
+
+void JsonWriter::hex(std::span<const unsigned char> bytes, bool isSpaced) {
     separate();
-    json += '"';
-    for (const unsigned char byte : bytes) {
-        json += digits[byte >> 4];
-        json += digits[byte & 15];
+    put('"');
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        if (isSpaced && i != 0) {
+            put(' ');
+        }
+        put(digits[bytes[i] >> 4], digits[bytes[i] & 15]);
     }
-    json += '"';
+    put('"');
 }
 
 } // namespace description

@@ -1,21 +1,45 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstring>
+#include <functional>
+#include <initializer_list>
 #include <span>
-#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace description {
 
 enum class Layout { inline_, lines };
 
+/// Takes a text part by part.
+using TextSink = std::function<void(std::string_view)>;
+
+/// A member's name that needs no escapes, made ready to be written.
+struct PlainName {
+    static constexpr std::size_t most = 40;
+
+    explicit constexpr PlainName(std::string_view name) : size(name.size() + 4) {
+        characters.at(0) = '"';
+        std::ranges::copy(name, characters.begin() + 1);
+        std::ranges::copy(std::string_view("\": "), characters.begin() + 1 + name.size());
+    }
+
+    std::array<char, most> characters{}; // a longer name does not compile
+    std::size_t size;
+};
+
 /// Writes one JSON document from its start to its end. An object or list stands on one line, or has a line for each of
 /// its members or elements.
 class JsonWriter {
 public:
+    explicit JsonWriter(TextSink textSink) : sink(std::move(textSink)) {
+    }
+
     void beginObject(Layout layout = Layout::inline_) {
         begin('{', layout);
     }
@@ -32,6 +56,17 @@ public:
     /// Of the member whose value comes next: a text that `isText` takes.
     void name(std::string_view text);
 
+    /// The same of a name that was made ready.
+    void name(const PlainName &text) {
+        separate();
+        if (PlainName::most > buffer.size() - used) {
+            flush();
+        }
+        std::memcpy(buffer.data() + used, text.characters.data(), PlainName::most); // faster than what it needs
+        used += text.size;
+        isNamed = true;
+    }
+
     /// A string, or {"hex": ...} of what is no UTF-8 text.
     void text(std::string_view bytes);
 
@@ -46,18 +81,18 @@ public:
         separate();
         std::array<char, 24> digits;
         const auto [last, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-        json.append(digits.data(), last);
+        put(std::string_view(digits.data(), last));
     }
 
     void null() {
         separate();
-        json += "null";
+        put(std::string_view("null"));
     }
 
-    /// The document.
-    std::string take() {
-        json += '\n';
-        return std::move(json);
+    /// Hands over what is left of the document.
+    void finish() {
+        put('\n');
+        flush();
     }
 
     /// Whether a name or string can be made of the bytes as they are.
@@ -71,11 +106,60 @@ private:
 
     void begin(char bracket, Layout layout);
     void end(char bracket);
-    void separate();
+    void separateFromLast();
     void newLine();
-    void quote(std::string_view text);
+    void hex(std::span<const unsigned char> bytes, bool isSpaced);
 
-    std::string json;
+    /// Before a member or an element.
+    void separate() {
+        if (isNamed) {
+            isNamed = false;
+        } else {
+            separateFromLast();
+        }
+    }
+
+    /// Adds to the document. A part is a text or a character.
+    template <class... Parts>
+    void put(const Parts &...parts) {
+        const std::size_t size = (sizeOf(parts) + ...);
+        if (size > buffer.size() - used) [[unlikely]] {
+            putBeyondBuffer({viewOf(parts)...});
+            return;
+        }
+        (copy(parts), ...);
+    }
+
+    void putBeyondBuffer(std::initializer_list<std::string_view> parts);
+
+    static std::size_t sizeOf(std::string_view text) {
+        return text.size();
+    }
+    static std::size_t sizeOf(char) {
+        return 1;
+    }
+    static std::string_view viewOf(std::string_view text) {
+        return text;
+    }
+    static std::string_view viewOf(const char &character) {
+        return {&character, 1};
+    }
+    void copy(std::string_view text) {
+        std::memcpy(buffer.data() + used, text.data(), text.size());
+        used += text.size();
+    }
+    void copy(char character) {
+        buffer[used++] = character;
+    }
+
+    void flush() {
+        sink({buffer.data(), used});
+        used = 0;
+    }
+
+    TextSink sink;
+    std::array<char, 65536> buffer;
+    std::size_t used = 0;
     std::vector<Level> levels;
     std::size_t indentation = 0;
     bool isNamed = false; // the value that comes next

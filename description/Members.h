@@ -198,7 +198,10 @@ struct Form<T> {
     }
 
     static bool isSame(const T &value, const T &usual) {
-        return std::ranges::all_of(members<T>, [&](const Member<T> &member) { return member.isSame(value, usual); });
+        return [&]<std::size_t... row>(std::index_sequence<row...>) {
+            return (members<T>[row].isSame(value, usual) && ...);
+        }
+        (rows);
     }
 
     static void write(JsonWriter &writer, const T &value, const T &usual) {
@@ -208,11 +211,23 @@ struct Form<T> {
     }
 
     static void writeMembers(JsonWriter &writer, const T &value, const T &usual) {
-        for (const Member<T> &member : members<T>) {
-            if (!member.isSame(value, usual)) {
-                writer.name(member.name);
-                member.write(writer, value, usual);
-            }
+        [&]<std::size_t... row>(std::index_sequence<row...>) {
+            (writeMember<row>(writer, value, usual), ...);
+        }
+        (rows);
+    }
+
+private:
+    // Row by row, each as its own code: a large host has a million members.
+    static constexpr auto rows = std::make_index_sequence<members<T>.size()>();
+
+    template <std::size_t row>
+    static void writeMember(JsonWriter &writer, const T &value, const T &usual) {
+        constexpr const Member<T> &member = members<T>[row];
+        if (!member.isSame(value, usual)) {
+            static constexpr PlainName name(member.name);
+            writer.name(name);
+            member.write(writer, value, usual);
         }
     }
 };

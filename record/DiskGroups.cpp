@@ -10,6 +10,7 @@ namespace record {
 namespace {
 
 constexpr std::size_t mostSlices = 26; // minor nodes "a" to "z"
+constexpr std::size_t usualSlices = 8;
 constexpr std::string_view deviceTree = "../../devices";
 constexpr std::string_view rawNode = ",raw";
 constexpr std::string_view powerPathPrefix = "emcpower";
@@ -70,11 +71,8 @@ bool hasMajorOf(const Group &group, const std::optional<dev_t> &device) {
 }
 
 /// The physical path when the link leads to the minor node that goes with the place.
-std::optional<std::string_view> physicalPath(const std::optional<description::Link> &link, unsigned place, bool raw) {
-    if (!link || !*link) {
-        return std::nullopt;
-    }
-    std::string_view text = **link;
+std::optional<std::string_view> physicalPath(const SeenLink &link, unsigned place, bool raw) {
+    std::string_view text = link.text;
     if (!text.starts_with(deviceTree)) {
         return std::nullopt;
     }
@@ -94,10 +92,10 @@ std::optional<std::string_view> physicalPath(const std::optional<description::Li
 }
 
 /// A link that does not follow from path and place.
-std::optional<description::Link> unruledLink(const std::optional<description::Link> &link,
-                                             const std::optional<std::string> &path, unsigned place, bool raw) {
-    const bool isRuled = path ? physicalPath(link, place, raw) == *path : isNoLink(link);
-    return isRuled ? std::nullopt : link;
+std::optional<description::Link> unruledLink(const SeenLink &link, const std::optional<std::string> &path,
+                                             unsigned place, bool raw) {
+    const bool isRuled = path ? physicalPath(link, place, raw) == *path : link.kind == SeenLink::none;
+    return isRuled ? std::nullopt : link.describe();
 }
 
 /// One call's errno by ways to open the device, each under a name no longer than needed.
@@ -177,6 +175,31 @@ void describeFailures(const Answers &answers, description::Disk &disk) {
 
 } // namespace
 
+std::string_view TextStore::keep(std::string_view text) {
+    constexpr std::size_t blockSize = 65536;
+    if (text.size() > room) {
+        room = std::max(blockSize, text.size());
+        end = blocks.emplace_back(std::make_unique_for_overwrite<char[]>(room)).get();
+    }
+    std::ranges::copy(text, end);
+    const std::string_view kept(end, text.size());
+    end += text.size();
+    room -= text.size();
+    return kept;
+}
+
+std::optional<description::Link> SeenLink::describe() const {
+    switch (kind) {
+    case unknown:
+        return std::nullopt;
+    case none:
+        return std::optional<description::Link>(std::in_place);
+    case link:
+        break;
+    }
+    return std::optional<description::Link>(std::in_place, std::string(text));
+}
+
 bool Outcomes::agreesWith(const Outcomes &other) const {
     for (std::size_t i = 0; i < questions; ++i) {
         if (errors[i] != other.errors[i] && errors[i] != notAsked && other.errors[i] != notAsked) {
@@ -209,13 +232,18 @@ bool Answers::agreesWith(const Answers &other) const {
 
 void Answers::add(Answers &&other) {
     for (std::size_t i = 0; i < commands.size(); ++i) {
-        if (commands[i].empty()) {
+        if (commands[i].empty() && !other.commands[i].empty()) {
             commands[i] = std::move(other.commands[i]);
         }
     }
     outcomes.add(other.outcomes);
     addTo(geometry, std::move(other.geometry));
     addTo(label, std::move(other.label));
+}
+
+void DiskGroups::reserve(std::size_t entries) {
+    groups.reserve(entries / usualSlices);
+    byDiskName.reserve(entries / usualSlices);
 }
 
 std::size_t DiskGroups::add(SeenEntry &&entry) {
@@ -235,13 +263,14 @@ std::size_t DiskGroups::add(SeenEntry &&entry) {
         } else {
             ofDisk.push_back(chosen);
             groups.push_back({std::string(parts.disk), !raw, raw, {}, {}});
+            groups.back().slices.reserve(usualSlices);
         }
     }
     Group &group = groups[chosen];
     SeenSlice &slice = group.slices.emplace_back();
     slice.suffix = parts.suffix;
     slice.place = parts.place;
-    (raw ? slice.rawLink : slice.link) = std::move(entry.link);
+    (raw ? slice.rawLink : slice.link) = entry.link;
     slice.device = entry.device;
     slice.partition = entry.partition;
     slice.isMounted = entry.isMounted;
@@ -251,9 +280,12 @@ std::size_t DiskGroups::add(SeenEntry &&entry) {
 
 std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDisks) {
     const auto putInOrder = [](Group &group) {
-        std::ranges::stable_sort(group.slices, {}, [](const SeenSlice &slice) {
+        const auto placeOf = [](const SeenSlice &slice) {
             return slice.place.value_or(static_cast<unsigned>(mostSlices));
-        });
+        };
+        if (!std::ranges::is_sorted(group.slices, {}, placeOf)) {
+            std::ranges::stable_sort(group.slices, {}, placeOf);
+        }
     };
     std::ranges::for_each(rawDisks.groups, putInOrder);
     std::ranges::for_each(blockDisks.groups, putInOrder);
@@ -281,7 +313,7 @@ std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDis
         partner->isBlock = true;
         partner->answers.add(std::move(block.answers));
         for (std::size_t i = 0; i < block.slices.size(); ++i) {
-            partner->slices[i].link = std::move(block.slices[i].link);
+            partner->slices[i].link = block.slices[i].link;
             addTo(partner->slices[i].device, std::move(block.slices[i].device));
         }
     }
@@ -313,7 +345,7 @@ description::Disk Group::describe() && {
         const SeenSlice &seen = slices[i];
         description::Slice &slice = disk.slices[i];
         const unsigned place = placeOf(i);
-        slice = {seen.suffix, std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt};
+        slice = {std::string(seen.suffix), std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt};
         if (place != i) {
             slice.place = place;
         }
@@ -326,7 +358,7 @@ description::Disk Group::describe() && {
         slice.link = unruledLink(seen.link, disk.path, place, false);
         slice.rawLink = unruledLink(seen.rawLink, disk.path, place, true);
         if (seen.isMounted) {
-            disk.mounted.push_back(seen.suffix);
+            disk.mounted.emplace_back(seen.suffix);
         }
     }
     disk.geometry = answers.geometry;

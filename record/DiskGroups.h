@@ -1,7 +1,7 @@
 #pragma once
 
 #include <array>
-#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -76,15 +76,32 @@ struct Answers {
     void add(Answers &&other);
 };
 
-/// Whether it is known of an entry that it is no link.
-inline bool isNoLink(const std::optional<description::Link> &link) {
-    return link && !*link;
-}
+/// Keeps texts in one place for as long as it lives: a large host has tens of thousands of links.
+class TextStore {
+public:
+    std::string_view keep(std::string_view text);
+
+private:
+    std::vector<std::unique_ptr<char[]>> blocks;
+    std::size_t room = 0; // at the end of the last block
+    char *end = nullptr;
+};
+
+/// What readlink tells of an entry.
+struct SeenLink {
+    enum Kind { unknown, none, link };
+
+    Kind kind = unknown;
+    std::string_view text = {};
+
+    /// Nothing when it is unknown.
+    std::optional<description::Link> describe() const;
+};
 
 /// One entry of a directory.
 struct SeenEntry {
     std::string_view name;
-    std::optional<description::Link> link;
+    SeenLink link;
     std::optional<dev_t> device;
     std::optional<ushort_t> partition;
     bool isMounted = false;
@@ -93,10 +110,10 @@ struct SeenEntry {
 
 /// A slice, as far as it was seen in either directory.
 struct SeenSlice {
-    std::string suffix;            // of its name, behind the disk's
+    std::string_view suffix;       // of its name, behind the disk's
     std::optional<unsigned> place; // that the suffix tells
-    std::optional<description::Link> link;
-    std::optional<description::Link> rawLink;
+    SeenLink link;
+    SeenLink rawLink;
     std::optional<dev_t> device;
     std::optional<ushort_t> partition;
     bool isMounted;
@@ -114,11 +131,14 @@ struct Group {
     description::Disk describe() &&;
 };
 
-/// The entries of one directory.
+/// The entries of one directory. Their names and links have to stay as long as the groups.
 class DiskGroups {
 public:
     explicit DiskGroups(bool isRawDirectory) : raw(isRawDirectory) {
     }
+
+    /// For so many entries to come, if disks have the usual number of slices.
+    void reserve(std::size_t entries);
 
     /// Puts the entry to a group that it agrees with, or into one of its own. Index of the group.
     std::size_t add(SeenEntry &&entry);

@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#include <deque>
+#include <functional>
 #include <span>
 #include <unordered_set>
 #include <utility>
@@ -21,25 +24,46 @@ constexpr std::size_t longestName = 99;   // of an entry that the library opens 
 constexpr std::size_t inquirySize = 255;
 constexpr std::size_t pageSize = 65535;
 
+using Names = std::deque<std::string>;
+
+/// Whether two of the names have one hash.
+bool mayRepeat(const Names &names) {
+    std::vector<std::size_t> table(std::bit_ceil(2 * names.size() + 1)); // by hash; 0 is free
+    for (const std::string &name : names) {
+        const std::size_t hash = std::max<std::size_t>(std::hash<std::string>()(name), 1);
+        std::size_t at = hash & (table.size() - 1);
+        while (table[at] != 0) {
+            if (table[at] == hash) {
+                return true;
+            }
+            at = (at + 1) & (table.size() - 1);
+        }
+        table[at] = hash;
+    }
+    return false;
+}
+
+/// A directory that changes while it is read may show a name twice.
+void dropRepeated(Names &names) {
+    if (mayRepeat(names)) {
+        std::unordered_set<std::string> kept;
+        std::erase_if(names, [&](const std::string &name) { return !kept.insert(name).second; });
+    }
+}
+
 /// The names in a directory in its order, without "." and "..". Nothing when it cannot be opened.
-std::optional<std::vector<std::string>> namesIn(const char *path) {
+std::optional<Names> namesIn(const char *path) {
     tarn::Directory directory(path);
     if (!directory.isOpen()) {
         return std::nullopt;
     }
-    std::vector<std::string> names;
+    Names names;
     while (const char *const name = directory.next()) {
         if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) {
             names.emplace_back(name);
         }
     }
-    // A directory that changes while it is read may show a name twice.
-    std::unordered_set<std::string_view> known(names.size());
-    const auto isKnown = [&](const std::string &name) { return !known.insert(name).second; };
-    if (std::ranges::any_of(names, isKnown)) {
-        std::unordered_set<std::string> kept;
-        std::erase_if(names, [&](const std::string &name) { return !kept.insert(name).second; });
-    }
+    dropRepeated(names);
     return names;
 }
 
@@ -60,7 +84,7 @@ public:
         if (outcome[Question::stat] == 0) {
             entry.device = status.st_rdev;
         }
-        isPlain = outcome[Question::stat] == 0 && S_ISREG(status.st_mode) && isNoLink(entry.link);
+        isPlain = outcome[Question::stat] == 0 && S_ISREG(status.st_mode) && entry.link.kind == SeenLink::none;
         return entry;
     }
 
@@ -79,7 +103,7 @@ public:
             return outcome[question] == ENXIO || outcome[question] == Outcomes::notAsked;
         };
         isPlain = outcome[Question::openForRequests] == ENXIO && isNoDevice(Question::openForCommands) &&
-                  isNoLink(entry.link);
+                  entry.link.kind == SeenLink::none;
         return entry;
     }
 
@@ -104,9 +128,9 @@ private:
         int &outcome = entry.answers.outcomes[Question::readlink];
         outcome = 0;
         if (length >= 0) {
-            entry.link.emplace(std::in_place, link.data(), static_cast<std::size_t>(length));
+            entry.link = {SeenLink::link, links.keep({link.data(), static_cast<std::size_t>(length)})};
         } else if (errno == EINVAL) {
-            entry.link.emplace(); // no link
+            entry.link = {SeenLink::none};
         } else {
             outcome = errno;
         }
@@ -203,6 +227,7 @@ private:
     }
 
     std::array<char, longestLink> link;
+    TextStore links;
     std::array<unsigned char, pageSize> data;
 };
 
@@ -243,6 +268,7 @@ public:
             report.notRead("disks", directory, errnoText(errno));
             return;
         }
+        groups.reserve(names->size());
         std::string path = directory + "/";
         const std::size_t nameAt = path.size();
         for (std::size_t i = 0; i < names->size(); ++i) {
@@ -284,7 +310,7 @@ public:
             }
         }
         if (!isInOrder) {
-            host.listings[directory] = *std::move(names);
+            host.listings[directory].assign(names->begin(), names->end());
         }
     }
 
@@ -313,7 +339,7 @@ private:
     const bool isRaw;
     description::Host &host;
     Report &report;
-    std::optional<std::vector<std::string>> names;
+    std::optional<Names> names;
     DiskGroups groups;
     std::vector<ArrayChoice> choices;
     Asker asker;
@@ -340,9 +366,9 @@ void reportFailures(const Group &group, Report &report) {
         {Question::logSense3B, "LOG SENSE 3B"},
     };
     static_assert(std::size(names) == questions);
-    std::string place = group.diskName + group.slices.front().suffix;
+    std::string place = group.diskName + std::string(group.slices.front().suffix);
     if (group.slices.size() > 1) {
-        place += " to " + group.slices.back().suffix;
+        place.append(" to ").append(group.slices.back().suffix);
     }
     for (const auto &[question, name] : names) {
         const int error = group.answers.outcomes[question];
@@ -360,7 +386,9 @@ void recordDisks(const std::vector<tarn::ArrayNames> &arrays, description::Host 
     raw.walk();
     Walk block(tarn::dev_dsk, {}, host, report);
     block.walk();
-    for (Group &group : DiskGroups::join(std::move(raw.found()), std::move(block.found()))) {
+    std::vector<Group> groups = DiskGroups::join(std::move(raw.found()), std::move(block.found()));
+    host.disks.reserve(groups.size());
+    for (Group &group : groups) {
         reportFailures(group, report);
         host.disks.push_back(std::move(group).describe());
     }

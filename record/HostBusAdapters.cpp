@@ -93,7 +93,7 @@ private:
         const tarn::WithAdapterHandle opened(library, index, name.data());
         HbaAdapter &listed = hba.adapters[index];
         listed.name = name.data();
-        if (refuses("GetAdapterName", opened.status, listed.status.GetAdapterName)) {
+        if (refuses([] { return "GetAdapterName"; }, opened.status, listed.status.GetAdapterName)) {
             return;
         }
         // Adapters are opened by their names: of several with one name it is the first that answers.
@@ -106,7 +106,7 @@ private:
         }
         tarn::refreshInformation(handle, name.data());
         HBA_ADAPTERATTRIBUTES attributes{};
-        if (refuses("GetAdapterAttributes", HBA_GetAdapterAttributes(handle, &attributes),
+        if (refuses([] { return "GetAdapterAttributes"; }, HBA_GetAdapterAttributes(handle, &attributes),
                     adapter->status.GetAdapterAttributes)) {
             return;
         }
@@ -155,24 +155,27 @@ private:
         HbaPort &port = elementAt(adapter->ports, p);
         const std::string number = " port " + std::to_string(p);
         HBA_PORTATTRIBUTES attributes{};
-        if (refuses("GetAdapterPortAttributes" + number, HBA_GetAdapterPortAttributes(handle, p, &attributes),
-                    port.status.GetAdapterPortAttributes)) {
+        if (refuses([&] { return "GetAdapterPortAttributes" + number; },
+                    HBA_GetAdapterPortAttributes(handle, p, &attributes), port.status.GetAdapterPortAttributes)) {
             return;
         }
         port.attributes = attributes;
         ++ports;
         HBA_PORTSTATISTICS statistics{};
-        if (!refuses("GetPortStatistics" + number, HBA_GetPortStatistics(handle, p, &statistics),
+        if (!refuses([&] { return "GetPortStatistics" + number; }, HBA_GetPortStatistics(handle, p, &statistics),
                      port.status.GetPortStatistics)) {
             port.statistics = statistics;
         }
         const HBA_UINT32 discovered = believed("discovered ports of" + number, port.attributes.NumberofDiscoveredPorts,
                                                tarn::maximumDiscoveredPorts);
+        port.discovered.reserve(discovered);
         for (HBA_UINT32 d = 0; d < discovered; ++d) {
             HbaDiscoveredPort &remote = elementAt(port.discovered, d);
             HBA_PORTATTRIBUTES remoteAttributes{};
-            if (!refuses("GetDiscoveredPortAttributes" + number + " remote port " + std::to_string(d),
-                         HBA_GetDiscoveredPortAttributes(handle, p, d, &remoteAttributes),
+            const auto call = [&] {
+                return "GetDiscoveredPortAttributes" + number + " remote port " + std::to_string(d);
+            };
+            if (!refuses(call, HBA_GetDiscoveredPortAttributes(handle, p, d, &remoteAttributes),
                          remote.status.GetDiscoveredPortAttributes)) {
                 remote.attributes = remoteAttributes;
                 ++remotePorts;
@@ -180,11 +183,12 @@ private:
         }
     }
 
-    /// Keeps the answer. Whether it is a refusal, which is reported.
-    bool refuses(const std::string &call, HBA_STATUS status, HbaAnswers &answers) {
+    /// Keeps the answer. Whether it is a refusal, which is reported under the name of `call`.
+    template <class Call>
+    bool refuses(Call call, HBA_STATUS status, HbaAnswers &answers) {
         answers.statuses.push_back(status);
         if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
-            report.notRead("hba", place(call), tarn::StatusString(status));
+            report.notRead("hba", place(call()), tarn::StatusString(status));
         }
         return status != HBA_STATUS_OK;
     }

@@ -25,6 +25,13 @@ int writeWhole(int descriptor, std::string_view text) {
     return 0;
 }
 
+/// Writes what `produce` hands over, as far as that works. 0, or the first errno.
+int writeAll(int descriptor, const Producer &produce) {
+    int error = 0;
+    produce([&](std::string_view part) { error = error == 0 ? writeWhole(descriptor, part) : error; });
+    return error;
+}
+
 /// Holds back what would end the program, so that nothing unfinished is left behind.
 class WithoutSignals {
 public:
@@ -88,13 +95,20 @@ void OutputFile::refuse(const std::string &reason) const {
     throw OutputError(path + ": " + reason);
 }
 
-void OutputFile::write(const std::string &text) const {
+void OutputFile::write(const Producer &produce) const {
     const WithoutSignals held;
     const int descriptor = createNew(unfinishedPath);
     if (descriptor < 0) {
         refuse(std::strerror(errno));
     }
-    int error = writeWhole(descriptor, text);
+    int error = 0;
+    try {
+        error = writeAll(descriptor, produce);
+    } catch (...) {
+        ::close(descriptor);
+        ::unlink(unfinishedPath.c_str());
+        throw;
+    }
     if (error == 0 && ::fsync(descriptor) != 0) {
         error = errno;
     }
@@ -110,9 +124,9 @@ void OutputFile::write(const std::string &text) const {
     }
 }
 
-void writeToStandardOutput(const std::string &text) {
+void writeToStandardOutput(const Producer &produce) {
     std::signal(SIGPIPE, SIG_IGN); // told like any other failure
-    if (const int error = writeWhole(STDOUT_FILENO, text); error != 0) {
+    if (const int error = writeAll(STDOUT_FILENO, produce); error != 0) {
         throw OutputError(std::string("standard output: ") + std::strerror(error));
     }
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
+
+#include "description/JsonWriter.h"
 
 namespace record {
 
@@ -10,14 +13,17 @@ class OutputError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/// Hands over a text part by part.
+using Producer = std::function<void(const description::TextSink &)>;
+
 /// A new file that only its owner may read. It is there whole or not at all.
 class OutputFile {
 public:
     /// Raises OutputError when the file is there already, or none can be made beside it.
     explicit OutputFile(std::string filePath);
 
-    /// Makes the file. Raises OutputError.
-    void write(const std::string &text) const;
+    /// Makes the file of what `produce` hands over. Raises OutputError.
+    void write(const Producer &produce) const;
 
 private:
     [[noreturn]] void refuse(const std::string &reason) const;
@@ -27,6 +33,6 @@ private:
 };
 
 /// Raises OutputError.
-void writeToStandardOutput(const std::string &text);
+void writeToStandardOutput(const Producer &produce);
 
 } // namespace record

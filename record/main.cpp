@@ -141,11 +141,12 @@ void writeDescription(const CommandLine &commandLine) {
         file.emplace(*commandLine.output); // so that nothing is asked in vain
     }
     record::Report report(commandLine.isQuiet, ::isatty(STDERR_FILENO) == 1);
-    const std::string text = description::writeHost(record::recordHost(commandLine.options, report));
+    const description::Host host = record::recordHost(commandLine.options, report);
+    const auto write = [&](const description::TextSink &sink) { description::writeHost(host, sink); };
     if (file) {
-        file->write(text);
+        file->write(write);
     } else {
-        record::writeToStandardOutput(text);
+        record::writeToStandardOutput(write);
     }
     report.finish();
 }
@@ -153,9 +154,10 @@ void writeDescription(const CommandLine &commandLine) {
 int run(std::span<char *const> given) {
     const CommandLine commandLine = parse(given);
     if (commandLine.wantsHelp) {
-        record::writeToStandardOutput(help);
+        record::writeToStandardOutput([](const description::TextSink &sink) { sink(help); });
     } else if (commandLine.wantsVersion) {
-        record::writeToStandardOutput("tarn-record " TARN_VERSION "\n");
+        record::writeToStandardOutput(
+            [](const description::TextSink &sink) { sink("tarn-record " TARN_VERSION "\n"); });
     } else {
         writeDescription(commandLine);
     }
