@@ -2,12 +2,11 @@
 // against itself on a smaller fabric, and against plain Java that builds the same objects.
 
 #include <array>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 
 #include "benchmarks/Comparison.h"
-#include "benchmarks/Hosts.h"
+#include "benchmarks/Fabric.h"
 #include "tests/jvm/HbaTree.h"
 
 extern "C" jobjectArray Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(JNIEnv *, jobject, jobject);
@@ -15,72 +14,12 @@ extern "C" jobjectArray Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(
 namespace bench {
 namespace {
 
-// ---- Fabrics --------------------------------------------------------------------------------------------------------
-
-struct Fabric {
-    int adapters;
-    int ports;       // of each adapter
-    int remotePorts; // that each port has discovered
-    int luns;        // of each remote port
-
-    double instances() const {
-        return adapters * (1.0 + ports * (2.0 + remotePorts * (1.0 + luns)));
-    }
-};
-
 constexpr Fabric usualFabric{2, 2, 64, 4};
 constexpr Fabric smallFabric{1, 1, 32, 32};
 constexpr Fabric largeFabric{1, 1, 2048, 32};
 
-// The texts of a fabric, for its description and for the loops.
-
-constexpr const char *nodeName = "200000e08b010203";
-constexpr const char *portName = "210000e08b010203";
-constexpr const char *fabricName = "1000006069c01020";
-constexpr const char *symbolicName = "Port of a remote array, controller 1";
-constexpr const char *portDevice = "/dev/cfg/c2";
-
-std::string remotePortName(int remotePort) {
-    std::array<char, 17> text;
-    std::snprintf(text.data(), text.size(), "50060e80%08x", static_cast<unsigned>(remotePort));
-    return text.data();
-}
-
-std::string quoted(const std::string &text) {
-    return "\"" + text + "\"";
-}
-
-std::string portAttributes(const std::string &name) {
-    return R"("attributes": {"NodeWWN": ")" + std::string(nodeName) + R"(", "PortWWN": ")" + name +
-           R"(", "PortFcId": 66048, "PortType": 5, "PortState": 2, "PortSupportedClassofService": 8,
-        "PortSymbolicName": ")" +
-           symbolicName + R"(", "OSDeviceName": ")" + portDevice +
-           R"(", "PortSupportedSpeed": 2, "PortSpeed": 2, "PortMaxFrameSize": 2048, "FabricName": ")" + fabricName +
-           "\"}";
-}
-
 std::string describe(const Fabric &fabric) {
-    const auto remotePort = [](int r) { return "{" + portAttributes(remotePortName(r)) + "}"; };
-    const auto port = [&](int) {
-        return "{" + portAttributes(portName) + R"(, "statistics": {"TxFrames": 1}, "discovered": )" +
-               listOf(fabric.remotePorts, remotePort) + "}";
-    };
-    const auto entry = [&](int e) { // neighbours in the table lead to different ports
-        const int target = e % fabric.remotePorts;
-        const std::string lun = std::to_string(e / fabric.remotePorts);
-        return R"({"ScsiId": {"OSDeviceName": ")" + ("/dev/rdsk/c2t" + remotePortName(target) + "d" + lun) +
-               R"(s2", "ScsiBusNumber": 2, "ScsiTargetNumber": )" + std::to_string(target) + R"(, "ScsiOSLun": )" +
-               lun + R"(}, "FcpId": {"FcpLun": 281474976710656, "PortWWN": )" + quoted(remotePortName(target)) + "}}";
-    };
-    const auto adapter = [&](int a) {
-        return R"({"name": "hba-)" + std::to_string(a) + R"(", "attributes": {"NodeWWN": )" + quoted(nodeName) +
-               R"(, "Manufacturer": "text", "SerialNumber": "text", "Model": "text", "ModelDescription": "text",
-            "NodeSymbolicName": "text", "HardwareVersion": "text", "DriverVersion": "text", "OptionROMVersion": "text",
-            "FirmwareVersion": "text", "DriverName": "text", "VendorSpecificID": 1}, "ports": )" +
-               listOf(fabric.ports, port) + R"(, "targetMapping": )" + listOf(fabric.remotePorts * fabric.luns, entry) +
-               "}";
-    };
-    return R"({"hba": {"adapters": )" + listOf(fabric.adapters, adapter) + "}}";
+    return "{" + hbaOf(fabric) + "}";
 }
 
 // ---- What is called in Java, looked up once -------------------------------------------------------------------------
