@@ -96,6 +96,23 @@ inline constexpr auto
                                                             MEMBER(HbaAdapter::Status, GetFcpTargetMapping));
 
 template <>
+struct Form<TargetMapping> {
+    using List = Form<std::vector<HBA_FCPSCSIENTRY>>;
+
+    static void read(const Json &value, const Place &place, TargetMapping &into) {
+        std::vector<HBA_FCPSCSIENTRY> entries;
+        List::read(value, place, entries);
+        into = TargetMapping(std::move(entries));
+    }
+    static bool isSame(const TargetMapping &value, const TargetMapping &usual) {
+        return value.entries().empty() && usual.entries().empty();
+    }
+    static void write(JsonWriter &writer, const TargetMapping &value, const TargetMapping &) {
+        List::write(writer, value.entries(), {});
+    }
+};
+
+template <>
 inline constexpr auto
     members<HbaAdapter> = table<HbaAdapter>(MEMBER(HbaAdapter, name), MEMBER(HbaAdapter, openFailures),
                                             MEMBER(HbaAdapter, attributes), MEMBER(HbaAdapter, ports),

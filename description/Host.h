@@ -2,9 +2,12 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -117,6 +120,29 @@ struct HbaPort {
     Status status;
 };
 
+/// The entries of a target mapping, wherever they came to be: on a large host they are tens of megabytes, which nobody
+/// copies.
+class TargetMapping {
+public:
+    TargetMapping() = default;
+    explicit TargetMapping(std::vector<HBA_FCPSCSIENTRY> &&list) {
+        const auto kept = std::make_shared<const std::vector<HBA_FCPSCSIENTRY>>(std::move(list));
+        known = *kept;
+        storage = kept;
+    }
+    TargetMapping(std::shared_ptr<const void> &&storageOfEntries, std::span<const HBA_FCPSCSIENTRY> entriesInIt)
+        : storage(std::move(storageOfEntries)), known(entriesInIt) {
+    }
+
+    std::span<const HBA_FCPSCSIENTRY> entries() const {
+        return known;
+    }
+
+private:
+    std::shared_ptr<const void> storage;
+    std::span<const HBA_FCPSCSIENTRY> known;
+};
+
 struct HbaAdapter {
     struct Status {
         HbaAnswers GetAdapterName;
@@ -127,7 +153,7 @@ struct HbaAdapter {
     unsigned openFailures;
     HBA_ADAPTERATTRIBUTES attributes;
     std::vector<HbaPort> ports;
-    std::vector<HBA_FCPSCSIENTRY> targetMapping;
+    TargetMapping targetMapping;
     std::optional<HBA_UINT32> NumberOfEntries; // that the library claims; without it, as many as there are
     Status status;
 };

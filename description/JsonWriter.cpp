@@ -10,7 +10,15 @@ namespace description {
 namespace {
 
 constexpr std::size_t indentationStep = 2;
-constexpr const char *digits = "0123456789abcdef";
+
+constexpr auto digitPairs = [] {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::array<std::array<char, 2>, 256> pairs{};
+    for (std::size_t byte = 0; byte < pairs.size(); ++byte) {
+        pairs[byte] = {digits[byte >> 4], digits[byte & 15]};
+    }
+    return pairs;
+}();
 
 constexpr auto plainCharacters = [] {
     std::array<unsigned char, 256> plain{};
@@ -88,7 +96,7 @@ void JsonWriter::separateFromLast() {
         }
         newLine();
     } else if (!level.isEmpty) {
-        put(std::string_view(", "));
+        put(inlineSeparator);
     }
     level.isEmpty = false;
 }
@@ -135,10 +143,11 @@ void JsonWriter::hex(std::span<const unsigned char> bytes, bool isSpaced) {
     separate();
     put('"');
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (isSpaced && i != 0) {
-            put(' ');
-        }
-        put(digits[bytes[i] >> 4], digits[bytes[i] & 15]);
+        makeRoom(3);
+        buffer[used] = ' ';
+        used += isSpaced && i != 0 ? 1 : 0;
+        std::memcpy(buffer.data() + used, digitPairs[bytes[i]].data(), 2);
+        used += 2;
     }
     put('"');
 }

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 #include <initializer_list>
+#include <limits>
 #include <span>
 #include <string_view>
 #include <utility>
@@ -19,17 +20,32 @@ enum class Layout { inline_, lines };
 /// Takes a text part by part.
 using TextSink = std::function<void(std::string_view)>;
 
-/// A member's name that needs no escapes, made ready to be written.
-struct PlainName {
-    static constexpr std::size_t most = 40;
+/// What stands between two members or elements on one line.
+inline constexpr std::string_view inlineSeparator = ", ";
 
-    explicit constexpr PlainName(std::string_view name) : size(name.size() + 4) {
-        characters.at(0) = '"';
-        std::ranges::copy(name, characters.begin() + 1);
-        std::ranges::copy(std::string_view("\": "), characters.begin() + 1 + name.size());
+/// A member's name that needs no escapes, made ready to be written, behind another member or without what separates
+/// them.
+class PlainName {
+public:
+    explicit constexpr PlainName(std::string_view name) : size(inlineSeparator.size() + name.size() + 4) {
+        auto at = std::ranges::copy(inlineSeparator, characters.begin()).out;
+        *at++ = '"';
+        at = std::ranges::copy(name, at).out;
+        std::ranges::copy(std::string_view("\": "), at);
+        static_cast<void>(characters.at(size + inlineSeparator.size() - 1)); // a longer name does not compile
     }
 
-    std::array<char, most> characters{}; // a longer name does not compile
+    static constexpr std::size_t most = 40; // characters, of which all are copied: that is faster than what it needs
+
+    /// Returns how many characters of the copy are the name's.
+    std::size_t copyTo(char *text, bool isBehindAnother) const {
+        const std::size_t from = isBehindAnother ? 0 : inlineSeparator.size();
+        std::memcpy(text, characters.data() + from, most);
+        return size - from;
+    }
+
+private:
+    std::array<char, most + inlineSeparator.size()> characters{};
     std::size_t size;
 };
 
@@ -58,12 +74,14 @@ public:
 
     /// The same of a name that was made ready.
     void name(const PlainName &text) {
-        separate();
-        if (PlainName::most > buffer.size() - used) {
-            flush();
+        bool isBehindAnother = false;
+        if (levels.back().layout == Layout::lines) {
+            separate();
+        } else {
+            isBehindAnother = !std::exchange(levels.back().isEmpty, false);
         }
-        std::memcpy(buffer.data() + used, text.characters.data(), PlainName::most); // faster than what it needs
-        used += text.size;
+        makeRoom(PlainName::most);
+        used += text.copyTo(buffer.data() + used, isBehindAnother);
         isNamed = true;
     }
 
@@ -79,9 +97,9 @@ public:
     template <class Number>
     void number(Number value) {
         separate();
-        std::array<char, 24> digits;
-        const auto [last, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-        put(std::string_view(digits.data(), last));
+        makeRoom(std::numeric_limits<Number>::digits10 + 2);
+        char *const end = buffer.data() + buffer.size();
+        used = static_cast<std::size_t>(std::to_chars(buffer.data() + used, end, value).ptr - buffer.data());
     }
 
     void null() {
@@ -116,6 +134,13 @@ private:
             isNamed = false;
         } else {
             separateFromLast();
+        }
+    }
+
+    /// For so many characters to come, far fewer than the buffer holds.
+    void makeRoom(std::size_t characters) {
+        if (characters > buffer.size() - used) [[unlikely]] {
+            flush();
         }
     }
 

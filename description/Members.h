@@ -344,7 +344,7 @@ struct Form<std::vector<T>> {
             return value.empty() && usual.empty();
         }
     }
-    static void write(JsonWriter &writer, const std::vector<T> &value, const std::vector<T> &) {
+    static void write(JsonWriter &writer, std::span<const T> value, std::span<const T>) {
         writer.beginList(Described<T> ? Layout::lines : Layout::inline_);
         for (const T &element : value) {
             Form<T>::write(writer, element, Usual<T>::of(element));

@@ -201,6 +201,9 @@ std::optional<description::Link> SeenLink::describe() const {
 }
 
 bool Outcomes::agreesWith(const Outcomes &other) const {
+    if (errors == other.errors) {
+        return true; // as of nearly all slices of a disk
+    }
     for (std::size_t i = 0; i < questions; ++i) {
         if (errors[i] != other.errors[i] && errors[i] != notAsked && other.errors[i] != notAsked) {
             return false;
@@ -210,6 +213,9 @@ bool Outcomes::agreesWith(const Outcomes &other) const {
 }
 
 void Outcomes::add(const Outcomes &other) {
+    if (errors == other.errors) {
+        return;
+    }
     for (std::size_t i = 0; i < questions; ++i) {
         if (errors[i] == notAsked) {
             errors[i] = other.errors[i];
@@ -243,7 +249,7 @@ void Answers::add(Answers &&other) {
 
 void DiskGroups::reserve(std::size_t entries) {
     groups.reserve(entries / usualSlices);
-    byDiskName.reserve(entries / usualSlices);
+    firstByDiskName.reserve(entries / usualSlices);
 }
 
 std::size_t DiskGroups::add(SeenEntry &&entry) {
@@ -256,14 +262,19 @@ std::size_t DiskGroups::add(SeenEntry &&entry) {
     if (!groups.empty() && groups.back().diskName == parts.disk && fits(groups.back())) {
         chosen = groups.size() - 1; // the entries of a disk mostly follow one another
     } else {
-        std::vector<std::size_t> &ofDisk = byDiskName[std::string(parts.disk)];
-        const auto found = std::ranges::find_if(ofDisk, [&](std::size_t index) { return fits(groups[index]); });
-        if (found != ofDisk.end()) {
-            chosen = *found;
+        std::size_t *ofDisk = &firstByDiskName.try_emplace(parts.disk, Group::none).first->second;
+        while (*ofDisk != Group::none && !fits(groups[*ofDisk])) {
+            ofDisk = &groups[*ofDisk].next;
+        }
+        if (*ofDisk != Group::none) {
+            chosen = *ofDisk;
         } else {
-            ofDisk.push_back(chosen);
-            groups.push_back({std::string(parts.disk), !raw, raw, {}, {}});
-            groups.back().slices.reserve(usualSlices);
+            *ofDisk = chosen;
+            Group &added = groups.emplace_back();
+            added.diskName = parts.disk;
+            added.isBlock = !raw;
+            added.isRaw = raw;
+            added.slices.reserve(usualSlices);
         }
     }
     Group &group = groups[chosen];
@@ -294,27 +305,25 @@ std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDis
     };
     std::vector<Group> joined = std::move(rawDisks.groups);
     for (Group &block : blockDisks.groups) {
-        const auto found = rawDisks.byDiskName.find(block.diskName);
-        Group *partner = nullptr;
-        if (found != rawDisks.byDiskName.end()) {
-            for (const std::size_t index : found->second) {
-                Group &raw = joined[index];
-                if (!raw.isBlock && std::ranges::equal(raw.slices, block.slices, isSameSlice) &&
-                    hasMajorOf(raw, block.slices.front().device) && raw.answers.agreesWith(block.answers)) {
-                    partner = &raw;
-                    break;
-                }
-            }
+        const auto agrees = [&](const Group &other) {
+            return !other.isBlock && std::ranges::equal(other.slices, block.slices, isSameSlice) &&
+                   hasMajorOf(other, block.slices.front().device) && other.answers.agreesWith(block.answers);
+        };
+        const auto first = rawDisks.firstByDiskName.find(block.diskName);
+        std::size_t index = first == rawDisks.firstByDiskName.end() ? Group::none : first->second;
+        while (index != Group::none && !agrees(joined[index])) {
+            index = joined[index].next;
         }
-        if (partner == nullptr) {
+        if (index == Group::none) {
             joined.push_back(std::move(block));
             continue;
         }
-        partner->isBlock = true;
-        partner->answers.add(std::move(block.answers));
+        Group &partner = joined[index];
+        partner.isBlock = true;
+        partner.answers.add(std::move(block.answers));
         for (std::size_t i = 0; i < block.slices.size(); ++i) {
-            partner->slices[i].link = block.slices[i].link;
-            addTo(partner->slices[i].device, std::move(block.slices[i].device));
+            partner.slices[i].link = block.slices[i].link;
+            addTo(partner.slices[i].device, std::move(block.slices[i].device));
         }
     }
     return joined;
@@ -322,7 +331,7 @@ std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDis
 
 description::Disk Group::describe() && {
     description::Disk disk{};
-    disk.name = std::move(diskName);
+    disk.name = diskName;
     if (!isBlock || !isRaw) {
         disk.directories = {std::string(isRaw ? description::rawDirectory : description::blockDirectory)};
     }

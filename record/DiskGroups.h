@@ -121,7 +121,10 @@ struct SeenSlice {
 
 /// Slices of one disk that answer alike.
 struct Group {
-    std::string diskName;
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+    std::string_view diskName;
+    std::size_t next = none; // index of another group of that name
     bool isBlock;
     bool isRaw;
     std::vector<SeenSlice> slices;
@@ -150,7 +153,7 @@ public:
 
 private:
     bool raw;
-    std::unordered_map<std::string, std::vector<std::size_t>> byDiskName;
+    std::unordered_map<std::string_view, std::size_t> firstByDiskName; // index of a group
 };
 
 } // namespace record

@@ -366,7 +366,7 @@ void reportFailures(const Group &group, Report &report) {
         {Question::logSense3B, "LOG SENSE 3B"},
     };
     static_assert(std::size(names) == questions);
-    std::string place = group.diskName + std::string(group.slices.front().suffix);
+    std::string place = std::string(group.diskName).append(group.slices.front().suffix);
     if (group.slices.size() > 1) {
         place.append(" to ").append(group.slices.back().suffix);
     }

@@ -133,21 +133,24 @@ private:
         });
         if (!isFetched) {
             report.notRead("hba", place("GetFcpTargetMapping"), tarn::StatusString(mapping.status()));
-            if (claimed != 0 && adapter->targetMapping.empty()) {
+            if (claimed != 0 && adapter->targetMapping.entries().empty()) {
                 adapter->NumberOfEntries = claimed;
             }
             return;
         }
-        const std::span<HBA_FCPSCSIENTRY> entries = mapping.entries();
-        std::size_t count = entries.size();
-        while (count > 0 && isBlank(entries[count - 1])) {
-            --count;
+        std::span<HBA_FCPSCSIENTRY> entries = mapping.entries();
+        while (!entries.empty() && isBlank(entries.back())) {
+            entries = entries.first(entries.size() - 1);
         }
-        adapter->targetMapping.assign(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(count));
-        if (claimed != count) {
+        if (claimed != entries.size()) {
             adapter->NumberOfEntries = claimed;
         }
-        mappings += count;
+        mappings += entries.size();
+        if (std::shared_ptr<const void> heap = mapping.takeHeap()) {
+            adapter->targetMapping = {std::move(heap), entries};
+        } else {
+            adapter->targetMapping = description::TargetMapping({entries.begin(), entries.end()});
+        }
         mapping.release();
     }
 

@@ -93,13 +93,13 @@ HBA_STATUS copyMapping(const HbaAdapter &adapter, HBA_FCPTARGETMAPPING *mapping)
     if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_MORE_DATA) {
         return status;
     }
-    const std::size_t present = adapter.targetMapping.size();
+    const std::size_t present = adapter.targetMapping.entries().size();
     const HBA_UINT32 claimed = adapter.NumberOfEntries.value_or(static_cast<HBA_UINT32>(present));
     const HBA_UINT32 room = mapping->NumberOfEntries;
     auto *entries = reinterpret_cast<char *>(mapping) + offsetof(HBA_FCPTARGETMAPPING, entry);
     // What is claimed beyond those there are is counted and not written.
     if (const std::size_t written = std::min<std::size_t>({claimed, room, present}); written != 0) {
-        std::memcpy(entries, adapter.targetMapping.data(), written * sizeof(HBA_FCPSCSIENTRY));
+        std::memcpy(entries, adapter.targetMapping.entries().data(), written * sizeof(HBA_FCPSCSIENTRY));
     }
     mapping->NumberOfEntries = claimed;
     return claimed > room ? HBA_STATUS_ERROR_MORE_DATA : status;
