@@ -104,7 +104,7 @@ class Package(unittest.TestCase):
 
     def test_the_manifests_for_solaris(self):
         must("cmake", "--build", BUILD, "--target", "solaris_packages")
-        installed = tree(BUILD / "solaris/root")
+        installed = tree(BUILD / "solaris/proto")
         files = {path: mode for path, mode in installed.items() if mode != "d"}
         own = {path for path, mode in installed.items() if mode == "d" and "/tarnsolaris" in path}
         self.assertGreater(len(files), 10)
@@ -113,7 +113,7 @@ class Package(unittest.TestCase):
         for path, mode in installed.items():
             attributes = "0755 root bin" if path in own else "? ? ?"
             wanted.append(f"d none {path} {attributes}" if mode == "d" else
-                          f"f none {path}={BUILD}/solaris/root/{path} {mode} root bin" if mode.startswith("0") else
+                          f"f none {path}={BUILD}/solaris/proto/{path} {mode} root bin" if mode.startswith("0") else
                           f"s none {path}={mode}")
         self.assertEqual(sorted((BUILD / "solaris/prototype").read_text().splitlines()), sorted(wanted))
         for line in wanted[:3]:

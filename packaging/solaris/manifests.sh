@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Says of an install tree what Solaris' package systems want to know: manifests.sh FOLDER VERSION VERSION-FILE ARCHITECTURE
-# FOLDER/root is the tree. Beside it come, for pkgmk, pkginfo, depend, copyright and prototype, and, for pkgsend,
+# FOLDER/proto is the tree. Beside it come, for pkgmk, pkginfo, depend, copyright and prototype, and, for pkgsend,
 # tarnsolaris.p5m. A folder of the system's keeps the attributes it has there.
 set -euo pipefail
 export LC_ALL=C
 
 folder=$1 version=$2 full_version=$(<"$3") architecture=$4
-tree=$folder/root
+tree=$folder/proto
 summary="Solaris providers of a storage-management agent"
 [[ $tree != *[[:space:]]* ]] || { echo "a prototype cannot name a path with blanks: $tree" >&2; exit 1; }
 
