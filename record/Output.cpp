@@ -38,7 +38,7 @@ public:
     WithoutSignals() {
         sigset_t ending;
         sigemptyset(&ending);
-        for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
             sigaddset(&ending, signal);
         }
         sigprocmask(SIG_BLOCK, &ending, &before);
@@ -71,7 +71,12 @@ int giveName(const std::string &unfinished, const std::string &path) {
         return errno;
     }
     ::close(reserved);
-    return ::rename(unfinished.c_str(), path.c_str()) == 0 ? 0 : errno;
+    if (::rename(unfinished.c_str(), path.c_str()) == 0) {
+        return 0;
+    }
+    const int error = errno;
+    ::unlink(path.c_str());
+    return error;
 }
 
 } // namespace
@@ -125,7 +130,6 @@ void OutputFile::write(const Producer &produce) const {
 }
 
 void writeToStandardOutput(const Producer &produce) {
-    std::signal(SIGPIPE, SIG_IGN); // told like any other failure
     if (const int error = writeAll(STDOUT_FILENO, produce); error != 0) {
         throw OutputError(std::string("standard output: ") + std::strerror(error));
     }

@@ -1,6 +1,8 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <span>
@@ -112,6 +114,9 @@ CommandLine parse(std::span<char *const> given) {
     while (const std::optional<std::string_view> option = arguments.nextOption()) {
         if (*option == "--output") {
             parsed.output = arguments.value("a file");
+            if (parsed.output->empty()) {
+                throw BadUsage("--output: '' is no file");
+            }
         } else if (*option == "--array") {
             constexpr const char *names = "four names: CONTROLLER1 CONTROLLER2 VENDOR PRODUCT";
             const char *const controller1 = arguments.value(names);
@@ -133,6 +138,16 @@ CommandLine parse(std::span<char *const> given) {
         arguments.finishOption();
     }
     return parsed;
+}
+
+/// No device, nor a pipe, is to be opened in the place of a standard stream that is closed: what is written there would
+/// go to it.
+void occupyStandardStreams() {
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(standard, F_GETFD) == -1) {
+            ::open("/dev/null", O_RDONLY);
+        }
+    }
 }
 
 void writeDescription(const CommandLine &commandLine) {
@@ -167,6 +182,9 @@ int run(std::span<char *const> given) {
 } // namespace
 
 int main(int count, char **arguments) {
+    occupyStandardStreams();
+    std::signal(SIGPIPE, SIG_IGN); // a write that fails is told, and nothing is left half done
+    std::signal(SIGXFSZ, SIG_IGN);
     int status = statusNotWritten;
     try {
         return run(std::span<char *const>(arguments, static_cast<std::size_t>(count)).subspan(count > 0 ? 1 : 0));

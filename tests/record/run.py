@@ -150,6 +150,21 @@ class Recorder(unittest.TestCase):
         self.assertEqual(json.loads(Path(self.file).read_text())["uname"]["nodename"], "rill")
         self.assertEqual(os.listdir(self.folder.name), ["host.json"])
 
+    def test_what_the_shell_closes_or_limits_spoils_no_file(self):
+        def shell(script):
+            return run(["sh", "-c", script, *RECORDER, self.file]).returncode
+        self.assertEqual(shell('ulimit -f 1; exec "$0" --quiet --output "$1"'), 1)
+        self.assertEqual(os.listdir(self.folder.name), [])
+        self.assertEqual(shell('exec "$0" --quiet >&-'), 1)
+        self.assertEqual(shell('exec "$0" --output "$1" <&- >&- 2>&-'), 0)
+        self.assertEqual(json.loads(Path(self.file).read_text())["statvfs"]["/"]["f_bsize"], 8192)
+        os.unlink(self.file)
+        reader, ended = os.pipe()
+        os.close(reader)
+        done = subprocess.run([*RECORDER, "--output", self.file], stderr=ended, timeout=60)
+        os.close(ended)
+        self.assertEqual((done.returncode, os.listdir(self.folder.name)), (0, ["host.json"]))
+
     def test_what_is_refused_is_one_line_and_no_file(self):
         Path(self.folder.name, "old").write_text("old")
         folder, usage = self.folder.name, " (try 'tarn-record --help')"
@@ -157,6 +172,7 @@ class Recorder(unittest.TestCase):
                 (["--output", f"{folder}/old"], 1, f"{folder}/old: File exists"),
                 (["--output", f"{folder}/no/file"], 1, f"{folder}/no/file: No such file or directory"),
                 (["--output"], 2, "--output takes a file" + usage),
+                (["--output="], 2, "--output: '' is no file" + usage),
                 (["--frob=1"], 2, "unknown option '--frob'" + usage),
                 (["rill"], 2, "surplus argument 'rill'" + usage),
                 (["--quiet=yes"], 2, "--quiet takes no value" + usage),
