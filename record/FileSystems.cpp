@@ -143,8 +143,10 @@ void recordFileSystems(unsigned timeout, description::Host &host, Report &report
         }
     };
     for (std::size_t next = 0; next < mountPoints.size(); ++next) {
+        report.progress("statvfs", next, mountPoints.size());
         int error = 0;
         next = askFrom(mountPoints, next, timeout, error, [&](const SizesAnswer &answer) {
+            report.progress("statvfs", answer.index, mountPoints.size());
             if (answer.error != 0) {
                 refuse(answer.index, answer.error);
                 return;

@@ -32,6 +32,7 @@ void Report::showProgress(const char *name, std::size_t done, std::size_t all) {
     std::fprintf(stderr, "\r%s: %zu of %zu", name, done, all);
     std::fflush(stderr);
     progressIsShown = true;
+    lastShown = Clock::now();
 }
 
 void Report::clearProgress() {

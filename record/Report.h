@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -16,9 +17,10 @@ public:
     /// A line for a section that is done, such as "processors: 4".
     void section(const std::string &name, const std::string &result);
 
-    /// How far a section with many elements has come; shown now and then, on a terminal only.
+    /// How far a section with many elements has come; shown now and then, on a terminal only: after so many elements, or
+    /// once they take long.
     void progress(const char *name, std::size_t done, std::size_t all) {
-        if (moving && done % progressStep == 0 && done != 0) {
+        if (moving && done != 0 && (done % progressStep == 0 || Clock::now() - lastShown >= std::chrono::seconds(1))) {
             showProgress(name, done, all);
         }
     }
@@ -30,6 +32,8 @@ public:
     void finish();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     static constexpr std::size_t progressStep = 100;
 
     void showProgress(const char *name, std::size_t done, std::size_t all);
@@ -38,6 +42,7 @@ private:
     bool quiet;
     bool moving;
     bool progressIsShown = false;
+    Clock::time_point lastShown = Clock::now();
     std::vector<std::string> missing;
 };
 

@@ -143,6 +143,17 @@ class Recorder(unittest.TestCase):
         self.assertEqual(undated(done.stdout), b'{\n  "recordedAt": "2026-11-24T10:00:00Z",\n'
                                                b'  "uname": {"nodename": "other"}\n}\n')
 
+    def test_a_recording_ends_with_tarn(self):
+        host = scratch_host({"mnttab": ["a\t/a\tufs\trw\t1"], "statvfs": {"/a": {"seconds": 60}}})
+        started = subprocess.Popen([TARN, "record", "--timeout=20", "--output", self.file], stderr=subprocess.PIPE,
+                                   env={**os.environ, "TARN_HOST": host})
+        with started:
+            while b"mnttab" not in started.stderr.readline():
+                pass
+            started.terminate()
+            self.assertEqual(started.stderr.read().count(b"statvfs"), 0)  # ends with the recorder
+        self.assertEqual(os.listdir(self.folder.name), [])
+
     def test_a_file_is_made_whole_for_its_owner_only(self):
         os.umask(0o000)
         self.assertEqual(run([*RECORDER, f"--output={self.file}"]).returncode, 0)
@@ -200,9 +211,10 @@ class Recorder(unittest.TestCase):
         self.assertNotIn("\r", told)
         self.assertIn(b"/dev/rdsk: 200 of 250", self.on_terminal(host))
 
-    def on_terminal(self, host):
+    def on_terminal(self, host, *options):
         shown, (reader, terminal) = b"", pty.openpty()
-        with subprocess.Popen(RECORDER, env={**os.environ, "TARN_HOST": host}, stdout=subprocess.DEVNULL, stderr=terminal):
+        environment = {**os.environ, "TARN_HOST": host}
+        with subprocess.Popen([*RECORDER, *options], env=environment, stdout=subprocess.DEVNULL, stderr=terminal):
             os.close(terminal)
             try:
                 while more := os.read(reader, 65536):
@@ -223,6 +235,7 @@ class Recorder(unittest.TestCase):
             "/first": {"f_blocks": 1}, "/gone": {"fails": "ETIMEDOUT"}, "/last": {"f_blocks": 3}})
         self.assertIn(b"statvfs: 2 of 3 file systems\n", done.stderr)
         self.assertIn(b"  statvfs: /gone: Connection timed out\n", done.stderr)
+        self.assertIn(b"\rstatvfs: 2 of 3", self.on_terminal(host, "--timeout", "1"))
 
 
 def main():
