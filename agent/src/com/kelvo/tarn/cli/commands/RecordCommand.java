@@ -5,6 +5,7 @@ import java.io.IOException;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.concurrent.Callable;
+import java.util.concurrent.atomic.AtomicReference;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Option;
@@ -70,6 +71,21 @@ public final class RecordCommand implements Callable<Integer> {
         if (host != null) {
             recorder.environment().put("TARN_HOST", host.getPath());
         }
-        return recorder.start().waitFor();
+        AtomicReference<Process> started = new AtomicReference<>();
+        Runtime.getRuntime().addShutdownHook(new Thread(() -> end(started)));
+        synchronized (started) {
+            started.set(recorder.start());
+        }
+        return started.get().waitFor();
+    }
+
+    /** What ends the command line ends the recorder too, even one that is just being started. */
+    private static void end(AtomicReference<Process> started) {
+        synchronized (started) {
+            Process recorder = started.get();
+            if (recorder != null) {
+                recorder.destroy();
+            }
+        }
     }
 }
