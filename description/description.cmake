@@ -2,7 +2,7 @@
 
 # Where nlohmann/json.hpp is: header-only, so a cross compiler may use the build machine's, but must not see what lies
 # around it.
-find_path(NLOHMANN_JSON nlohmann/json.hpp PATHS /usr/include REQUIRED NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+find_path(NLOHMANN_JSON nlohmann/json.hpp REQUIRED NO_CMAKE_FIND_ROOT_PATH)
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/include)
 file(CREATE_LINK ${NLOHMANN_JSON}/nlohmann ${CMAKE_BINARY_DIR}/include/nlohmann SYMBOLIC)
 

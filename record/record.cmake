@@ -9,3 +9,7 @@ tarn_version_file(${CMAKE_CURRENT_LIST_DIR}/Version.h.in ${CMAKE_BINARY_DIR}/rec
 add_executable(tarn-record ${CMAKE_CURRENT_LIST_DIR}/main.cpp ${CMAKE_BINARY_DIR}/record/Version.h)
 target_include_directories(tarn-record PRIVATE ${CMAKE_BINARY_DIR})
 target_link_libraries(tarn-record PRIVATE tarn_record_code)
+if(CMAKE_SYSTEM_NAME STREQUAL "SunOS" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # It goes alone to hosts that have no such C++ library.
+    target_link_options(tarn-record PRIVATE -static-libstdc++ -static-libgcc)
+endif()
