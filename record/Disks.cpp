@@ -368,7 +368,8 @@ void reportFailures(const Group &group, Report &report) {
     static_assert(std::size(names) == questions);
     std::string place = std::string(group.diskName).append(group.slices.front().suffix);
     if (group.slices.size() > 1) {
-        place.append(" to ").append(group.slices.back().suffix);
+        const std::string_view last = group.slices.back().suffix;
+        place.append(" to ").append(last.empty() ? group.diskName : last); // which an EFI disk's own entry is
     }
     for (const auto &[question, name] : names) {
         const int error = group.answers.outcomes[question];

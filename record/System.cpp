@@ -88,6 +88,9 @@ void recordMountTable(description::Host &host, Report &report) {
     while (const std::size_t size = std::fread(part.data(), 1, part.size(), file)) {
         text.append(part.data(), size);
     }
+    if (std::ferror(file) != 0) {
+        report.notRead("mnttab", "its end", errnoText(errno));
+    }
     solaris::fclose(file);
     std::erase(text, '\0'); // which no line holds
     if (!text.empty() && text.back() != '\n') {

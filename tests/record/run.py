@@ -201,15 +201,17 @@ class Recorder(unittest.TestCase):
 
     def test_it_says_what_it_does(self):
         disks = [{"name": f"c{i}", "slices": ["s0"], "fails": {"open": "EBUSY"} if i == 7 else {}} for i in range(250)]
+        disks[9] = {"name": "c9", "slices": ["s0", ""], "directories": ["/dev/dsk"], "fails": {"stat": "EIO"}}
         host = scratch_host({"disks": disks, "mnttab": ["a\t/a\tufs\trw\t1"]})
         told = run([*RECORDER], host).stderr.decode()
-        for line in ("mnttab: 1 line", "disks: 250 raw devices", "statvfs: 0 of 1 file system", "Not read:",
+        for line in ("mnttab: 1 line", "disks: 249 raw devices", "statvfs: 0 of 1 file system", "Not read:",
                      "  uname: all of it: Function not implemented", "  kstat: all of it: No such file or directory",
-                     "  disks: c7s0 open O_RDWR: Device or resource busy", "  statvfs: /a: No such file or directory",
+                     "  disks: c7s0 open O_RDWR: Device or resource busy",
+                     "  disks: c9s0 to c9 stat: Input/output error", "  statvfs: /a: No such file or directory",
                      "  hba: all of it: Error"):
             self.assertIn(line + "\n", told)
         self.assertNotIn("\r", told)
-        self.assertIn(b"/dev/rdsk: 200 of 250", self.on_terminal(host))
+        self.assertIn(b"/dev/rdsk: 200 of 249", self.on_terminal(host))
 
     def on_terminal(self, host, *options):
         shown, (reader, terminal) = b"", pty.openpty()
