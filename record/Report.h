@@ -17,8 +17,8 @@ public:
     /// A line for a section that is done, such as "processors: 4".
     void section(const std::string &name, const std::string &result);
 
-    /// How far a section with many elements has come; shown on a terminal only, now and then: after so many elements, or
-    /// when they take long.
+    /// How far a section with many elements has come; shown on a terminal only, now and then: after so many elements,
+    /// or when they take long.
     void progress(const char *name, std::size_t done, std::size_t all) {
         if (moving && done != 0 && (done % progressStep == 0 || Clock::now() - lastShown >= std::chrono::seconds(1))) {
             showProgress(name, done, all);
