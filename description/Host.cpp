@@ -76,11 +76,14 @@ std::optional<KernelSample> blankSample(const kstat_t &record) {
 }
 
 std::vector<Slice> Disk::usualSlices() {
-    std::vector<Slice> slices(8);
-    for (std::size_t i = 0; i < slices.size(); ++i) {
-        slices[i].name = "s" + std::to_string(i);
-    }
-    return slices;
+    static const std::vector<Slice> usual = [] {
+        std::vector<Slice> list(8);
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            list[i].name = "s" + std::to_string(i);
+        }
+        return list;
+    }();
+    return usual;
 }
 
 Host readHost(const std::string &json) {

@@ -13,28 +13,31 @@ constexpr std::size_t indentationStep = 2;
 
 constexpr auto digitPairs = [] {
     constexpr std::string_view digits = "0123456789abcdef";
-    std::array<std::array<char, 2>, 256> pairs{};
+    std::array<std::array<char, 4>, 256> pairs{}; // with a blank
     for (std::size_t byte = 0; byte < pairs.size(); ++byte) {
-        pairs[byte] = {digits[byte >> 4], digits[byte & 15]};
+        pairs[byte] = {digits[byte >> 4], digits[byte & 15], ' '};
     }
     return pairs;
 }();
 
-constexpr auto plainCharacters = [] {
-    std::array<unsigned char, 256> plain{};
-    for (unsigned char character = ' '; character <= '~'; ++character) {
-        plain[character] = character != '"' && character != '\\';
-    }
-    return plain;
-}();
-
-/// Whether the text is a JSON string as it is. Most are, so all of it is looked at without a branch for each character.
+/// Whether the text is a JSON string as it is. Most are, so all of it is looked at without a branch for each character,
+/// in blocks of which the compiler makes single instructions.
 bool isPlain(std::string_view text) {
-    unsigned char plain = 1;
-    for (const char character : text) {
-        plain &= plainCharacters[static_cast<unsigned char>(character)];
+    constexpr std::size_t block = 16;
+    const auto isSpecial = [](char character) {
+        return static_cast<unsigned>(character < ' ') | static_cast<unsigned>(character > '~') |
+               static_cast<unsigned>(character == '"') | static_cast<unsigned>(character == '\\');
+    };
+    unsigned special = 0;
+    for (; text.size() >= block; text.remove_prefix(block)) {
+        for (std::size_t i = 0; i < block; ++i) {
+            special |= isSpecial(text[i]);
+        }
     }
-    return plain != 0;
+    for (const char character : text) {
+        special |= isSpecial(character);
+    }
+    return special == 0;
 }
 
 /// The text as a JSON string. Nothing when it is not UTF-8.
@@ -68,13 +71,12 @@ void JsonWriter::putBeyondBuffer(std::initializer_list<std::string_view> parts) 
 void JsonWriter::begin(char bracket, Layout layout) {
     separate();
     put(bracket);
-    levels.push_back({layout, true});
+    outerLevels.push_back(level);
+    level = {layout, true};
     indentation += layout == Layout::lines ? indentationStep : 0;
 }
 
 void JsonWriter::end(char bracket) {
-    const Level level = levels.back();
-    levels.pop_back();
     if (level.layout == Layout::lines) {
         indentation -= indentationStep;
         if (!level.isEmpty) {
@@ -82,14 +84,12 @@ void JsonWriter::end(char bracket) {
         }
     }
     put(bracket);
+    level = outerLevels.back();
+    outerLevels.pop_back();
 }
 
 /// What stands between two members or elements.
 void JsonWriter::separateFromLast() {
-    if (levels.empty()) {
-        return;
-    }
-    Level &level = levels.back();
     if (level.layout == Layout::lines) {
         if (!level.isEmpty) {
             put(',');
@@ -142,13 +142,19 @@ void JsonWriter::hexDigits(std::span<const unsigned char> bytes) {
 void JsonWriter::hex(std::span<const unsigned char> bytes, bool isSpaced) {
     separate();
     put('"');
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        makeRoom(3);
-        buffer[used] = ' ';
-        used += isSpaced && i != 0 ? 1 : 0;
-        std::memcpy(buffer.data() + used, digitPairs[bytes[i]].data(), 2);
-        used += 2;
+    constexpr std::size_t most = 1024; // bytes for which room is made at once
+    const std::size_t step = isSpaced ? 3 : 2;
+    for (std::size_t from = 0; from < bytes.size(); from += most) {
+        const std::span<const unsigned char> part = bytes.subspan(from, std::min(most, bytes.size() - from));
+        makeRoom(3 * part.size());
+        char *at = buffer.data() + used;
+        for (const unsigned char byte : part) {
+            std::memcpy(at, digitPairs[byte].data(), 3);
+            at += step;
+        }
+        used += part.size() * step;
     }
+    used -= isSpaced && !bytes.empty() ? 1 : 0; // nothing follows the last blank
     put('"');
 }
 

@@ -75,10 +75,10 @@ public:
     /// The same of a name that was made ready.
     void name(const PlainName &text) {
         bool isBehindAnother = false;
-        if (levels.back().layout == Layout::lines) {
+        if (level.layout == Layout::lines) {
             separate();
         } else {
-            isBehindAnother = !std::exchange(levels.back().isEmpty, false);
+            isBehindAnother = !std::exchange(level.isEmpty, false);
         }
         makeRoom(PlainName::most);
         used += text.copyTo(buffer.data() + used, isBehindAnother);
@@ -185,7 +185,8 @@ private:
     TextSink sink;
     std::array<char, 65536> buffer;
     std::size_t used = 0;
-    std::vector<Level> levels;
+    Level level = {Layout::inline_, true}; // at first, around the document
+    std::vector<Level> outerLevels;
     std::size_t indentation = 0;
     bool isNamed = false; // the value that comes next
 };

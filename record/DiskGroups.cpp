@@ -121,7 +121,7 @@ public:
         }
         set(" O_RDONLY", again);
         if (again != 0 || forCommands != 0) {
-            disk.fails[name + " O_RDONLY|O_NDELAY"] = forCommands;
+            disk.fails[std::string(name) + " O_RDONLY|O_NDELAY"] = forCommands;
         }
     }
 
@@ -132,15 +132,17 @@ private:
 
     void set(const char *mode, int error) {
         if (error > 0) {
-            disk.fails[name + mode] = error;
+            disk.fails[std::string(name) + mode] = error;
         }
     }
 
-    std::string name;
+    std::string_view name;
     description::Disk &disk;
 };
 
-void describeFailures(const Answers &answers, description::Disk &disk) {
+void describeAnswers(Answers &&answers, description::Disk &disk) {
+    disk.geometry = answers.geometry;
+    disk.vtoc = answers.label;
     const Outcomes &outcome = answers.outcomes;
     constexpr int none = Outcomes::notAsked;
     const auto single = [&](std::string_view call, Question question) {
@@ -168,7 +170,7 @@ void describeFailures(const Answers &answers, description::Disk &disk) {
             single(askedCommands[i], question);
         }
         if (outcome[question] == 0) {
-            disk.scsi.emplace(askedCommands[i], answers.commands[i]);
+            disk.scsi.emplace(askedCommands[i], std::move(answers.commands[i]));
         }
     }
 }
@@ -354,7 +356,7 @@ description::Disk Group::describe() && {
         const SeenSlice &seen = slices[i];
         description::Slice &slice = disk.slices[i];
         const unsigned place = placeOf(i);
-        slice = {std::string(seen.suffix), std::nullopt, std::nullopt, std::nullopt, std::nullopt, std::nullopt};
+        slice.name = seen.suffix;
         if (place != i) {
             slice.place = place;
         }
@@ -370,9 +372,7 @@ description::Disk Group::describe() && {
             disk.mounted.emplace_back(seen.suffix);
         }
     }
-    disk.geometry = answers.geometry;
-    disk.vtoc = answers.label;
-    describeFailures(answers, disk);
+    describeAnswers(std::move(answers), disk);
     return disk;
 }
 
