@@ -31,7 +31,7 @@ public:
     /// Forgets the entries and gives back what was taken from the heap.
     void release();
 
-    /// The heap's storage, for who keeps the entries longer than the table does. Null when they are in the table's own.
+    /// The heap's storage, for whoever keeps the entries longer than the table. Null when they are in the table's own.
     std::shared_ptr<const void> takeHeap() {
         return std::move(heap);
     }
