@@ -2,7 +2,9 @@
 
 #include <jni.h>
 
+#include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace tarn {
@@ -10,15 +12,18 @@ namespace tarn {
 /// A failure of the host-information modules. Thrown and caught by value; its message is what reaches Java.
 class NativeError {
 public:
-    explicit NativeError(std::string text) : message(std::move(text)) {
+    explicit NativeError(const std::string &text) : message(text) {
     }
     std::string getMessage() const {
-        return message;
+        return message.what();
     }
 
 private:
-    std::string message;
+    std::runtime_error message; // whose copies share one text, so that none can lack the memory for it
 };
+
+// A copy that throws while it is caught would end the process.
+static_assert(std::is_nothrow_copy_constructible_v<NativeError>);
 
 /// The mount table at `path` cannot be opened.
 class MountTableError : public NativeError {
