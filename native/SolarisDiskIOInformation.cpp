@@ -94,7 +94,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getDiskIOInformation(J
     return runThrowingEntry(env, [&]() -> jobject {
         const ResultClass result = GetClassAndMethod(env);
         const JniString name(env, diskName);
-        const std::optional<diskIOData> data = findDiskIOData(name.get());
+        const std::optional<diskIOData> data = findDiskIOData(name.utf8());
         return data ? makeDiskIOInfo(*data, diskName, env, result) : nullptr;
     });
 }
