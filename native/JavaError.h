@@ -54,7 +54,8 @@ void ThrowJavaError(JNIEnv *env, const std::string &message);
 void ThrowJavaError(JNIEnv *env, const char *message); // for when there may be no memory for a string
 
 /// Hands one line to the agent's log. `level` ("info", "warn") names a static method of SolarisNativeMethod. A line
-/// that cannot be delivered is dropped: no exception is pending afterwards.
+/// that cannot be delivered is dropped: no exception is pending afterwards, except for an error of the virtual machine
+/// itself, which is JavaExceptionPending.
 void LogMessage(JNIEnv *env, const std::string &message, const std::string &level);
 
 } // namespace tarn
