@@ -2,6 +2,11 @@
 
 #include <jni.h>
 
+#include <optional>
+#include <string>
+
+#include "common/Utf8.h"
+
 namespace tarn {
 
 /// The virtual machine holds a pending Java exception, so native work stops here. Thrown by the functions below and
@@ -39,8 +44,10 @@ inline jmethodID staticMethodId(JNIEnv *env, jclass cls, const char *name, const
     return required(env->GetStaticMethodID(cls, name, signature));
 }
 
+/// Of a text in UTF-8; of one that is not, what the virtual machine makes of it.
 inline jstring newString(JNIEnv *env, const char *text) {
-    return required(env->NewStringUTF(text));
+    const std::optional<std::string> modified = toModifiedUtf8(text);
+    return required(env->NewStringUTF(modified ? modified->c_str() : text));
 }
 
 template <class... Values>

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "common/Jni.h"
+#include "common/Utf8.h"
 
 namespace tarn {
 
@@ -33,10 +37,19 @@ public:
         return chars;
     }
 
+    /// The same in plain UTF-8, as the system writes names.
+    const char *utf8() const {
+        if (!plain) {
+            plain = fromModifiedUtf8(get());
+        }
+        return plain ? plain->c_str() : get();
+    }
+
 private:
     JNIEnv *env;
     jstring str;
     mutable const char *chars;
+    mutable std::optional<std::string> plain; // when it differs
 };
 
 } // namespace tarn

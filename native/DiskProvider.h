@@ -34,7 +34,7 @@ inline bool namesDevice(std::string_view entryName) {
 }
 
 inline std::string copyCharacters(JNIEnv *env, jstring string) {
-    return JniString(env, string).get();
+    return JniString(env, string).utf8();
 }
 
 /// A null text gives a null string.

@@ -1,7 +1,6 @@
 #include "native/JavaError.h"
 
 #include "common/Jni.h"
-#include "common/LocalFrame.h"
 #include "common/LogLine.h"
 
 namespace tarn {
@@ -22,10 +21,9 @@ void ThrowJavaError(JNIEnv *env, const char *message) {
 }
 
 void LogMessage(JNIEnv *env, const std::string &message, const std::string &level) {
-    const LocalFrame frame(env, 4); // a walk may have any number of lines
-    if (frame.isOpen()) {
+    logInFrame(env, [&] {
         deliverLogLine(env, "com/kelvo/tarn/providers/solaris/SolarisNativeMethod", message.c_str(), level.c_str());
-    }
+    });
 }
 
 } // namespace tarn

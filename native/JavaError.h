@@ -2,7 +2,9 @@
 
 #include <jni.h>
 
+#include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace tarn {
@@ -10,15 +12,18 @@ namespace tarn {
 /// A failure of the host-information modules. Thrown and caught by value; its message is what reaches Java.
 class NativeError {
 public:
-    explicit NativeError(std::string text) : message(std::move(text)) {
+    explicit NativeError(const std::string &text) : message(text) {
     }
     std::string getMessage() const {
-        return message;
+        return message.what();
     }
 
 private:
-    std::string message;
+    std::runtime_error message; // whose copies share one text, so that none can lack the memory for it
 };
+
+// A copy that throws while it is caught would end the process.
+static_assert(std::is_nothrow_copy_constructible_v<NativeError>);
 
 /// The mount table at `path` cannot be opened.
 class MountTableError : public NativeError {
@@ -49,7 +54,8 @@ void ThrowJavaError(JNIEnv *env, const std::string &message);
 void ThrowJavaError(JNIEnv *env, const char *message); // for when there may be no memory for a string
 
 /// Hands one line to the agent's log. `level` ("info", "warn") names a static method of SolarisNativeMethod. A line
-/// that cannot be delivered is dropped: no exception is pending afterwards.
+/// that cannot be delivered is dropped: no exception is pending afterwards, except for an error of the virtual machine
+/// itself, which is JavaExceptionPending.
 void LogMessage(JNIEnv *env, const std::string &message, const std::string &level);
 
 } // namespace tarn

@@ -54,7 +54,7 @@ TARN_EXPORTED_ENTRY jboolean JNICALL Java_com_kelvo_tarn_providers_solaris_Solar
     return runEntry([&]() -> jboolean {
         const JniString userName(env, user);
         const JniString passwordText(env, password);
-        const PasswordCheck check = checkPassword(userName.get(), [&] { return passwordText.get(); });
+        const PasswordCheck check = checkPassword(userName.utf8(), [&] { return passwordText.utf8(); });
         if (!check.logLine.empty()) {
             LogMessage(env, check.logLine, "info");
         }

@@ -48,7 +48,7 @@ jobject makeDiskIOInfo(const diskIOData &data, jstring name, JNIEnv *env, const 
 std::vector<diskIOData> getDiskIOData() {
     constexpr std::size_t used = offsetof(kstat_io_t, rtime) + sizeof(kstat_io_t::rtime); // the last of the four fields
     const KernelStatistics statistics("kstat open failed.");
-    const SolarisDiskMap diskMap(SolarisDiskMap::Key::instanceName);
+    SolarisDiskMap diskMap;
     std::vector<diskIOData> disks;
     for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
         const std::optional<kstat_io_t> counters =
@@ -58,7 +58,7 @@ std::vector<diskIOData> getDiskIOData() {
         }
         diskIOData disk;
         disk.kstatName = fieldText(record->ks_name);
-        disk.deviceName = diskMap.find(disk.kstatName);
+        disk.deviceName = diskMap.getDeviceIdFromMap(disk.kstatName);
         disk.bytesRead = counters->nread;
         disk.bytesWritten = counters->nwritten;
         disk.runTime = counters->rtime;
@@ -94,7 +94,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getDiskIOInformation(J
     return runThrowingEntry(env, [&]() -> jobject {
         const ResultClass result = GetClassAndMethod(env);
         const JniString name(env, diskName);
-        const std::optional<diskIOData> data = findDiskIOData(name.get());
+        const std::optional<diskIOData> data = findDiskIOData(name.utf8());
         return data ? makeDiskIOInfo(*data, diskName, env, result) : nullptr;
     });
 }

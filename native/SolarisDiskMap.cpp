@@ -33,13 +33,8 @@ std::optional<std::string> getDriver(const char *path) {
     return driverName;
 }
 
-SolarisDiskMap::SolarisDiskMap(Key nameToFindBy) : foundBy(nameToFindBy) {
+SolarisDiskMap::SolarisDiskMap() {
     initDiskMap();
-    // Shorter names first: drivers' instances are numbered, and mostly come in that order.
-    const auto rank = [this](const Disk &disk) { return std::tuple(disk.keyLength, key(disk), disk.valueAt); };
-    if (!std::ranges::is_sorted(disks, {}, rank)) {
-        std::ranges::sort(disks, {}, rank);
-    }
 }
 
 void SolarisDiskMap::initDiskMap() {
@@ -68,19 +63,24 @@ void SolarisDiskMap::mapdisk(unsigned long minorNumber, std::string_view entryNa
     const std::size_t at = texts.size();
     texts.append(diskName).append(driverName).append(number.data(), numberEnd);
     const std::size_t instanceAt = at + diskName.size();
-    const std::size_t instanceLength = texts.size() - instanceAt;
-    disks.push_back(foundBy == Key::diskName ? Disk{at, diskName.size(), instanceAt, instanceLength}
-                                             : Disk{instanceAt, instanceLength, at, diskName.size()});
+    disks.push_back({{at, diskName.size()}, {instanceAt, texts.size() - instanceAt}});
 }
 
-std::string_view SolarisDiskMap::find(std::string_view name) const {
-    const auto end = std::ranges::upper_bound(disks, std::tuple(name.size(), name), {}, [this](const Disk &disk) {
-        return std::tuple(disk.keyLength, key(disk));
-    });
-    if (end == disks.begin() || key(end[-1]) != name) {
+std::string_view SolarisDiskMap::find(Direction &direction, Name key, std::string_view wanted, Name value) const {
+    // Shorter names first: drivers' instances are numbered, and mostly come in that order.
+    const auto rank = [&](const Disk &disk) { return std::tuple((disk.*key).length, text(disk.*key)); };
+    if (!direction) {
+        direction = disks;
+        const auto place = [&](const Disk &disk) { return std::tuple_cat(rank(disk), std::tuple(disk.name.at)); };
+        if (!std::ranges::is_sorted(*direction, {}, place)) {
+            std::ranges::sort(*direction, {}, place);
+        }
+    }
+    const auto end = std::ranges::upper_bound(*direction, std::tuple(wanted.size(), wanted), {}, rank);
+    if (end == direction->begin() || text(end[-1].*key) != wanted) {
         return {};
     }
-    return std::string_view(texts).substr(end[-1].valueAt, end[-1].valueLength);
+    return text(end[-1].*value);
 }
 
 } // namespace tarn

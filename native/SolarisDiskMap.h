@@ -10,36 +10,48 @@ namespace tarn {
 
 /// The disks under "/dev/dsk" by either of their names: the one there (such as "c0t0d0") and that of its driver's
 /// instance, after which the kernel names the disk's statistics (such as "sd0"). Scans the directory once, when it is
-/// made.
+/// made. Each direction is made when it is first asked for: most callers need only one.
 class SolarisDiskMap {
 public:
-    /// The name that disks are going to be found by. The other direction is not made.
-    enum class Key { diskName, instanceName };
+    SolarisDiskMap();
 
-    explicit SolarisDiskMap(Key nameToFindBy);
+    /// The instance name of the disk; empty when there is no such disk. Where several entries of the directory have the
+    /// same disk name, that of the last.
+    std::string getSDxNameFromMap(std::string_view diskName) {
+        return std::string(find(deviceToInstance, &Disk::name, diskName, &Disk::instance));
+    }
 
-    /// The other name of the disk; empty when there is no such disk. Where several entries of the directory have the same
-    /// key, that of the last. Valid as long as the map.
-    std::string_view find(std::string_view name) const;
+    /// The disk name of the instance, likewise.
+    std::string getDeviceIdFromMap(std::string_view instanceName) {
+        return std::string(find(instanceToDevice, &Disk::instance, instanceName, &Disk::name));
+    }
 
 private:
-    /// Where in `texts` a disk's two names stand, one behind the other.
-    struct Disk {
-        std::size_t keyAt;
-        std::size_t keyLength;
-        std::size_t valueAt;
-        std::size_t valueLength;
+    /// Where in `texts` something stands.
+    struct Text {
+        std::size_t at;
+        std::size_t length;
     };
+    struct Disk {
+        Text name;
+        Text instance;
+    };
+    using Name = Text Disk::*;
+
+    /// The disks in the order of their keys; those with the same key in the directory's order. Nothing until it is made.
+    using Direction = std::optional<std::vector<Disk>>;
 
     void initDiskMap();
     void mapdisk(unsigned long minorNumber, std::string_view entryName, std::string_view driverName);
-    std::string_view key(const Disk &disk) const {
-        return std::string_view(texts).substr(disk.keyAt, disk.keyLength);
+    std::string_view find(Direction &direction, Name key, std::string_view wanted, Name value) const;
+    std::string_view text(const Text &text) const {
+        return std::string_view(texts).substr(text.at, text.length);
     }
 
-    const Key foundBy;
     std::string texts;
-    std::vector<Disk> disks; // in the order of their keys; those with the same key in the directory's order
+    std::vector<Disk> disks; // in the directory's order
+    Direction deviceToInstance;
+    Direction instanceToDevice;
 };
 
 /// Name of the driver of the device that `path` links to: the lower-case letters of the target's last component up to

@@ -99,6 +99,6 @@ TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_Solari
     return runThrowingEntry(env, [&] {
         const ResultClass result = GetClassAndMethod(env);
         const JniString name(env, mountPoint);
-        return makeDisk(name.get(), env, result, true);
+        return makeDisk(name.utf8(), env, result, true);
     });
 }

@@ -20,10 +20,10 @@ namespace {
     const JniString controller2(env, controller2Id);
     const JniString vendor(env, vendorId);
     const JniString product(env, productId);
-    const char *const controller1Text = controller1.get();
-    const char *const controller2Text = controller2.get();
-    const char *const vendorText = vendor.get();
-    const char *const productText = product.get();
+    const char *const controller1Text = controller1.utf8();
+    const char *const controller2Text = controller2.utf8();
+    const char *const vendorText = vendor.utf8();
+    const char *const productText = product.utf8();
     scsiInterrogatorC(returnString, controller1Text, controller2Text, vendorText, productText);
     if (returnString[0] == '\0') {
         std::memcpy(returnString, noDataReport, sizeof noDataReport);

@@ -162,7 +162,7 @@ void discoverLuns(Scan &scan) {
 void traceChosenLuns(const Scan &scan) {
     for (std::size_t i = 0; i < scan.controllers.size(); ++i) {
         const Controller &controller = scan.controllers[i];
-        // The digit within the name is how these lines have always read.
+        // The digit within the name belongs to the line's fixed text.
         standalonePrintf("Chosen Lun from Contro1ler%u\"%.16s\": %s (%sUTM)\n", static_cast<unsigned>(i + 1),
                          scan.names.controllers[i].data(), controller.chosenLun.data(),
                          controller.chosenKind == LunKind::access ? "" : "NON-");

@@ -5,7 +5,7 @@
 namespace tarn {
 
 std::string getSDxName(const std::string &diskName) {
-    return std::string(SolarisDiskMap(SolarisDiskMap::Key::diskName).find(diskName));
+    return SolarisDiskMap().getSDxNameFromMap(diskName);
 }
 
 } // namespace tarn

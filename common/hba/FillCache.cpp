@@ -83,8 +83,7 @@ private:
         if (!refuses("GetPortStatistics", HBA_GetPortStatistics(handle, port, &portStatistics))) {
             statistics = cache.MakeHbaPortStats(portAttributes, portStatistics);
         }
-        const jsize discoveredCount = believed([p] { return "discovered ports of port " + std::to_string(p); },
-                                               portAttributes.NumberofDiscoveredPorts, maximumDiscoveredPorts);
+        const jsize discoveredCount = believedDiscoveredPorts(port);
         const jobjectArray discovered = jni::newObjectArray(env, discoveredCount, cache.hbaDiscoveredPortRecord.cls);
         jni::setElement(env, ports, p, cache.hbaPortRecord.constructor.make(portInstance, statistics, discovered));
 
@@ -135,16 +134,25 @@ private:
         return 0;
     }
 
+    /// The port's, or none when it says too many, or together with the ports before it.
+    jsize believedDiscoveredPorts(HBA_UINT32 port) {
+        const jsize count = believed([port] { return discoveredPortsOf(port); }, portAttributes.NumberofDiscoveredPorts,
+                                     maximumDiscoveredPorts);
+        const auto complain = [&] {
+            warn([&] {
+                return tooManyTogether(port, static_cast<HBA_UINT32>(count), adapterText(index, shownName.data()));
+            });
+        };
+        return discoveredPorts.add(static_cast<HBA_UINT32>(count), complain) ? count : 0;
+    }
+
     /// A string, not the thread's one line of BadStatus: Java, asked for the log's class, may come back for a walk of its
-    /// own, which words lines of its own. Nothing about a line ends the walk.
+    /// own, which words lines of its own. Nothing about a line ends the walk, as long as the virtual machine is well.
     template <class Line>
     void warn(Line line) {
         try {
-            room.take(3); // the name of the log's class, the class, the line
             const std::string message = line();
             cache.warn(message.c_str());
-        } catch (const NoLocalRoom &) {
-            env->ExceptionClear();
         } catch (const std::bad_alloc &) {
             // There is no memory to tell it.
         }
@@ -166,6 +174,7 @@ private:
     HBA_ADAPTERATTRIBUTES adapterAttributes{};
     TargetMappingTable mapping;
     RemotePortIndex remotePorts;
+    DiscoveredPortSum discoveredPorts;
 
     HBA_PORTATTRIBUTES portAttributes{};
     HBA_PORTSTATISTICS portStatistics{};
@@ -179,9 +188,8 @@ jobjectArray HbaCacheImpl::FillCache() {
     const HBA_UINT32 count = HBA_GetNumberOfAdapters();
     if (count > maximumAdapters) {
         warn(tooMany("adapters", count, "the HBA library", maximumAdapters).c_str());
-        return nullptr;
     }
-    const auto adapters = static_cast<jsize>(count);
+    const auto adapters = static_cast<jsize>(count <= maximumAdapters ? count : 0);
     if (env->EnsureLocalCapacity(referencesPerAdapter * adapters) < 0) {
         return nullptr;
     }

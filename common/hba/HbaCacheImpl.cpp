@@ -24,14 +24,10 @@ void HbaCacheImpl::warn(const char *message) {
 }
 
 void HbaCacheImpl::log(const char *level, const char *message) {
-    try {
+    logInFrame(env, [&] {
         const JniString className(env, needed(hbaClassNames.getNativeMethodClassName()));
         deliverLogLine(env, className.get(), message, level);
-    } catch (const JavaExceptionPending &) {
-        env->ExceptionClear();
-    } catch (const NoInstance &) {
-        // Nobody says where the log is.
-    }
+    });
 }
 
 HbaCacheImpl::Values HbaCacheImpl::defaultValues(jobject cimClass) {

@@ -23,7 +23,7 @@ public:
     HbaCacheImpl(JNIEnv *environment, jobject hbaCacheObject, jobject hbaClassNamesObject);
 
     /// The whole cache, as HbaCache$Hba[]; an element that could not be read is null. Null when there is no room for
-    /// its local references, and, with a log line, when the library reports more adapters than any host has.
+    /// its local references.
     [[gnu::noinline]] jobjectArray FillCache(); // keeps its buffers out of the entry's frame
 
     /// Adds to the java.util.List what the HBA library says of itself, line by line.
@@ -59,7 +59,8 @@ public:
     /// The field of `size` bytes, cleaned in place (String).
     jobject string(char *text, int size);
 
-    // Hand one line to the agent's log. A line that cannot be delivered is dropped.
+    // Hand one line to the agent's log. A line that cannot be delivered is dropped, unless it is the virtual machine that
+    // fails: JavaExceptionPending.
 
     void info(const char *message);
     void warn(const char *message);

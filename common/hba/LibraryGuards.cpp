@@ -7,11 +7,10 @@
 namespace tarn {
 namespace {
 
-// How many hold the library. Loading and freeing it are part of counting: who comes second is not to use a library that
-// the first has yet to load, nor to have it freed under it.
+// How many hold the library, loaded. Loading and freeing it are part of counting: who comes second is not to use a
+// library that the first has yet to load, nor to have it freed under it.
 std::mutex holdersMutex;
 unsigned holders = 0;
-HBA_STATUS loadStatus = HBA_STATUS_OK;
 
 constexpr unsigned openAttempts = 2;
 
@@ -19,16 +18,17 @@ constexpr unsigned openAttempts = 2;
 
 WithHbaLibrary::WithHbaLibrary() : status(HBA_STATUS_OK) {
     const std::lock_guard lock(holdersMutex);
-    if (holders++ == 0) {
-        loadStatus = HBA_LoadLibrary();
+    if (holders == 0) {
+        status = HBA_LoadLibrary();
     }
-    status = loadStatus;
+    holders += status == HBA_STATUS_OK ? 1 : 0; // after a failure, who comes next asks again
 }
 
 WithHbaLibrary::~WithHbaLibrary() {
     const std::lock_guard lock(holdersMutex);
-    if (--holders == 0) {
-        HBA_FreeLibrary();
+    holders -= status == HBA_STATUS_OK ? 1 : 0;
+    if (holders == 0) {
+        HBA_FreeLibrary(); // also after a failure: what came of the load is the library's to know
     }
 }
 

@@ -8,7 +8,8 @@ namespace tarn {
 ///
 /// The library keeps one load state for the whole process: it refuses a second load, and a free takes it away from
 /// every user. So the first of those that hold it at once loads it, and the last frees it. Any number may, on any
-/// threads, also one inside the other: no lock is kept meanwhile, and the library sees to its own.
+/// threads, also one inside the other: no lock is kept meanwhile, and the library sees to its own. Who finds it not
+/// loaded does not hold it, and frees it only where nobody does.
 class WithHbaLibrary {
 public:
     WithHbaLibrary();

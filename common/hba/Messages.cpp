@@ -42,6 +42,16 @@ std::string tooMany(const std::string &what, HBA_UINT32 count, const std::string
            std::to_string(maximum) + " cannot be right";
 }
 
+std::string discoveredPortsOf(HBA_UINT32 port) {
+    return "discovered ports of port " + std::to_string(port);
+}
+
+std::string tooManyTogether(HBA_UINT32 port, HBA_UINT32 count, const std::string &reporter) {
+    return "Ignoring the " + std::to_string(count) + " " + discoveredPortsOf(port) + " that " + reporter +
+           " reports, and those of later ports likewise -- more than " +
+           std::to_string(maximumDiscoveredPortsTogether) + " in all cannot be right";
+}
+
 std::string adapterText(int adapterIndex, const char *adapterName) {
     return "HBA adapter " + std::to_string(adapterIndex) + " (" + adapterName + ")";
 }

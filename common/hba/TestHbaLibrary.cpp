@@ -65,8 +65,12 @@ private:
         addLine("  Port index %d NWWN=%s", static_cast<int>(p), toString(port.NodeWWN));
         addLine("    PWWN=%s FcId=0x%lx", toString(port.PortWWN), static_cast<unsigned long>(port.PortFcId));
 
-        const HBA_UINT32 discovered = believed([p] { return "discovered ports of port " + std::to_string(p); },
-                                               port.NumberofDiscoveredPorts, maximumDiscoveredPorts);
+        HBA_UINT32 discovered =
+            believed([p] { return discoveredPortsOf(p); }, port.NumberofDiscoveredPorts, maximumDiscoveredPorts);
+        const auto complain = [&] {
+            addLine("%s", tooManyTogether(p, discovered, adapterText(index, name.data())).c_str());
+        };
+        discovered = discoveredPorts.add(discovered, complain) ? discovered : 0;
         for (HBA_UINT32 d = 0; d < discovered; ++d) {
             HBA_PORTATTRIBUTES remote{};
             if (!refuses("GetDiscoveredPortAttributes", HBA_GetDiscoveredPortAttributes(handle, p, d, &remote))) {
@@ -135,6 +139,7 @@ private:
     HBA_HANDLE handle = 0;
     std::array<char, adapterNameSize> name{};
     TargetMappingTable mapping;
+    DiscoveredPortSum discoveredPorts;
 };
 
 constexpr std::size_t HbaCacheImpl::selfTestStack = sizeof(HbaCacheImpl) + sizeof(SelfTest);

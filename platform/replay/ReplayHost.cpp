@@ -1,18 +1,66 @@
 #include <jni.h>
 
 #include <exception>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/ExportedEntry.h"
 #include "platform/replay/Replay.h"
 
-// com.kelvo.tarn.replay.ReplayHost: how Java chooses the host.
+// com.kelvo.tarn.replay.ReplayHost: how Java chooses the host. Paths and messages are UTF-8, which the JNI's own texts
+// are not beyond the first plane, so Java converts them. Whatever answers null leaves an exception pending.
 
 namespace {
 
-void throwIllegalArgument(JNIEnv *env, const char *message) {
-    if (const jclass exception = env->FindClass("java/lang/IllegalArgumentException"); exception != nullptr) {
-        env->ThrowNew(exception, message);
+/// A class of java.lang and one of its methods, or "<init>".
+struct JavaMethod {
+    JavaMethod(JNIEnv *env, const char *className, const char *name, const char *signature)
+        : cls(env->FindClass(className)), id(cls == nullptr ? nullptr : env->GetMethodID(cls, name, signature)) {
+    }
+    const jclass cls;
+    const jmethodID id;
+};
+
+std::optional<std::string> toUtf8(JNIEnv *env, jstring text) {
+    const JavaMethod getBytes(env, "java/lang/String", "getBytes", "(Ljava/lang/String;)[B");
+    const jstring charset = getBytes.id == nullptr ? nullptr : env->NewStringUTF("UTF-8");
+    if (charset == nullptr) {
+        return std::nullopt;
+    }
+    const auto bytes = static_cast<jbyteArray>(env->CallObjectMethod(text, getBytes.id, charset));
+    if (env->ExceptionCheck() == JNI_TRUE) {
+        return std::nullopt;
+    }
+    const jsize size = env->GetArrayLength(bytes);
+    std::string characters(static_cast<std::size_t>(size), '\0');
+    env->GetByteArrayRegion(bytes, 0, size, reinterpret_cast<jbyte *>(characters.data()));
+    return characters;
+}
+
+jobject toJava(JNIEnv *env, std::string_view text) {
+    const auto size = static_cast<jsize>(text.size());
+    const JavaMethod string(env, "java/lang/String", "<init>", "([BLjava/lang/String;)V");
+    const jstring charset = string.id == nullptr ? nullptr : env->NewStringUTF("UTF-8");
+    const jbyteArray bytes = charset == nullptr ? nullptr : env->NewByteArray(size);
+    if (bytes == nullptr) {
+        return nullptr;
+    }
+    env->SetByteArrayRegion(bytes, 0, size, reinterpret_cast<const jbyte *>(text.data()));
+    return env->NewObject(string.cls, string.id, bytes, charset);
+}
+
+void throwIllegalArgument(JNIEnv *env, std::string_view message) {
+    const jobject text = toJava(env, message);
+    if (text == nullptr) {
+        return;
+    }
+    const JavaMethod exception(env, "java/lang/IllegalArgumentException", "<init>", "(Ljava/lang/String;)V");
+    if (exception.id == nullptr) {
+        return;
+    }
+    if (const jobject made = env->NewObject(exception.cls, exception.id, text); made != nullptr) {
+        env->Throw(static_cast<jthrowable>(made));
     }
 }
 
@@ -24,14 +72,14 @@ TARN_EXPORTED_ENTRY void JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(JNIE
         throwIllegalArgument(env, "no path of a host description");
         return;
     }
-    const char *characters = env->GetStringUTFChars(path, nullptr);
-    if (characters == nullptr) {
-        return; // with the virtual machine's exception
-    }
     try {
-        replay::loadHostFile(characters);
+        const std::optional<std::string> characters = toUtf8(env, path);
+        if (characters && characters->find('\0') != std::string::npos) {
+            throwIllegalArgument(env, "a path with a NUL character names no host description");
+        } else if (characters) {
+            replay::loadHostFile(*characters);
+        }
     } catch (const std::exception &error) {
         throwIllegalArgument(env, error.what());
     }
-    env->ReleaseStringUTFChars(path, characters);
 }

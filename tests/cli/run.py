@@ -263,6 +263,8 @@ CASES = [
           ("disk-io c1t0d0", 0, "Disk,Instance,Read,Written,Busy (s),Queue last changed (s since boot)\n"
            "c1t0d0,sd0,5368709120,1024,7.500,9.000\n"),
           ("check --full 99", 2, None))),
+    Case("a name beyond the first plane", "logical-disks '/😀 data'", {"mnttab": ["d\t/😀 data\tufs\trw\t1"]},
+         picks={"mountPoint": "/😀 data"}),
     Case("comma-separated: quotes", "--csv logical-disks", {"mnttab": ['a"b\t/x,y\tufs\trw\t1']},
          prints='Mount point,Type,Device\n"/x,y",ufs,"a""b"\n'),
     Case("comma-separated: no row", "--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Remote port,"
@@ -284,7 +286,7 @@ CASES = [
     Case("help", "--help", shows=["Usage: tarn", "Exit status", *COMMANDS]),
     Case("--host comes before TARN_HOST", "build-date", RICH, "Jan 18 2006", environment=NOWHERE),
     Case("TARN_HOST names no file", "cpu", environment=NOWHERE, complains=["/no/such/file.json"], status=2),
-    *(Case(f"refused: {text}", "--json report", text, complains=["HOST.json", *names], status=2) for text, names in (
+    *(Case(f"refused: {text}", "--json report", text, complains=["😀HOST.json", *names], status=2) for text, names in (
         ("this is no JSON", ["JSON"]), ('{"kernel": {}}', ["kernel"]),
         ('{"disks": [{}, {"geometry": {"dkg_nhead": 65536}}]}', ["disks[1].geometry.dkg_nhead"]))),
     *(Case(f"bad usage: {command}", command, complains=[complaint], status=2) for command, complaint in (
@@ -300,7 +302,7 @@ CASES = [
 
 
 def write_host(host):
-    path = Path(tempfile.mkdtemp(dir=SCRATCH)) / "HOST.json"
+    path = Path(tempfile.mkdtemp(dir=SCRATCH)) / "😀HOST.json"
     path.write_text(host if isinstance(host, str) else json.dumps(host), encoding="utf-8")
     return str(path)
 
@@ -378,6 +380,18 @@ class CommandLine(unittest.TestCase):
         with open("/dev/full", "wb") as full:
             done = subprocess.run([TARN, "build-date"], stdout=full, stderr=subprocess.PIPE, timeout=120)
         self.assertEqual((done.returncode, done.stderr), (2, b"tarn: the result cannot be written\n"))
+
+    def test_a_host_on_which_every_call_fails(self):
+        ports = [{"attributes": {"NumberofDiscoveredPorts": 65536}}] * 64
+        host = write_host({"hba": {"adapters": [{"name": "a", "ports": ports}]}})
+        with_small_heap = {**os.environ, "JDK_JAVA_OPTIONS": "-Xmx96m"}
+        filled, tested = (subprocess.run([TARN, "--host", host, *words], capture_output=True, check=True, timeout=600,
+                                         env=with_small_heap).stdout for words in (["--json", "hba"], ["hba-test"]))
+        document = json.loads(filled)
+        self.assertEqual([len(port["discoveredPorts"]) for port in document["result"][0]["ports"]],
+                         [65536] * 4 + [0] * 60)
+        self.assertEqual((len(document["log"]), document["log"][10000]["message"]), (10001, "and 252145 lines more"))
+        self.assertEqual((tested.count(b"HBA_GetDiscovered"), tested.count(b"Ignoring")), (4 * 65536, 1))
 
     def test_a_reader_who_has_read_enough(self):
         done = subprocess.run(["bash", "-c", f"{TARN} partitions | head -1; exit ${{PIPESTATUS[0]}}"], timeout=120,

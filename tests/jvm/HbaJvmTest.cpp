@@ -251,33 +251,36 @@ TEST_F(HbaTest, WhatJavaRefusesIsLeftOut) {
         env->PopLocalFrame(nullptr);
     }
     EXPECT_EQ(std::regex_replace(joined(survived), std::regex("(null\\|){16}"), "nulls|"),
-              "PushLocalFrame 48 -> 0/adapter null, GetMethodID, CallObjectMethod, GetStringUTFChars, FindClass, "
-              "GetStaticMethodID, NewStringUTF, CallStaticVoidMethod, PushLocalFrame 20 -> 0/1/port null, "
+              "PushLocalFrame 48 -> 0/adapter null, GetMethodID, CallObjectMethod, FindClass, "
+              "GetStaticMethodID, CallStaticVoidMethod, PushLocalFrame 20 -> 0/1/port null, "
               "PushLocalFrame 44 -> 0/1/port nulls|Kelvo_HbaPort|Adapter 0 Port 1|Adapter 0 Port 1|Adapter 0 Port 1|1, "
               "PushLocalFrame 44 -> 0/1/statistics null, PushLocalFrame 9 -> 0/1/0/remote null, PushLocalFrame 44 -> "
               "0/1/0/remote nulls|Kelvo_HbaDiscoveredPort|null|null|null|null, PushLocalFrame 26 -> 0/1/0/0 null");
 }
 
-TEST_F(HbaTest, ARefusedRoomForReferencesEndsTheWalkButNotForALine) {
-    std::vector<json> adapters = manyAdapters(
-        100, {{"ports", {{{"status", {{"GetPortStatistics", 2}}}}}}, {"status", {{"GetFcpTargetMapping", 1}}}});
-    for (const bool forLine : {false, true}) { // an adapter that does not open leaves three references less
-        adapters[0]["openFailures"] = forLine ? 2 : 0;
-        loadAdapters(adapters);
-        jobjectArray filled = nullptr;
+TEST_F(HbaTest, TheVirtualMachinesOwnErrorsEndTheWalk) {
+    const json port{{"status", {{"GetPortStatistics", 2}}}};
+    loadAdapters(manyAdapters(100, {{"ports", {port, port}}}));
+    // Where room for references is refused, or what a line needs. No number of lines takes any room.
+    for (const auto &[start, n, opened] : {std::tuple("EnsureLocalCapacity 2000", 1, 90U),
+                                           {"PushLocalFrame 5", 150, 75U},
+                                           {"GetStringUTFChars", 1, 1U},
+                                           {"NewStringUTF \"HBA_GetPortStatistics", 3, 2U}}) {
+        SCOPED_TRACE(start);
+        env->PushLocalFrame(16);
         replay::startJournal();
         {
             jvm::JniTable table(env);
-            table.refuse(3, jvm::Refusal::withException, "EnsureLocalCapacity");
-            filled = enterFill(env);
-            EXPECT_EQ(table.refusedLine(), "EnsureLocalCapacity 2000");
+            table.refuse(n, jvm::Refusal::withException, start);
+            EXPECT_EQ(enterFill(env), nullptr);
+            EXPECT_TRUE(table.refusedLine().starts_with(start)) << table.refusedLine();
             EXPECT_EQ(table.faults(), Lines{});
         }
-        const Lines closed = beginning(replay::stopJournal(), {"HBA_CloseAdapter", "HBA_FreeLibrary"});
-        EXPECT_EQ(closed.back(), "HBA_FreeLibrary");
-        EXPECT_EQ(closed.size(), forLine ? 100U : 77U);
-        EXPECT_EQ(filled != nullptr, forLine);
-        EXPECT_EQ(jvm::takeException(env), forLine ? "" : "java.lang.OutOfMemoryError: refused");
+        const Lines journalled = replay::stopJournal();
+        EXPECT_EQ(jvm::unreleased(journalled), Lines{});
+        EXPECT_EQ(beginning(journalled, {"HBA_OpenAdapter"}).size(), opened);
+        EXPECT_EQ(jvm::takeException(env), "java.lang.OutOfMemoryError: refused");
+        env->PopLocalFrame(nullptr);
     }
 }
 

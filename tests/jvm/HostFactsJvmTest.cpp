@@ -6,6 +6,7 @@
 #include <new>
 #include <utility>
 
+#include "common/JniString.h"
 #include "native/HostInformation.h"
 #include "platform/replay/Replay.h"
 #include "tests/jvm/Entries.h"
@@ -53,6 +54,32 @@ TEST_F(HostFactsTest, NativeFailuresReachJavaAsRuntimeExceptions) {
         EXPECT_EQ(tarn::runThrowingEntry(env, fail), nullptr);
         EXPECT_EQ(jvm::takeException(env), "java.lang.RuntimeException: " + message);
     }
+}
+
+TEST_F(HostFactsTest, TextReachesJavaAndComesBack) {
+    const std::pair<std::string, std::string> texts[] = {
+        // with the modified UTF-8 of it
+        {"/\x7f\u00e9\u07ff\u0800\ud7ff\uffff", "/\x7f\u00e9\u07ff\u0800\ud7ff\uffff"},
+        {"/\U0001f600 data", "/\xed\xa0\xbd\xed\xb8\x80 data"},
+        {"\U00010000\U0010ffff", "\xed\xa0\x80\xed\xb0\x80\xed\xaf\xbf\xed\xbf\xbf"},
+        {"\xed\xa0\xbdx\xed\xb8\x80", "\xed\xa0\xbdx\xed\xb8\x80"}, // halves of a pair
+    };
+    for (const auto &[text, inJava] : texts) {
+        const jstring string = tarn::jni::newString(env, text.c_str());
+        EXPECT_EQ(jvm::toText(env, string), inJava);
+        EXPECT_EQ(tarn::JniString(env, string).utf8(), text);
+    }
+    // Of what is no UTF-8 Java has what the virtual machine makes of it.
+    EXPECT_EQ(jvm::toText(env, tarn::jni::newString(env, "/caf\xe9")), "/caf\u00e9");
+    for (const char *text :
+         {"\U0001f600\xff", "\xf0\x9f\x98", "\xf0\x9f\x98x\x80", "\xf0\x8f\xbf\xbf", "\xf4\x90\x80\x80",
+          "\xed\xa0\xbd\U0001f600", "\xc1\xbf\U0001f600", "\xe0\x9f\xbf\U0001f600", "\x80\U0001f600"}) {
+        EXPECT_EQ(jvm::toText(env, tarn::jni::newString(env, text)), jvm::toText(env, newString(text)));
+    }
+    replay::loadHostText("{\"mnttab\": [\"d\\t/\U0001f600\\tufs\\trw\\t1\"]}");
+    const std::string there =
+        jvm::toText(env, HOST_FACT(getLogicalDiskByName)(env, nullptr, newString("/\xed\xa0\xbd\xed\xb8\x80")));
+    EXPECT_NE(there.find("mountPoint=/\xed\xa0\xbd\xed\xb8\x80,"), std::string::npos) << there;
 }
 
 TEST_F(HostFactsTest, AMountThatVanishesIsOneWarning) {

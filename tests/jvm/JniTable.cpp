@@ -335,13 +335,15 @@ JniTable::JniTable(JNIEnv *environment, bool withJournal)
     Overlay::lay<&T::DeleteLocalRef>(table, {"DeleteLocalRef", nullptr, false, true});
     Overlay::lay<&T::Throw>(table, {"Throw", outOfMemory, false, false});
     Overlay::lay<&T::ThrowNew>(table, {"ThrowNew", nullptr, false, false});
+    Overlay::lay<&T::IsInstanceOf>(table, {"IsInstanceOf", nullptr, false, false});
+    Overlay::lay<&T::ExceptionOccurred>(table, {"ExceptionOccurred", nullptr, false, true});
     Overlay::lay<&T::ExceptionCheck>(table, {"ExceptionCheck", nullptr, false, true});
     Overlay::lay<&T::ExceptionClear>(table, {"ExceptionClear", nullptr, false, true});
     Overlay::lay<&T::ExceptionDescribe>(table, {"ExceptionDescribe", nullptr, false, true});
     Overlay::forbid<&T::NewGlobalRef, &T::NewWeakGlobalRef, &T::NewLocalRef, &T::GetObjectClass, &T::GetSuperclass,
-                    &T::IsInstanceOf, &T::IsSameObject, &T::GetFieldID, &T::GetObjectField, &T::GetStringLength,
-                    &T::GetStringUTFLength, &T::GetStringChars, &T::GetArrayLength, &T::GetObjectArrayElement,
-                    &T::ExceptionOccurred, &T::MonitorEnter, &T::GetJavaVM>(table);
+                    &T::IsSameObject, &T::GetFieldID, &T::GetObjectField, &T::GetStringLength, &T::GetStringUTFLength,
+                    &T::GetStringChars, &T::GetArrayLength, &T::GetObjectArrayElement, &T::MonitorEnter, &T::GetJavaVM>(
+        table);
     laid = this;
     env->functions = &table;
     if (merging) {

@@ -26,6 +26,23 @@ TEST(HbaGuards, RefreshAllButTheQlcDriversAdapters) {
     EXPECT_FALSE(refreshInformation(0, "SUNW-qlc-0"));
 }
 
+TEST(DiscoveredPorts, AreBelievedUpToASumAndComplainedOfOnce) {
+    DiscoveredPortSum ports;
+    int complaints = 0;
+    for (const auto &[count, isBelieved] : {std::pair(0U, true),
+                                            {65536, true},
+                                            {65536, true},
+                                            {65536, true},
+                                            {65537, false},
+                                            {65535, true},
+                                            {2, false},
+                                            {1, true},
+                                            {1, false}}) {
+        EXPECT_EQ(ports.add(count, [&] { ++complaints; }), isBelieved) << count;
+    }
+    EXPECT_EQ(complaints, 1);
+}
+
 TEST(TargetMapping, IsFetchedAgainOnceWithTheRoomItTakes) {
     const struct {
         std::vector<std::pair<HBA_STATUS, HBA_UINT32>> answers; // with the count that is left

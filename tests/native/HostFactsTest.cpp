@@ -107,16 +107,15 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
             tell("disk I/O of '" + name + "'", [&] { return getDiskIOData(name); });
             tell("the same, if there is any", [&] { return findDiskIOData(name); });
         }
-        const SolarisDiskMap byDisk(SolarisDiskMap::Key::diskName);
+        SolarisDiskMap map;
         for (const char *name :
              {"c0t0d0", "c0t1d0", "c0t2d0", "c1t0d0", "c1t1d0", "c20",    "c21", "c22", "c3t0d0", "c40",
               "c41",    "c42",    "c5t0d0", "c6t0d0", "c6t1d0", "c6t2d0", "cS",  "x",   "absent", ""}) {
-            facts.push_back("instance of '" + std::string(name) + "': " + std::string(byDisk.find(name)));
+            facts.push_back("instance of '" + std::string(name) + "': " + map.getSDxNameFromMap(name));
         }
-        const SolarisDiskMap byInstance(SolarisDiskMap::Key::instanceName);
         for (const char *name : {"sd0", "sd1", "sd2", "sd3", "sd5", "dad1", "ssd12", "ssd11", "ssd32767", "ssdbx0",
                                  "mda1", "2", "sd8", "sd9", "cS", ""}) {
-            facts.push_back("disk of '" + std::string(name) + "': " + std::string(byInstance.find(name)));
+            facts.push_back("disk of '" + std::string(name) + "': " + map.getDeviceIdFromMap(name));
         }
         tell("instance name", [] { return getSDxName("c0t0d0"); });
     }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <thread>
 
 #include "common/StackRoom.h"
@@ -44,6 +45,23 @@ TEST(HbaLibrary, IsLoadedByTheFirstAndFreedByTheLast) {
     tests::Lines twice = once;
     twice.insert(twice.end(), once.begin(), once.end());
     EXPECT_EQ(replay::stopJournal(), twice);
+}
+
+TEST(HbaLibrary, IsAskedForAgainAfterALoadThatFailed) {
+    for (const bool failedGoesFirst : {true, false}) {
+        replay::loadHostText("{}");
+        auto failed = std::make_unique<WithHbaLibrary>();
+        EXPECT_NE(failed->status, HBA_STATUS_OK);
+        replay::loadHostText(twoAdapters);
+        auto loaded = std::make_unique<WithHbaLibrary>();
+        const WithHbaLibrary another;
+        (failedGoesFirst ? failed : loaded).reset();
+        EXPECT_EQ(another.status, HBA_STATUS_OK);
+        EXPECT_EQ(HBA_GetNumberOfAdapters(), 2U);
+        (failedGoesFirst ? loaded : failed).reset();
+        EXPECT_EQ(HBA_GetNumberOfAdapters(), 2U);
+    }
+    EXPECT_EQ(HBA_GetNumberOfAdapters(), 0U);
 }
 
 TEST(HbaLibrary, ThreadsThatComeAndGoAllHaveIt) {

@@ -8,7 +8,10 @@ import java.util.function.Supplier;
 import org.apache.log4j.AppenderSkeleton;
 import org.apache.log4j.spi.LoggingEvent;
 
-/** Collects the log lines of the agent, which are the library's. */
+/**
+ * Collects the log lines of the agent, which are the library's: the first {@value #KEPT}. A host on which every call fails
+ * has hundreds of thousands of them, and the rest is counted in a line at the end.
+ */
 public final class LibraryLog extends AppenderSkeleton {
     /** One line. */
     public static final class Line {
@@ -40,7 +43,11 @@ public final class LibraryLog extends AppenderSkeleton {
         }
     }
 
+    private static final int KEPT = 10_000;
+
     private final List<Line> lines = new ArrayList<>();
+    private int unkept;
+    private boolean unkeptWarnings;
 
     /** Collects from now on. */
     public LibraryLog() {
@@ -49,18 +56,25 @@ public final class LibraryLog extends AppenderSkeleton {
 
     /** {@return the lines since the last time, in order} */
     public List<Line> take() {
-        List<Line> taken = List.copyOf(lines);
+        List<Line> taken = since(0);
         lines.clear();
+        unkept = 0;
+        unkeptWarnings = false;
         return taken;
     }
 
-    /** How many lines there are: a mark for {@link #since}. */
+    /** How many lines have come: a mark for {@link #since}. */
     int mark() {
-        return lines.size();
+        return lines.size() + unkept;
     }
 
     List<Line> since(int mark) {
-        return lines.subList(mark, lines.size());
+        List<Line> since = new ArrayList<>(lines.subList(Math.min(mark, lines.size()), lines.size()));
+        int more = mark() - Math.max(mark, lines.size());
+        if (more > 0) {
+            since.add(new Line(unkeptWarnings ? "warn" : "info", "and " + more + " lines more"));
+        }
+        return since;
     }
 
     /** The lines since the mark are about this. */
@@ -78,12 +92,21 @@ public final class LibraryLog extends AppenderSkeleton {
 
     /** A line of the command line's own: what could not be asked, and why. */
     void warn(String message) {
-        lines.add(new Line("warn", message));
+        add("warn", message);
+    }
+
+    private void add(String level, String message) {
+        if (lines.size() < KEPT) {
+            lines.add(new Line(level, message));
+        } else {
+            unkept++;
+            unkeptWarnings |= level.equals("warn");
+        }
     }
 
     @Override
     protected void append(LoggingEvent event) {
-        lines.add(new Line(event.getLevel().toString().toLowerCase(Locale.ROOT), event.getRenderedMessage()));
+        add(event.getLevel().toString().toLowerCase(Locale.ROOT), event.getRenderedMessage());
     }
 
     @Override

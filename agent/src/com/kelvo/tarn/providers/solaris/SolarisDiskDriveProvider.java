@@ -47,7 +47,7 @@ public final class SolarisDiskDriveProvider {
     /**
      * {@return the disk's instance; null when there is no such disk, or none that can be opened}
      *
-     * @param diskName such as "c0t0d0" or "/dev/rdsk/c0t0d0"
+     * @param diskName such as "c0t0d0", without a directory
      */
     public native TrInstance getDisk(String diskName);
 

@@ -61,7 +61,7 @@ public final class SolarisNativeMethod {
     /**
      * {@return the disk's counters, or null when the kernel keeps none of a disk of that name}
      *
-     * @param diskName such as "c0t0d0" or "/dev/rdsk/c0t0d0"
+     * @param diskName such as "c0t0d0", without a directory
      */
     public native SolarisDiskIOInformation getDiskIOInformation(String diskName);
 
