@@ -11,7 +11,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-import outcome
+import verdict
 
 SOURCE = Path(__file__).resolve().parents[1]
 VERSION = re.search(r"project\(tarnsolaris VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
@@ -242,7 +242,7 @@ def main():
         (DEB,) = SCRATCH.glob("*.deb")
         must("dpkg-deb", "-x", DEB, ROOT)
         result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Package))
-    return outcome.report(result)
+    return verdict.report(result)
 
 
 if __name__ == "__main__":

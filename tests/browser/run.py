@@ -15,7 +15,7 @@ from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.chrome.service import Service
 
 sys.path.append(str(Path(__file__).parents[1]))
-import outcome
+import verdict
 
 ROOT = Path(__file__).parents[2]
 NASTY = "\"q' \\N <script>document.title='run'</script> <img src=x onerror=alert(1)> &lt;b&gt; \x1b[2J\nline"
@@ -185,4 +185,4 @@ class Browser(unittest.TestCase):
 
 if __name__ == "__main__":
     result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Browser))
-    sys.exit(outcome.report(result))
+    sys.exit(verdict.report(result))

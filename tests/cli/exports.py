@@ -11,7 +11,7 @@ import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 sys.path.append(str(Path(__file__).parents[1]))
-import outcome
+import verdict
 
 ROOT = Path(__file__).parents[2]
 TARN, PROMTOOL = sys.argv[1:3]
@@ -232,4 +232,4 @@ class Exports(unittest.TestCase):
 
 if __name__ == "__main__":
     result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Exports))
-    sys.exit(outcome.report(result))
+    sys.exit(verdict.report(result))
