@@ -20,4 +20,4 @@ def need_terminal(test):
         for end in pty.openpty():
             os.close(end)
     except OSError as refused:
-        test.skipTest(f"no pseudo-terminal: {refused.strerror}")
+        test.skipTest(f"no pseudo-terminal: {refused}")
