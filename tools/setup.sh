@@ -88,7 +88,7 @@ build() {
 }
 
 build_alone() {
-    local preset=$1 options=() tree first=
+    local preset=$1 options=() tree
     shift
     while [ "$1" != -- ]; do
         options+=("$1")
@@ -96,14 +96,27 @@ build_alone() {
     done
     shift
     tree=$root/build/$preset
-    [ -f "$tree/build.ninja" ] || first=" (the first time, which takes a minute or more)"
-    if [ ! -f "$tree/build.ninja" ] || [ ${#options[@]} -gt 0 ]; then
+    if [ ! -f "$tree/build.ninja" ]; then
+        say "Building $preset for the first time, which takes a minute or more: $*"
         run_quietly cmake -S "$root" --preset "$preset" "${options[@]}"
-    fi
-    if ! ninja -C "$tree" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
-        say "Building $preset: $*$first"
         run_quietly ninja -C "$tree" "$@"
+    else
+        [ ${#options[@]} -eq 0 ] || run_quietly cmake -S "$root" --preset "$preset" "${options[@]}"
+        run_quietly announced "Building $preset: $*" ninja -C "$tree" "$@" 3>&2
     fi
+}
+
+# announced TEXT NINJA...: says the text on descriptor 3 once something has been built.
+announced() {
+    local text=$1 line
+    shift
+    "$@" | while IFS= read -r line; do
+        if [[ $line == \[[1-9]* ]] && [ -n "$text" ]; then
+            say "$text" 2>&3
+            text=
+        fi
+        printf '%s\n' "$line"
+    done
 }
 
 # Prints where promtool is. It comes in a package whose installation would start a server, so it is only unpacked.
