@@ -11,6 +11,8 @@ import tempfile
 import unittest
 from pathlib import Path
 
+import verdict
+
 SOURCE = Path(__file__).resolve().parents[1]
 VERSION = re.search(r"project\(tarnsolaris VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
 BUILD = SCRATCH = ROOT = DEB = None  # the build tree; where everything goes; the unpacked package; the package
@@ -240,9 +242,7 @@ def main():
         (DEB,) = SCRATCH.glob("*.deb")
         must("dpkg-deb", "-x", DEB, ROOT)
         result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Package))
-    failed = len({str(test).split(" (")[0] for test, _ in result.failures + result.errors})
-    print(f"{result.testsRun - failed} passed, {failed} failed")
-    return 1 if failed else 0
+    return verdict.report(result)
 
 
 if __name__ == "__main__":

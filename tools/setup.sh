@@ -34,11 +34,37 @@ run_quietly() {
     rm -f "$log"
 }
 
-install_packages() {
-    local missing=() package as_root=()
+# locked FOLDER WHAT COMMAND...: runs it while no one else runs such a thing with that folder. Who has to wait says so.
+locked() {
+    local folder=$1 what=$2 lock
+    shift 2
+    exec {lock}<"$folder"
+    if ! flock --nonblock "$lock"; then
+        say "Waiting for another $what to end"
+        flock "$lock"
+    fi
+    "$@"
+    exec {lock}<&-
+}
+
+# Sets missing to those of the packages that are not installed.
+find_missing() {
+    local package
+    missing=()
     for package in "$@"; do
         dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
     done
+}
+
+install_packages() {
+    local missing
+    find_missing "$@"
+    [ ${#missing[@]} -eq 0 ] || locked /var/lib/dpkg installation install_missing "$@"
+}
+
+install_missing() {
+    local as_root=()
+    find_missing "$@" # another may have installed them meanwhile
     if [ ${#missing[@]} -eq 0 ]; then
         return
     fi
@@ -52,11 +78,16 @@ install_packages() {
     say "Installing ${#missing[@]} packages: ${missing[*]}"
     run_quietly "${as_root[@]}" apt-get update
     run_quietly "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
-        "${missing[@]}"
+        -o DPkg::Lock::Timeout=600 "${missing[@]}"
 }
 
 # build PRESET [CMAKE-OPTION...] -- TARGET...: says something only when there is something to build.
 build() {
+    mkdir -p "$root/build"
+    locked "$root/build" build build_alone "$@"
+}
+
+build_alone() {
     local preset=$1 options=() tree
     shift
     while [ "$1" != -- ]; do
@@ -65,18 +96,38 @@ build() {
     done
     shift
     tree=$root/build/$preset
-    if [ ! -f "$tree/build.ninja" ] || [ ${#options[@]} -gt 0 ]; then
+    if [ ! -f "$tree/build.ninja" ]; then
+        say "Building $preset for the first time, which takes a minute or more: $*"
         run_quietly cmake -S "$root" --preset "$preset" "${options[@]}"
-    fi
-    if ! ninja -C "$tree" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
-        say "Building $preset: $*"
         run_quietly ninja -C "$tree" "$@"
+    else
+        [ ${#options[@]} -eq 0 ] || run_quietly cmake -S "$root" --preset "$preset" "${options[@]}"
+        run_quietly announced "Building $preset: $*" ninja -C "$tree" "$@" 3>&2
     fi
+}
+
+# announced TEXT NINJA...: says the text on descriptor 3 once something has been built.
+announced() {
+    local text=$1 line
+    shift
+    "$@" | while IFS= read -r line; do
+        if [[ $line == \[[1-9]* ]] && [ -n "$text" ]; then
+            say "$text" 2>&3
+            text=
+        fi
+        printf '%s\n' "$line"
+    done
 }
 
 # Prints where promtool is. It comes in a package whose installation would start a server, so it is only unpacked.
 promtool() {
-    local place=$root/build/promtool as_root=()
+    local place=$root/build/promtool
+    [ -x "$place/usr/bin/promtool" ] || locked "$root/build" build unpack_promtool "$place"
+    printf '%s\n' "$place/usr/bin/promtool"
+}
+
+unpack_promtool() {
+    local place=$1 as_root=()
     if [ ! -x "$place/usr/bin/promtool" ]; then
         rm -rf "$place"
         mkdir -p "$place"
@@ -87,5 +138,4 @@ promtool() {
         run_quietly dpkg -x "$place"/prometheus_*.deb "$place"
         rm "$place"/prometheus_*.deb
     fi
-    printf '%s\n' "$place/usr/bin/promtool"
 }

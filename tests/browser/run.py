@@ -14,6 +14,9 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.chrome.service import Service
 
+sys.path.append(str(Path(__file__).parents[1]))
+import verdict
+
 ROOT = Path(__file__).parents[2]
 NASTY = "\"q' \\N <script>document.title='run'</script> <img src=x onerror=alert(1)> &lt;b&gt; \x1b[2J\nline"
 HOSTILE = {"sysinfo": {"SI_HOSTNAME": NASTY}, "hba": {"adapters": [{
@@ -182,6 +185,4 @@ class Browser(unittest.TestCase):
 
 if __name__ == "__main__":
     result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Browser))
-    failed = len(result.failures) + len(result.errors)
-    print(f"{result.testsRun - failed} passed, {failed} failed")
-    sys.exit(1 if failed else 0)
+    sys.exit(verdict.report(result))

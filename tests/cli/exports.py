@@ -10,6 +10,9 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
+sys.path.append(str(Path(__file__).parents[1]))
+import verdict
+
 ROOT = Path(__file__).parents[2]
 TARN, PROMTOOL = sys.argv[1:3]
 SVG = "{http://www.w3.org/2000/svg}"
@@ -229,6 +232,4 @@ class Exports(unittest.TestCase):
 
 if __name__ == "__main__":
     result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(Exports))
-    failed = len(result.failures) + len(result.errors)
-    print(f"{result.testsRun - failed} passed, {failed} failed")
-    sys.exit(1 if failed else 0)
+    sys.exit(verdict.report(result))

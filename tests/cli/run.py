@@ -20,6 +20,9 @@ from pathlib import Path
 
 import questions
 
+sys.path.append(str(Path(__file__).parents[1]))
+import verdict
+
 ROOT = Path(__file__).parents[2]
 TARN = SCRATCH = None  # the command, and where the descriptions are written
 ANY = object()  # what the case does not compare
@@ -451,6 +454,7 @@ class CommandLine(unittest.TestCase):
 
     def on_terminal(self, words, columns=80, answer=b"", **environment):
         """Exit status and output of a run on a terminal of that width; the answer is typed when it is asked for."""
+        verdict.need_terminal(self)
         pid, terminal = pty.fork()
         if pid == 0:
             ioctl(1, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
@@ -502,9 +506,7 @@ def main():
             name = "test_%03d_%s" % (number, re.sub(r"\W+", "_", case.name))
             setattr(CommandLine, name, lambda self, case=case, future=future: self.check(case, future.result()))
         result = unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(CommandLine))
-    failed = len(result.failures) + len(result.errors)
-    print(f"{result.testsRun - failed} passed, {failed} failed")
-    return 1 if failed else 0
+    return verdict.report(result)
 
 
 if __name__ == "__main__":

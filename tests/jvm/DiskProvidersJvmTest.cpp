@@ -36,6 +36,7 @@ protected:
     Lines received(bool ofDisks, jint room) {
         const jobject queue = jvm::newQueue(env, room);
         const jobject receiver = jvm::instanceReceiver(env, queue, "add");
+        const jvm::LocalFrame frame(env);
         replay::startJournal();
         {
             jvm::JniTable table(env);
@@ -49,9 +50,8 @@ protected:
         Lines all;
         const auto array = static_cast<jobjectArray>(jvm::call(env, queue, "toArray", "()[Ljava/lang/Object;"));
         for (jsize i = 0; i < env->GetArrayLength(array); ++i) {
-            env->PushLocalFrame(16);
+            const jvm::LocalFrame ofOne(env);
             all.push_back(jvm::instanceText(env, env->GetObjectArrayElement(array, i)));
-            env->PopLocalFrame(nullptr);
         }
         return all;
     }

@@ -106,6 +106,7 @@ protected:
 
     /// What the entry has answered, in lines. A collection is empty afterwards.
     Lines told(const Entry &entry, jobject result) const {
+        const jvm::LocalFrame frame(env);
         if (entry.collection != nullptr) {
             result = jvm::call(env, entry.collection, "toArray", "()[Ljava/lang/Object;");
             const jclass cls = env->GetObjectClass(entry.collection);
@@ -124,6 +125,7 @@ protected:
         const bool isArray = result != nullptr && isA(result, "[Ljava/lang/Object;");
         Lines all;
         for (jsize i = 0; i < (isArray ? env->GetArrayLength(static_cast<jobjectArray>(result)) : 1); ++i) {
+            const jvm::LocalFrame ofOne(env);
             const jobject one = isArray ? env->GetObjectArrayElement(static_cast<jobjectArray>(result), i) : result;
             const bool isInstance = one != nullptr && isA(one, "com/kelvo/tarn/TrInstance");
             all.push_back(isInstance ? jvm::instanceText(env, one) : jvm::toText(env, one));
@@ -134,7 +136,7 @@ protected:
     /// Runs the entry with the n-th platform call refused, or none. Nothing may be leaked. Answers with what it tells,
     /// throws and, when it is to be noted, logs; its calls, with the platform's, are in `calls` then.
     Lines run(const Entry &entry, int refusedCall, bool noteLog) {
-        env->PushLocalFrame(128);
+        const jvm::LocalFrame frame(env);
         jobject result = nullptr;
         replay::refuseCall(refusedCall);
         {
@@ -151,7 +153,6 @@ protected:
         for (const std::string &line : noteLog ? logLines(calls) : Lines{}) {
             all.push_back("logs " + line);
         }
-        env->PopLocalFrame(nullptr);
         Lines journal = tests::beginning(calls, {"    "});
         std::ranges::for_each(journal, [](std::string &line) { line.erase(0, 4); });
         EXPECT_EQ(jvm::unreleased(journal), Lines{});

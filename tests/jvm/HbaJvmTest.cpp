@@ -116,15 +116,14 @@ protected:
     }
 
     jvm::HbaTree fill() {
-        env->PushLocalFrame(16);
+        const jvm::LocalFrame frame(env);
         jobjectArray filled = nullptr;
         watch([&] { filled = enterFill(env); });
-        const jvm::HbaTree tree(env, filled);
-        env->PopLocalFrame(nullptr);
-        return tree;
+        return jvm::HbaTree(env, filled);
     }
 
     Lines selfTest() {
+        const jvm::LocalFrame frame(env);
         const jobject lines = make("java/util/ArrayList", "()V");
         watch([&] { enterTest(lines); });
         return jvm::elementTexts(env, lines);
@@ -234,7 +233,7 @@ TEST_F(HbaTest, WhatJavaRefusesIsLeftOut) {
     Lines survived; // the refusals, with what they change
     std::string refused = "none";
     for (int n = 1; !refused.empty(); ++n) {
-        env->PushLocalFrame(16);
+        const jvm::LocalFrame frame(env);
         jobjectArray filled = nullptr;
         {
             jvm::JniTable table(env);
@@ -248,7 +247,6 @@ TEST_F(HbaTest, WhatJavaRefusesIsLeftOut) {
                 survived.back() += std::ranges::count(whole, line) == 0 ? " -> " + line : "";
             }
         }
-        env->PopLocalFrame(nullptr);
     }
     EXPECT_EQ(std::regex_replace(joined(survived), std::regex("(null\\|){16}"), "nulls|"),
               "PushLocalFrame 48 -> 0/adapter null, GetMethodID, CallObjectMethod, FindClass, "
@@ -267,7 +265,7 @@ TEST_F(HbaTest, TheVirtualMachinesOwnErrorsEndTheWalk) {
                                            {"GetStringUTFChars", 1, 1U},
                                            {"NewStringUTF \"HBA_GetPortStatistics", 3, 2U}}) {
         SCOPED_TRACE(start);
-        env->PushLocalFrame(16);
+        const jvm::LocalFrame frame(env);
         replay::startJournal();
         {
             jvm::JniTable table(env);
@@ -280,7 +278,6 @@ TEST_F(HbaTest, TheVirtualMachinesOwnErrorsEndTheWalk) {
         EXPECT_EQ(jvm::unreleased(journalled), Lines{});
         EXPECT_EQ(beginning(journalled, {"HBA_OpenAdapter"}).size(), opened);
         EXPECT_EQ(jvm::takeException(env), "java.lang.OutOfMemoryError: refused");
-        env->PopLocalFrame(nullptr);
     }
 }
 
@@ -321,9 +318,8 @@ TEST_F(HbaTest, ThreadsThatFillAtOnceAllGetTheWholeCache) {
         const jvm::AttachedThread thread;
         int equal = 0;
         for (int round = 0; round < 10; ++round) {
-            thread.env->PushLocalFrame(16);
+            const jvm::LocalFrame frame(thread.env);
             equal += jvm::HbaTree(thread.env, enterFill(thread.env)).lines == whole ? 1 : 0;
-            thread.env->PopLocalFrame(nullptr);
         }
         return equal;
     };

@@ -75,13 +75,12 @@ private:
         const auto array = static_cast<jobjectArray>(list);
         lines.insert(lines.end(), array == nullptr ? 1 : 0, at + "no array");
         for (jsize i = 0; array != nullptr && i < env->GetArrayLength(array); ++i) {
-            env->PushLocalFrame(32);
+            const LocalFrame frame(env, 32);
             if (const jobject element = env->GetObjectArrayElement(array, i); element == nullptr) {
                 lines.push_back(at + std::to_string(i) + " null");
             } else {
                 add(element, at + std::to_string(i) + "/");
             }
-            env->PopLocalFrame(nullptr);
         }
     }
 

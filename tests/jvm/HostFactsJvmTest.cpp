@@ -97,6 +97,7 @@ TEST_F(HostFactsTest, AMountThatVanishesIsOneWarning) {
     replay::loadHostText(first + tests::joined(manyGone, "") + last);
     env->functions = &unmounting;
     {
+        const jvm::LocalFrame frame(env);
         const jvm::JniTable table(env);
         const jobject disks = HOST_FACT(enumerateLogicalDiskNames)(env, nullptr);
         EXPECT_EQ(logLines(table.calls), Lines(100, R"(warn "Logical Disk Not Found: /gone")"));
@@ -126,6 +127,7 @@ TEST_F(HostFactsTest, LongListsNeedNoRoomForReferences) {
                          "}");
     for (const auto enumerate : {HOST_FACT(enumerateLogicalDiskNames), HOST_FACT(enumerateProcessors),
                                  HOST_FACT(enumerateCpuUtilizationInfo), HOST_FACT(enumerateDiskIOInformation)}) {
+        const jvm::LocalFrame frame(env);
         const jvm::JniTable table(env);
         const jobject list = enumerate(env, nullptr);
         EXPECT_EQ(table.faults(), Lines{});

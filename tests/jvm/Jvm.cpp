@@ -76,7 +76,7 @@ std::string toText(JNIEnv *env, jobject object) {
     if (object == nullptr) {
         return "null";
     }
-    env->PushLocalFrame(8);
+    const LocalFrame frame(env);
     std::string result = "null";
     if (env->IsInstanceOf(object, env->FindClass("[Ljava/lang/Object;")) == JNI_TRUE) {
         result.clear();
@@ -90,13 +90,12 @@ std::string toText(JNIEnv *env, jobject object) {
         result = characters;
         env->ReleaseStringUTFChars(text, characters);
     }
-    env->PopLocalFrame(nullptr);
     return result;
 }
 
 std::vector<std::string> elementTexts(JNIEnv *env, jobject list) {
     std::vector<std::string> texts;
-    env->PushLocalFrame(8);
+    const LocalFrame frame(env);
     const jclass arrayClass = env->FindClass("[Ljava/lang/Object;");
     const auto array = static_cast<jobjectArray>(
         env->IsInstanceOf(list, arrayClass) == JNI_TRUE ? list : call(env, list, "toArray", "()[Ljava/lang/Object;"));
@@ -105,7 +104,6 @@ std::vector<std::string> elementTexts(JNIEnv *env, jobject list) {
         texts.push_back(toText(env, element));
         env->DeleteLocalRef(element);
     }
-    env->PopLocalFrame(nullptr);
     return texts;
 }
 
@@ -164,13 +162,12 @@ std::string instanceText(JNIEnv *env, jobject instance) {
     if (instance == nullptr) {
         return "null";
     }
-    env->PushLocalFrame(8);
+    const LocalFrame frame(env);
     const jfieldID values = env->GetFieldID(env->GetObjectClass(instance), "values", "[Ljava/lang/Object;");
     std::string line;
     for (const std::string &text : elementTexts(env, env->GetObjectField(instance, values))) {
         line += (line.empty() ? "" : "|") + text;
     }
-    env->PopLocalFrame(nullptr);
     return line;
 }
 

@@ -25,6 +25,23 @@ public:
     JNIEnv *env = nullptr;
 };
 
+/// A local frame with the room that a native method has without asking, unless it is to have more. What is made in it
+/// goes with it.
+class LocalFrame {
+public:
+    explicit LocalFrame(JNIEnv *onThread, jint room = 16) : env(onThread) {
+        env->PushLocalFrame(room);
+    }
+    ~LocalFrame() {
+        env->PopLocalFrame(nullptr);
+    }
+    LocalFrame(const LocalFrame &) = delete;
+    LocalFrame &operator=(const LocalFrame &) = delete;
+
+private:
+    JNIEnv *env;
+};
+
 /// What -Xcheck:jni has complained about since the last call.
 std::vector<std::string> takeWarnings();
 

@@ -12,13 +12,6 @@ namespace jvm {
 /// A test on the thread of the virtual machine, with room for its local references.
 class JvmTest : public testing::Test {
 protected:
-    JvmTest() {
-        env->PushLocalFrame(128);
-    }
-    ~JvmTest() override {
-        env->PopLocalFrame(nullptr);
-    }
-
     /// Null for null.
     jstring newString(const char *characters) const {
         return characters == nullptr ? nullptr : env->NewStringUTF(characters);
@@ -38,6 +31,9 @@ protected:
     }
 
     JNIEnv *const env = environment();
+
+private:
+    const LocalFrame ofTest{env, 128};
 };
 
 } // namespace jvm

@@ -18,6 +18,9 @@ from pathlib import Path
 
 import hosts
 
+sys.path.append(str(Path(__file__).parents[1]))
+import verdict
+
 RANDOM_HOSTS = int(os.environ.get("TARN_RANDOM_HOSTS", "24"))
 NAMED = ["logical-disks /", "processors 0", "cpu 0", "disk-io c1t0d0", "disks c1t0d0", "disk c1t0d0", "disk /",
          "partitions c1t0d0s0"]
@@ -214,6 +217,7 @@ class Recorder(unittest.TestCase):
         self.assertIn(b"/dev/rdsk: 200 of 249", self.on_terminal(host))
 
     def on_terminal(self, host, *options):
+        verdict.need_terminal(self)
         shown, (reader, terminal) = b"", pty.openpty()
         environment = {**os.environ, "TARN_HOST": host}
         with subprocess.Popen([*RECORDER, *options], env=environment, stdout=subprocess.DEVNULL, stderr=terminal):
@@ -254,9 +258,7 @@ def main():
         load = unittest.defaultTestLoader.loadTestsFromTestCase
         suite = load(held) if OTHER else unittest.TestSuite([load(held), load(Recorder)])
         result = unittest.TextTestRunner().run(suite)
-    failed = len(result.failures) + len(result.errors)
-    print(f"{result.testsRun - failed} passed, {failed} failed")
-    return 1 if failed else 0
+    return verdict.report(result)
 
 
 if __name__ == "__main__":
