@@ -4,10 +4,12 @@ import os
 import re
 import shlex
 import shutil
+import signal
 import stat
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
@@ -16,7 +18,7 @@ import verdict
 SOURCE = Path(__file__).resolve().parents[1]
 VERSION = re.search(r"project\(tarnsolaris VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text())[1]
 BUILD = SCRATCH = ROOT = DEB = None  # the build tree; where everything goes; the unpacked package; the package
-TOOLS = "bash cksum cut dirname env ls mkdir mktemp mv readlink rm sed".split()  # what the command needs besides Java
+TOOLS = "bash cksum cut dirname env find ls mkdir mktemp mv readlink rm sed sync".split()  # what the command needs besides Java
 
 
 def run(*command, **options):
@@ -192,6 +194,45 @@ class Package(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr.count("\n")), (2, 1))
         self.assertRegex(done.stderr, r"^tarn: picocli\.jar is needed, and is not in \S+/share/java /nowhere$")
 
+    def test_check_ends_as_monitoring_plugins_do(self):
+        for end, status in (("exit 1", 1), ("exit 102", 102), ("kill -ABRT $$", -signal.SIGABRT)):
+            write(SCRATCH / "dying/bin/java", f"#!/bin/bash\n{end}\n", 0o755)
+            write(SCRATCH / "dying/release", 'JAVA_VERSION="11.0.2"\n')
+            self.assertEqual(tarn("disks", JAVA_HOME=str(SCRATCH / "dying")).returncode, status)
+            status = status - 100 if status > 100 else 3
+            self.assertEqual(tarn("check", JAVA_HOME=str(SCRATCH / "dying")).returncode, status, end)
+        os.mkfifo(SCRATCH / "here")
+        write(SCRATCH / "dying/bin/java", f"#!/bin/bash\necho $$ >{SCRATCH}/here\nexec sleep 60\n", 0o755)
+        check = subprocess.Popen([ROOT / "usr/bin/tarn", "check"],
+                                 env={**os.environ, "JAVA_HOME": str(SCRATCH / "dying")})
+        child = int((SCRATCH / "here").read_text())
+        check.terminate()
+        self.assertEqual(check.wait(30), 3)
+        self.assertRaises(ProcessLookupError, os.kill, child, 0)
+
+    def test_a_colon_in_the_path_is_refused(self):
+        shutil.copytree(ROOT / "usr", SCRATCH / "a:b/usr", symlinks=True)
+        shutil.copytree(SOURCE / "tools", SCRATCH / "a:b/tools")
+        shutil.copy(SOURCE / "tarn", SCRATCH / "a:b")
+        for command, folder in (("usr/bin/tarn", "/usr/bin"), ("tarn", "")):
+            for asked, status in (("report", 2), ("check", 3)):
+                done = run(SCRATCH / "a:b" / command, asked)
+                self.assertEqual((done.returncode, done.stdout, done.stderr), (
+                    status, "", f"tarn: Java cannot use what lies in a folder with a colon in its name: "
+                    f"{SCRATCH}/a:b{folder}\n"))
+
+    def test_what_is_built_is_hardened(self):
+        objects = [path for path in ROOT.rglob("*") if path.is_file() and path.read_bytes()[:4] == b"\x7fELF"]
+        self.assertEqual({path.name for path in objects}, {"libtarnsolaris.so", "tarn-record"})
+        objects += [path for tree in (BUILD, BUILD.parent / "sparc64")
+                    for name in ("libtarnsolaris.so", "tarn-record") if (path := tree / name).exists()]
+        self.assertGreaterEqual(len(objects), 4)
+        for path in objects:
+            shown = must("readelf", "-Whld", "--dyn-syms", path)
+            for sign in (r"Type: +DYN", "GNU_RELRO", r"FLAGS.*\bBIND_NOW", "__stack_chk_fail@", r"__\w+printf_chk@",
+                         r"GNU_STACK .* RW "):
+                self.assertRegex(shown, sign, path)
+
     def test_the_class_data_archive(self):
         home = java_home("seventeen", "17.0.1")
         cache, calls = SCRATCH / "cache", Path(home, "calls")
@@ -213,9 +254,14 @@ class Package(unittest.TestCase):
         (first,) = archives()
         archive = cache / "tarn" / first
         self.assertEqual((stat.S_IMODE(archive.stat().st_mode) & 0o77, archive.stat().st_size > 1 << 20), (0, True))
-        archive.chmod(0o600)
-        archive.write_bytes(b"no archive" * 1000)
-        self.assertEqual(start(), (False, True), "one that the virtual machine refuses")
+        whole, made = archive.read_bytes(), archive.stat()
+        for damaged in (whole[:len(whole) // 2], whole[:1 << 20] + os.urandom(4000) + whole[(1 << 20) + 4000:], b""):
+            path = cache / "tarn" / archives()[0]
+            path.chmod(0o600)
+            path.write_bytes(damaged)
+            os.utime(path, ns=(made.st_atime_ns, made.st_mtime_ns + 10**10))
+            self.assertEqual([start(), start()], [(True, True), (False, True)], "damaged ones are replaced")
+            self.assertEqual(len(archives()), 1)
         jar = usr / f"share/java/tarn-{VERSION}.jar"
         os.utime(jar)
         self.assertEqual(start(), (True, True), "older than the jar")
@@ -223,7 +269,40 @@ class Package(unittest.TestCase):
         self.assertEqual(start(), (True, True), "another jar")
         self.assertEqual((len(archives()), first in archives()), (1, False))
 
+        # What another user could have put there is not used, and is left as it is.
+        folder = cache / "tarn"
+        archive = folder / archives()[0]
+        changes = [lambda path, mode=mode: path.chmod(mode) for mode in (0o720, 0o702, 0o1777)]
+        changes += [lambda path: os.chown(path, 65533, 0)] * (os.geteuid() == 0)
+        for path in (cache, folder, archive):
+            before = path.stat()
+            for change in changes:
+                change(path)
+                expected = path == cache and path.stat().st_mode & stat.S_ISVTX != 0  # as /tmp is
+                self.assertEqual(start(), (False, expected), (path, oct(path.stat().st_mode), path.stat().st_uid))
+                os.chown(path, before.st_uid, before.st_gid)
+                path.chmod(stat.S_IMODE(before.st_mode))
+        self.assertEqual([start(), archives()], [(False, True), [archive.name]])
+        cache.chmod(0o777)
+        self.assertEqual(start(TARN_CACHE=str(cache / "fresh")), (False, False))
+        self.assertFalse((cache / "fresh").exists())
+        cache.chmod(0o700)
+        (SCRATCH / "cache-link").symlink_to(cache)
+        self.assertEqual(start(TARN_CACHE=str(SCRATCH / "cache-link/tarn")), (False, True), "a link leads there")
+
+        # Of others, of trees and virtual machines that may be gone, the newest stay.
+        for age in range(1, 6):
+            write(folder / f"tarn-1-{age}-4294967295-0.jsa", "")
+            os.utime(folder / f"tarn-1-{age}-4294967295-0.jsa", (time.time() - age,) * 2)
+        write(folder / ".tarn-killed", "")
+        os.utime(folder / ".tarn-killed", (time.time() - 200000,) * 2)
+        archive.unlink()
+        self.assertEqual(start(), (True, True))
+        self.assertEqual(archives()[:3], [f"tarn-1-{age}-4294967295-0.jsa" for age in (1, 2, 3)])
+        self.assertEqual(len(archives()), 4)
+
         self.assertEqual(start(TARN_CACHE=""), (False, False))
+        self.assertEqual(start(TARN_CACHE=str(SCRATCH / "co:lon")), (False, False), "two files, to Java")
         self.assertEqual(start(TARN_CACHE="/dev/null/here"), (False, False), "no such folder")
         self.assertEqual(start(java_home("eleven", "11.0.2")), (False, False), "Java 11 makes none")
         # A virtual machine that refuses to make one is asked once.

@@ -144,6 +144,7 @@ CASES = [
            status=0 if accepted else 3) for user, password, accepted, log in (
                ("root", PASSWORD + "\n", True, []), ("root", PASSWORD + "\nsecond line\n", True, []),
                ("root", "Hello World!\n", False, []), ("root", "", False, []), ("guest", "Anything-1\n", True, []),
+               ("root", "p" * 4096 + "\n", False, []),
                ("nobody", "Anything-2\n", False, ["info: No password entry for user nobody found"]))),
 
     Case("the report, for people", "report", RICH, log=["warn: c1t1d0: SolarisDiskDrive DKIOCGVTOC", *LOGS["hba"]],
@@ -278,6 +279,8 @@ CASES = [
     Case("the manual page is up to date", "manual", prints=(ROOT / "docs/tarn.1").read_text()),
     Case("a password among the arguments", f"authenticate root '{PASSWORD}'", password=PASSWORD, status=2,
          complains=["the password is asked for"]),
+    Case("a password that is too long", "authenticate root", RICH, password="p" * 4097, status=2,
+         complains=["tarn: the password is longer than 4096 bytes\n"]),
     Case("a wrong password, for people", "authenticate root", RICH, password="Anything-3\n",
          shows=["no, that is not the password of root"], status=3),
     Case("a section's exception ends no other", "report", {"sysinfo": RICH["sysinfo"]}, log=ANY, status=1, picks={

@@ -39,12 +39,13 @@ public final class Tarn extends TarnOptions {
     private boolean version;
 
     /**
-     * Runs one command, and ends the virtual machine with its exit status.
+     * Runs one command, and ends the virtual machine with its exit status, above the property tarn.statusBase where that
+     * is set: then whoever started it can tell the command's own from all others.
      *
      * @param arguments the command line's
      */
     public static void main(String[] arguments) {
-        System.exit(run(arguments));
+        System.exit(Integer.getInteger("tarn.statusBase", 0) + run(arguments));
     }
 
     /** Runs one command; returns its exit status. */

@@ -2,19 +2,23 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.providers.solaris.SolarisAuthenticator;
-import java.io.BufferedReader;
+import java.io.BufferedInputStream;
+import java.io.ByteArrayOutputStream;
 import java.io.IOException;
-import java.io.InputStreamReader;
+import java.io.InputStream;
 import java.lang.ProcessBuilder.Redirect;
 import java.nio.charset.StandardCharsets;
 import picocli.CommandLine.Command;
+import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.Parameters;
 
 /** {@code authenticate}: the native method of that name. */
 @Command(name = "authenticate", description = "Whether a password is that user's.",
-         footer = "The password is asked for without echo, or is one line of standard input. Exit status: 0 it is, "
-             + "3 it is not.")
+         footer = "The password is asked for without echo, or is one line of standard input, of at most 4096 bytes. "
+             + "Exit status: 0 it is, 3 it is not.")
 public final class AuthenticateCommand extends Inquiry<Boolean> {
+    private static final int longestPassword = 4096; // bytes
+
     @Parameters(paramLabel = "USER", description = "The user's name.")
     private String user;
 
@@ -34,17 +38,31 @@ public final class AuthenticateCommand extends Inquiry<Boolean> {
     }
 
     /** Input that ends before a line does counts as an empty password. */
-    private static String readPassword() throws IOException {
+    private String readPassword() throws IOException {
         boolean terminal = stty("-echo");
         if (terminal) {
             Runtime.getRuntime().addShutdownHook(new Thread(() -> stty("echo")));
             System.err.print("Password: ");
         }
-        String line = new BufferedReader(new InputStreamReader(System.in, StandardCharsets.UTF_8)).readLine();
-        if (terminal) {
-            System.err.println();
+        try {
+            return readLine(new BufferedInputStream(System.in));
+        } finally {
+            if (terminal) {
+                System.err.println();
+            }
         }
-        return line == null ? "" : line;
+    }
+
+    private String readLine(InputStream in) throws IOException {
+        ByteArrayOutputStream line = new ByteArrayOutputStream();
+        for (int next = in.read(); next >= 0 && next != '\n' && next != '\r'; next = in.read()) {
+            if (line.size() == longestPassword) {
+                throw new ParameterException(spec().commandLine(), "the password is longer than " + longestPassword
+                                             + " bytes", new IllegalArgumentException());
+            }
+            line.write(next);
+        }
+        return line.toString(StandardCharsets.UTF_8);
     }
 
     /**
