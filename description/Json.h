@@ -63,7 +63,7 @@ Json parseJson(const TextSource &source);
 /// A text as a message shows it: quoted, escaped, and cut where it is long.
 std::string inQuotes(std::string_view text);
 
-/// Refuses a text with a zero in it: it would end there for every call that it is for.
+/// Refuses a string with a zero in it, which would end there for every call. Raw bytes may have one.
 void requireNoZero(std::string_view text, const Place &place);
 
 /// The value as an object, list or text. Refuse any other type.

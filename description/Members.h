@@ -255,7 +255,6 @@ struct Form<std::string> {
     static void read(const Json &value, const Place &place, std::string &into) {
         const std::vector<unsigned char> bytes = characterBytesOf(value, place);
         into.assign(bytes.begin(), bytes.end());
-        requireNoZero(into, place);
     }
     static bool isSame(const std::string &value, const std::string &usual) {
         return value == usual;
