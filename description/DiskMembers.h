@@ -110,9 +110,13 @@ inline constexpr auto members<Slice> = table<Slice>(MEMBER(Slice, name), MEMBER(
 
 /// A slice that is as its place says is its name.
 struct SlicesForm {
-    static void read(const Json &value, const Place &place, std::vector<Slice> &into) {
+    using Slices = decltype(Disk::slices);
+
+    static void read(const Json &value, const Place &place, Slices &slices) {
         const Json::array_t &list = listOf(value, place);
-        into = std::vector<Slice>(list.size());
+        requireRoom(list.size(), mostSlices, "slices", place);
+        slices = std::vector<Slice>(list.size());
+        std::vector<Slice> &into = slices.edit();
         for (std::size_t i = 0; i < list.size(); ++i) {
             if (list[i].is_object() && !isGiven(list[i], {"hex"})) {
                 Form<Slice>::read(list[i], place.element(i), into[i]);
@@ -121,12 +125,12 @@ struct SlicesForm {
             }
         }
     }
-    static bool isSame(const std::vector<Slice> &value, const std::vector<Slice> &usual) {
-        return std::ranges::equal(value, usual, Form<Slice>::isSame);
+    static bool isSame(const Slices &value, const Slices &usual) {
+        return std::ranges::equal(*value, *usual, Form<Slice>::isSame);
     }
-    static void write(JsonWriter &writer, const std::vector<Slice> &value, const std::vector<Slice> &) {
+    static void write(JsonWriter &writer, const Slices &value, const Slices &) {
         writer.beginList();
-        for (const Slice &slice : value) {
+        for (const Slice &slice : *value) {
             Slice plain{};
             plain.name = slice.name;
             if (Form<Slice>::isSame(slice, plain)) {
@@ -177,23 +181,23 @@ inline void complete(const Json &value, const Place &, vtoc &label) {
 template <>
 inline void complete(const Json &, const Place &place, Disk &disk) {
     const Place slices = place.member("slices");
-    requireRoom(disk.slices.size(), mostSlices, "slices", slices);
-    for (std::size_t i = 0; i < disk.slices.size(); ++i) {
+    for (std::size_t i = 0; i < disk.slices->size(); ++i) {
         if (disk.place(i) >= mostSlices) {
             const Place slice = slices.element(i);
             slice.member("place").refuse(std::to_string(disk.place(i)) + " is not in 0 to 25");
         }
     }
     const Place directories = place.member("directories");
-    for (std::size_t i = 0; i < disk.directories.size(); ++i) {
-        if (disk.directories[i] != blockDirectory && disk.directories[i] != rawDirectory) {
+    for (std::size_t i = 0; i < disk.directories->size(); ++i) {
+        const std::string &directory = (*disk.directories)[i];
+        if (directory != blockDirectory && directory != rawDirectory) {
             directories.element(i).refuse("\"/dev/dsk\" or \"/dev/rdsk\" expected");
         }
     }
     const Place mounted = place.member("mounted");
     for (std::size_t i = 0; i < disk.mounted.size(); ++i) {
-        if (std::ranges::find(disk.slices, disk.mounted[i], &Slice::name) == disk.slices.end()) {
-            mounted.element(i).refuse("\"" + disk.mounted[i] + "\" is no slice of the disk");
+        if (std::ranges::find(*disk.slices, disk.mounted[i], &Slice::name) == disk.slices->end()) {
+            mounted.element(i).refuse(inQuotes(disk.mounted[i]) + " is no slice of the disk");
         }
     }
 }

@@ -97,18 +97,20 @@ inline constexpr auto
 
 template <>
 struct Form<TargetMapping> {
-    using List = Form<std::vector<HBA_FCPSCSIENTRY>>;
-
     static void read(const Json &value, const Place &place, TargetMapping &into) {
-        std::vector<HBA_FCPSCSIENTRY> entries;
-        List::read(value, place, entries);
+        std::vector<Sparse<HBA_FCPSCSIENTRY>> entries;
+        Form<std::vector<Sparse<HBA_FCPSCSIENTRY>>>::read(value, place, entries);
         into = TargetMapping(std::move(entries));
     }
     static bool isSame(const TargetMapping &value, const TargetMapping &usual) {
-        return value.entries().empty() && usual.entries().empty();
+        return value.size() == 0 && usual.size() == 0;
     }
     static void write(JsonWriter &writer, const TargetMapping &value, const TargetMapping &) {
-        List::write(writer, value.entries(), {});
+        writer.beginList(Layout::lines);
+        for (std::size_t i = 0; i < value.size(); ++i) {
+            Form<HBA_FCPSCSIENTRY>::write(writer, value[i], blank<HBA_FCPSCSIENTRY>());
+        }
+        writer.endList();
     }
 };
 
@@ -119,22 +121,26 @@ inline constexpr auto
                                             MEMBER(HbaAdapter, targetMapping), MEMBER(HbaAdapter, NumberOfEntries),
                                             MEMBER(HbaAdapter, status));
 
+inline constexpr std::size_t mostAdapters = 4096; // that the library believes in
+using AdaptersForm = BoundedForm<mostAdapters, HbaAdapter>;
+
 template <>
-inline constexpr auto members<Hba> = table<Hba>(MEMBER(Hba, NumberOfAdapters), MEMBER(Hba, adapters));
+inline constexpr auto members<Hba> = table<Hba>(MEMBER(Hba, NumberOfAdapters),
+                                                FORMED_MEMBER(Hba, adapters, AdaptersForm));
 
 template <>
 struct Usual<HbaPort> {
     static HbaPort of(const HbaPort &port) {
         HbaPort usual{};
-        usual.attributes.NumberofDiscoveredPorts = static_cast<HBA_UINT32>(port.discovered.size());
+        usual.attributes.edit().NumberofDiscoveredPorts = static_cast<HBA_UINT32>(port.discovered.size());
         return usual;
     }
 };
 
 template <>
 inline void complete(const Json &value, const Place &, HbaPort &port) {
-    if (!isGiven(value, {"attributes", "NumberofDiscoveredPorts"})) {
-        port.attributes.NumberofDiscoveredPorts = Usual<HbaPort>::of(port).attributes.NumberofDiscoveredPorts;
+    if (port.attributes.isHeld() && !isGiven(value, {"attributes", "NumberofDiscoveredPorts"})) {
+        port.attributes.edit().NumberofDiscoveredPorts = Usual<HbaPort>::of(port).attributes->NumberofDiscoveredPorts;
     }
 }
 
@@ -142,7 +148,7 @@ template <>
 struct Usual<HbaAdapter> {
     static HbaAdapter of(const HbaAdapter &adapter) {
         HbaAdapter usual{};
-        usual.attributes.NumberOfPorts = static_cast<HBA_UINT32>(adapter.ports.size());
+        usual.attributes.edit().NumberOfPorts = static_cast<HBA_UINT32>(adapter.ports.size());
         return usual;
     }
 };
@@ -151,8 +157,8 @@ template <>
 inline void complete(const Json &value, const Place &place, HbaAdapter &adapter) {
     constexpr std::size_t nameRoom = 256; // of HBA_GetAdapterName, with the zero at the end
     requireRoom(adapter.name.size(), nameRoom - 1, "bytes", place.member("name"));
-    if (!isGiven(value, {"attributes", "NumberOfPorts"})) {
-        adapter.attributes.NumberOfPorts = Usual<HbaAdapter>::of(adapter).attributes.NumberOfPorts;
+    if (adapter.attributes.isHeld() && !isGiven(value, {"attributes", "NumberOfPorts"})) {
+        adapter.attributes.edit().NumberOfPorts = Usual<HbaAdapter>::of(adapter).attributes->NumberOfPorts;
     }
 }
 

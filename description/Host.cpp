@@ -1,15 +1,20 @@
 #include "description/Host.h"
 
 #include <string_view>
-#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "common/FieldText.h"
 #include "description/DiskMembers.h"
+#include "description/FileIndex.h"
 #include "description/HbaMembers.h"
 #include "description/KernelStatisticsMembers.h"
 #include "description/SystemMembers.h"
 
 namespace description {
+
+constexpr std::size_t mostDisks = 65536;
+using DisksForm = BoundedForm<mostDisks, Sparse<Disk>>;
 
 template <>
 inline constexpr auto members<Host> = table<Host>(
@@ -18,7 +23,7 @@ inline constexpr auto members<Host> = table<Host>(
     FORMED_MEMBER(Host, processors, ProcessorsForm), MEMBER(Host, kstat), FORMED_MEMBER(Host, mnttab, MountTableForm),
     FORMED_MEMBER(Host, statvfs, FileSystemsForm),
     memberRow<Host, FieldAt<&Host::shadow>, ByTextForm<std::optional<std::string>, NullableTextForm>>("shadow"),
-    MEMBER(Host, disks), MEMBER(Host, entries),
+    FORMED_MEMBER(Host, disks, DisksForm), MEMBER(Host, entries),
     memberRow<Host, FieldAt<&Host::listings>,
               ByTextForm<std::vector<std::string>, Form<std::vector<std::string>>, Layout::lines>>("listings"),
     MEMBER(Host, hba));
@@ -27,33 +32,25 @@ namespace {
 
 /// Refuses a second file of one path, and a listing of what is not there or is there once.
 void requireFiles(const Host &host, const Place &place) {
-    std::unordered_set<std::string> paths;
-    const Place disks = place.member("disks");
-    for (std::size_t i = 0; i < host.disks.size(); ++i) {
-        for (const std::string &directory : host.disks[i].directories) {
-            for (const Slice &slice : host.disks[i].slices) {
-                const std::string name = host.disks[i].name + slice.name;
-                if (!paths.insert(directory + "/" + name).second) {
-                    const Place disk = disks.element(i);
-                    disk.member("name").refuse("\"" + name + "\" is there already");
-                }
-            }
-        }
-    }
-    const Place entries = place.member("entries");
-    for (std::size_t i = 0; i < host.entries.size(); ++i) {
-        if (!paths.insert(host.entries[i].path).second) {
-            const Place entry = entries.element(i);
-            entry.member("path").refuse("\"" + host.entries[i].path + "\" is there already");
-        }
+    const FileIndex index(host);
+    if (const std::optional<std::size_t> second = index.firstDouble()) {
+        const FileIndex::File &file = index.files()[*second];
+        const bool isEntry = file.kind == FileIndex::entry;
+        const Place list = place.member(isEntry ? "entries" : "disks");
+        const Place owner = list.element(file.owner);
+        const std::string shown = isEntry ? host.entries[file.owner].path : index.name(*second);
+        owner.member(isEntry ? "path" : "name").refuse(inQuotes(shown) + " is there already");
     }
     const Place listings = place.member("listings");
+    std::vector<bool> isListed(index.files().size());
     for (const auto &[directory, names] : host.listings) {
         for (std::size_t i = 0; i < names.size(); ++i) {
-            if (paths.erase(directory + "/" + names[i]) == 0) {
+            const std::optional<std::size_t> found = index.find(directory, names[i]);
+            if (!found || isListed[*found]) {
                 const Place listing = listings.member(directory);
-                listing.element(i).refuse("\"" + names[i] + "\" is not there, or named twice");
+                listing.element(i).refuse(inQuotes(names[i]) + " is not there, or named twice");
             }
+            isListed[*found] = true;
         }
     }
 }
@@ -75,7 +72,12 @@ std::optional<KernelSample> blankSample(const kstat_t &record) {
     return std::nullopt;
 }
 
-std::vector<Slice> Disk::usualSlices() {
+const std::vector<std::string> &usualDirectories() {
+    static const std::vector<std::string> usual = {std::string(blockDirectory), std::string(rawDirectory)};
+    return usual;
+}
+
+const std::vector<Slice> &usualSlices() {
     static const std::vector<Slice> usual = [] {
         std::vector<Slice> list(8);
         for (std::size_t i = 0; i < list.size(); ++i) {
@@ -87,9 +89,14 @@ std::vector<Slice> Disk::usualSlices() {
 }
 
 Host readHost(const std::string &json) {
+    std::string_view rest = json;
+    return readHost([&] { return std::exchange(rest, {}); });
+}
+
+Host readHost(const TextSource &source) {
     Host host;
     const Place whole;
-    Form<Host>::read(parseJson(json), whole, host);
+    Form<Host>::read(parseJson(source), whole, host);
     requireFiles(host, whole);
     return host;
 }

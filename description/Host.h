@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "description/JsonWriter.h"
+#include "description/Sparse.h"
 #include "platform/solaris.h"
 
 // What a host looks like, as data. Members bear the names that they have in a host description.
@@ -20,6 +21,9 @@ namespace description {
 
 template <class Value>
 using ByText = std::map<std::string, Value, std::less<>>;
+
+/// Gives the next part of a text, an empty one at its end.
+using TextSource = std::function<std::string_view()>;
 
 using StatVfs = struct ::statvfs64;
 
@@ -65,26 +69,27 @@ struct Slice {
 inline constexpr std::string_view blockDirectory = "/dev/dsk";
 inline constexpr std::string_view rawDirectory = "/dev/rdsk";
 
+/// "s0" to "s7", and both directories.
+const std::vector<Slice> &usualSlices();
+const std::vector<std::string> &usualDirectories();
+
 /// What a disk and its slices look like.
 struct Disk {
     std::string name;
-    std::vector<Slice> slices = usualSlices();
-    std::vector<std::string> directories = {std::string(blockDirectory), std::string(rawDirectory)};
+    Sparse<std::vector<Slice>, usualSlices> slices;
+    Sparse<std::vector<std::string>, usualDirectories> directories;
     std::optional<std::string> path; // of the physical device; without it the entries are no symbolic links
     unsigned major;
     unsigned minor;
     std::vector<std::string> mounted;
     std::optional<dk_geom> geometry;
-    std::optional<struct ::vtoc> vtoc;
+    Sparse<std::optional<struct ::vtoc>> vtoc;
     ByText<std::vector<unsigned char>> scsi; // answers by command
     ByText<int> fails; // errno, or 0, by call ("fstat"), by call and open flags ("open O_RDWR"), or by command
 
     unsigned place(std::size_t slice) const {
-        return slices[slice].place.value_or(static_cast<unsigned>(slice));
+        return (*slices)[slice].place.value_or(static_cast<unsigned>(slice));
     }
-
-    /// "s0" to "s7".
-    static std::vector<Slice> usualSlices();
 };
 
 struct Entry {
@@ -105,7 +110,7 @@ struct HbaDiscoveredPort {
     struct Status {
         HbaAnswers GetDiscoveredPortAttributes;
     };
-    HBA_PORTATTRIBUTES attributes;
+    Sparse<HBA_PORTATTRIBUTES> attributes;
     Status status;
 };
 
@@ -114,33 +119,34 @@ struct HbaPort {
         HbaAnswers GetAdapterPortAttributes;
         HbaAnswers GetPortStatistics;
     };
-    HBA_PORTATTRIBUTES attributes;
-    HBA_PORTSTATISTICS statistics;
+    Sparse<HBA_PORTATTRIBUTES> attributes; // where not held, NumberofDiscoveredPorts is what `discovered` has
+    Sparse<HBA_PORTSTATISTICS> statistics;
     std::vector<HbaDiscoveredPort> discovered;
     Status status;
 };
 
-/// The entries of a target mapping, wherever they came to be: on a large host they are tens of megabytes, which nobody
-/// copies.
+/// The entries of a target mapping, one by one or wherever they came to be: on a large host they are tens of megabytes,
+/// which nobody copies.
 class TargetMapping {
 public:
     TargetMapping() = default;
-    explicit TargetMapping(std::vector<HBA_FCPSCSIENTRY> &&list) {
-        const auto kept = std::make_shared<const std::vector<HBA_FCPSCSIENTRY>>(std::move(list));
-        known = *kept;
-        storage = kept;
+    explicit TargetMapping(std::vector<Sparse<HBA_FCPSCSIENTRY>> &&list) : listed(std::move(list)) {
     }
     TargetMapping(std::shared_ptr<const void> &&storageOfEntries, std::span<const HBA_FCPSCSIENTRY> entriesInIt)
         : storage(std::move(storageOfEntries)), known(entriesInIt) {
     }
 
-    std::span<const HBA_FCPSCSIENTRY> entries() const {
-        return known;
+    std::size_t size() const {
+        return storage == nullptr ? listed.size() : known.size();
+    }
+    const HBA_FCPSCSIENTRY &operator[](std::size_t index) const {
+        return storage == nullptr ? *listed[index] : known[index];
     }
 
 private:
     std::shared_ptr<const void> storage;
     std::span<const HBA_FCPSCSIENTRY> known;
+    std::vector<Sparse<HBA_FCPSCSIENTRY>> listed; // without storage
 };
 
 struct HbaAdapter {
@@ -151,7 +157,7 @@ struct HbaAdapter {
     };
     std::string name;
     unsigned openFailures;
-    HBA_ADAPTERATTRIBUTES attributes;
+    Sparse<HBA_ADAPTERATTRIBUTES> attributes; // where not held, NumberOfPorts is what `ports` has
     std::vector<HbaPort> ports;
     TargetMapping targetMapping;
     std::optional<HBA_UINT32> NumberOfEntries; // that the library claims; without it, as many as there are
@@ -170,11 +176,11 @@ struct Host {
     std::optional<struct ::utsname> uname;
     std::map<int, long> sysconf; // by name
     std::map<processorid_t, Processor> processors;
-    std::optional<std::vector<KernelRecord>> kstat;
+    std::optional<std::vector<Sparse<KernelRecord>>> kstat;
     std::optional<std::string> mnttab;         // the whole text
     ByText<FileSystem> statvfs;                // by path
     ByText<std::optional<std::string>> shadow; // sp_pwdp by user
-    std::vector<Disk> disks;
+    std::vector<Sparse<Disk>> disks;
     std::vector<Entry> entries;
     ByText<std::vector<std::string>> listings; // by directory, the names that it lists first
     std::optional<Hba> hba;
@@ -182,6 +188,7 @@ struct Host {
 
 /// Reads a description. Raises HostDescriptionError.
 Host readHost(const std::string &json);
+Host readHost(const TextSource &source);
 
 /// Writes the description of the host, which `readHost` takes back. Members that have their default are left out.
 void writeHost(const Host &host, const TextSink &sink);

@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "description/Host.h"
 #include "description/Names.h"
 
 // The reading of JSON values. What does not fit is refused at its place.
@@ -56,8 +57,14 @@ private:
     std::size_t index = 0;
 };
 
-/// Parses a text. Raises HostDescriptionError that names line and column.
-Json parseJson(const std::string &text);
+/// Parses a text. Raises HostDescriptionError that names line and column, or the member.
+Json parseJson(const TextSource &source);
+
+/// A text as a message shows it: quoted, escaped, and cut where it is long.
+std::string inQuotes(std::string_view text);
+
+/// Refuses a string with a zero in it, which would end there for every call. Raw bytes may have one.
+void requireNoZero(std::string_view text, const Place &place);
 
 /// The value as an object, list or text. Refuse any other type.
 const Json::object_t &objectOf(const Json &value, const Place &place);
@@ -93,6 +100,7 @@ template <class Each>
 void readEach(const Json &value, const Place &place, const Each &each) {
     for (const auto &[name, member] : objectOf(value, place)) {
         const Place memberPlace = place.member(name);
+        requireNoZero(name, memberPlace);
         if (!each(name, member, memberPlace)) {
             memberPlace.refuse("given twice");
         }

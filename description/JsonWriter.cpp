@@ -40,8 +40,11 @@ bool isPlain(std::string_view text) {
     return special == 0;
 }
 
-/// The text as a JSON string. Nothing when it is not UTF-8.
+/// The text as a JSON string. Nothing when it is not UTF-8, or has a zero.
 std::optional<std::string> escaped(std::string_view text) {
+    if (text.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
     try {
         return nlohmann::json(text).dump();
     } catch (const nlohmann::json::type_error &) {

@@ -66,6 +66,7 @@ inline void writeSample(JsonWriter &writer, const KernelSample &sample) {
 
 inline void readSamples(const Json &value, const Place &place, KernelRecord &record) {
     const Json::array_t &samples = listOf(value, place);
+    record.samples.reserve(samples.size());
     for (std::size_t i = 0; i < samples.size(); ++i) {
         readSample(samples[i], place.element(i), record);
     }

@@ -327,9 +327,36 @@ struct Form<std::optional<T>> {
     }
 };
 
+/// An empty object takes no memory.
+template <class T, const T &(*usually)()>
+struct Form<Sparse<T, usually>> {
+    static void read(const Json &value, const Place &place, Sparse<T, usually> &into) {
+        if (!Described<T> || !objectOf(value, place).empty()) {
+            Form<T>::read(value, place, into.edit());
+        }
+    }
+    static bool isSame(const Sparse<T, usually> &value, const Sparse<T, usually> &usual) {
+        return !value.isHeld() || Form<T>::isSame(*value, *usual);
+    }
+    static void write(JsonWriter &writer, const Sparse<T, usually> &value, const Sparse<T, usually> &usual) {
+        Form<T>::write(writer, *value, *usual);
+    }
+};
+
+template <class T>
+struct WithoutSparse {
+    using Type = T;
+};
+template <class T>
+struct WithoutSparse<Sparse<T>> {
+    using Type = T;
+};
+
 /// Structures stand one to a line.
 template <class T>
 struct Form<std::vector<T>> {
+    using Element = typename WithoutSparse<T>::Type;
+
     static void read(const Json &value, const Place &place, std::vector<T> &into) {
         const Json::array_t &list = listOf(value, place);
         into = std::vector<T>(list.size());
@@ -345,11 +372,20 @@ struct Form<std::vector<T>> {
         }
     }
     static void write(JsonWriter &writer, std::span<const T> value, std::span<const T>) {
-        writer.beginList(Described<T> ? Layout::lines : Layout::inline_);
-        for (const T &element : value) {
-            Form<T>::write(writer, element, Usual<T>::of(element));
+        writer.beginList(Described<Element> ? Layout::lines : Layout::inline_);
+        for (const Element &element : value) {
+            Form<Element>::write(writer, element, Usual<Element>::of(element));
         }
         writer.endList();
+    }
+};
+
+/// A list of no more elements.
+template <std::size_t most, class T>
+struct BoundedForm : Form<std::vector<T>> {
+    static void read(const Json &value, const Place &place, std::vector<T> &into) {
+        requireRoom(listOf(value, place).size(), most, "elements", place);
+        Form<std::vector<T>>::read(value, place, into);
     }
 };
 

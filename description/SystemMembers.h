@@ -1,6 +1,8 @@
 #pragma once
 
 #include <algorithm>
+#include <charconv>
+#include <chrono>
 #include <utility>
 
 #include "description/Members.h"
@@ -134,9 +136,22 @@ struct TimeForm : Form<std::string> {
         const bool fits = std::ranges::equal(into, pattern, [](char character, char expected) {
             return expected == '0' ? character >= '0' && character <= '9' : character == expected;
         });
-        if (!fits) {
+        if (!fits || !isInstant(into)) {
             place.refuse("a time such as \"2026-11-24T10:00:00Z\" expected");
         }
+    }
+
+private:
+    static bool isInstant(std::string_view text) {
+        const auto number = [&](std::size_t at, std::size_t digits) {
+            int value = 0;
+            std::from_chars(text.data() + at, text.data() + at + digits, value);
+            return value;
+        };
+        const std::chrono::year_month_day date(std::chrono::year(number(0, 4)),
+                                               std::chrono::month(static_cast<unsigned>(number(5, 2))),
+                                               std::chrono::day(static_cast<unsigned>(number(8, 2))));
+        return date.ok() && number(11, 2) < 24 && number(14, 2) < 60 && number(17, 2) < 60;
     }
 };
 

@@ -335,7 +335,7 @@ description::Disk Group::describe() && {
     description::Disk disk{};
     disk.name = diskName;
     if (!isBlock || !isRaw) {
-        disk.directories = {std::string(isRaw ? description::rawDirectory : description::blockDirectory)};
+        disk.directories = std::vector{std::string(isRaw ? description::rawDirectory : description::blockDirectory)};
     }
     const auto placeOf = [&](std::size_t i) { return slices[i].place.value_or(static_cast<unsigned>(i)); };
     for (std::size_t i = 0; i < slices.size() && !disk.path; ++i) {
@@ -351,10 +351,11 @@ description::Disk Group::describe() && {
             hasMinor = true;
         }
     }
-    disk.slices.resize(slices.size());
+    disk.slices = std::vector<description::Slice>(slices.size());
+    std::vector<description::Slice> &described = disk.slices.edit();
     for (std::size_t i = 0; i < slices.size(); ++i) {
         const SeenSlice &seen = slices[i];
-        description::Slice &slice = disk.slices[i];
+        description::Slice &slice = described[i];
         const unsigned place = placeOf(i);
         slice.name = seen.suffix;
         if (place != i) {

@@ -298,8 +298,8 @@ public:
         };
         bool isInOrder = !names->empty();
         for (const description::Disk &disk : host.disks) {
-            if (std::ranges::find(disk.directories, directory) != disk.directories.end()) {
-                isInOrder = isInOrder && std::ranges::all_of(disk.slices, [&](const description::Slice &slice) {
+            if (std::ranges::find(*disk.directories, directory) != disk.directories->end()) {
+                isInOrder = isInOrder && std::ranges::all_of(*disk.slices, [&](const description::Slice &slice) {
                                 return isNext(disk.name, slice.name);
                             });
             }

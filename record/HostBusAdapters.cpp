@@ -133,7 +133,7 @@ private:
         });
         if (!isFetched) {
             report.notRead("hba", place("GetFcpTargetMapping"), tarn::StatusString(mapping.status()));
-            if (claimed != 0 && adapter->targetMapping.entries().empty()) {
+            if (claimed != 0 && adapter->targetMapping.size() == 0) {
                 adapter->NumberOfEntries = claimed;
             }
             return;
@@ -169,8 +169,8 @@ private:
                      port.status.GetPortStatistics)) {
             port.statistics = statistics;
         }
-        const HBA_UINT32 discovered = believed("discovered ports of" + number, port.attributes.NumberofDiscoveredPorts,
-                                               tarn::maximumDiscoveredPorts);
+        const HBA_UINT32 discovered =
+            believed("discovered ports of" + number, attributes.NumberofDiscoveredPorts, tarn::maximumDiscoveredPorts);
         port.discovered.reserve(discovered);
         for (HBA_UINT32 d = 0; d < discovered; ++d) {
             HbaDiscoveredPort &remote = elementAt(port.discovered, d);

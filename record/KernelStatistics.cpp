@@ -52,7 +52,7 @@ void recordKernelStatistics(description::Host &host, Report &report) {
         report.notRead("kstat", "all of it", errnoText(errno));
         return;
     }
-    std::vector<description::KernelRecord> &records = host.kstat.emplace();
+    std::vector<description::Sparse<description::KernelRecord>> &records = host.kstat.emplace();
     kstat_t *const pagingCounters = chain.pagingCounters();
     std::optional<std::size_t> pagingRecord;
     for (kstat_t *source = chain.first(); source != nullptr; source = source->ks_next) {
@@ -62,7 +62,7 @@ void recordKernelStatistics(description::Host &host, Report &report) {
         if (source == pagingCounters) {
             pagingRecord = records.size();
         }
-        description::KernelRecord &record = records.emplace_back();
+        description::KernelRecord &record = records.emplace_back().edit();
         static_cast<kstat_t &>(record) = {};
         record.ks_crtime = source->ks_crtime;
         record.ks_kid = source->ks_kid;
@@ -78,7 +78,7 @@ void recordKernelStatistics(description::Host &host, Report &report) {
     }
     if (pagingRecord) {
         // The counters are sums; only their difference over one second tells something.
-        description::KernelRecord &record = records[*pagingRecord];
+        description::KernelRecord &record = records[*pagingRecord].edit();
         addSample(chain, pagingCounters, record, report);
         if (!std::holds_alternative<description::KernelReadFailure>(record.samples.front())) {
             solaris::sleep(1);

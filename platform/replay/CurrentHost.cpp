@@ -1,10 +1,19 @@
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <mutex>
 #include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "platform/replay/BuiltInHost.h"
 #include "platform/replay/Host.h"
@@ -23,33 +32,91 @@ void setHost(std::shared_ptr<const Host> loaded) {
     host.swap(loaded); // the old one goes away after the lock
 }
 
-std::string readFile(const std::string &path) {
-    const auto refuse = [&] { throw HostDescriptionError(path + ": " + std::strerror(errno)); };
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(path.c_str(), "rb"), &std::fclose);
-    if (file == nullptr) {
-        refuse();
+/// A file from which a description is read part by part: a pipe as well, but neither a device nor what never ends.
+class HostFile {
+public:
+    HostFile(const std::string &path, std::chrono::milliseconds patience)
+        : descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)), silence(patience) {
+        struct ::stat status {};
+        if (descriptor < 0) {
+            refuse(std::strerror(errno));
+        }
+        if (::fstat(descriptor, &status) != 0 || S_ISCHR(status.st_mode) || S_ISBLK(status.st_mode)) {
+            ::close(descriptor);
+            refuse("a device, not a file");
+        }
+        isPipe = !S_ISREG(status.st_mode);
+        if (!isPipe && static_cast<std::uintmax_t>(status.st_size) > mostBytes) {
+            ::close(descriptor);
+            refuse(tooLarge);
+        }
     }
-    std::string text;
-    char buffer[65536];
-    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, file.get())) {
-        text.append(buffer, count);
+    ~HostFile() {
+        ::close(descriptor);
     }
-    if (std::ferror(file.get()) != 0) {
-        refuse();
+    HostFile(const HostFile &) = delete;
+    HostFile &operator=(const HostFile &) = delete;
+
+    /// Empty at the end.
+    std::string_view nextPart() {
+        if (isPipe && size == 0) {
+            awaitMore(); // a pipe that nobody has opened to write would read as one at its end
+        }
+        ssize_t count = ::read(descriptor, buffer.data(), buffer.size());
+        for (; count < 0; count = ::read(descriptor, buffer.data(), buffer.size())) {
+            if (errno == EAGAIN) {
+                awaitMore();
+            } else if (errno != EINTR) {
+                refuse(std::strerror(errno));
+            }
+        }
+        size += static_cast<std::size_t>(count);
+        if (size > mostBytes) {
+            refuse(tooLarge);
+        }
+        return {buffer.data(), static_cast<std::size_t>(count)};
     }
-    return text;
-}
+
+private:
+    static constexpr std::size_t mostBytes = std::size_t{1} << 30;
+    static constexpr const char *tooLarge = "larger than 1 GB";
+
+    void awaitMore() const {
+        const auto end = std::chrono::steady_clock::now() + silence;
+        for (;;) {
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+            struct ::pollfd awaited = {descriptor, POLLIN, 0};
+            const int ready = ::poll(&awaited, 1, static_cast<int>(std::max(left.count(), std::int64_t{0})));
+            if (ready > 0) {
+                return;
+            }
+            if (ready == 0) {
+                refuse("nothing came for " + std::to_string(silence.count() / 1000) + " seconds");
+            }
+        }
+    }
+
+    [[noreturn]] static void refuse(const std::string &reason) {
+        throw HostDescriptionError(reason);
+    }
+
+    int descriptor;
+    std::chrono::milliseconds silence;
+    bool isPipe = false;
+    std::size_t size = 0;
+    std::array<char, 65536> buffer;
+};
 
 std::shared_ptr<const Host> makeHost(const std::string &json) {
     return std::make_shared<const Host>(description::readHost(json));
 }
 
-std::shared_ptr<const Host> readHostFile(const std::string &path) {
-    const std::string text = readFile(path);
+std::shared_ptr<const Host> readHostFile(const std::string &path, std::chrono::milliseconds silence) {
     try {
-        return makeHost(text);
+        HostFile file(path, silence);
+        return std::make_shared<const Host>(description::readHost([&] { return file.nextPart(); }));
     } catch (const HostDescriptionError &error) {
-        throw HostDescriptionError(path + ": " + error.what());
+        throw HostDescriptionError(path, error.what());
     }
 }
 
@@ -57,7 +124,8 @@ std::shared_ptr<const Host> readHostFile(const std::string &path) {
 std::shared_ptr<const Host> firstHost() {
     const char *path = std::getenv("TARN_HOST");
     try {
-        return path == nullptr || *path == '\0' ? makeHost(std::string(builtInHostText)) : readHostFile(path);
+        return path == nullptr || *path == '\0' ? makeHost(std::string(builtInHostText))
+                                                : readHostFile(path, usualSilence);
     } catch (const HostDescriptionError &error) {
         std::fprintf(stderr, "TARN_HOST: %s\n", error.what());
         return std::make_shared<const Host>();
@@ -74,8 +142,8 @@ std::shared_ptr<const Host> currentHost() {
     return host;
 }
 
-void loadHostFile(const std::string &path) {
-    setHost(readHostFile(path));
+void loadHostFile(const std::string &path, std::chrono::milliseconds silence) {
+    setHost(readHostFile(path, silence));
 }
 
 void loadHostText(const std::string &json) {

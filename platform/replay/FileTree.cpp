@@ -1,7 +1,6 @@
 #include "platform/replay/FileTree.h"
 
 #include <algorithm>
-#include <unordered_set>
 #include <utility>
 
 #include "platform/replay/Host.h"
@@ -9,92 +8,125 @@
 namespace replay {
 namespace {
 
+using description::FileIndex;
+
 /// Where a slice's entry leads: by default to the minor node of the physical device.
-Link linkOf(const Disk &disk, unsigned slice, bool raw) {
-    const std::optional<Link> &given = raw ? disk.slices[slice].rawLink : disk.slices[slice].link;
+Link linkOfSlice(const Disk &disk, unsigned slice, bool raw) {
+    const std::optional<Link> &given = raw ? (*disk.slices)[slice].rawLink : (*disk.slices)[slice].link;
     if (given || !disk.path) {
         return given.value_or(std::nullopt);
     }
     return "../../devices" + *disk.path + ":" + static_cast<char>('a' + disk.place(slice)) + (raw ? ",raw" : "");
 }
 
+bool isLinkOfSlice(const Disk &disk, unsigned slice, bool raw) {
+    const std::optional<Link> &given = raw ? (*disk.slices)[slice].rawLink : (*disk.slices)[slice].link;
+    return given ? given->has_value() : disk.path.has_value();
+}
+
 } // namespace
 
-Host::Host(description::Host described) : description::Host(std::move(described)) {
-    for (const Disk &disk : disks) {
-        for (unsigned slice = 0; slice < disk.slices.size(); ++slice) {
-            files.addSlice(disk, slice);
-        }
-    }
-    for (const Entry &entry : entries) {
-        files.addEntry(entry);
-    }
-    files.finish(listings);
+Host::Host(description::Host read) : description::Host(std::move(read)), files(*this) {
 }
 
 dev_t Device::number() const {
-    return makedev(disk->major, disk->slices[slice].minor.value_or(disk->minor + disk->place(slice)));
+    return makedev(disk->major, (*disk->slices)[slice].minor.value_or(disk->minor + disk->place(slice)));
 }
 
-void FileTree::add(std::string path, bool first, FileNode node) {
-    const std::size_t slash = path.rfind('/');
-    Listing &listing = directories[slash == 0 ? "/" : path.substr(0, slash)];
-    (first ? listing.first : listing.names).push_back(path.substr(slash + 1));
-    nodes.emplace(std::move(path), std::move(node));
+FileTree::FileTree(const description::Host &host) : described(host), index(host), entryDevices(host.entries.size()) {
+    fillDirectories();
+    followLinks();
+    findMounted();
 }
 
-void FileTree::addSlice(const Disk &disk, unsigned slice) {
-    const std::string &name = disk.slices[slice].name;
-    for (const std::string &directory : disk.directories) {
-        const bool raw = directory == description::rawDirectory;
-        FileNode node{linkOf(disk, slice, raw), Device{&disk, slice, raw}, true};
-        if (node.link) {
-            devicesByLink.emplace(*node.link, *node.device);
+Device FileTree::deviceOf(const FileIndex::File &file) const {
+    return {&*described.disks[file.owner], file.slice, file.kind == FileIndex::rawDevice};
+}
+
+/// First come those that a listing names, then the entries at the first position, then what else there is.
+void FileTree::fillDirectories() {
+    const std::vector<FileIndex::File> &files = index.files();
+    std::vector<bool> isListed(files.size());
+    const auto list = [&](std::size_t file) {
+        if (!isListed[file]) {
+            isListed[file] = true;
+            directories[index.directory(file)].push_back(static_cast<std::uint32_t>(file));
         }
-        add(directory + "/" + disk.name + name, false, std::move(node));
-    }
-    if (std::ranges::find(disk.mounted, name) != disk.mounted.end()) {
-        mounted.emplace(Device{&disk, slice, false}.number(), &disk);
-    }
-}
-
-void FileTree::addEntry(const Entry &entry) {
-    FileNode node{entry.link, std::nullopt, false};
-    if (entry.link) {
-        if (const auto found = devicesByLink.find(*entry.link); found != devicesByLink.end()) {
-            node.device = found->second;
-        }
-    }
-    add(entry.path, entry.position == description::positionFirst, std::move(node));
-}
-
-void FileTree::finish(const ByText<std::vector<std::string>> &listings) {
-    for (const auto &[path, names] : listings) {
+    };
+    for (const auto &[path, names] : described.listings) {
         directories[path]; // is there, even when nothing is in it
-    }
-    for (auto &[path, listing] : directories) {
-        std::vector<std::string> names = {".", ".."};
-        if (const auto given = listings.find(path); given != listings.end()) {
-            std::ranges::copy(given->second, std::back_inserter(names));
+        for (const std::string &name : names) {
+            if (const std::optional<std::size_t> file = index.find(path, name)) {
+                list(*file);
+            }
         }
-        const std::unordered_set<std::string> listed(names.begin(), names.end());
-        for (auto *part : {&listing.first, &listing.names}) {
-            std::ranges::copy_if(*part, std::back_inserter(names),
-                                 [&](const std::string &name) { return !listed.contains(name); });
-        }
-        listing = {{}, std::move(names)};
     }
-    devicesByLink.clear();
+    for (const bool atFirst : {true, false}) {
+        for (std::size_t file = 0; file < files.size(); ++file) {
+            if (!atFirst || (files[file].kind == FileIndex::entry &&
+                             described.entries[files[file].owner].position == description::positionFirst)) {
+                list(file);
+            }
+        }
+    }
 }
 
-const FileNode *FileTree::find(std::string_view path) const {
-    const auto found = nodes.find(path);
-    return found == nodes.end() ? nullptr : &found->second;
+/// An entry leads to a device when its link is the text of a slice's.
+void FileTree::followLinks() {
+    std::unordered_map<std::string_view, std::optional<Device>> devices;
+    for (const Entry &entry : described.entries) {
+        if (entry.link) {
+            devices[*entry.link];
+        }
+    }
+    for (const FileIndex::File &file : index.files()) {
+        if (devices.empty() || file.kind == FileIndex::entry) {
+            break; // behind the disks
+        }
+        const Device device = deviceOf(file);
+        const Link link = linkOfSlice(*device.disk, device.slice, device.raw);
+        if (const auto found = link ? devices.find(*link) : devices.end(); found != devices.end() && !found->second) {
+            found->second = device;
+        }
+    }
+    for (std::size_t i = 0; i < entryDevices.size(); ++i) {
+        if (const Link &link = described.entries[i].link) {
+            entryDevices[i] = devices[*link];
+        }
+    }
 }
 
-const std::vector<std::string> *FileTree::directory(std::string_view path) const {
+void FileTree::findMounted() {
+    for (const Disk &disk : described.disks) {
+        for (unsigned slice = 0; slice < disk.slices->size() && !disk.mounted.empty(); ++slice) {
+            if (std::ranges::find(disk.mounted, (*disk.slices)[slice].name) != disk.mounted.end()) {
+                mounted.emplace(Device{&disk, slice, false}.number(), &disk);
+            }
+        }
+    }
+}
+
+std::optional<FileNode> FileTree::find(std::string_view path) const {
+    const std::optional<std::size_t> found = index.find(path);
+    if (!found) {
+        return std::nullopt;
+    }
+    const FileIndex::File &file = index.files()[*found];
+    if (file.kind == FileIndex::entry) {
+        return FileNode{*found, described.entries[file.owner].link.has_value(), entryDevices[file.owner], false};
+    }
+    const Device device = deviceOf(file);
+    return FileNode{*found, isLinkOfSlice(*device.disk, device.slice, device.raw), device, true};
+}
+
+Link FileTree::linkOf(const FileNode &node) const {
+    return node.ofDisk ? linkOfSlice(*node.device->disk, node.device->slice, node.device->raw)
+                       : described.entries[index.files()[node.file].owner].link;
+}
+
+const std::vector<std::uint32_t> *FileTree::directory(std::string_view path) const {
     const auto found = directories.find(path);
-    return found == directories.end() ? nullptr : &found->second.names;
+    return found == directories.end() ? nullptr : &found->second;
 }
 
 const Disk *FileTree::mountedFrom(dev_t device) const {

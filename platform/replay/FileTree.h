@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,11 +10,11 @@
 
 #include <sys/types.h>
 
+#include "description/FileIndex.h"
 #include "description/Host.h"
 
 namespace replay {
 
-using description::ByText;
 using description::Disk;
 using description::Entry;
 using description::Link;
@@ -28,56 +28,45 @@ struct Device {
     dev_t number() const;
 };
 
-/// What stands at one path. Without a link and without a device it is a plain file.
+/// What stands at one path. Without a device it is a plain file, or a link that leads nowhere.
 struct FileNode {
-    Link link;
+    std::size_t file; // its index
+    bool isLink;
     std::optional<Device> device; // itself, or what its link leads to
     bool ofDisk;                  // an entry that the disk accounts for
 };
 
-struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const {
-        return std::hash<std::string_view>()(text);
-    }
-};
-
-template <class Value>
-using ByPath = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
-
-/// The device files of a host by their paths, made once when the host is loaded.
+/// The device files of a host by their paths, made once when the host is loaded. The host has to stay where it is.
 class FileTree {
 public:
-    /// Adds the entries of a slice in /dev/dsk and /dev/rdsk.
-    void addSlice(const Disk &disk, unsigned slice);
+    explicit FileTree(const description::Host &host);
 
-    /// Adds an entry that no disk accounts for, after every slice.
-    void addEntry(const Entry &entry);
+    /// Nothing when nothing stands at the path.
+    std::optional<FileNode> find(std::string_view path) const;
 
-    /// Null when nothing stands at the path.
-    const FileNode *find(std::string_view path) const;
+    /// The text of the link that stands there.
+    Link linkOf(const FileNode &node) const;
 
-    /// The names in a directory in the order in which it lists them, "." and ".." first. Null when there is none.
-    const std::vector<std::string> *directory(std::string_view path) const;
+    /// The files in a directory in the order in which it lists them, after "." and "..". Null when there is none.
+    const std::vector<std::uint32_t> *directory(std::string_view path) const;
+
+    std::string name(std::size_t file) const {
+        return index.name(file);
+    }
 
     /// The disk of a mounted slice. Null when nothing is mounted from that device.
     const Disk *mountedFrom(dev_t device) const;
 
-    /// Puts the listings into their final order, once everything is added: first the names that `listings` has of a
-    /// directory.
-    void finish(const ByText<std::vector<std::string>> &listings);
-
 private:
-    struct Listing {
-        std::vector<std::string> first;
-        std::vector<std::string> names;
-    };
+    Device deviceOf(const description::FileIndex::File &file) const;
+    void fillDirectories();
+    void followLinks();
+    void findMounted();
 
-    void add(std::string path, bool first, FileNode node);
-
-    ByPath<FileNode> nodes;
-    ByPath<Listing> directories;
-    ByPath<Device> devicesByLink;
+    const description::Host &described;
+    description::FileIndex index;
+    std::unordered_map<std::string_view, std::vector<std::uint32_t>> directories;
+    std::vector<std::optional<Device>> entryDevices; // that the links of the entries lead to
     std::unordered_map<dev_t, const Disk *> mounted;
 };
 

@@ -59,7 +59,7 @@ DescriptorTable descriptors;
 /// An open directory; what the system calls a DIR.
 struct Directory {
     std::shared_ptr<const Host> host;
-    const std::vector<std::string> *names;
+    const std::vector<std::uint32_t> *files;
     std::string path;
     std::size_t next = 0;
     std::vector<struct dirent> entry = {}; // the last one read, and behind it room for a name longer than its field
@@ -127,14 +127,14 @@ int answerRequest(const OpenDevice &opened, int request, void *argument) {
     case DKIOCINFO: {
         auto &information = *static_cast<dk_cinfo *>(argument);
         information = {};
-        information.dki_partition =
-            disk.slices[opened.device.slice].partition.value_or(static_cast<ushort_t>(disk.place(opened.device.slice)));
+        information.dki_partition = (*disk.slices)[opened.device.slice].partition.value_or(
+            static_cast<ushort_t>(disk.place(opened.device.slice)));
         return 0;
     }
     case DKIOCGGEOM:
         return copyOut(disk.geometry, argument);
     case DKIOCGVTOC:
-        return copyOut(disk.vtoc, argument);
+        return copyOut(*disk.vtoc, argument);
     default:
         return sendScsiCommand(disk, *static_cast<uscsi_cmd *>(argument));
     }
@@ -164,8 +164,8 @@ bool isDirectory(const FileTree &files, std::string_view path) {
 
 /// 0, or an errno.
 int describePath(const Host &host, std::string_view path, struct ::stat &status) {
-    const FileNode *node = host.files.find(path);
-    if (node == nullptr) {
+    const std::optional<FileNode> node = host.files.find(path);
+    if (!node) {
         if (!isDirectory(host.files, path)) {
             return ENOENT;
         }
@@ -173,7 +173,7 @@ int describePath(const Host &host, std::string_view path, struct ::stat &status)
         return 0;
     }
     if (!node->device) {
-        if (node->link) {
+        if (node->isLink) {
             return ENOENT; // it leads nowhere
         }
         describeFile(S_IFREG, status);
@@ -188,8 +188,8 @@ int describePath(const Host &host, std::string_view path, struct ::stat &status)
 
 int openPath(const char *path, int flags) {
     std::shared_ptr<const Host> host = currentHost();
-    const FileNode *node = host->files.find(path);
-    if (node == nullptr || !node->device) {
+    const std::optional<FileNode> node = host->files.find(path);
+    if (!node || !node->device) {
         return failWith(ENXIO);
     }
     if (const int error = failureOf(*node->device->disk, "open", flags); error != 0) {
@@ -200,28 +200,29 @@ int openPath(const char *path, int flags) {
 
 ssize_t readLinkText(std::string_view path, char *buffer, std::size_t size) {
     const std::shared_ptr<const Host> host = currentHost();
-    const FileNode *node = host->files.find(path);
-    if (node == nullptr) {
+    const std::optional<FileNode> node = host->files.find(path);
+    if (!node) {
         return failWith(isDirectory(host->files, path) ? EINVAL : ENOENT);
     }
     if (const int error = node->ofDisk ? failureOf(*node->device->disk, "readlink") : 0; error != 0) {
         return failWith(error);
     }
-    if (!node->link) {
+    const Link link = host->files.linkOf(*node);
+    if (!link) {
         return failWith(EINVAL);
     }
-    const std::size_t length = std::min(size, node->link->size());
-    std::memcpy(buffer, node->link->data(), length);
+    const std::size_t length = std::min(size, link->size());
+    std::memcpy(buffer, link->data(), length);
     return static_cast<ssize_t>(length);
 }
 
 DIR *openDirectory(const char *path) {
     std::shared_ptr<const Host> host = currentHost();
-    const std::vector<std::string> *names = host->files.directory(path);
-    if (names == nullptr) {
-        return failWith<DIR *>(host->files.find(path) == nullptr ? ENOENT : ENOTDIR);
+    const std::vector<std::uint32_t> *files = host->files.directory(path);
+    if (files == nullptr) {
+        return failWith<DIR *>(host->files.find(path) ? ENOTDIR : ENOENT);
     }
-    return reinterpret_cast<DIR *>(std::make_unique<Directory>(Directory{std::move(host), names, path}).release());
+    return reinterpret_cast<DIR *>(std::make_unique<Directory>(Directory{std::move(host), files, path}).release());
 }
 
 } // namespace
@@ -304,10 +305,13 @@ struct dirent *readdir(DIR *directory) {
     if (isRefused([&] { return "readdir " + opened.path; })) {
         return failWith<struct dirent *>(EIO);
     }
-    if (opened.next == opened.names->size()) {
+    static constexpr std::string_view first[] = {".", ".."};
+    if (opened.next == opened.files->size() + std::size(first)) {
         return nullptr;
     }
-    const std::string &name = (*opened.names)[opened.next++];
+    const std::size_t at = opened.next++;
+    const std::string name = at < std::size(first) ? std::string(first[at])
+                                                   : opened.host->files.name((*opened.files)[at - std::size(first)]);
     const std::size_t size = offsetof(struct dirent, d_name) + name.size() + 1;
     opened.entry.assign(size / sizeof(struct dirent) + 1, {});
     struct dirent *entry = opened.entry.data();

@@ -18,6 +18,7 @@ namespace {
 using description::HbaAdapter;
 using description::HbaAnswers;
 using description::HbaDiscoveredPort;
+using description::HbaPort;
 
 /// The library while it is loaded.
 struct Library {
@@ -87,19 +88,30 @@ HBA_STATUS copyOut(const Structure &source, const HbaAnswers &answers, Structure
     return status;
 }
 
+/// Attributes as they are told: what nothing is said of has as many as are listed.
+template <class Attributes>
+Attributes attributesOf(const description::Sparse<Attributes> &described, HBA_UINT32 Attributes::*count,
+                        std::size_t listed) {
+    Attributes told = *described;
+    if (!described.isHeld()) {
+        told.*count = static_cast<HBA_UINT32>(listed);
+    }
+    return told;
+}
+
 /// The entries follow one another beyond the array of one that the structure declares.
 HBA_STATUS copyMapping(const HbaAdapter &adapter, HBA_FCPTARGETMAPPING *mapping) {
     const HBA_STATUS status = library->nextAnswer(adapter.status.GetFcpTargetMapping);
     if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_MORE_DATA) {
         return status;
     }
-    const std::size_t present = adapter.targetMapping.entries().size();
+    const std::size_t present = adapter.targetMapping.size();
     const HBA_UINT32 claimed = adapter.NumberOfEntries.value_or(static_cast<HBA_UINT32>(present));
     const HBA_UINT32 room = mapping->NumberOfEntries;
     auto *entries = reinterpret_cast<char *>(mapping) + offsetof(HBA_FCPTARGETMAPPING, entry);
     // What is claimed beyond those there are is counted and not written.
-    if (const std::size_t written = std::min<std::size_t>({claimed, room, present}); written != 0) {
-        std::memcpy(entries, adapter.targetMapping.entries().data(), written * sizeof(HBA_FCPSCSIENTRY));
+    for (std::size_t i = 0; i < std::min<std::size_t>({claimed, room, present}); ++i) {
+        std::memcpy(entries + i * sizeof(HBA_FCPSCSIENTRY), &adapter.targetMapping[i], sizeof(HBA_FCPSCSIENTRY));
     }
     mapping->NumberOfEntries = claimed;
     return claimed > room ? HBA_STATUS_ERROR_MORE_DATA : status;
@@ -187,15 +199,20 @@ void HBA_RefreshInformation(HBA_HANDLE handle) {
 
 HBA_STATUS HBA_GetAdapterAttributes(HBA_HANDLE handle, HBA_ADAPTERATTRIBUTES *attributes) {
     return answerHandle("HBA_GetAdapterAttributes", handle, "", [&](const HbaAdapter &adapter) {
-        return copyOut(adapter.attributes, adapter.status.GetAdapterAttributes, attributes);
+        return copyOut(attributesOf(adapter.attributes, &HBA_ADAPTERATTRIBUTES::NumberOfPorts, adapter.ports.size()),
+                       adapter.status.GetAdapterAttributes, attributes);
     });
 }
 
 HBA_STATUS HBA_GetAdapterPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTATTRIBUTES *attributes) {
     return answerHandle("HBA_GetAdapterPortAttributes", handle, number(port), [&](const HbaAdapter &adapter) {
-        return port >= adapter.ports.size() ? HBA_STATUS_ERROR_ILLEGAL_INDEX
-                                            : copyOut(adapter.ports[port].attributes,
-                                                      adapter.ports[port].status.GetAdapterPortAttributes, attributes);
+        if (port >= adapter.ports.size()) {
+            return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
+        }
+        const HbaPort &local = adapter.ports[port];
+        return copyOut(
+            attributesOf(local.attributes, &HBA_PORTATTRIBUTES::NumberofDiscoveredPorts, local.discovered.size()),
+            local.status.GetAdapterPortAttributes, attributes);
     });
 }
 
@@ -203,7 +220,7 @@ HBA_STATUS HBA_GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTSTA
     return answerHandle("HBA_GetPortStatistics", handle, number(port), [&](const HbaAdapter &adapter) {
         return port >= adapter.ports.size()
                    ? HBA_STATUS_ERROR_ILLEGAL_INDEX
-                   : copyOut(adapter.ports[port].statistics, adapter.ports[port].status.GetPortStatistics, statistics);
+                   : copyOut(*adapter.ports[port].statistics, adapter.ports[port].status.GetPortStatistics, statistics);
     });
 }
 
@@ -215,7 +232,7 @@ HBA_STATUS HBA_GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, H
             return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
         }
         const HbaDiscoveredPort &remote = adapter.ports[port].discovered[discovered];
-        return copyOut(remote.attributes, remote.status.GetDiscoveredPortAttributes, attributes);
+        return copyOut(*remote.attributes, remote.status.GetDiscoveredPortAttributes, attributes);
     });
 }
 

@@ -12,9 +12,10 @@ namespace replay {
 /// One host as a description says it is, with the files that follow from it. Never changed once it is loaded, so that
 /// any number of threads may read it.
 struct Host : description::Host {
-    Host() = default;
-    explicit Host(description::Host described);
-    Host(const Host &) = delete; // `files` points into `disks`
+    Host() : Host(description::Host()) {
+    }
+    explicit Host(description::Host read);
+    Host(const Host &) = delete; // `files` points into it
     Host &operator=(const Host &) = delete;
 
     FileTree files;

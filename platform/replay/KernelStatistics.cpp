@@ -1,5 +1,6 @@
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -19,7 +20,7 @@ using description::KernelSample;
 struct ChainRecord : kstat_t {
     const KernelRecord *source;
     std::size_t reads;
-    KernelSample data;
+    std::unique_ptr<KernelSample> data; // of the last read
 };
 
 /// What a kstat_ctl_t is part of. The records stay where they are until it is closed.
@@ -28,6 +29,7 @@ struct Chain : kstat_ctl_t {
     std::vector<ChainRecord> records;
 
     explicit Chain(std::shared_ptr<const Host> opened) : kstat_ctl_t{1, nullptr, -1}, host(std::move(opened)) {
+        records.reserve(host->kstat->size());
         for (const KernelRecord &source : *host->kstat) {
             records.push_back({source, &source, 0, {}});
         }
@@ -69,8 +71,8 @@ kid_t readRecord(Chain &chain, kstat_t *header, void *buffer) {
     if (const auto *failed = std::get_if<description::KernelReadFailure>(&sample); failed != nullptr) {
         return failWith(failed->error);
     }
-    record->data = sample;
-    record->ks_data = std::visit([](auto &data) -> void * { return &data; }, record->data);
+    record->data = std::make_unique<KernelSample>(sample);
+    record->ks_data = std::visit([](auto &data) -> void * { return &data; }, *record->data);
     if (buffer != nullptr) {
         std::memcpy(buffer, record->ks_data, record->ks_data_size);
     }

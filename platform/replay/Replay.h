@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -11,9 +12,13 @@ namespace replay {
 
 using description::HostDescriptionError;
 
+/// How long a pipe may leave its reader without a word.
+inline constexpr std::chrono::milliseconds usualSilence = std::chrono::seconds(30);
+
 /// Make this description the current host, from the next call on. What was opened before keeps the host it was opened
-/// on. Raise HostDescriptionError, and leave the host as it is, when the description cannot be used.
-void loadHostFile(const std::string &path);
+/// on. Raise HostDescriptionError, and leave the host as it is, when the description cannot be used; a file also when it
+/// is a device, larger than 1 GB, or a pipe from which nothing comes for so long.
+void loadHostFile(const std::string &path, std::chrono::milliseconds silence = usualSilence);
 void loadHostText(const std::string &json);
 
 /// Begin an empty journal: from now on every platform call leaves a line, its name and then its salient arguments.

@@ -299,6 +299,7 @@ CASES = [
         ("", "command"), ("'no\ncolour'", "unknown command 'no colour'"), ("dik", "did you mean disk?"),
         ("cpu x", "ID: 'x' is not a number"), ("cpu 3000000000", "range"), ("cpu --host", "--host"),
         ("--host '' cpu", "--host: no file"), ("--host /no/such/file cpu", "/no/such/file"),
+        ("--host /dev/zero cpu", "/dev/zero: a device, not a file"),
         ("--leadville cpu", "hba"), ("cpu --leadville", "--leadville"), ("authenticate", "USER"),
         ("help nope", "nope"), ("--csv hba", "--csv"), ("--csv --json cpu", "--json"), ("--csv report", "--csv"),
         ("array A B C", "PRODUCT"), ("report --array A B", "--array"), ("report" + 2 * " --array A B C D", "once"))),
