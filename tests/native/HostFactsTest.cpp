@@ -86,7 +86,7 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
     const auto tell = [&](const std::string &question, auto action) {
         facts.push_back(question + ": " + answerOf(action));
     };
-    for (const std::string host : {"host-facts", "bare"}) {
+    for (const std::string host : {"host-facts", "newer-kernel", "bare"}) {
         facts.push_back("On the host " + host + ":");
         tests::loadHost(host);
         tell("mount points", ListLogicalDisks);
@@ -95,11 +95,11 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
         }
         tell("logical disk '/' without sizes", [] { return GetLogicalDisk("/", false); });
         tell("processors", GetProcessors);
-        for (const int id : {-1, 0, 1, 2, 31, 32}) {
+        for (const int id : {-1, 0, 1, 2, 31, 32, 64, 65, 200}) {
             tell("processor " + std::to_string(id), [=] { return GetProcessorInfo(id); });
         }
         tell("CPU ticks", getCpuUtilInfos);
-        for (const int id : {-1, 0, 1, 3, 5, 7, 9}) { // -1 means any instance to the system
+        for (const int id : {-1, 0, 1, 3, 5, 7, 9, 72}) { // -1 means any instance to the system
             tell("CPU ticks of " + std::to_string(id), [=] { return getCpuUtilInfo(id); });
         }
         tell("disk I/O", [] { return getDiskIOData(); });
@@ -117,6 +117,10 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
                                  "mda1", "2", "sd8", "sd9", "cS", ""}) {
             facts.push_back("disk of '" + std::string(name) + "': " + map.getDeviceIdFromMap(name));
         }
+        tell("free memory and swap", [] {
+            const OsMemoryInfo memory = GetOSMemoryInfo();
+            return words(memory.freePhysicalKB, memory.totalSwapKB, memory.freeSwapKB);
+        });
         tell("instance name", [] { return getSDxName("c0t0d0"); });
     }
     tests::expectFile("native/host-facts.txt", facts);
