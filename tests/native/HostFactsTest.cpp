@@ -109,8 +109,8 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
         }
         SolarisDiskMap map;
         for (const char *name :
-             {"c0t0d0", "c0t1d0", "c0t2d0", "c1t0d0", "c1t1d0", "c20",    "c21", "c22", "c3t0d0", "c40",
-              "c41",    "c42",    "c5t0d0", "c6t0d0", "c6t1d0", "c6t2d0", "cS",  "x",   "absent", ""}) {
+             {"c0t0d0", "c0t1d0", "c0t2d0", "c1t0d0", "c1t1d0", "c20",    "c21",    "c22", "c3t0d0", "c40",    "c41",
+              "c42",    "c43",    "c5t0d0", "c6t0d0", "c6t1d0", "c6t2d0", "c9t9d9", "cS",  "x",      "absent", ""}) {
             facts.push_back("instance of '" + std::string(name) + "': " + map.getSDxNameFromMap(name));
         }
         for (const char *name : {"sd0", "sd1", "sd2", "sd3", "sd5", "dad1", "ssd12", "ssd11", "ssd32767", "ssdbx0",
@@ -126,11 +126,16 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
     tests::expectFile("native/host-facts.txt", facts);
 }
 
-TEST(HostFactsTest, SizesAreAskedForOnlyWhenWanted) {
+TEST(HostFactsTest, NothingIsAskedForThatIsNotWanted) {
     tests::loadHost("host-facts");
     replay::startJournal();
     GetLogicalDisk("/", false);
     EXPECT_EQ(replay::stopJournal(), (Lines{"fopen /etc/mnttab", "fclose"}));
+    replay::startJournal();
+    getDiskIOData(); // of the records with a disk's class, those of type I/O
+    EXPECT_EQ(tests::beginning(replay::stopJournal(), {"kstat_read"}),
+              (Lines{"kstat_read :0:sd0", "kstat_read :0:sd1 ENXIO", "kstat_read :0:sd99", "kstat_read :0:sd0",
+                     "kstat_read :0:"}));
 }
 
 TEST(HostFactsTest, AMalformedLineEndsTheMountTable) {
