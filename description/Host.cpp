@@ -67,7 +67,7 @@ std::optional<KernelSample> blankSample(const kstat_t &record) {
         return cpu_stat_t{};
     }
     if (record.ks_type == KSTAT_TYPE_RAW && name == "vminfo") {
-        return vminfo_t{};
+        return PagingCounters{};
     }
     return std::nullopt;
 }
@@ -75,6 +75,13 @@ std::optional<KernelSample> blankSample(const kstat_t &record) {
 const std::vector<std::string> &usualDirectories() {
     static const std::vector<std::string> usual = {std::string(blockDirectory), std::string(rawDirectory)};
     return usual;
+}
+
+std::size_t sizeOf(const KernelSample &sample) {
+    if (const auto *counters = std::get_if<PagingCounters>(&sample); counters != nullptr && counters->updates == 0) {
+        return offsetof(PagingCounters, updates);
+    }
+    return std::visit([](const auto &data) { return sizeof data; }, sample);
 }
 
 const std::vector<Slice> &usualSlices() {

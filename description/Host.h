@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -36,7 +38,17 @@ struct KernelReadFailure {
     int error;
 };
 
-using KernelSample = std::variant<vminfo_t, cpu_stat_t, kstat_io_t, KernelReadFailure>;
+/// The published vminfo_t as newer kernels keep it. Older ones keep no `updates`, and their records end before it.
+struct PagingCounters {
+    std::uint64_t freemem;
+    std::uint64_t swap_resv;
+    std::uint64_t swap_alloc;
+    std::uint64_t swap_avail;
+    std::uint64_t swap_free;
+    std::uint64_t updates;
+};
+
+using KernelSample = std::variant<PagingCounters, cpu_stat_t, kstat_io_t, KernelReadFailure>;
 
 /// A record of the kernel statistics chain, and what successive reads of it find; none, and it cannot be read.
 struct KernelRecord : kstat_t {
@@ -45,6 +57,9 @@ struct KernelRecord : kstat_t {
 
 /// An empty sample of the kind that the record's type, module and name call for. Nothing when such records have none.
 std::optional<KernelSample> blankSample(const kstat_t &record);
+
+/// The bytes that a kernel with such a sample keeps.
+std::size_t sizeOf(const KernelSample &sample);
 
 /// How large a mounted file system is. `fails` is the errno with which it does not say so, 0 when it does.
 struct FileSystem : StatVfs {

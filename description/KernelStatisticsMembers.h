@@ -20,9 +20,9 @@ struct Ticks {
 };
 
 template <>
-inline constexpr auto members<vminfo_t> = table<vminfo_t>(MEMBER(vminfo_t, freemem), MEMBER(vminfo_t, swap_resv),
-                                                          MEMBER(vminfo_t, swap_alloc), MEMBER(vminfo_t, swap_avail),
-                                                          MEMBER(vminfo_t, swap_free));
+inline constexpr auto members<PagingCounters> = table<PagingCounters>(
+    MEMBER(PagingCounters, freemem), MEMBER(PagingCounters, swap_resv), MEMBER(PagingCounters, swap_alloc),
+    MEMBER(PagingCounters, swap_avail), MEMBER(PagingCounters, swap_free), MEMBER(PagingCounters, updates));
 
 template <>
 inline constexpr auto members<cpu_stat_t> = table<cpu_stat_t>(memberRow<cpu_stat_t, Ticks<CPU_IDLE>>("idle"),
@@ -103,7 +103,10 @@ struct Usual<KernelRecord> {
         KernelRecord usual{};
         const std::optional<KernelSample> blank = blankSample(record);
         if (blank && !record.samples.empty()) {
-            usual.ks_data_size = std::visit([](const auto &sample) { return sizeof sample; }, *blank);
+            usual.ks_data_size = sizeOf(*blank);
+            for (const KernelSample &sample : record.samples) {
+                usual.ks_data_size = std::max(usual.ks_data_size, sizeOf(sample));
+            }
         }
         return usual;
     }

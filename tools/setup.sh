@@ -8,6 +8,7 @@ build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcry
                 node-d3)
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
                libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck
+               librust-libc-dev golang-golang-x-sys-dev libjna-platform-java
                chromium chromium-driver python3-selenium)
 bench_packages=(libbenchmark-dev)
 

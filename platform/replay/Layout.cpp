@@ -1,5 +1,6 @@
 #include <cstddef>
 
+#include "description/Host.h"
 #include "platform/solaris.h"
 
 // The replayed structures have the sizes and places that the published headers give them under LP64, so that code which
@@ -10,7 +11,7 @@ static_assert(sizeof(long) == 8 && sizeof(void *) == 8);
 static_assert(offsetof(kstat_t, ks_name) == 56 && offsetof(kstat_t, ks_data) == 120 &&
               offsetof(kstat_t, ks_snaptime) == 144);
 static_assert(sizeof(kstat_io_t) == 80 && offsetof(kstat_io_t, wlastupdate) == 40 && offsetof(kstat_io_t, rtime) == 48);
-static_assert(sizeof(vminfo_t) == 40);
+static_assert(sizeof(vminfo_t) == 40 && offsetof(description::PagingCounters, updates) == sizeof(vminfo_t));
 static_assert(offsetof(cpu_stat_t, cpu_sysinfo.cpu) == 8);
 
 static_assert(sizeof(processor_info_t) == 56);

@@ -11,6 +11,7 @@
 
 #include "platform/replay/Replay.h"
 #include "tests/Expected.h"
+#include "tests/WrappedCalls.h"
 #include "tests/jvm/Entries.h"
 #include "tests/jvm/HbaTree.h"
 #include "tests/jvm/JniTable.h"
@@ -307,6 +308,21 @@ TEST_F(HbaTest, LargeMappingsAreMatchedWhole) {
         const std::string where = "0/0/6/" + lun + "/mapping";
         EXPECT_EQ(tree.values(where), "=|=|0|0|" + lun + "|c0t0d" + lun + "|0|5006000000001006");
     }
+}
+
+TEST_F(HbaTest, MappingsAreGivenBackWithTheirAdapters) {
+    loadAdapters(manyAdapters(2, {{"targetMapping", std::vector<json>(513, target(wwnA))}}));
+    for (const bool isRefused : {false, true}) {
+        tests::wrapped.refusesMemory = isRefused;
+        EXPECT_EQ(fill().lines.size(), 2U);
+        const std::string failure = "HBA_GetFcpTargetMapping call returned 7 (More data available) for adapter ";
+        EXPECT_EQ(logLines(calls),
+                  isRefused ? Lines({"warn \"" + failure + "0 (hba-1)\"", "warn \"" + failure + "1 (hba-0)\""})
+                            : Lines());
+        EXPECT_EQ(beginning(selfTest(), {failure}).size(), isRefused ? 2U : 0U);
+        EXPECT_FALSE(tests::wrapped.isHeldAtNextAdapter);
+    }
+    tests::wrapped.refusesMemory = false;
 }
 
 TEST_F(HbaTest, ThreadsThatFillAtOnceAllGetTheWholeCache) {

@@ -48,6 +48,7 @@ TEST_F(HostFactsTest, WhatTheSystemDoesNotTellIsBlankAndWhatIsTooLongIsCut) {
 TEST_F(HostFactsTest, NativeFailuresReachJavaAsRuntimeExceptions) {
     const std::pair<std::function<jobject()>, std::string> failures[] = {
         {[]() -> jobject { throw std::bad_alloc(); }, "UNKNOWN EXCEPTION"},
+        {[]() -> jobject { throw 42; }, "UNKNOWN EXCEPTION"},
         {[]() -> jobject { throw tarn::DiskIONameNotFound(""); }, "Unable to find Disk IO Information name: "},
     };
     for (const auto &[fail, message] : failures) {

@@ -11,9 +11,12 @@
 
 #include "common/hba/Conversions.h"
 #include "common/hba/LibraryGuards.h"
+#include "common/hba/LocalRoom.h"
 #include "common/hba/Messages.h"
 #include "common/hba/RemotePortIndex.h"
 #include "common/hba/TargetMappingTable.h"
+#include "platform/replay/Replay.h"
+#include "tests/WrappedCalls.h"
 
 namespace tarn {
 namespace {
@@ -43,11 +46,43 @@ TEST(DiscoveredPorts, AreBelievedUpToASumAndComplainedOfOnce) {
     EXPECT_EQ(complaints, 1);
 }
 
+TEST(HbaGuards, EndANameThatFillsItsField) {
+    replay::loadHostText(R"({"hba": {"adapters": [{}]}})");
+    for (const std::size_t length : {255U, 256U}) {
+        tests::wrapped.adapterName = std::string(length, 'n');
+        std::string field(257, 'x');
+        WithHbaLibrary library;
+        const WithAdapterHandle adapter(library, 0, field.data());
+        EXPECT_EQ(field, std::string(255, 'n') + '\0' + 'x');
+    }
+    tests::wrapped.adapterName.clear();
+}
+
+TEST(LocalRooms, AreAskedForBeforeTheyAreNeededAndNeverBeyondTheLargestRequest) {
+    static std::vector<jint> requests;
+    JNINativeInterface_ functions{};
+    functions.EnsureLocalCapacity = [](JNIEnv *, jint capacity) -> jint { return requests.push_back(capacity), 0; };
+    JNIEnv env{&functions};
+    LocalRoom room(&env, 1000, 19);
+    const struct {
+        bool isTaken;
+        jint references;
+        std::vector<jint> expected;
+    } steps[] = {{true, 981, {}},  {true, 1, {2000}},           {false, 1999, {}}, {false, 2000, {6000}},
+                 {true, 6000, {}}, {false, 1'000'000, {65536}}, {true, 65536, {}}, {true, 1, {65536}}};
+    for (const auto &[isTaken, references, expected] : steps) {
+        requests.clear();
+        isTaken ? room.take(references) : room.reserve(references);
+        EXPECT_EQ(requests, expected) << references;
+    }
+}
+
 TEST(TargetMapping, IsFetchedAgainOnceWithTheRoomItTakes) {
     const struct {
         std::vector<std::pair<HBA_STATUS, HBA_UINT32>> answers; // with the count that is left
         std::vector<HBA_UINT32> rooms;                          // that were offered
         bool isFetched;
+        bool refusesMemory = false;
     } cases[] = {
         {{{0, 0}}, {512}, true},
         {{{0, 512}}, {512}, true},
@@ -63,9 +98,11 @@ TEST(TargetMapping, IsFetchedAgainOnceWithTheRoomItTakes) {
         {{{7, 700}, {0, 701}}, {512, 700}, false},
         {{{7, maximumMappingEntries + 1}}, {512}, false},
         {{{7, 0xffffffff}}, {512}, false},
+        {{{7, 700}}, {512}, false, true},
     };
     TargetMappingTable table;
-    for (const auto &[answers, rooms, isFetched] : cases) {
+    for (const auto &[answers, rooms, isFetched, refusesMemory] : cases) {
+        tests::wrapped.refusesMemory = refusesMemory;
         std::vector<HBA_UINT32> offered;
         const bool fetched = table.fetch([&, &script = answers](HBA_FCPTARGETMAPPING *mapping) {
             const auto [status, count] = script.at(offered.size());
@@ -80,7 +117,10 @@ TEST(TargetMapping, IsFetchedAgainOnceWithTheRoomItTakes) {
         EXPECT_EQ(offered, rooms);
         EXPECT_EQ(table.status(), answers.back().first);
         ASSERT_EQ(table.entries().size(), isFetched ? answers.back().second : 0);
+        table.release();
+        EXPECT_EQ(tests::wrapped.mapping.load(), nullptr);
     }
+    tests::wrapped.refusesMemory = false;
 }
 
 TEST(TargetMapping, EntriesThatAreCountedButNotWrittenAreEmpty) {

@@ -86,7 +86,7 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
     const auto tell = [&](const std::string &question, auto action) {
         facts.push_back(question + ": " + answerOf(action));
     };
-    for (const std::string host : {"host-facts", "bare"}) {
+    for (const std::string host : {"host-facts", "newer-kernel", "bare"}) {
         facts.push_back("On the host " + host + ":");
         tests::loadHost(host);
         tell("mount points", ListLogicalDisks);
@@ -95,11 +95,11 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
         }
         tell("logical disk '/' without sizes", [] { return GetLogicalDisk("/", false); });
         tell("processors", GetProcessors);
-        for (const int id : {-1, 0, 1, 2, 31, 32}) {
+        for (const int id : {-1, 0, 1, 2, 31, 32, 64, 65, 200}) {
             tell("processor " + std::to_string(id), [=] { return GetProcessorInfo(id); });
         }
         tell("CPU ticks", getCpuUtilInfos);
-        for (const int id : {-1, 0, 1, 3, 5, 7, 9}) { // -1 means any instance to the system
+        for (const int id : {-1, 0, 1, 3, 5, 7, 9, 72}) { // -1 means any instance to the system
             tell("CPU ticks of " + std::to_string(id), [=] { return getCpuUtilInfo(id); });
         }
         tell("disk I/O", [] { return getDiskIOData(); });
@@ -109,24 +109,33 @@ TEST(HostFactsTest, QuestionsAreAnsweredAsTheHostsSay) {
         }
         SolarisDiskMap map;
         for (const char *name :
-             {"c0t0d0", "c0t1d0", "c0t2d0", "c1t0d0", "c1t1d0", "c20",    "c21", "c22", "c3t0d0", "c40",
-              "c41",    "c42",    "c5t0d0", "c6t0d0", "c6t1d0", "c6t2d0", "cS",  "x",   "absent", ""}) {
+             {"c0t0d0", "c0t1d0", "c0t2d0", "c1t0d0", "c1t1d0", "c20",    "c21",    "c22", "c3t0d0", "c40",    "c41",
+              "c42",    "c43",    "c5t0d0", "c6t0d0", "c6t1d0", "c6t2d0", "c9t9d9", "cS",  "x",      "absent", ""}) {
             facts.push_back("instance of '" + std::string(name) + "': " + map.getSDxNameFromMap(name));
         }
         for (const char *name : {"sd0", "sd1", "sd2", "sd3", "sd5", "dad1", "ssd12", "ssd11", "ssd32767", "ssdbx0",
                                  "mda1", "2", "sd8", "sd9", "cS", ""}) {
             facts.push_back("disk of '" + std::string(name) + "': " + map.getDeviceIdFromMap(name));
         }
+        tell("free memory and swap", [] {
+            const OsMemoryInfo memory = GetOSMemoryInfo();
+            return words(memory.freePhysicalKB, memory.totalSwapKB, memory.freeSwapKB);
+        });
         tell("instance name", [] { return getSDxName("c0t0d0"); });
     }
     tests::expectFile("native/host-facts.txt", facts);
 }
 
-TEST(HostFactsTest, SizesAreAskedForOnlyWhenWanted) {
+TEST(HostFactsTest, NothingIsAskedForThatIsNotWanted) {
     tests::loadHost("host-facts");
     replay::startJournal();
     GetLogicalDisk("/", false);
     EXPECT_EQ(replay::stopJournal(), (Lines{"fopen /etc/mnttab", "fclose"}));
+    replay::startJournal();
+    getDiskIOData(); // of the records with a disk's class, those of type I/O
+    EXPECT_EQ(tests::beginning(replay::stopJournal(), {"kstat_read"}),
+              (Lines{"kstat_read :0:sd0", "kstat_read :0:sd1 ENXIO", "kstat_read :0:sd99", "kstat_read :0:sd0",
+                     "kstat_read :0:"}));
 }
 
 TEST(HostFactsTest, AMalformedLineEndsTheMountTable) {

@@ -187,7 +187,8 @@ TEST(ReplayedKernelStatistics, ChainSamplesAndLookups) {
         EXPECT_EQ(copy.freemem, expected);
     }
     EXPECT_NE(kstat_read(other, other->kc_chain, nullptr), -1);
-    EXPECT_EQ(static_cast<vminfo_t *>(other->kc_chain->ks_data)->freemem, 1u);
+    EXPECT_EQ(*static_cast<std::uint64_t *>(other->kc_chain->ks_data), 1u);
+    EXPECT_EQ(vminfo->ks_data_size, sizeof copy);
     EXPECT_EQ(kstat_read(control, disk, nullptr), -1);
     EXPECT_EQ(kstat_read(control, other->kc_chain, nullptr), -1); // of another chain
 

@@ -11,7 +11,7 @@ CALLS = ["open", "close", "fstat", "DKIOCINFO", "DKIOCGGEOM", "DKIOCGVTOC", "USC
 MODES = ["", " O_RDWR", " O_RDONLY", " O_RDWR|O_NDELAY", " O_RDONLY|O_NDELAY"]
 COMMANDS = ["INQUIRY", "INQUIRY C0", "RECEIVE DIAGNOSTIC A0", "LOG SENSE 3B"]
 WAYS = ["stat", "readlink", "ustat"] + COMMANDS + [call + mode for call in CALLS for mode in MODES]
-FIELDS = {"vminfo": ["freemem", "swap_resv", "swap_avail"], "cpu": ["idle", "user", "kernel", "wait"],
+FIELDS = {"vminfo": ["freemem", "swap_resv", "swap_avail", "updates"], "cpu": ["idle", "user", "kernel", "wait"],
           "io": ["nread", "nwritten", "rtime", "wlastupdate", "rcnt"]}
 
 

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+
+namespace tests {
+
+/// Calls of the library's that the linker leads through the tests, answered as a test wants them.
+struct WrappedCalls {
+    bool refusesMemory = false;       ///< of a target mapping: calloc, which nothing else is taken from
+    std::atomic<void *> mapping;      ///< the latest of them that has not been given back
+    bool isHeldAtNextAdapter = false; ///< a mapping was there when an adapter was opened
+    std::string adapterName;          ///< what HBA_GetAdapterName writes; empty, and it is the host's
+};
+
+extern WrappedCalls wrapped;
+
+} // namespace tests
