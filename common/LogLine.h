@@ -1,5 +1,7 @@
 #pragma once
 
+#include <new>
+
 #include "common/Jni.h"
 #include "common/LocalFrame.h"
 
@@ -16,6 +18,8 @@ void logInFrame(JNIEnv *env, Deliver deliver) {
         deliver();
     } catch (const NoInstance &) {
         // Nobody says where the log is.
+    } catch (const std::bad_alloc &) {
+        // There is no memory to tell it.
     } catch (const JavaExceptionPending &) {
         const jthrowable exception = env->ExceptionOccurred();
         env->ExceptionClear();

@@ -95,12 +95,16 @@ protected:
 template <class Impl, class Operation>
 auto runProviderEntry(JNIEnv *env, jint capacity, jobject provider, Operation operation) {
     using Result = decltype(operation(std::declval<Impl &>()));
-    return runEntry([&]() -> Result {
+    return runEntry(env, [&]() -> Result {
         if (env->EnsureLocalCapacity(capacity) < 0) {
             return Result();
         }
-        Impl impl(env, provider);
-        return operation(impl);
+        try {
+            Impl impl(env, provider);
+            return operation(impl);
+        } catch (const NoInstance &) {
+            return Result();
+        }
     });
 }
 

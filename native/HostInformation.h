@@ -50,16 +50,19 @@ private:
 };
 
 /// Runs an entry point whose failures reach Java: a NativeError as a RuntimeException with its message, any other native
-/// exception as one with "UNKNOWN EXCEPTION". Returns null then.
+/// exception as one with "UNKNOWN EXCEPTION", also one that comes of telling the first. Returns null then.
 template <class Body>
 jobject runThrowingEntry(JNIEnv *env, Body body) {
-    return runEntry([&]() -> jobject {
+    return runEntry(env, [&]() -> jobject {
         try {
-            return body();
+            try {
+                return body();
+            } catch (
+                NativeError error) { // NOLINT(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
+                ThrowJavaError(env, error.getMessage());
+            }
         } catch (const JavaExceptionPending &) {
             throw;
-        } catch (NativeError error) { // NOLINT(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
-            ThrowJavaError(env, error.getMessage());
         } catch (...) {
             ThrowJavaError(env, "UNKNOWN EXCEPTION");
         }

@@ -21,9 +21,12 @@ void ThrowJavaError(JNIEnv *env, const char *message) {
 }
 
 void LogMessage(JNIEnv *env, const std::string &message, const std::string &level) {
-    logInFrame(env, [&] {
-        deliverLogLine(env, "com/kelvo/tarn/providers/solaris/SolarisNativeMethod", message.c_str(), level.c_str());
-    });
+    LogMessage(env, message.c_str(), level.c_str());
+}
+
+void LogMessage(JNIEnv *env, const char *message, const char *level) {
+    logInFrame(env,
+               [&] { deliverLogLine(env, "com/kelvo/tarn/providers/solaris/SolarisNativeMethod", message, level); });
 }
 
 } // namespace tarn

@@ -57,5 +57,6 @@ void ThrowJavaError(JNIEnv *env, const char *message); // for when there may be 
 /// that cannot be delivered is dropped: no exception is pending afterwards, except for an error of the virtual machine
 /// itself, which is JavaExceptionPending.
 void LogMessage(JNIEnv *env, const std::string &message, const std::string &level);
+void LogMessage(JNIEnv *env, const char *message, const char *level); // likewise
 
 } // namespace tarn

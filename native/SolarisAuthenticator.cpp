@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 #include <mutex>
+#include <new>
 #include <system_error>
 
 #include "common/EntryPoint.h"
@@ -26,6 +27,16 @@ bool matchesHash(const char *password, const char *storedHash) {
     return hash != nullptr && std::strcmp(hash, storedHash) == 0;
 }
 
+/// A refusal with the line that says why; without one when there is no memory for it.
+template <class Line>
+PasswordCheck refuse(Line line) {
+    try {
+        return {false, line()};
+    } catch (const std::bad_alloc &) {
+        return {};
+    }
+}
+
 } // namespace
 
 PasswordCheck checkPassword(const char *user, const std::function<const char *()> &password) {
@@ -33,15 +44,17 @@ PasswordCheck checkPassword(const char *user, const std::function<const char *()
     std::array<char, entryTextSize> text{};
     if (solaris::getspnam_r(user, &entry, text.data(), static_cast<int>(text.size())) == nullptr) {
         const int error = errno;
-        const std::string reason = error == 0 ? "" : "; " + std::generic_category().message(error);
-        return {false, std::string("No password entry for user ") + user + " found" + reason};
+        return refuse([&] {
+            const std::string reason = error == 0 ? "" : "; " + std::generic_category().message(error);
+            return std::string("No password entry for user ") + user + " found" + reason;
+        });
     }
     const char *const storedHash = entry.sp_pwdp;
     if (storedHash == nullptr || *storedHash == '\0') {
         return {true, ""};
     }
     if (std::strlen(storedHash) == 1) {
-        return {false, "Salted password is too short"};
+        return refuse([] { return std::string("Salted password is too short"); });
     }
     return {matchesHash(password(), storedHash), ""};
 }
@@ -51,7 +64,7 @@ PasswordCheck checkPassword(const char *user, const std::function<const char *()
 TARN_EXPORTED_ENTRY jboolean JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_authenticate(
     JNIEnv *env, jobject, jstring user, jstring password) {
     using namespace tarn;
-    return runEntry([&]() -> jboolean {
+    return runEntry(env, [&]() -> jboolean {
         const JniString userName(env, user);
         const JniString passwordText(env, password);
         const PasswordCheck check = checkPassword(userName.utf8(), [&] { return passwordText.utf8(); });

@@ -8,7 +8,7 @@ namespace tarn {
 /// What a password check came to.
 struct PasswordCheck {
     bool accepted = false;
-    std::string logLine; ///< why it was refused, for the "info" log; empty when there is nothing to say
+    std::string logLine; ///< why it was refused, for the "info" log; empty without a reason, or memory to say it
 };
 
 /// Checks a password against the local user's entry in the shadow database. `password` gives the password, which NUL

@@ -59,7 +59,7 @@ private:
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getComputerSystem(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runEntry([&]() -> jobject {
+    return runEntry(env, [&]() -> jobject {
         ComputerSystem computerSystem(env);
         const ResultClass result = GetClassAndMethod(env);
         try {

@@ -99,14 +99,17 @@ OsMemoryInfo GetOSMemoryInfo() {
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getOperatingSystem(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runEntry([&]() -> jobject {
+    return runEntry(env, [&]() -> jobject {
         const ResultClass result = GetClassAndMethod(env);
         try {
-            return describeOperatingSystem(env, result);
+            try {
+                return describeOperatingSystem(env, result);
+            } catch (
+                NativeError error) { // NOLINT(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
+                LogMessage(env, error.getMessage(), "warn");
+            }
         } catch (const JavaExceptionPending &) {
             throw;
-        } catch (NativeError error) { // NOLINT(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
-            LogMessage(env, error.getMessage(), "warn");
         } catch (...) {
             // The blank object says that nothing could be learned.
         }

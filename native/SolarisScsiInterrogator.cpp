@@ -37,7 +37,7 @@ namespace {
 TARN_EXPORTED_ENTRY jstring JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisScsiInterrogator_scsiInterrogate(
     JNIEnv *env, jobject, jstring controller1Id, jstring controller2Id, jstring vendorId, jstring productId) {
     using namespace tarn;
-    return runEntry([&]() -> jstring {
+    return runEntry(env, [&]() -> jstring {
         requireStack(env, returnStringSize + scanStack);
         return interrogate(env, controller1Id, controller2Id, vendorId, productId);
     });

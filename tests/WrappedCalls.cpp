@@ -11,20 +11,8 @@ tests::WrappedCalls tests::wrapped;
 
 extern "C" {
 
-void *__real_calloc(std::size_t count, std::size_t size);
-void __real_free(void *memory);
 HBA_STATUS __real_HBA_GetAdapterName(HBA_UINT32 index, char *name);
 HBA_HANDLE __real_HBA_OpenAdapter(char *name);
-
-void *__wrap_calloc(std::size_t count, std::size_t size) {
-    return wrapped.mapping = wrapped.refusesMemory ? nullptr : __real_calloc(count, size);
-}
-
-void __wrap_free(void *memory) {
-    void *expected = memory;
-    wrapped.mapping.compare_exchange_strong(expected, nullptr);
-    __real_free(memory);
-}
 
 HBA_STATUS __wrap_HBA_GetAdapterName(HBA_UINT32 index, char *name) {
     const HBA_STATUS status = __real_HBA_GetAdapterName(index, name);

@@ -5,7 +5,7 @@
 TARN_EXPORTED_ENTRY jobjectArray JNICALL
 Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(JNIEnv *env, jobject self, jobject hbaClassNames) {
     using namespace tarn;
-    return runEntry([&]() -> jobjectArray {
+    return runEntry(env, [&]() -> jobjectArray {
         requireStack(env, HbaCacheImpl::fillStack);
         if (env->EnsureLocalCapacity(HbaCacheImpl::entryCapacity) < 0) {
             return nullptr;
@@ -17,7 +17,7 @@ Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(JNIEnv *env, jobject sel
 TARN_EXPORTED_ENTRY void JNICALL Java_com_kelvo_tarn_providers_hba_HbaCache_testHbaLibrary(JNIEnv *env, jobject self,
                                                                                            jobject list) {
     using namespace tarn;
-    runEntry([&] {
+    runEntry(env, [&] {
         requireStack(env, HbaCacheImpl::selfTestStack);
         constexpr jint references = 32; // the classes, the list's own, and a line
         if (env->EnsureLocalCapacity(references) >= 0) {

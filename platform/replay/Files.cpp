@@ -301,6 +301,7 @@ DIR *opendir(const char *path) {
 }
 
 struct dirent *readdir(DIR *directory) {
+    const InPlatform inside;
     Directory &opened = *reinterpret_cast<Directory *>(directory);
     if (isRefused([&] { return "readdir " + opened.path; })) {
         return failWith<struct dirent *>(EIO);

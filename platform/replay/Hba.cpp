@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -47,7 +48,8 @@ struct Library {
 
 std::mutex libraryMutex;
 std::optional<Library> library;
-HBA_HANDLE lastHandle = 0; // over every load, so that a stale handle stays one
+constexpr std::size_t nameSize = 256; // of the buffer for an adapter's name
+HBA_HANDLE lastHandle = 0;            // over every load, so that a stale handle stays one
 
 /// The adapter's name as the journal shows it.
 std::string nameOf(HBA_HANDLE handle) {
@@ -63,6 +65,7 @@ std::string nameOf(HBA_HANDLE handle) {
 /// library is not loaded, it answers `failure`.
 template <class Text, class Answer>
 HBA_UINT32 answerLoaded(HBA_UINT32 failure, const Text &text, const Answer &answer) {
+    const InPlatform inside;
     const std::lock_guard lock(libraryMutex);
     return noteCall(text) || !library ? failure : answer();
 }
@@ -78,12 +81,36 @@ HBA_STATUS answerHandle(const char *call, HBA_HANDLE handle, const std::string &
         });
 }
 
+template <class... Fields>
+void soilBehindTexts(Fields &...fields) {
+    const auto soil = [](std::span<char> field) {
+        const auto end = std::ranges::find(field, '\0');
+        std::fill(end + (end == field.end() ? 0 : 1), field.end(), static_cast<char>(dirt));
+    };
+    (soil(fields), ...);
+}
+void soilBehindTexts(HBA_ADAPTERATTRIBUTES &of) {
+    soilBehindTexts(of.Manufacturer, of.SerialNumber, of.Model, of.ModelDescription, of.NodeSymbolicName,
+                    of.HardwareVersion, of.DriverVersion, of.OptionROMVersion, of.FirmwareVersion, of.DriverName);
+}
+void soilBehindTexts(HBA_PORTATTRIBUTES &of) {
+    soilBehindTexts(of.PortSymbolicName, of.OSDeviceName);
+}
+void soilBehindTexts(HBA_PORTSTATISTICS &) {
+}
+
 /// Gives out `source`, unless the description has another status for the call.
 template <class Structure>
 HBA_STATUS copyOut(const Structure &source, const HbaAnswers &answers, Structure *into) {
     const HBA_STATUS status = library->nextAnswer(answers);
+    if (leavesDirt()) {
+        std::memset(static_cast<void *>(into), dirt, sizeof *into);
+    }
     if (status == HBA_STATUS_OK) {
         *into = source;
+        if (leavesDirt()) {
+            soilBehindTexts(*into);
+        }
     }
     return status;
 }
@@ -102,16 +129,23 @@ Attributes attributesOf(const description::Sparse<Attributes> &described, HBA_UI
 /// The entries follow one another beyond the array of one that the structure declares.
 HBA_STATUS copyMapping(const HbaAdapter &adapter, HBA_FCPTARGETMAPPING *mapping) {
     const HBA_STATUS status = library->nextAnswer(adapter.status.GetFcpTargetMapping);
+    const HBA_UINT32 room = mapping->NumberOfEntries;
+    auto *entries = reinterpret_cast<char *>(mapping) + offsetof(HBA_FCPTARGETMAPPING, entry);
+    if (leavesDirt() && status != HBA_STATUS_OK) {
+        std::memset(entries, dirt, room * sizeof(HBA_FCPSCSIENTRY));
+    }
     if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_MORE_DATA) {
         return status;
     }
     const std::size_t present = adapter.targetMapping.size();
     const HBA_UINT32 claimed = adapter.NumberOfEntries.value_or(static_cast<HBA_UINT32>(present));
-    const HBA_UINT32 room = mapping->NumberOfEntries;
-    auto *entries = reinterpret_cast<char *>(mapping) + offsetof(HBA_FCPTARGETMAPPING, entry);
     // What is claimed beyond those there are is counted and not written.
     for (std::size_t i = 0; i < std::min<std::size_t>({claimed, room, present}); ++i) {
-        std::memcpy(entries + i * sizeof(HBA_FCPSCSIENTRY), &adapter.targetMapping[i], sizeof(HBA_FCPSCSIENTRY));
+        HBA_FCPSCSIENTRY entry = adapter.targetMapping[i];
+        if (leavesDirt()) {
+            soilBehindTexts(entry.ScsiId.OSDeviceName);
+        }
+        std::memcpy(entries + i * sizeof entry, &entry, sizeof entry);
     }
     mapping->NumberOfEntries = claimed;
     return claimed > room ? HBA_STATUS_ERROR_MORE_DATA : status;
@@ -127,6 +161,7 @@ std::string number(HBA_UINT32 value) {
 using namespace replay;
 
 HBA_STATUS HBA_LoadLibrary() {
+    const InPlatform inside;
     std::shared_ptr<const Host> host = currentHost();
     const std::lock_guard lock(libraryMutex);
     if (noteCall([] { return std::string("HBA_LoadLibrary"); }) || library || !host->hba) {
@@ -138,6 +173,7 @@ HBA_STATUS HBA_LoadLibrary() {
 
 /// Refused, it frees all the same, and says that it did not.
 HBA_STATUS HBA_FreeLibrary() {
+    const InPlatform inside;
     const std::lock_guard lock(libraryMutex);
     const bool refused = noteCall([] { return std::string("HBA_FreeLibrary"); });
     const bool wasLoaded = library.has_value();
@@ -163,6 +199,9 @@ HBA_STATUS HBA_GetAdapterName(HBA_UINT32 index, char *name) {
                 return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
             }
             const HBA_STATUS status = library->nextAnswer(adapter->status.GetAdapterName);
+            if (leavesDirt()) {
+                std::memset(name, dirt, nameSize);
+            }
             if (status == HBA_STATUS_OK) {
                 std::memcpy(name, adapter->name.c_str(), adapter->name.size() + 1);
             }
@@ -186,6 +225,7 @@ HBA_HANDLE HBA_OpenAdapter(char *name) {
 
 /// Nothing tells whether it was refused: the adapter is closed.
 void HBA_CloseAdapter(HBA_HANDLE handle) {
+    const InPlatform inside;
     const std::lock_guard lock(libraryMutex);
     noteCall([&] { return "HBA_CloseAdapter " + nameOf(handle); });
     if (library) {
@@ -226,6 +266,7 @@ HBA_STATUS HBA_GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTSTA
 
 HBA_STATUS HBA_GetDiscoveredPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_UINT32 discovered,
                                            HBA_PORTATTRIBUTES *attributes) {
+    const InPlatform inside;
     const std::string arguments = number(port) + number(discovered);
     return answerHandle("HBA_GetDiscoveredPortAttributes", handle, arguments, [&](const HbaAdapter &adapter) {
         if (port >= adapter.ports.size() || discovered >= adapter.ports[port].discovered.size()) {

@@ -74,6 +74,7 @@ int fclose(FILE *file) {
 }
 
 int getmntent(FILE *table, struct mnttab *entry) {
+    const InPlatform inside;
     thread_local std::string line;
     if (isRefused([] { return std::string("getmntent"); })) {
         return failWith(EIO);

@@ -10,6 +10,20 @@
 
 namespace replay {
 
+/// Marks the calling thread as inside of the platform for as long as it lives: what is allocated then is the replay's, not
+/// the caller's.
+class InPlatform {
+public:
+    InPlatform();
+    ~InPlatform();
+    InPlatform(const InPlatform &) = delete;
+    InPlatform &operator=(const InPlatform &) = delete;
+};
+
+/// Whether what an answer does not set is to be left full of `dirt`.
+bool leavesDirt();
+inline constexpr unsigned char dirt = 0xA5;
+
 /// Counts the call that begins. Whether it is the one that refuseCall chose.
 bool isChosen();
 
@@ -26,6 +40,7 @@ bool isRefused(const Text &text) {
 /// The same, with the line of either case: for a call that sets no errno.
 template <class Text>
 bool noteCall(const Text &text) {
+    const InPlatform inside;
     const bool refused = isRefused(text);
     if (!refused) {
         note(text);
@@ -56,6 +71,7 @@ Result failWith(int error) {
 template <class Text, class Answer>
 auto answerCall(const Text &text, const Answer &answer) {
     using Result = std::invoke_result_t<Answer>;
+    const InPlatform inside;
     if (isRefused(text)) {
         return failWith<Result>(EIO);
     }

@@ -37,4 +37,13 @@ void refuseCall(int n);
 /// Refuse none any more. Whether the chosen one has come.
 bool stopRefusing();
 
+/// Whether the calling thread is inside of a platform call.
+bool isInPlatform();
+
+/// Whether an answer leaves 0xA5 in what it does not set, as a platform may that promises nothing of it: the rest of a
+/// SCSI command's buffer, a structure or a name of the HBA library when its call fails, what stands behind the end of a
+/// text in them. Off until it is asked for; members that a description leaves out are told as the format says, dirt or
+/// not.
+void leaveDirt(bool isLeft);
+
 } // namespace replay

@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <cstring>
 #include <span>
 
 #include "description/ScsiCommands.h"
 #include "platform/replay/Descriptors.h"
+#include "platform/replay/PlatformCall.h"
 
 namespace replay {
 namespace {
@@ -96,6 +98,9 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
     }
     std::size_t moved = count;
     if (!known->sendsData) {
+        if (leavesDirt()) {
+            std::memset(command.uscsi_bufaddr, dirt, command.uscsi_buflen);
+        }
         moved = std::min({answer->second.size(), count, command.uscsi_buflen});
         std::copy_n(answer->second.data(), moved, command.uscsi_bufaddr);
     } else {

@@ -1,6 +1,6 @@
 // Every entry over one small host and over a host that has nothing: all that it calls, JNI and platform, in order and
-// with every value, against the texts in calls/; then with each of its JNI calls refused once, and with each of its
-// platform calls.
+// with every value, against the texts in calls/; then with each of its JNI calls refused once, with each of its platform
+// calls, and with each of its allocations; and over a platform that leaves dirt.
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 #include <functional>
 
 #include "platform/replay/Replay.h"
+#include "tests/Allocations.h"
 #include "tests/Expected.h"
 #include "tests/jvm/Entries.h"
 #include "tests/jvm/HbaTree.h"
@@ -133,21 +134,27 @@ protected:
         return all;
     }
 
-    /// Runs the entry with the n-th platform call refused, or none. Nothing may be leaked. Answers with what it tells,
-    /// throws and, when it is to be noted, logs; its calls, with the platform's, are in `calls` then.
-    Lines run(const Entry &entry, int refusedCall, bool noteLog) {
+    /// Runs the entry with the n-th platform call refused, or the n-th allocation, or none. Nothing may be leaked. Answers
+    /// with what it tells, throws and, when it is to be noted, logs; its calls, with the platform's, are in `calls` then.
+    Lines run(const Entry &entry, int refusedCall, bool noteLog, int refusedAllocation = 0) {
         const jvm::LocalFrame frame(env);
         jobject result = nullptr;
         replay::refuseCall(refusedCall);
         {
             jvm::JniTable table(env, true);
-            result = entry.call(env);
+            {
+                const tests::RefusedAllocation allocation(refusedAllocation);
+                result = entry.call(env);
+                allocations = allocation.made();
+                EXPECT_EQ(allocation.kept(), 0);
+            }
             table.takeJournal();
             EXPECT_EQ(table.faults(), Lines{});
             calls = table.calls;
         }
         EXPECT_TRUE(replay::stopRefusing() || refusedCall > 0);
         const std::string thrown = jvm::takeException(env);
+        EXPECT_TRUE(thrown.empty() || result == nullptr);
         Lines all = told(entry, result);
         all.resize(all.size() + (thrown.empty() ? 0 : 1), "throws " + thrown);
         for (const std::string &line : noteLog ? logLines(calls) : Lines{}) {
@@ -160,7 +167,8 @@ protected:
     }
 
     std::vector<Entry> entries;
-    Lines calls; // of the latest run
+    Lines calls;         // of the latest run
+    int allocations = 0; // that it made, the refused one included
 };
 
 TEST_F(EntriesTest, CallInOrderAndSurviveWhateverJavaRefuses) {
@@ -213,6 +221,64 @@ TEST_F(EntriesTest, LackOneThingForEachCallThatThePlatformRefuses) {
         }
     }
     tests::expectFile("jvm/platform-refusals.txt", text);
+}
+
+/// The text has, for each entry, what may become of its answer: what it throws, or what is gone (-) and what stands there
+/// instead (+).
+TEST_F(EntriesTest, ThrowOrLackSomethingForEachAllocationThatIsRefused) {
+    Lines text;
+    const auto refuseEach = [&](const Entry &entry, const std::string &host) {
+        const std::string title = entry.name + "(" + entry.arguments + ") on the host " + host + ":";
+        SCOPED_TRACE(title);
+        run(entry, 0, true);
+        const Lines whole = run(entry, 0, true);
+        const int all = allocations;
+        Lines ways;
+        for (int n = 1; n <= all; ++n) {
+            SCOPED_TRACE("with allocation " + std::to_string(n) + " refused");
+            const Lines told = run(entry, 0, true, n);
+            EXPECT_GE(allocations, n);
+            const bool onlyThrows = told.size() > 1 && told[0] == "null" && told[1].starts_with("throws ");
+            Lines way = onlyThrows ? Lines{} : only("  - ", whole, told);
+            append(way, onlyThrows ? Lines{"  " + told[1]} : only("  + ", told, whole));
+            if (std::ranges::count(ways, tests::joined(way, "\n")) == 0) {
+                ways.push_back(tests::joined(way, "\n"));
+            }
+            EXPECT_EQ(run(entry, 0, true), whole);
+        }
+        append(text, all == 0 ? Lines{} : Lines{title, tests::joined(ways, "\n  or\n")});
+    };
+    for (const std::string host : {"small", "bare"}) {
+        tests::loadHost(host);
+        for (const Entry &entry : entries) {
+            refuseEach(entry, host);
+        }
+    }
+    std::string mapping = "{}";
+    for (int i = 0; i < 512; ++i) { // more than there is room for without an allocation
+        mapping += ", {}";
+    }
+    replay::loadHostText(R"({"hba": {"adapters": [{"name": "a", "targetMapping": [)" + mapping + "]}]}}");
+    refuseEach(*std::ranges::find(entries, "fillHbaCache", &Entry::name), "with 513 mappings");
+    tests::expectFile("jvm/allocation-refusals.txt", text);
+}
+
+TEST_F(EntriesTest, TellTheSameOverAPlatformThatLeavesDirt) {
+    const auto interrogate = [names = std::vector{newString("1T54412345"), newString("1T54412346"), newString("SUN"),
+                                                  newString("CSM200_R")}](JNIEnv *e) {
+        return INTERROGATOR(scsiInterrogate)(e, nullptr, names[0], names[1], names[2], names[3]);
+    };
+    entries.push_back({"scsiInterrogate", "the array of rill", interrogate});
+    for (const std::string host : {"small", "bare", "two-adapters", "target-mappings", "../../hosts/rill"}) {
+        tests::loadHost(host);
+        for (const Entry &entry : entries) {
+            SCOPED_TRACE(entry.name + "(" + entry.arguments + ") on the host " + host);
+            const Lines clean = run(entry, 0, true);
+            replay::leaveDirt(true);
+            EXPECT_EQ(run(entry, 0, true), clean);
+            replay::leaveDirt(false);
+        }
+    }
 }
 
 } // namespace

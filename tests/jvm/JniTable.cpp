@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/replay/Replay.h"
+#include "tests/Allocations.h"
 #include "tests/jvm/Jvm.h"
 
 namespace jvm {
@@ -265,6 +266,7 @@ struct Overlay::Of<member> {
     static inline Function function{};
 
     static Result call(JNIEnv *env, Arguments... arguments) {
+        const tests::OutsideTheLibrary outside;
         JniTable &table = *laid;
         env->functions = table.real; // what Java calls meanwhile is its own business
         struct Relay {
