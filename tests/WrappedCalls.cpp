@@ -3,16 +3,19 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/solaris.h"
-
 using tests::wrapped;
 
 tests::WrappedCalls tests::wrapped;
 
 extern "C" {
 
+HBA_UINT32 __real_HBA_GetNumberOfAdapters();
 HBA_STATUS __real_HBA_GetAdapterName(HBA_UINT32 index, char *name);
 HBA_HANDLE __real_HBA_OpenAdapter(char *name);
+
+HBA_UINT32 __wrap_HBA_GetNumberOfAdapters() {
+    return __real_HBA_GetNumberOfAdapters() + wrapped.moreAdapters;
+}
 
 HBA_STATUS __wrap_HBA_GetAdapterName(HBA_UINT32 index, char *name) {
     const HBA_STATUS status = __real_HBA_GetAdapterName(index, name);

@@ -24,6 +24,7 @@ using tests::append;
 using tests::beginning;
 using tests::Lines;
 using tests::only;
+using tests::wrapped;
 
 // ---- Hosts ----------------------------------------------------------------------------------------------------------
 
@@ -207,7 +208,7 @@ TEST_F(HbaTest, EveryFailureLeavesItsLineAndItsHole) {
         {"/0/ports/0/status/GetPortStatistics", 2},
         {"/0/ports/1/attributes/NumberofDiscoveredPorts", 65537},
         {"/0/ports/0/discovered/0/status/GetDiscoveredPortAttributes", 8},
-        {"", std::vector<json>(4097, {{"status", {{"GetAdapterName", 1}}}})},
+        {"", std::vector<json>(4096, {{"status", {{"GetAdapterName", 1}}}})},
     };
     Lines text;
     for (const auto &[where, value] : faults) {
@@ -215,7 +216,9 @@ TEST_F(HbaTest, EveryFailureLeavesItsLineAndItsHole) {
         neverOpened = where == "/0"                     ? Lines{"HBA_OpenAdapter h left open"}
                       : where.ends_with("openFailures") ? Lines{"HBA_OpenAdapter hba-0 left open"}
                                                         : Lines{};
+        wrapped.moreAdapters = where.empty() ? 1 : 0; // than a description may have
         const Lines shape = fill().shape();
+        wrapped.moreAdapters = 0;
         append(text, {where + " " + value.dump().substr(0, 80)});
         append(text, only("  - ", whole, shape));
         append(text, only("  + ", shape, whole));
@@ -313,16 +316,16 @@ TEST_F(HbaTest, LargeMappingsAreMatchedWhole) {
 TEST_F(HbaTest, MappingsAreGivenBackWithTheirAdapters) {
     loadAdapters(manyAdapters(2, {{"targetMapping", std::vector<json>(513, target(wwnA))}}));
     for (const bool isRefused : {false, true}) {
-        tests::wrapped.refusesMemory = isRefused;
+        wrapped.refusesMemory = isRefused;
         EXPECT_EQ(fill().lines.size(), 2U);
         const std::string failure = "HBA_GetFcpTargetMapping call returned 7 (More data available) for adapter ";
         EXPECT_EQ(logLines(calls),
                   isRefused ? Lines({"warn \"" + failure + "0 (hba-1)\"", "warn \"" + failure + "1 (hba-0)\""})
                             : Lines());
         EXPECT_EQ(beginning(selfTest(), {failure}).size(), isRefused ? 2U : 0U);
-        EXPECT_FALSE(tests::wrapped.isHeldAtNextAdapter);
+        EXPECT_FALSE(wrapped.isHeldAtNextAdapter);
     }
-    tests::wrapped.refusesMemory = false;
+    wrapped.refusesMemory = false;
 }
 
 TEST_F(HbaTest, ThreadsThatFillAtOnceAllGetTheWholeCache) {
@@ -379,8 +382,10 @@ TEST_F(HbaTest, SelfTestBelievesWhatMayBe) {
     };
     const json nameless{{"status", {{"GetAdapterName", 1}}}};
     EXPECT_EQ(linesOf(std::vector<json>(4096, nameless)).size(), 4096U);
-    EXPECT_EQ(linesOf(std::vector<json>(4097, nameless)),
+    wrapped.moreAdapters = 1;
+    EXPECT_EQ(linesOf(std::vector<json>(4096, nameless)),
               Lines{"Ignoring the 4097 adapters that the HBA library reports -- more than 4096 cannot be right"});
+    wrapped.moreAdapters = 0;
     // Two lines of the adapter, two of each port that is there, one of each that is not, two of each mapping entry.
     EXPECT_EQ(linesOf(twoAdapters("/0/attributes/NumberOfPorts", 4096)).size(), 2 + 8 + 2 + 4094 + 6 + 3 + 4U + 6);
     EXPECT_EQ(linesOf(twoAdapters("/0/ports/1/attributes/NumberofDiscoveredPorts", 65536)).size(),
