@@ -70,6 +70,7 @@ struct OutcomeForm {
 };
 
 using ScsiForm = ByTextForm<std::vector<unsigned char>, AnswerForm, Layout::inline_, requireCommand>;
+using SecondsForm = ByTextForm<unsigned, Form<unsigned>, Layout::inline_, requireFailingCall>;
 using FailsForm = ByTextForm<int, OutcomeForm, Layout::inline_, requireFailingCall>;
 
 template <>
@@ -144,11 +145,11 @@ struct SlicesForm {
 };
 
 template <>
-inline constexpr auto members<Disk> = table<Disk>(MEMBER(Disk, name), FORMED_MEMBER(Disk, slices, SlicesForm),
-                                                  MEMBER(Disk, directories), MEMBER(Disk, path), MEMBER(Disk, major),
-                                                  MEMBER(Disk, minor), MEMBER(Disk, mounted), MEMBER(Disk, geometry),
-                                                  MEMBER(Disk, vtoc), FORMED_MEMBER(Disk, scsi, ScsiForm),
-                                                  FORMED_MEMBER(Disk, fails, FailsForm));
+inline constexpr auto
+    members<Disk> = table<Disk>(MEMBER(Disk, name), FORMED_MEMBER(Disk, slices, SlicesForm), MEMBER(Disk, directories),
+                                MEMBER(Disk, path), MEMBER(Disk, major), MEMBER(Disk, minor), MEMBER(Disk, mounted),
+                                MEMBER(Disk, geometry), MEMBER(Disk, vtoc), FORMED_MEMBER(Disk, scsi, ScsiForm),
+                                FORMED_MEMBER(Disk, fails, FailsForm), FORMED_MEMBER(Disk, seconds, SecondsForm));
 
 template <>
 inline constexpr auto members<Entry> = table<Entry>(MEMBER(Entry, path), MEMBER(Entry, link),

@@ -114,12 +114,24 @@ struct Form<TargetMapping> {
     }
 };
 
+inline constexpr std::string_view adapterCalls[] = {"GetAdapterName",      "OpenAdapter",
+                                                    "RefreshInformation",  "GetAdapterAttributes",
+                                                    "GetFcpTargetMapping", "GetAdapterPortAttributes",
+                                                    "GetPortStatistics",   "GetDiscoveredPortAttributes"};
+
+inline void requireAdapterCall(std::string_view call, const Place &place) {
+    if (std::ranges::find(adapterCalls, call) == std::end(adapterCalls)) {
+        place.refuse("unknown call");
+    }
+}
+
+using AdapterSecondsForm = ByTextForm<unsigned, Form<unsigned>, Layout::inline_, requireAdapterCall>;
+
 template <>
-inline constexpr auto
-    members<HbaAdapter> = table<HbaAdapter>(MEMBER(HbaAdapter, name), MEMBER(HbaAdapter, openFailures),
-                                            MEMBER(HbaAdapter, attributes), MEMBER(HbaAdapter, ports),
-                                            MEMBER(HbaAdapter, targetMapping), MEMBER(HbaAdapter, NumberOfEntries),
-                                            MEMBER(HbaAdapter, status));
+inline constexpr auto members<HbaAdapter> =
+    table<HbaAdapter>(MEMBER(HbaAdapter, name), MEMBER(HbaAdapter, openFailures), MEMBER(HbaAdapter, attributes),
+                      MEMBER(HbaAdapter, ports), MEMBER(HbaAdapter, targetMapping), MEMBER(HbaAdapter, NumberOfEntries),
+                      MEMBER(HbaAdapter, status), FORMED_MEMBER(HbaAdapter, seconds, AdapterSecondsForm));
 
 inline constexpr std::size_t mostAdapters = 4096; // that the library believes in
 using AdaptersForm = BoundedForm<mostAdapters, HbaAdapter>;

@@ -68,6 +68,18 @@ struct FileSystem : StatVfs {
     int fails;
 };
 
+/// What getmntent tells of a mounted file system.
+struct MountEntry {
+    std::string mnt_special;
+    std::string mnt_mountp;
+    std::string mnt_fstype;
+    std::string mnt_mntopts;
+    std::string mnt_time;
+};
+
+/// Lines of the table's text without their ends; an entry where getmntent tells another than the line would say.
+using MountTable = std::vector<std::variant<std::string, Sparse<MountEntry>>>;
+
 /// The text of a symbolic link; nothing when an entry is none.
 using Link = std::optional<std::string>;
 
@@ -100,7 +112,8 @@ struct Disk {
     std::optional<dk_geom> geometry;
     Sparse<std::optional<struct ::vtoc>> vtoc;
     ByText<std::vector<unsigned char>> scsi; // answers by command
-    ByText<int> fails; // errno, or 0, by call ("fstat"), by call and open flags ("open O_RDWR"), or by command
+    ByText<int> fails;        // errno, or 0, by call ("fstat"), by call and open flags ("open O_RDWR"), or by command
+    ByText<unsigned> seconds; // until a call answers, by the same names
 
     unsigned place(std::size_t slice) const {
         return (*slices)[slice].place.value_or(static_cast<unsigned>(slice));
@@ -177,6 +190,7 @@ struct HbaAdapter {
     TargetMapping targetMapping;
     std::optional<HBA_UINT32> NumberOfEntries; // that the library claims; without it, as many as there are
     Status status;
+    ByText<unsigned> seconds; // until a call answers, by its name without "HBA_"
 };
 
 struct Hba {
@@ -192,7 +206,7 @@ struct Host {
     std::map<int, long> sysconf; // by name
     std::map<processorid_t, Processor> processors;
     std::optional<std::vector<Sparse<KernelRecord>>> kstat;
-    std::optional<std::string> mnttab;         // the whole text
+    std::optional<MountTable> mnttab;
     ByText<FileSystem> statvfs;                // by path
     ByText<std::optional<std::string>> shadow; // sp_pwdp by user
     std::vector<Sparse<Disk>> disks;

@@ -59,30 +59,54 @@ struct ProcessorsForm {
     }
 };
 
-/// The text as a list of its lines.
+template <>
+inline constexpr auto
+    members<MountEntry> = table<MountEntry>(MEMBER(MountEntry, mnt_special), MEMBER(MountEntry, mnt_mountp),
+                                            MEMBER(MountEntry, mnt_fstype), MEMBER(MountEntry, mnt_mntopts),
+                                            MEMBER(MountEntry, mnt_time));
+
+/// A list of lines, and of entries that no line tells.
 struct MountTableForm {
-    static void read(const Json &value, const Place &place, std::optional<std::string> &into) {
-        std::vector<std::string> lines;
-        Form<std::vector<std::string>>::read(value, place, lines);
-        std::string &text = into.emplace();
-        for (std::size_t i = 0; i < lines.size(); ++i) {
-            if (lines[i].find_first_of(std::string_view("\n\0", 2)) != std::string::npos) {
-                place.element(i).refuse("a line holds no line end and no zero");
+    static void read(const Json &value, const Place &place, std::optional<MountTable> &into) {
+        const Json::array_t &list = listOf(value, place);
+        into.emplace(list.size());
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            const Place element = place.element(i);
+            if (list[i].is_object() && !isGiven(list[i], {"hex"})) {
+                readEntry(list[i], element, (*into)[i].emplace<Sparse<MountEntry>>().edit());
+                continue;
             }
-            text += lines[i] + "\n";
+            std::string &line = std::get<std::string>((*into)[i]);
+            Form<std::string>::read(list[i], element, line);
+            if (line.find_first_of(std::string_view("\n\0", 2)) != std::string::npos) {
+                element.refuse("a line holds no line end and no zero");
+            }
         }
     }
-    static bool isSame(const std::optional<std::string> &value, const std::optional<std::string> &) {
+    static bool isSame(const std::optional<MountTable> &value, const std::optional<MountTable> &) {
         return !value;
     }
-    static void write(JsonWriter &writer, const std::optional<std::string> &value, const std::optional<std::string> &) {
+    static void write(JsonWriter &writer, const std::optional<MountTable> &value, const std::optional<MountTable> &) {
         writer.beginList(Layout::lines);
-        for (std::string_view rest = *value; !rest.empty();) {
-            const std::size_t end = std::min(rest.find('\n'), rest.size());
-            writer.text(rest.substr(0, end));
-            rest.remove_prefix(std::min(end + 1, rest.size()));
+        for (const auto &element : *value) {
+            if (const auto *line = std::get_if<std::string>(&element)) {
+                writer.text(*line);
+            } else {
+                Form<MountEntry>::write(writer, *std::get<Sparse<MountEntry>>(element), {});
+            }
         }
         writer.endList();
+    }
+
+private:
+    static void readEntry(const Json &value, const Place &place, MountEntry &entry) {
+        Form<MountEntry>::read(value, place, entry);
+        for (const std::string *field :
+             {&entry.mnt_special, &entry.mnt_mountp, &entry.mnt_fstype, &entry.mnt_mntopts, &entry.mnt_time}) {
+            if (field->find('\0') != std::string::npos) {
+                place.refuse("no field holds a zero");
+            }
+        }
     }
 };
 

@@ -225,6 +225,14 @@ void Outcomes::add(const Outcomes &other) {
     }
 }
 
+std::bitset<questions> Outcomes::asked() const {
+    std::bitset<questions> known;
+    for (std::size_t i = 0; i < questions; ++i) {
+        known[i] = errors[i] != notAsked;
+    }
+    return known;
+}
+
 bool Answers::agreesWith(const Answers &other) const {
     if (!outcomes.agreesWith(other.outcomes) || !agree(geometry, other.geometry) || !agree(label, other.label)) {
         return false;
@@ -247,6 +255,10 @@ void Answers::add(Answers &&other) {
     outcomes.add(other.outcomes);
     addTo(geometry, std::move(other.geometry));
     addTo(label, std::move(other.label));
+}
+
+std::string_view diskNameOf(std::string_view entryName) {
+    return takeApart(entryName).disk;
 }
 
 void DiskGroups::reserve(std::size_t entries) {
@@ -287,6 +299,7 @@ std::size_t DiskGroups::add(SeenEntry &&entry) {
     slice.device = entry.device;
     slice.partition = entry.partition;
     slice.isMounted = entry.isMounted;
+    slice.asked = entry.answers.outcomes.asked();
     group.answers.add(std::move(entry.answers));
     return chosen;
 }
@@ -325,6 +338,7 @@ std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDis
         partner.answers.add(std::move(block.answers));
         for (std::size_t i = 0; i < block.slices.size(); ++i) {
             partner.slices[i].link = block.slices[i].link;
+            partner.slices[i].asked |= block.slices[i].asked;
             addTo(partner.slices[i].device, std::move(block.slices[i].device));
         }
     }

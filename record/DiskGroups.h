@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <memory>
 #include <optional>
 #include <string>
@@ -61,6 +62,8 @@ public:
     /// Takes over what only the other was asked.
     void add(const Outcomes &other);
 
+    std::bitset<questions> asked() const;
+
 private:
     std::array<int, questions> errors;
 };
@@ -71,6 +74,11 @@ struct Answers {
     std::optional<dk_geom> geometry;
     std::optional<struct ::vtoc> label;
     std::array<std::vector<unsigned char>, askedCommands.size()> commands;
+
+    /// What one of the commands answered.
+    const std::vector<unsigned char> &command(Question question) const {
+        return commands[static_cast<std::size_t>(question) - static_cast<std::size_t>(Question::inquiry)];
+    }
 
     bool agreesWith(const Answers &other) const;
     void add(Answers &&other);
@@ -117,6 +125,11 @@ struct SeenSlice {
     std::optional<dev_t> device;
     std::optional<ushort_t> partition;
     bool isMounted;
+    std::bitset<questions> asked;
+
+    bool isAsked(Question question) const {
+        return asked[static_cast<std::size_t>(question)];
+    }
 };
 
 /// Slices of one disk that answer alike.
@@ -133,6 +146,9 @@ struct Group {
     /// As a disk of a description.
     description::Disk describe() &&;
 };
+
+/// The part of an entry's name that names its disk.
+std::string_view diskNameOf(std::string_view entryName);
 
 /// The entries of one directory. Their names and links have to stay as long as the groups.
 class DiskGroups {

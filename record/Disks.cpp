@@ -3,7 +3,10 @@
 #include <cstring>
 #include <deque>
 #include <functional>
+#include <iterator>
+#include <memory>
 #include <span>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -71,138 +74,136 @@ int errorOf(int result) {
     return result < 0 ? errno : 0;
 }
 
-/// Asks about one entry after the other.
-class Asker {
+/// The number that a call has while it is asked: its question's, or this.
+constexpr unsigned closeCall = questions;
+
+/// What fstat or stat tells of a file.
+struct FileKind {
+    dev_t device;
+    bool isRegular;
+};
+
+/// Asks about one entry after the other, in an asker.
+class DiskAsker {
 public:
-    SeenEntry askBlock(const std::string &path, std::string_view name) {
-        SeenEntry entry;
-        entry.name = name;
-        askLink(path, entry);
-        struct ::stat status {};
-        Outcomes &outcome = entry.answers.outcomes;
-        outcome[Question::stat] = errorOf(solaris::stat(path.c_str(), &status));
-        if (outcome[Question::stat] == 0) {
-            entry.device = status.st_rdev;
-        }
-        isPlain = outcome[Question::stat] == 0 && S_ISREG(status.st_mode) && entry.link.kind == SeenLink::none;
-        return entry;
+    DiskAsker(std::span<const tarn::ArrayNames> arraysToFind, bool asksAllForPages)
+        : arrays(arraysToFind), arrayPages(asksAllForPages) {
     }
 
-    SeenEntry askRaw(const std::string &path, std::string_view name) {
-        SeenEntry entry;
-        entry.name = name;
-        askLink(path, entry);
+    void askBlock(const std::string &path, Teller &teller) {
+        askLink(path, teller);
+        struct ::stat status {};
+        begin(Question::stat, teller);
+        const int error = errorOf(solaris::stat(path.c_str(), &status));
+        tell(Question::stat, error, bytesOf(FileKind{status.st_rdev, S_ISREG(status.st_mode)}), teller);
+    }
+
+    void askRaw(const std::string &path, Teller &teller) {
+        askLink(path, teller);
+        const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
         if (name.size() <= longestName) {
-            askRequests(path, entry);
+            askRequests(path, name.ends_with(tarn::wholeDiskSlice), teller);
         }
         if (name.find(tarn::wholeDiskSlice) != std::string_view::npos && path.size() < tarn::scsiPathSize) {
-            askInquiry(path, entry);
+            askInquiry(path, teller);
         }
-        const Outcomes &outcome = entry.answers.outcomes;
-        const auto isNoDevice = [&](Question question) {
-            return outcome[question] == ENXIO || outcome[question] == Outcomes::notAsked;
-        };
-        isPlain = outcome[Question::openForRequests] == ENXIO && isNoDevice(Question::openForCommands) &&
-                  entry.link.kind == SeenLink::none;
-        return entry;
+    }
+
+    void askLink(const std::string &path, Teller &teller) {
+        begin(Question::readlink, teller);
+        const ssize_t length = solaris::readlink(path.c_str(), link.data(), link.size());
+        tell(Question::readlink, errorOf(static_cast<int>(length)),
+             std::as_bytes(std::span(link.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)))), teller);
     }
 
     /// The two large pages of an array's LUN.
-    void askPages(const std::string &path, Answers &answers) {
-        const tarn::FileDescriptor device(solaris::open(path.c_str(), tarn::openForCommands));
+    void askPages(const std::string &path, Teller &teller) {
+        tarn::FileDescriptor device = open(Question::openForCommands, path, tarn::openForCommands, teller);
         if (device.isOpen()) {
-            ask(device, Question::receiveDiagnosticA0, pageSize, answers);
-            ask(device, Question::logSense3B, pageSize, answers);
+            ask(device, Question::receiveDiagnosticA0, pageSize, teller);
+            ask(device, Question::logSense3B, pageSize, teller);
+            close(device, teller);
         }
     }
 
-    bool isPlain = false; // of the last entry: it is a plain file
-
-    /// What the last standard INQUIRY and the last page 0xC0 answered, filled up with zeros.
-    std::array<unsigned char, inquirySize> inquiry{};
-    std::array<unsigned char, inquirySize> pageC0{};
-
 private:
-    void askLink(const std::string &path, SeenEntry &entry) {
-        const ssize_t length = solaris::readlink(path.c_str(), link.data(), link.size());
-        int &outcome = entry.answers.outcomes[Question::readlink];
-        outcome = 0;
-        if (length >= 0) {
-            entry.link = {SeenLink::link, links.keep({link.data(), static_cast<std::size_t>(length)})};
-        } else if (errno == EINVAL) {
-            entry.link = {SeenLink::none};
-        } else {
-            outcome = errno;
-        }
+    static void begin(Question question, Teller &teller) {
+        teller.begin(static_cast<unsigned>(question));
+    }
+
+    static void tell(Question question, int error, std::span<const std::byte> data, Teller &teller) {
+        teller.tell(static_cast<unsigned>(question), error, error == 0 ? data : std::span<const std::byte>());
+    }
+
+    static tarn::FileDescriptor open(Question question, const std::string &path, int flags, Teller &teller) {
+        begin(question, teller);
+        tarn::FileDescriptor device(solaris::open(path.c_str(), flags));
+        tell(question, errorOf(device.get()), {}, teller);
+        return device;
+    }
+
+    static void close(tarn::FileDescriptor &device, Teller &teller) {
+        teller.begin(closeCall);
+        device.close();
     }
 
     /// As the providers of disks and of partitions do.
-    void askRequests(const std::string &path, SeenEntry &entry) {
-        Outcomes &outcome = entry.answers.outcomes;
-        tarn::FileDescriptor device(solaris::open(path.c_str(), tarn::openForRequests));
-        outcome[Question::openForRequests] = errorOf(device.get());
+    static void askRequests(const std::string &path, bool isWholeDisk, Teller &teller) {
+        tarn::FileDescriptor device = open(Question::openForRequests, path, tarn::openForRequests, teller);
         if (!device.isOpen()) {
             return;
         }
         struct ::stat status {};
-        outcome[Question::fstat] = errorOf(solaris::fstat(device.get(), &status));
-        dk_cinfo information{};
-        outcome[Question::information] = errorOf(solaris::ioctl(device.get(), DKIOCINFO, &information));
-        if (outcome[Question::information] == 0) {
-            entry.partition = information.dki_partition;
+        begin(Question::fstat, teller);
+        const int error = errorOf(solaris::fstat(device.get(), &status));
+        tell(Question::fstat, error, bytesOf(FileKind{status.st_rdev, false}), teller);
+        request<dk_cinfo>(device, Question::information, DKIOCINFO, teller);
+        const bool hasGeometry = request<dk_geom>(device, Question::geometry, DKIOCGGEOM, teller);
+        request<struct ::vtoc>(device, Question::label, DKIOCGVTOC, teller);
+        if (error == 0) {
+            struct ::ustat fileSystem {};
+            begin(Question::ustat, teller);
+            tell(Question::ustat, errorOf(solaris::ustat(status.st_rdev, &fileSystem)), {}, teller);
         }
-        askTables(device, Question::geometry, Question::label, entry.answers);
-        if (outcome[Question::fstat] == 0) {
-            entry.device = status.st_rdev;
-            askMounted(entry);
-        }
-        if (outcome[Question::geometry] != 0 && entry.name.ends_with(tarn::wholeDiskSlice)) {
-            device.close();
-            device = tarn::FileDescriptor(solaris::open(path.c_str(), tarn::openForRequestsAgain));
-            outcome[Question::openAgain] = errorOf(device.get());
+        close(device, teller);
+        if (!hasGeometry && isWholeDisk) {
+            device = open(Question::openAgain, path, tarn::openForRequestsAgain, teller);
             if (device.isOpen()) {
-                askTables(device, Question::geometryAgain, Question::labelAgain, entry.answers);
+                request<dk_geom>(device, Question::geometryAgain, DKIOCGGEOM, teller);
+                request<struct ::vtoc>(device, Question::labelAgain, DKIOCGVTOC, teller);
+                close(device, teller);
             }
         }
     }
 
-    static void askTables(const tarn::FileDescriptor &device, Question forGeometry, Question forLabel,
-                          Answers &answers) {
-        const auto request = [&]<class Table>(Question question, int code, std::optional<Table> &known) {
-            Table table{};
-            answers.outcomes[question] = errorOf(solaris::ioctl(device.get(), code, &table));
-            if (answers.outcomes[question] == 0) {
-                known = table;
-            }
-        };
-        request(forGeometry, DKIOCGGEOM, answers.geometry);
-        request(forLabel, DKIOCGVTOC, answers.label);
+    /// Whether it is answered.
+    template <class Table>
+    static bool request(const tarn::FileDescriptor &device, Question question, int code, Teller &teller) {
+        Table table{};
+        begin(question, teller);
+        const int error = errorOf(solaris::ioctl(device.get(), code, &table));
+        tell(question, error, bytesOf(table), teller);
+        return error == 0;
     }
 
-    static void askMounted(SeenEntry &entry) {
-        struct ::ustat fileSystem {};
-        const int error = errorOf(solaris::ustat(*entry.device, &fileSystem));
-        if (error != EINVAL) { // nothing is mounted from it
-            entry.isMounted = true;
-            entry.answers.outcomes[Question::ustat] = error;
-        }
-    }
-
-    /// As the interrogator does.
-    void askInquiry(const std::string &path, SeenEntry &entry) {
-        const tarn::FileDescriptor device(solaris::open(path.c_str(), tarn::openForCommands));
-        entry.answers.outcomes[Question::openForCommands] = errorOf(device.get());
+    /// As the interrogator does: page 0xC0 is for the LUNs of an array. Other disks count it as an error of theirs.
+    void askInquiry(const std::string &path, Teller &teller) {
+        tarn::FileDescriptor device = open(Question::openForCommands, path, tarn::openForCommands, teller);
         if (!device.isOpen()) {
             return;
         }
-        ask(device, Question::inquiry, inquirySize, entry.answers);
-        std::copy_n(data.begin(), inquirySize, inquiry.begin());
-        ask(device, Question::inquiryC0, inquirySize, entry.answers);
-        std::copy_n(data.begin(), inquirySize, pageC0.begin());
+        const bool isAnswered = ask(device, Question::inquiry, inquirySize, teller);
+        const bool isOfArray = isAnswered && std::ranges::any_of(arrays, [&](const tarn::ArrayNames &names) {
+                                   return tarn::lunKind(names, data.data()).has_value();
+                               });
+        if (isOfArray || arrayPages) {
+            ask(device, Question::inquiryC0, inquirySize, teller);
+        }
+        close(device, teller);
     }
 
-    /// Keeps the answer without the zeros at its end: what a command does not answer reads as zeros.
-    void ask(const tarn::FileDescriptor &device, Question question, std::size_t size, Answers &answers) {
+    /// Tells the answer without the zeros at its end: what a command does not answer reads as zeros.
+    bool ask(const tarn::FileDescriptor &device, Question question, std::size_t size, Teller &teller) {
         const std::size_t index = static_cast<std::size_t>(question) - static_cast<std::size_t>(Question::inquiry);
         const description::ScsiCommand &known =
             *std::ranges::find(description::scsiCommands, askedCommands[index], &description::ScsiCommand::name);
@@ -217,19 +218,71 @@ private:
         command.uscsi_cdblen = static_cast<uchar_t>(known.length);
         command.uscsi_bufaddr = reinterpret_cast<char *>(data.data());
         command.uscsi_buflen = data.size();
+        begin(question, teller);
         const int error = errorOf(solaris::ioctl(device.get(), USCSICMD, &command));
-        answers.outcomes[question] = error;
-        if (error == 0) {
-            const auto last = std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(size)),
-                                           data.rend(), [](unsigned char byte) { return byte != 0; });
-            answers.commands[index].assign(data.begin(), last.base());
-        }
+        const auto last = std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(size)),
+                                       data.rend(), [](unsigned char byte) { return byte != 0; });
+        tell(question, error, std::as_bytes(std::span(data.begin(), last.base())), teller);
+        return error == 0;
     }
 
+    std::span<const tarn::ArrayNames> arrays;
+    bool arrayPages;
     std::array<char, longestLink> link;
-    TextStore links;
     std::array<unsigned char, pageSize> data;
 };
+
+// A call as the report names it.
+constexpr const char *questionNames[] = {
+    "stat",
+    "readlink",
+    "ustat",
+    "open O_RDWR",
+    "open O_RDONLY",
+    "open O_RDONLY|O_NDELAY",
+    "fstat",
+    "DKIOCINFO",
+    "DKIOCGGEOM",
+    "DKIOCGGEOM O_RDONLY",
+    "DKIOCGVTOC",
+    "DKIOCGVTOC O_RDONLY",
+    "INQUIRY",
+    "INQUIRY C0",
+    "RECEIVE DIAGNOSTIC A0",
+    "LOG SENSE 3B",
+    "close",
+};
+static_assert(std::size(questionNames) == closeCall + 1);
+
+/// Whether the call goes to the disk by itself, not with what every slice is asked.
+bool isCommand(unsigned call) {
+    return call == static_cast<unsigned>(Question::openForCommands) || call >= static_cast<unsigned>(Question::inquiry);
+}
+
+/// Takes in what one of the calls told.
+void takeAnswer(const Answer &answer, Answers &answers) {
+    const auto question = static_cast<Question>(answer.call);
+    answers.outcomes[question] = answer.error;
+    if (answer.error != 0) {
+        return;
+    }
+    switch (question) {
+    case Question::geometry:
+    case Question::geometryAgain:
+        answers.geometry = valueOf<dk_geom>(answer.data);
+        break;
+    case Question::label:
+    case Question::labelAgain:
+        answers.label = valueOf<struct ::vtoc>(answer.data);
+        break;
+    default:
+        if (question >= Question::inquiry) {
+            const auto *const bytes = reinterpret_cast<const unsigned char *>(answer.data.data());
+            answers.commands[answer.call - static_cast<std::size_t>(Question::inquiry)].assign(
+                bytes, bytes + answer.data.size());
+        }
+    }
+}
 
 /// The LUNs from which the interrogator would read an array's statistics.
 struct ArrayChoice {
@@ -237,21 +290,77 @@ struct ArrayChoice {
         std::optional<tarn::LunKind> kind;
         std::string path;
         std::size_t group;
+        std::size_t slice; // of the group
     };
     const tarn::ArrayNames *names;
     std::array<Lun, 2> luns;
 
-    void consider(const Asker &asker, const std::string &path, std::size_t group) {
-        const std::optional<tarn::LunKind> kind = tarn::lunKind(*names, asker.inquiry.data());
-        const std::optional<std::size_t> controller = tarn::lunController(*names, asker.pageC0.data());
+    void consider(const Answers &answers, const std::string &path, std::size_t group, std::size_t slice) {
+        const auto whole = [&](Question question) { // filled up with zeros
+            std::array<unsigned char, inquirySize> bytes{};
+            std::ranges::copy(answers.command(question), bytes.begin());
+            return bytes;
+        };
+        const std::optional<tarn::LunKind> kind = tarn::lunKind(*names, whole(Question::inquiry).data());
+        const std::optional<std::size_t> controller = tarn::lunController(*names, whole(Question::inquiryC0).data());
         if (kind && controller && tarn::isChosen(luns[*controller].kind, *kind)) {
-            luns[*controller] = {kind, path, group};
+            luns[*controller] = {kind, path, group, slice};
         }
     }
 };
 
+/// The two large pages of the LUNs that were chosen.
+class ArrayPages : public Inquiry {
+public:
+    ArrayPages(const std::vector<ArrayChoice> &choices, std::vector<Group> &toAnswer, Report &toReport)
+        : groups(toAnswer), report(toReport) {
+        for (const ArrayChoice &choice : choices) {
+            std::ranges::copy_if(choice.luns, std::back_inserter(luns),
+                                 [](const ArrayChoice::Lun &lun) { return lun.kind.has_value(); });
+        }
+    }
+
+    void run(Askers &askers) {
+        askers.run("array pages", luns.size(), *this);
+    }
+
+    Request request(std::size_t item) override {
+        return {Askers::arrayPages, luns[item].path};
+    }
+    std::string nameOf(std::size_t item, unsigned call, unsigned) const override {
+        return luns[item].path + " " + questionNames[call];
+    }
+    void take(std::size_t item, const Answer &answer) override {
+        if (answer.call != static_cast<unsigned>(Question::openForCommands)) { // which has been asked for the INQUIRY
+            Group &group = groups[luns[item].group];
+            group.slices[luns[item].slice].asked.set(answer.call);
+            takeAnswer(answer, group.answers);
+        }
+    }
+    void giveUp(std::size_t item, unsigned call, unsigned) override {
+        if (call == static_cast<unsigned>(Question::receiveDiagnosticA0) ||
+            call == static_cast<unsigned>(Question::logSense3B)) {
+            take(item, {call, 0, ETIMEDOUT, {}});
+        } else {
+            report.notRead("disks", nameOf(item, call, 0), errnoText(ETIMEDOUT));
+        }
+    }
+    void fail(std::size_t item, const std::string &reason) override {
+        if (!isStopped()) {
+            report.notRead("disks", luns[item].path, reason);
+        }
+    }
+    void finish(std::size_t) override {
+    }
+
+private:
+    std::vector<ArrayChoice::Lun> luns;
+    std::vector<Group> &groups;
+    Report &report;
+};
+
 /// The entries of one of the two directories.
-class Walk {
+class Walk : public Inquiry {
 public:
     Walk(const char *directoryPath, const std::vector<tarn::ArrayNames> &arrays, description::Host &described,
          Report &toReport)
@@ -262,28 +371,115 @@ public:
         }
     }
 
-    void walk() {
+    void walk(Askers &askers) {
         names = namesIn(directory.c_str());
         if (!names) {
             report.notRead("disks", directory, errnoText(errno));
             return;
         }
         groups.reserve(names->size());
-        std::string path = directory + "/";
-        const std::size_t nameAt = path.size();
-        for (std::size_t i = 0; i < names->size(); ++i) {
-            report.progress(directory.c_str(), i, names->size());
-            path.replace(nameAt, std::string::npos, (*names)[i]);
-            walkEntry(path, (*names)[i]);
+        isKept.resize(names->size());
+        askers.run(directory.c_str(), names->size(), *this);
+        if (!isStopped()) {
+            ArrayPages(choices, groups.groups, report).run(askers);
         }
-        for (const ArrayChoice &choice : choices) {
-            for (const ArrayChoice::Lun &lun : choice.luns) {
-                if (lun.kind) {
-                    asker.askPages(lun.path, groups.groups[lun.group].answers);
-                }
+        for (std::size_t i = 0; i < names->size(); ++i) {
+            if (isKept[i]) {
+                listed.push_back((*names)[i]);
             }
         }
-        report.section("disks", counted(names->size(), isRaw ? "raw device" : "block device"));
+        report.section("disks", counted(listed.size(), isRaw ? "raw device" : "block device"));
+    }
+
+    Request request(std::size_t item) override {
+        const bool isLinkOnly = isRaw && hanging.contains(subject(item));
+        return {isLinkOnly ? Askers::rawLink : isRaw ? Askers::rawEntry : Askers::blockEntry, pathOf(item)};
+    }
+
+    std::string_view subject(std::size_t item) const override {
+        return diskNameOf((*names)[item]);
+    }
+
+    std::string nameOf(std::size_t item, unsigned call, unsigned) const override {
+        return (*names)[item] + " " + questionNames[call];
+    }
+
+    /// A disk that hangs for one slice is not asked for the others.
+    void hangs(std::size_t item, unsigned call) override {
+        if (!isCommand(call)) {
+            hanging.try_emplace(subject(item), Hang{item});
+        }
+    }
+
+    void take(std::size_t item, const Answer &answer) override {
+        entry.name = (*names)[item];
+        const auto question = static_cast<Question>(answer.call);
+        takeAnswer(answer, entry.answers);
+        int &outcome = entry.answers.outcomes[question];
+        switch (question) {
+        case Question::readlink:
+            takeLink(answer, outcome);
+            break;
+        case Question::stat:
+        case Question::fstat:
+            if (answer.error == 0) {
+                const auto kind = valueOf<FileKind>(answer.data);
+                entry.device = kind.device;
+                isRegular = kind.isRegular;
+            }
+            break;
+        case Question::information:
+            if (answer.error == 0) {
+                entry.partition = valueOf<dk_cinfo>(answer.data).dki_partition;
+            }
+            break;
+        case Question::ustat:
+            entry.isMounted = answer.error != EINVAL; // nothing is mounted from it
+            outcome = entry.isMounted ? outcome : Outcomes::notAsked;
+            break;
+        default:
+            break;
+        }
+    }
+
+    void giveUp(std::size_t item, unsigned call, unsigned) override {
+        entry.name = (*names)[item];
+        entry.isMounted = entry.isMounted || call == static_cast<unsigned>(Question::ustat);
+        if (call < questions) {
+            entry.answers.outcomes[static_cast<Question>(call)] = ETIMEDOUT;
+        } else {
+            report.notRead("disks", nameOf(item, call, 0), errnoText(ETIMEDOUT));
+        }
+    }
+
+    void fail(std::size_t item, const std::string &reason) override {
+        if (!isStopped()) {
+            report.notRead("disks", pathOf(item), reason);
+        }
+        entry = {};
+        isRegular = false;
+    }
+
+    void finish(std::size_t item) override {
+        const std::string path = pathOf(item);
+        isKept[item] = true;
+        const bool isPlain = isPlainFile();
+        isRegular = false;
+        SeenEntry seen = std::exchange(entry, {});
+        if (isPlain) {
+            host.entries.push_back({path, std::nullopt, description::positionLast});
+            return;
+        }
+        if (isRaw && seen.answers.outcomes[Question::openForRequests] == Outcomes::notAsked) {
+            tellOfHang(item);
+        }
+        const Answers answers = choices.empty() ? Answers() : seen.answers;
+        const std::size_t group = groups.add(std::move(seen));
+        for (ArrayChoice &choice : choices) {
+            if (answers.outcomes[Question::inquiry] == 0 && answers.outcomes[Question::inquiryC0] == 0) {
+                choice.consider(answers, path, group, groups.groups[group].slices.size() - 1);
+            }
+        }
     }
 
     /// Keeps the directory's order when it is not that in which the description has its entries.
@@ -291,12 +487,12 @@ public:
         if (!names) {
             return;
         }
-        auto next = names->begin();
+        auto next = listed.begin();
         const auto isNext = [&](std::string_view disk, std::string_view slice) {
-            return next != names->end() && next->size() == disk.size() + slice.size() && next->starts_with(disk) &&
+            return next != listed.end() && next->size() == disk.size() + slice.size() && next->starts_with(disk) &&
                    next++->ends_with(slice);
         };
-        bool isInOrder = !names->empty();
+        bool isInOrder = !listed.empty();
         for (const description::Disk &disk : host.disks) {
             if (std::ranges::find(*disk.directories, directory) != disk.directories->end()) {
                 isInOrder = isInOrder && std::ranges::all_of(*disk.slices, [&](const description::Slice &slice) {
@@ -304,13 +500,13 @@ public:
                             });
             }
         }
-        for (const description::Entry &entry : host.entries) {
-            if (entry.path.starts_with(directory + "/")) {
-                isInOrder = isInOrder && isNext(std::string_view(entry.path).substr(directory.size() + 1), {});
+        for (const description::Entry &other : host.entries) {
+            if (other.path.starts_with(directory + "/")) {
+                isInOrder = isInOrder && isNext(std::string_view(other.path).substr(directory.size() + 1), {});
             }
         }
         if (!isInOrder) {
-            host.listings[directory].assign(names->begin(), names->end());
+            host.listings[directory].assign(listed.begin(), listed.end());
         }
     }
 
@@ -319,20 +515,37 @@ public:
     }
 
 private:
-    void walkEntry(const std::string &path, const std::string &name) {
-        SeenEntry entry = isRaw ? asker.askRaw(path, name) : asker.askBlock(path, name);
-        if (asker.isPlain) {
-            host.entries.push_back({path, std::nullopt, description::positionLast});
-            return;
+    std::string pathOf(std::size_t item) const {
+        return directory + "/" + (*names)[item];
+    }
+
+    /// Once for each disk.
+    void tellOfHang(std::size_t item) {
+        const auto hang = hanging.find(subject(item));
+        if (hang != hanging.end() && hang->second.item != item && !std::exchange(hang->second.isTold, true)) {
+            report.notRead("disks", std::string(subject(item)) + " other slices",
+                           "not asked, since " + (*names)[hang->second.item] + " hangs");
         }
-        const bool isAnswered =
-            entry.answers.outcomes[Question::inquiry] == 0 && entry.answers.outcomes[Question::inquiryC0] == 0;
-        const std::size_t group = groups.add(std::move(entry));
-        for (ArrayChoice &choice : choices) {
-            if (isAnswered) {
-                choice.consider(asker, path, group);
-            }
+    }
+
+    void takeLink(const Answer &answer, int &outcome) {
+        if (answer.error == 0) {
+            entry.link = {SeenLink::link,
+                          links.keep({reinterpret_cast<const char *>(answer.data.data()), answer.data.size()})};
+        } else if (answer.error == EINVAL) {
+            entry.link = {SeenLink::none};
+            outcome = 0;
         }
+    }
+
+    bool isPlainFile() const {
+        const Outcomes &outcome = entry.answers.outcomes;
+        const auto isNoDevice = [&](Question question) {
+            return outcome[question] == ENXIO || outcome[question] == Outcomes::notAsked;
+        };
+        return entry.link.kind == SeenLink::none &&
+               (isRaw ? outcome[Question::openForRequests] == ENXIO && isNoDevice(Question::openForCommands)
+                      : outcome[Question::stat] == 0 && isRegular);
     }
 
     const std::string directory;
@@ -340,53 +553,70 @@ private:
     description::Host &host;
     Report &report;
     std::optional<Names> names;
+    std::vector<bool> isKept;             // by name
+    std::vector<std::string_view> listed; // the names of what is known
     DiskGroups groups;
     std::vector<ArrayChoice> choices;
-    Asker asker;
+    TextStore links;
+    struct Hang {
+        std::size_t item; // that was asked for
+        bool isTold = false;
+    };
+    std::unordered_map<std::string_view, Hang> hanging; // by disk
+
+    // What is known of the entry that is handed over.
+    SeenEntry entry;
+    bool isRegular = false;
 };
 
-/// A call that failed on all slices of a group, as the report names it.
+/// The calls that failed, and on which of the group's slices they were tried.
 void reportFailures(const Group &group, Report &report) {
-    static constexpr std::pair<Question, const char *> names[] = {
-        {Question::stat, "stat"},
-        {Question::readlink, "readlink"},
-        {Question::ustat, "ustat"},
-        {Question::openForRequests, "open O_RDWR"},
-        {Question::openAgain, "open O_RDONLY"},
-        {Question::openForCommands, "open O_RDONLY|O_NDELAY"},
-        {Question::fstat, "fstat"},
-        {Question::information, "DKIOCINFO"},
-        {Question::geometry, "DKIOCGGEOM"},
-        {Question::geometryAgain, "DKIOCGGEOM O_RDONLY"},
-        {Question::label, "DKIOCGVTOC"},
-        {Question::labelAgain, "DKIOCGVTOC O_RDONLY"},
-        {Question::inquiry, "INQUIRY"},
-        {Question::inquiryC0, "INQUIRY C0"},
-        {Question::receiveDiagnosticA0, "RECEIVE DIAGNOSTIC A0"},
-        {Question::logSense3B, "LOG SENSE 3B"},
-    };
-    static_assert(std::size(names) == questions);
-    std::string place = std::string(group.diskName).append(group.slices.front().suffix);
-    if (group.slices.size() > 1) {
-        const std::string_view last = group.slices.back().suffix;
-        place.append(" to ").append(last.empty() ? group.diskName : last); // which an EFI disk's own entry is
-    }
-    for (const auto &[question, name] : names) {
+    for (std::size_t i = 0; i < questions; ++i) {
+        const auto question = static_cast<Question>(i);
         const int error = group.answers.outcomes[question];
         const bool isUsual = question == Question::inquiryC0 && error == EIO; // an array's disks have it, others not
-        if (error > 0 && !isUsual) {
-            report.notRead("disks", place + " " + name, errnoText(error));
+        if (error <= 0 || isUsual) {
+            continue;
         }
+        const auto isAsked = [&](const SeenSlice &slice) { return slice.isAsked(question); };
+        const auto first = std::ranges::find_if(group.slices, isAsked);
+        const auto last = std::find_if(group.slices.rbegin(), group.slices.rend(), isAsked);
+        std::string place(group.diskName);
+        place.append(first == group.slices.end() ? std::string_view() : first->suffix);
+        if (last != group.slices.rend() && &*first != &*last) {
+            // an EFI disk's own entry is the disk's name
+            place.append(" to ").append(last->suffix.empty() ? group.diskName : last->suffix);
+        }
+        report.notRead("disks", place + " " + questionNames[i], errnoText(error));
     }
 }
 
 } // namespace
 
-void recordDisks(const std::vector<tarn::ArrayNames> &arrays, description::Host &host, Report &report) {
+Ask wayToAskDisk(std::size_t kind, const Options &options) {
+    const auto asker = std::make_shared<DiskAsker>(options.arrays, options.arrayPages);
+    return [kind, asker](std::string_view text, Teller &teller) {
+        const std::string path(text);
+        switch (kind) {
+        case Askers::rawEntry:
+            return asker->askRaw(path, teller);
+        case Askers::rawLink:
+            return asker->askLink(path, teller);
+        case Askers::blockEntry:
+            return asker->askBlock(path, teller);
+        default:
+            return asker->askPages(path, teller);
+        }
+    };
+}
+
+void recordDisks(const std::vector<tarn::ArrayNames> &arrays, Askers &askers, description::Host &host, Report &report) {
     Walk raw(tarn::s_dev_rdsk, arrays, host, report);
-    raw.walk();
+    raw.walk(askers);
     Walk block(tarn::dev_dsk, {}, host, report);
-    block.walk();
+    if (!isStopped()) {
+        block.walk(askers);
+    }
     std::vector<Group> groups = DiskGroups::join(std::move(raw.found()), std::move(block.found()));
     host.disks.reserve(groups.size());
     for (Group &group : groups) {

@@ -1,13 +1,17 @@
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <charconv>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "common/hba/LibraryGuards.h"
 #include "common/hba/Messages.h"
 #include "common/hba/TargetMappingTable.h"
 #include "record/Recorder.h"
 
-// The whole HBA library, walked as the library walks it.
+// The whole HBA library, walked as the library walks it. An asker makes the walk; what it tells is put together here.
 
 namespace record {
 namespace {
@@ -58,29 +62,279 @@ bool isBlank(const HBA_FCPSCSIENTRY &entry) {
     return std::memcmp(&entry, &blank, sizeof entry) == 0;
 }
 
-class Walk {
+/// What an asker calls, and what it tells beside.
+enum class Call : unsigned {
+    load,
+    count,
+    name, // `index` is the adapter's, up to the target mapping
+    open, // tells how many attempts failed
+    refresh,
+    attributes,
+    mapping,
+    mappingEntries, // some of them
+    mappingEnd,     // the status that the table is left with
+    port,           // `index` is the port's
+    statistics,
+    discovered, // `index` is the remote port's
+    close,
+    free,
+};
+
+constexpr const char *callNames[] = {"LoadLibrary",         "GetNumberOfAdapters",
+                                     "GetAdapterName",      "OpenAdapter",
+                                     "RefreshInformation",  "GetAdapterAttributes",
+                                     "GetFcpTargetMapping", "GetFcpTargetMapping",
+                                     "GetFcpTargetMapping", "GetAdapterPortAttributes",
+                                     "GetPortStatistics",   "GetDiscoveredPortAttributes",
+                                     "CloseAdapter",        "FreeLibrary"};
+static_assert(std::size(callNames) == static_cast<std::size_t>(Call::free) + 1);
+
+/// Of a call for the target mapping: the room it was given, and how many entries it counted.
+struct MappingCounts {
+    HBA_UINT32 room;
+    HBA_UINT32 entries;
+};
+
+/// Makes the calls, in an asker.
+class LibraryAsker {
 public:
-    Walk(tarn::WithHbaLibrary &loadedLibrary, description::Hba &recorded, Report &toReport)
-        : library(loadedLibrary), hba(recorded), report(toReport) {
+    explicit LibraryAsker(Teller &toTell) : teller(toTell) {
     }
 
-    void walkAdapters() {
+    /// Of all adapters, or of a single one.
+    void ask(std::optional<HBA_UINT32> single) {
+        begin(Call::load);
+        {
+            tarn::WithHbaLibrary library;
+            tell(Call::load, library.status);
+            if (library.status == HBA_STATUS_OK) {
+                askAdapters(library, single);
+            }
+            begin(Call::free);
+        }
+    }
+
+private:
+    void begin(Call call, HBA_UINT32 index = 0) {
+        teller.begin(static_cast<unsigned>(call), index);
+    }
+
+    void tell(Call call, HBA_STATUS status, std::span<const std::byte> data = {}, HBA_UINT32 index = 0) {
+        teller.tell(static_cast<unsigned>(call), static_cast<int>(status), data, index);
+    }
+
+    void askAdapters(tarn::WithHbaLibrary &library, std::optional<HBA_UINT32> single) {
+        begin(Call::count);
         const HBA_UINT32 count = HBA_GetNumberOfAdapters();
-        if (count > tarn::maximumAdapters) {
-            hba.NumberOfAdapters = count;
-            report.notRead("hba", "adapters", "there cannot be " + std::to_string(count));
+        tell(Call::count, HBA_STATUS_OK, bytesOf(count));
+        if (single) {
+            askAdapter(library, *single);
+        } else if (count <= tarn::maximumAdapters) {
+            for (HBA_UINT32 i = 0; i < count; ++i) {
+                askAdapter(library, i);
+            }
+        }
+    }
+
+    void askAdapter(tarn::WithHbaLibrary &library, HBA_UINT32 index) {
+        std::array<char, tarn::adapterNameSize> name;
+        begin(Call::name, index);
+        const tarn::WithAdapterHandle opened(library, index, name.data(), [&] {
+            tell(Call::name, HBA_STATUS_OK, std::as_bytes(std::span(name)), index);
+            begin(Call::open, index);
+        });
+        if (opened.status != HBA_STATUS_OK) {
+            tell(Call::name, opened.status, {}, index);
             return;
         }
-        hba.adapters.resize(count);
-        for (index = 0; index < count; ++index) {
-            report.progress("hba", index, count);
-            walkAdapter();
+        const bool isOpen = opened.handle != 0;
+        tell(Call::open, opened.failures, bytesOf(isOpen), index);
+        if (isOpen) {
+            handle = opened.handle;
+            begin(Call::refresh, index);
+            tarn::refreshInformation(handle, name.data());
+            askOpen(index);
+            begin(Call::close, index);
         }
-        std::ranges::for_each(hba.adapters, settleAdapter);
-        dropBeyond(hba.adapters, [](const HbaAdapter &each) { return each.status.GetAdapterName; });
-        if (hba.adapters.size() != count) {
-            hba.NumberOfAdapters = count;
+    }
+
+    void askOpen(HBA_UINT32 index) {
+        HBA_ADAPTERATTRIBUTES attributes{};
+        begin(Call::attributes, index);
+        const HBA_STATUS status = HBA_GetAdapterAttributes(handle, &attributes);
+        tell(Call::attributes, status, bytesOf(attributes), index);
+        if (status != HBA_STATUS_OK) {
+            return;
         }
+        fetchTargetMapping(index);
+        const HBA_UINT32 ports = attributes.NumberOfPorts <= tarn::maximumPorts ? attributes.NumberOfPorts : 0;
+        for (HBA_UINT32 p = 0; p < ports; ++p) {
+            askPort(p);
+        }
+    }
+
+    void fetchTargetMapping(HBA_UINT32 index) {
+        const bool isFetched = mapping.fetch([&](HBA_FCPTARGETMAPPING *storage) {
+            const HBA_UINT32 room = storage->NumberOfEntries;
+            begin(Call::mapping, index);
+            const HBA_STATUS status = HBA_GetFcpTargetMapping(handle, storage);
+            tell(Call::mapping, status, bytesOf(MappingCounts{room, storage->NumberOfEntries}), index);
+            return status;
+        });
+        constexpr std::size_t most = Teller::mostData / sizeof(HBA_FCPSCSIENTRY);
+        for (std::span<const HBA_FCPSCSIENTRY> rest = mapping.entries(); isFetched && !rest.empty();) {
+            const std::span part = rest.first(std::min(most, rest.size()));
+            tell(Call::mappingEntries, HBA_STATUS_OK, std::as_bytes(part), index);
+            rest = rest.subspan(part.size());
+        }
+        tell(Call::mappingEnd, mapping.status(), bytesOf(isFetched), index);
+        mapping.release();
+    }
+
+    void askPort(HBA_UINT32 p) {
+        HBA_PORTATTRIBUTES attributes{};
+        begin(Call::port, p);
+        const HBA_STATUS status = HBA_GetAdapterPortAttributes(handle, p, &attributes);
+        tell(Call::port, status, bytesOf(attributes), p);
+        if (status != HBA_STATUS_OK) {
+            return;
+        }
+        HBA_PORTSTATISTICS statistics{};
+        begin(Call::statistics, p);
+        tell(Call::statistics, HBA_GetPortStatistics(handle, p, &statistics), bytesOf(statistics), p);
+        const HBA_UINT32 remotePorts = attributes.NumberofDiscoveredPorts;
+        for (HBA_UINT32 d = 0; d < (remotePorts <= tarn::maximumDiscoveredPorts ? remotePorts : 0); ++d) {
+            HBA_PORTATTRIBUTES remote{};
+            begin(Call::discovered, d);
+            tell(Call::discovered, HBA_GetDiscoveredPortAttributes(handle, p, d, &remote), bytesOf(remote), d);
+        }
+    }
+
+    Teller &teller;
+    HBA_HANDLE handle = 0;
+    tarn::TargetMappingTable mapping;
+};
+
+/// Of calls that hang, and of those that come after them on their adapter.
+constexpr HBA_STATUS timedOut = HBA_STATUS_ERROR_UNAVAILABLE;
+
+/// Puts together what is told. First one item is the walk over all adapters; where that ends in a call that hangs, each
+/// adapter behind it is an item, asked for by itself.
+class Adapters : public Inquiry {
+public:
+    Adapters(std::optional<description::Hba> &recorded, Report &toReport) : hba(recorded), report(toReport) {
+    }
+
+    void run(Askers &askers) {
+        askers.run("hba", 1, *this);
+        if (isEnded && hba && !isStopped() && index + 1 < hba->adapters.size()) {
+            firstSingle = index + std::size_t{1};
+            askers.run("hba", hba->adapters.size() - firstSingle, *this);
+        }
+        if (hba) {
+            settleAll();
+        }
+    }
+
+    Request request(std::size_t item) override {
+        return {Askers::adapters, firstSingle == 0 ? std::string() : std::to_string(firstSingle + item)};
+    }
+
+    std::string nameOf(std::size_t, unsigned number, unsigned at) const override {
+        const auto call = static_cast<Call>(number);
+        std::string name = callNames[number];
+        if (call == Call::port || call == Call::statistics) {
+            name += " port " + std::to_string(at);
+        } else if (call == Call::discovered) {
+            name += " port " + std::to_string(portIndex) + " remote port " + std::to_string(at);
+        }
+        return call <= Call::count || call == Call::free ? name
+                                                         : place(call < Call::port ? HBA_UINT32{at} : index, name);
+    }
+
+    void take(std::size_t item, const Answer &answer) override {
+        const auto status = static_cast<HBA_STATUS>(answer.error);
+        switch (const auto call = static_cast<Call>(answer.call)) {
+        case Call::load:
+            takeLoad(item, status);
+            break;
+        case Call::count:
+            takeCount(valueOf<HBA_UINT32>(answer.data));
+            break;
+        case Call::name:
+            takeName(answer, status);
+            break;
+        case Call::open:
+            adapter->openFailures += static_cast<unsigned>(answer.error);
+            if (!valueOf<bool>(answer.data)) {
+                report.notRead("hba", place(index, callNames[answer.call]), "no handle");
+            }
+            break;
+        case Call::attributes:
+            if (!refuses(answer, status, adapter->status.GetAdapterAttributes)) {
+                adapter->attributes = valueOf<HBA_ADAPTERATTRIBUTES>(answer.data);
+                believed("ports", adapter->attributes->NumberOfPorts, tarn::maximumPorts);
+            }
+            break;
+        case Call::mapping:
+            takeMapping(valueOf<MappingCounts>(answer.data), status);
+            break;
+        case Call::mappingEntries: {
+            const std::size_t before = entries.size();
+            entries.resize(before + answer.data.size() / sizeof(HBA_FCPSCSIENTRY));
+            std::memcpy(entries.data() + before, answer.data.data(), answer.data.size());
+            break;
+        }
+        case Call::mappingEnd:
+            finishMapping(valueOf<bool>(answer.data), status);
+            break;
+        case Call::port:
+        case Call::statistics:
+        case Call::discovered:
+            takePort(call, answer, status);
+            break;
+        case Call::refresh:
+        case Call::close:
+        case Call::free:
+            break;
+        }
+    }
+
+    void giveUp(std::size_t item, unsigned number, unsigned at) override {
+        const auto call = static_cast<Call>(number);
+        report.notRead("hba", nameOf(item, number, at), errnoText(ETIMEDOUT));
+        isEnded = true;
+        if (call < Call::name || call >= Call::close) {
+            return;
+        }
+        if (call == Call::name) {
+            index = at;
+            hba->adapters[index].status.GetAdapterName.statuses.push_back(timedOut);
+            return;
+        }
+        report.notRead("hba", place(index, "all after it"), "not asked");
+        if (call == Call::open) {
+            adapter->openFailures += tarn::WithAdapterHandle::openAttempts;
+        } else if (call <= Call::attributes) {
+            adapter->status.GetAdapterAttributes.statuses.push_back(timedOut);
+        } else {
+            failFrom(call, at);
+        }
+    }
+
+    void fail(std::size_t item, const std::string &reason) override {
+        isEnded = true;
+        isCut = isStopped();
+        if (firstSingle != 0 && index != firstSingle + item) {
+            index = static_cast<HBA_UINT32>(firstSingle + item);
+            unknown.push_back(index);
+        }
+        if (!isCut) {
+            report.notRead("hba", hba ? place(index, "all that is missing") : "all of it", reason);
+        }
+    }
+
+    void finish(std::size_t) override {
     }
 
     std::size_t ports = 0;
@@ -88,110 +342,135 @@ public:
     std::size_t mappings = 0;
 
 private:
-    void walkAdapter() {
-        std::array<char, tarn::adapterNameSize> name;
-        const tarn::WithAdapterHandle opened(library, index, name.data());
-        HbaAdapter &listed = hba.adapters[index];
-        listed.name = name.data();
-        if (refuses([] { return "GetAdapterName"; }, opened.status, listed.status.GetAdapterName)) {
-            return;
+    void takeLoad(std::size_t item, HBA_STATUS status) {
+        if (firstSingle != 0) {
+            index = static_cast<HBA_UINT32>(firstSingle + item);
+        } else if (status == HBA_STATUS_OK) {
+            hba.emplace();
         }
-        // Adapters are opened by their names: of several with one name it is the first that answers.
-        adapter = &*std::ranges::find(hba.adapters, listed.name, &HbaAdapter::name);
-        adapter->openFailures += opened.failures;
-        handle = opened.handle;
-        if (handle == 0) {
-            report.notRead("hba", place("OpenAdapter"), "no handle");
-            return;
-        }
-        tarn::refreshInformation(handle, name.data());
-        HBA_ADAPTERATTRIBUTES attributes{};
-        if (refuses([] { return "GetAdapterAttributes"; }, HBA_GetAdapterAttributes(handle, &attributes),
-                    adapter->status.GetAdapterAttributes)) {
-            return;
-        }
-        adapter->attributes = attributes;
-        fetchTargetMapping();
-        const HBA_UINT32 count = believed("ports", attributes.NumberOfPorts, tarn::maximumPorts);
-        for (HBA_UINT32 p = 0; p < count; ++p) {
-            walkPort(p);
+        if (status != HBA_STATUS_OK) {
+            report.notRead("hba", firstSingle == 0 ? "all of it" : place(index, "all of it"),
+                           tarn::StatusString(status));
+            if (firstSingle != 0) {
+                hba->adapters[index].status.GetAdapterName.statuses.push_back(status);
+            }
         }
     }
 
-    void fetchTargetMapping() {
-        std::vector<HBA_STATUS> &statuses = adapter->status.GetFcpTargetMapping.statuses;
-        HBA_UINT32 claimed = 0;
-        const bool isFetched = mapping.fetch([&](HBA_FCPTARGETMAPPING *storage) {
-            const HBA_UINT32 room = storage->NumberOfEntries;
-            const HBA_STATUS status = HBA_GetFcpTargetMapping(handle, storage);
-            const bool isClaim = status == HBA_STATUS_OK || status == HBA_STATUS_ERROR_MORE_DATA;
-            claimed = isClaim ? storage->NumberOfEntries : claimed;
-            // Too little room answers so by itself.
-            const bool followsFromClaim = status == HBA_STATUS_ERROR_MORE_DATA && claimed > room;
-            statuses.push_back(followsFromClaim ? HBA_STATUS{HBA_STATUS_OK} : status);
-            return status;
-        });
+    void takeCount(HBA_UINT32 count) {
+        if (firstSingle != 0) {
+            return;
+        }
+        claimed = count;
+        if (count > tarn::maximumAdapters) {
+            report.notRead("hba", "adapters", "there cannot be " + std::to_string(count));
+        } else {
+            hba->adapters.resize(count);
+        }
+    }
+
+    void takeName(const Answer &answer, HBA_STATUS status) {
+        index = answer.index;
+        HbaAdapter &listed = hba->adapters[index];
+        adapter = &listed;
+        if (refuses(answer, status, listed.status.GetAdapterName)) {
+            return;
+        }
+        const auto *const name = reinterpret_cast<const char *>(answer.data.data());
+        listed.name.assign(name, strnlen(name, answer.data.size()));
+        // Adapters are opened by their names: of several with one name it is the first that answers.
+        adapter = &*std::ranges::find(hba->adapters, listed.name, &HbaAdapter::name);
+        claimedEntries = 0;
+        entries.clear();
+    }
+
+    void takeMapping(const MappingCounts &counts, HBA_STATUS status) {
+        const bool isClaim = status == HBA_STATUS_OK || status == HBA_STATUS_ERROR_MORE_DATA;
+        claimedEntries = isClaim ? counts.entries : claimedEntries;
+        // Too little room answers so by itself.
+        const bool followsFromClaim = status == HBA_STATUS_ERROR_MORE_DATA && claimedEntries > counts.room;
+        adapter->status.GetFcpTargetMapping.statuses.push_back(followsFromClaim ? HBA_STATUS{HBA_STATUS_OK} : status);
+        if (followsFromClaim && claimedEntries <= tarn::maximumMappingEntries) {
+            entries.reserve(claimedEntries);
+        }
+    }
+
+    void finishMapping(bool isFetched, HBA_STATUS status) {
         if (!isFetched) {
-            report.notRead("hba", place("GetFcpTargetMapping"), tarn::StatusString(mapping.status()));
-            if (claimed != 0 && adapter->targetMapping.size() == 0) {
-                adapter->NumberOfEntries = claimed;
+            report.notRead("hba", place(index, "GetFcpTargetMapping"), tarn::StatusString(status));
+            if (claimedEntries != 0 && adapter->targetMapping.size() == 0) {
+                adapter->NumberOfEntries = claimedEntries;
             }
             return;
         }
-        std::span<HBA_FCPSCSIENTRY> entries = mapping.entries();
         while (!entries.empty() && isBlank(entries.back())) {
-            entries = entries.first(entries.size() - 1);
+            entries.pop_back();
         }
-        if (claimed != entries.size()) {
-            adapter->NumberOfEntries = claimed;
+        if (claimedEntries != entries.size()) {
+            adapter->NumberOfEntries = claimedEntries;
         }
         mappings += entries.size();
-        if (std::shared_ptr<const void> heap = mapping.takeHeap()) {
-            adapter->targetMapping = {std::move(heap), entries};
-        } else {
-            adapter->targetMapping = description::TargetMapping({entries.begin(), entries.end()});
-        }
-        mapping.release();
+        const auto kept = std::make_shared<const std::vector<HBA_FCPSCSIENTRY>>(std::exchange(entries, {}));
+        adapter->targetMapping = {std::shared_ptr<const void>(kept), *kept};
     }
 
-    void walkPort(HBA_UINT32 p) {
-        HbaPort &port = elementAt(adapter->ports, p);
-        const std::string number = " port " + std::to_string(p);
-        HBA_PORTATTRIBUTES attributes{};
-        if (refuses([&] { return "GetAdapterPortAttributes" + number; },
-                    HBA_GetAdapterPortAttributes(handle, p, &attributes), port.status.GetAdapterPortAttributes)) {
+    void takePort(Call call, const Answer &answer, HBA_STATUS status) {
+        portIndex = call == Call::discovered ? portIndex : answer.index;
+        HbaPort &port = elementAt(adapter->ports, portIndex);
+        if (call == Call::statistics) {
+            if (!refuses(answer, status, port.status.GetPortStatistics)) {
+                port.statistics = valueOf<HBA_PORTSTATISTICS>(answer.data);
+            }
             return;
         }
-        port.attributes = attributes;
-        ++ports;
-        HBA_PORTSTATISTICS statistics{};
-        if (!refuses([&] { return "GetPortStatistics" + number; }, HBA_GetPortStatistics(handle, p, &statistics),
-                     port.status.GetPortStatistics)) {
-            port.statistics = statistics;
-        }
-        const HBA_UINT32 discovered =
-            believed("discovered ports of" + number, attributes.NumberofDiscoveredPorts, tarn::maximumDiscoveredPorts);
-        port.discovered.reserve(discovered);
-        for (HBA_UINT32 d = 0; d < discovered; ++d) {
-            HbaDiscoveredPort &remote = elementAt(port.discovered, d);
-            HBA_PORTATTRIBUTES remoteAttributes{};
-            const auto call = [&] {
-                return "GetDiscoveredPortAttributes" + number + " remote port " + std::to_string(d);
-            };
-            if (!refuses(call, HBA_GetDiscoveredPortAttributes(handle, p, d, &remoteAttributes),
-                         remote.status.GetDiscoveredPortAttributes)) {
-                remote.attributes = remoteAttributes;
-                ++remotePorts;
+        if (call == Call::port) {
+            if (!refuses(answer, status, port.status.GetAdapterPortAttributes)) {
+                port.attributes = valueOf<HBA_PORTATTRIBUTES>(answer.data);
+                ++ports;
+                port.discovered.reserve(believed("discovered ports of port " + std::to_string(portIndex),
+                                                 port.attributes->NumberofDiscoveredPorts,
+                                                 tarn::maximumDiscoveredPorts));
             }
+            return;
+        }
+        HbaDiscoveredPort &remote = elementAt(port.discovered, answer.index);
+        if (!refuses(answer, status, remote.status.GetDiscoveredPortAttributes)) {
+            remote.attributes = valueOf<HBA_PORTATTRIBUTES>(answer.data);
+            ++remotePorts;
         }
     }
 
-    /// Keeps the answer. Whether it is a refusal, which is reported under the name of `call`.
-    template <class Call>
-    bool refuses(Call call, HBA_STATUS status, HbaAnswers &answers) {
+    /// What an adapter was not asked after a call that hangs fails as that does.
+    void failFrom(Call call, HBA_UINT32 at) {
+        const auto refuse = [](HbaAnswers &answers) { answers.statuses.push_back(timedOut); };
+        HBA_UINT32 firstPort = 0;
+        if (call <= Call::mappingEnd) {
+            refuse(adapter->status.GetFcpTargetMapping);
+        } else if (call == Call::port) {
+            firstPort = at;
+        } else {
+            HbaPort &port = elementAt(adapter->ports, portIndex);
+            if (call == Call::statistics) {
+                refuse(port.status.GetPortStatistics);
+            }
+            const HBA_UINT32 discovered = port.attributes->NumberofDiscoveredPorts;
+            for (HBA_UINT32 d = call == Call::discovered ? at : 0;
+                 d < discovered && discovered <= tarn::maximumDiscoveredPorts; ++d) {
+                refuse(elementAt(port.discovered, d).status.GetDiscoveredPortAttributes);
+            }
+            firstPort = portIndex + 1;
+        }
+        const HBA_UINT32 count = adapter->attributes->NumberOfPorts;
+        for (HBA_UINT32 p = firstPort; p < count && count <= tarn::maximumPorts; ++p) {
+            refuse(elementAt(adapter->ports, p).status.GetAdapterPortAttributes);
+        }
+    }
+
+    /// Keeps the answer. Whether it is a refusal, which is reported.
+    bool refuses(const Answer &answer, HBA_STATUS status, HbaAnswers &answers) {
         answers.statuses.push_back(status);
         if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
-            report.notRead("hba", place(call()), tarn::StatusString(status));
+            report.notRead("hba", nameOf(0, answer.call, answer.index), tarn::StatusString(status));
         }
         return status != HBA_STATUS_OK;
     }
@@ -201,12 +480,28 @@ private:
         if (count <= maximum) {
             return count;
         }
-        report.notRead("hba", place(what), "there cannot be " + std::to_string(count));
+        report.notRead("hba", place(index, what), "there cannot be " + std::to_string(count));
         return 0;
     }
 
-    std::string place(const std::string &what) const {
-        return "adapter " + std::to_string(index) + " " + what;
+    static std::string place(HBA_UINT32 ofAdapter, const std::string &what) {
+        return "adapter " + std::to_string(ofAdapter) + " " + what;
+    }
+
+    void settleAll() {
+        if (isCut && hba->adapters.size() > index) {
+            hba->adapters.resize(index); // what is not whole is left out
+            claimed = index;
+        }
+        for (auto each = unknown.rbegin(); each != unknown.rend() && !isCut; ++each) {
+            hba->adapters.erase(hba->adapters.begin() + static_cast<std::ptrdiff_t>(*each));
+            --claimed;
+        }
+        std::ranges::for_each(hba->adapters, settleAdapter);
+        dropBeyond(hba->adapters, [](const HbaAdapter &each) { return each.status.GetAdapterName; });
+        if (hba->adapters.size() != claimed) {
+            hba->NumberOfAdapters = claimed;
+        }
     }
 
     static void settleAdapter(HbaAdapter &each) {
@@ -225,29 +520,40 @@ private:
         dropBeyond(each.ports, [](const HbaPort &port) { return port.status.GetAdapterPortAttributes; });
     }
 
-    tarn::WithHbaLibrary &library;
-    description::Hba &hba;
+    std::optional<description::Hba> &hba;
     Report &report;
+    HBA_UINT32 claimed = 0;          // adapters
+    std::size_t firstSingle = 0;     // adapter that was asked for by itself; 0: none was yet
+    bool isEnded = false;            // the walk, before its end
+    bool isCut = false;              // because the recorder was asked to stop
+    std::vector<HBA_UINT32> unknown; // adapters of which the recorder learned nothing
 
-    // The adapter that the walk has come to.
+    // What the walk has come to.
     HBA_UINT32 index = 0;
-    HBA_HANDLE handle = 0;
     HbaAdapter *adapter = nullptr; // where its answers go
-    tarn::TargetMappingTable mapping;
+    HBA_UINT32 portIndex = 0;
+    HBA_UINT32 claimedEntries = 0;
+    std::vector<HBA_FCPSCSIENTRY> entries;
 };
 
 } // namespace
 
-void recordHostBusAdapters(description::Host &host, Report &report) {
-    tarn::WithHbaLibrary library;
-    if (library.status != HBA_STATUS_OK) {
-        report.notRead("hba", "all of it", tarn::StatusString(library.status));
-        return;
+Ask wayToAskAdapters() {
+    return [](std::string_view text, Teller &teller) {
+        HBA_UINT32 single = 0;
+        const bool isSingle = std::from_chars(text.data(), text.data() + text.size(), single).ec == std::errc();
+        LibraryAsker(teller).ask(isSingle ? std::optional(single) : std::nullopt);
+    };
+}
+
+void recordHostBusAdapters(Askers &askers, description::Host &host, Report &report) {
+    Adapters adapters(host.hba, report);
+    adapters.run(askers);
+    if (host.hba) {
+        report.section("hba", counted(host.hba->adapters.size(), "adapter") + ", " + counted(adapters.ports, "port") +
+                                  ", " + counted(adapters.remotePorts, "remote port") + ", " +
+                                  counted(adapters.mappings, "mapping"));
     }
-    Walk walk(library, host.hba.emplace(), report);
-    walk.walkAdapters();
-    report.section("hba", counted(host.hba->adapters.size(), "adapter") + ", " + counted(walk.ports, "port") + ", " +
-                              counted(walk.remotePorts, "remote port") + ", " + counted(walk.mappings, "mapping"));
 }
 
 } // namespace record

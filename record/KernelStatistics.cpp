@@ -10,8 +10,8 @@ namespace {
 /// Whether the library looks at the record, even if it turns out not to be readable.
 bool isOfInterest(const kstat_t &record) {
     const std::string_view name = tarn::fieldText(record.ks_name);
-    return record.ks_type == KSTAT_TYPE_IO || tarn::fieldText(record.ks_module) == "cpu_stat" ||
-           name.starts_with("cpu_stat") || name == "vminfo";
+    return (record.ks_type == KSTAT_TYPE_IO && tarn::fieldText(record.ks_class) == "disk") ||
+           tarn::fieldText(record.ks_module) == "cpu_stat" || name.starts_with("cpu_stat") || name == "vminfo";
 }
 
 std::string nameOf(const kstat_t &record) {

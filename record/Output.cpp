@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -57,6 +58,12 @@ int createNew(const std::string &path) {
     return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
 }
 
+/// A new file beside `path`, whose name goes to `made`.
+int createBeside(const std::string &path, std::string &made) {
+    made = path + ".XXXXXX";
+    return ::mkstemp(made.data());
+}
+
 /// The finished file gets its name, unless another has it. 0, or the errno.
 int giveName(const std::string &unfinished, const std::string &path) {
     if (::link(unfinished.c_str(), path.c_str()) == 0) {
@@ -81,14 +88,14 @@ int giveName(const std::string &unfinished, const std::string &path) {
 
 } // namespace
 
-OutputFile::OutputFile(std::string filePath)
-    : path(std::move(filePath)), unfinishedPath(path + "." + std::to_string(::getpid())) {
+OutputFile::OutputFile(std::string filePath) : path(std::move(filePath)) {
     struct ::stat status {};
     if (::lstat(path.c_str(), &status) == 0) {
         refuse(std::strerror(EEXIST));
     }
     const WithoutSignals held;
-    const int descriptor = createNew(unfinishedPath);
+    std::string unfinishedPath;
+    const int descriptor = createBeside(path, unfinishedPath);
     if (descriptor < 0) {
         refuse(std::strerror(errno));
     }
@@ -102,7 +109,8 @@ void OutputFile::refuse(const std::string &reason) const {
 
 void OutputFile::write(const Producer &produce) const {
     const WithoutSignals held;
-    const int descriptor = createNew(unfinishedPath);
+    std::string unfinishedPath;
+    const int descriptor = createBeside(path, unfinishedPath);
     if (descriptor < 0) {
         refuse(std::strerror(errno));
     }

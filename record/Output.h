@@ -29,7 +29,6 @@ private:
     [[noreturn]] void refuse(const std::string &reason) const;
 
     std::string path;
-    std::string unfinishedPath;
 };
 
 /// Raises OutputError.

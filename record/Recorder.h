@@ -1,10 +1,11 @@
 #pragma once
 
-#include <string>
+#include <cstddef>
 #include <vector>
 
 #include "common/ArrayLuns.h"
 #include "description/Host.h"
+#include "record/Askers.h"
 #include "record/Report.h"
 
 // Asks the host what the library asks, in the library's own ways, and keeps the answers as a description. No file writes
@@ -14,10 +15,11 @@ namespace record {
 
 struct Options {
     std::vector<tarn::ArrayNames> arrays; // whose two large pages are read as well
-    unsigned timeout = 10;                // seconds that a file system has to tell its sizes
+    bool arrayPages = false;              // whether every disk is asked for page 0xC0, not the LUNs of `arrays` alone
+    unsigned timeout = 10;                // seconds that a call has; 0: no limit, and no other process asks
 };
 
-/// Everything, in an order that puts last what may hang.
+/// Everything, in an order that puts last what may hang; what is known so far when the recorder is asked to stop.
 description::Host recordHost(const Options &options, Report &report);
 
 // The sections.
@@ -25,10 +27,22 @@ description::Host recordHost(const Options &options, Report &report);
 void recordSystem(description::Host &host, Report &report);
 void recordKernelStatistics(description::Host &host, Report &report);
 void recordMountTable(description::Host &host, Report &report);
-void recordDisks(const std::vector<tarn::ArrayNames> &arrays, description::Host &host, Report &report);
-void recordHostBusAdapters(description::Host &host, Report &report);
+void recordDisks(const std::vector<tarn::ArrayNames> &arrays, Askers &askers, description::Host &host, Report &report);
+void recordHostBusAdapters(Askers &askers, description::Host &host, Report &report);
 
 /// The sizes of each UFS and NFS file system of the mount table.
-void recordFileSystems(unsigned timeout, description::Host &host, Report &report);
+void recordFileSystems(Askers &askers, description::Host &host, Report &report);
+
+// How askers ask.
+
+/// An entry of a device directory by its path: all of one in /dev/rdsk, its link, all of one in /dev/dsk, or a LUN's two
+/// large pages. `options` stay as they are.
+Ask wayToAskDisk(std::size_t kind, const Options &options);
+
+/// The HBA library: from an adapter on, or a single one.
+Ask wayToAskAdapters();
+
+/// A mounted file system by its path.
+Ask wayToAskFileSystem();
 
 } // namespace record

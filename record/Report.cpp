@@ -3,33 +3,46 @@
 #include <cstdio>
 #include <cstring>
 
+#include "common/Printable.h"
+
 namespace record {
 
 void Report::section(const std::string &name, const std::string &result) {
     if (!quiet) {
         clearProgress();
-        std::fprintf(stderr, "%s: %s\n", name.c_str(), result.c_str());
+        std::fprintf(stderr, "%s: %s\n", name.c_str(), tarn::printable(result).c_str());
     }
 }
 
 void Report::notRead(const std::string &name, const std::string &what, const std::string &why) {
-    if (!quiet) {
-        missing.push_back(name + ": " + what + ": " + why);
+    if (!quiet && missing.size() < mostMissing) {
+        missing.push_back(tarn::printable(name + ": " + what + ": " + why));
+    } else {
+        ++missingBeyond;
     }
 }
 
-void Report::finish() {
-    if (quiet || missing.empty()) {
+void Report::finish(bool isStopped) {
+    if (quiet) {
         return;
     }
-    std::fprintf(stderr, "Not read:\n");
+    clearProgress();
+    if (!missing.empty()) {
+        std::fprintf(stderr, "Not read:\n");
+    }
     for (const std::string &line : missing) {
         std::fprintf(stderr, "  %s\n", line.c_str());
     }
+    if (missingBeyond != 0) {
+        std::fprintf(stderr, "  and %zu more\n", missingBeyond);
+    }
+    if (isStopped) {
+        std::fprintf(stderr, "Not read: the rest\n");
+    }
 }
 
-void Report::showProgress(const char *name, std::size_t done, std::size_t all) {
-    std::fprintf(stderr, "\r%s: %zu of %zu", name, done, all);
+void Report::showProgress(const char *name, std::size_t done, std::size_t all, const std::string &more) {
+    std::fprintf(stderr, "\r%s: %zu of %zu%s\033[K", name, done, all, tarn::printable(more).c_str());
     std::fflush(stderr);
     progressIsShown = true;
     lastShown = Clock::now();

@@ -25,18 +25,27 @@ public:
         }
     }
 
+    /// The same while something takes long, whose name `what` makes.
+    template <class What>
+    void waiting(const char *name, std::size_t done, std::size_t all, const What &what) {
+        if (moving && Clock::now() - lastShown >= std::chrono::seconds(1)) {
+            showProgress(name, done, all, ", waiting for " + what());
+        }
+    }
+
     /// Something that could not be read, for the list at the end.
     void notRead(const std::string &name, const std::string &what, const std::string &why);
 
-    /// The list of what could not be read.
-    void finish();
+    /// The list of what could not be read, the first fifty of it; `isStopped`: and the rest, which nobody asked for.
+    void finish(bool isStopped);
 
 private:
     using Clock = std::chrono::steady_clock;
 
     static constexpr std::size_t progressStep = 100;
+    static constexpr std::size_t mostMissing = 50; // lines
 
-    void showProgress(const char *name, std::size_t done, std::size_t all);
+    void showProgress(const char *name, std::size_t done, std::size_t all, const std::string &more = {});
     void clearProgress();
 
     bool quiet;
@@ -44,6 +53,7 @@ private:
     bool progressIsShown = false;
     Clock::time_point lastShown = Clock::now();
     std::vector<std::string> missing;
+    std::size_t missingBeyond = 0;
 };
 
 /// "1 disk", "2 disks".

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <array>
 #include <ctime>
 #include <limits>
+#include <utility>
 
 #include "common/FieldText.h"
 #include "common/MountTable.h"
@@ -76,14 +78,11 @@ void recordSystem(description::Host &host, Report &report) {
     report.section("processors", std::to_string(host.processors.size()));
 }
 
-/// The text itself: what it is parsed into would not show its malformed lines.
-void recordMountTable(description::Host &host, Report &report) {
-    FILE *const file = solaris::fopen(tarn::mountTablePath, "r");
-    if (file == nullptr) {
-        report.notRead("mnttab", tarn::mountTablePath, errnoText(errno));
-        return;
-    }
-    std::string &text = host.mnttab.emplace();
+namespace {
+
+/// The whole text, without zeros, which no line holds, and with an end to its last line.
+std::string mountTableText(FILE *file, Report &report) {
+    std::string text;
     std::array<char, 4096> part;
     while (const std::size_t size = std::fread(part.data(), 1, part.size(), file)) {
         text.append(part.data(), size);
@@ -91,22 +90,138 @@ void recordMountTable(description::Host &host, Report &report) {
     if (std::ferror(file) != 0) {
         report.notRead("mnttab", "its end", errnoText(errno));
     }
-    solaris::fclose(file);
-    std::erase(text, '\0'); // which no line holds
+    std::erase(text, '\0');
     if (!text.empty() && text.back() != '\n') {
         text += '\n';
     }
-    report.section("mnttab", counted(static_cast<std::size_t>(std::ranges::count(text, '\n')), "line"));
+    return text;
 }
+
+/// What getmntent answers, and what it tells then.
+struct ToldEntry {
+    int result;
+    description::MountEntry fields;
+};
+
+/// What getmntent makes of the line of a text.
+int resultOf(std::string_view line) {
+    if (line.size() > MNT_LINE_MAX) {
+        return MNT_TOOLONG;
+    }
+    std::size_t fields = 0;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        fields += line[i] != '\t' && (i == 0 || line[i - 1] == '\t') ? 1 : 0;
+    }
+    constexpr std::size_t fieldsOfALine = 5;
+    return fields < fieldsOfALine ? MNT_TOOFEW : fields > fieldsOfALine ? MNT_TOOMANY : 0;
+}
+
+std::string lineOf(const description::MountEntry &entry) {
+    return entry.mnt_special + '\t' + entry.mnt_mountp + '\t' + entry.mnt_fstype + '\t' + entry.mnt_mntopts + '\t' +
+           entry.mnt_time;
+}
+
+/// Whether getmntent tells of the line what a text's line tells.
+bool isTold(std::string_view line, const ToldEntry &told) {
+    if (resultOf(line) != told.result || told.result != 0) {
+        return resultOf(line) == told.result;
+    }
+    const auto isBlank = [](char one, char other) { return one == '\t' && other == '\t'; };
+    std::string single(line); // several tabs separate as one does
+    single.erase(std::unique(single.begin(), single.end(), isBlank), single.end());
+    const std::size_t from = single.starts_with('\t') ? 1 : 0;
+    const std::size_t to = single.ends_with('\t') ? single.size() - 1 : single.size();
+    return std::string_view(single).substr(from, to - from) == lineOf(told.fields);
+}
+
+std::vector<ToldEntry> toldEntries() {
+    std::vector<ToldEntry> told;
+    FILE *const file = solaris::fopen(tarn::mountTablePath, "r");
+    if (file == nullptr) {
+        return told;
+    }
+    struct mnttab entry {};
+    int result = 0;
+    while ((result = solaris::getmntent(file, &entry)) != -1) {
+        told.push_back({result, {}});
+        if (result == 0) {
+            const auto text = [](const char *field) { return std::string(field == nullptr ? "" : field); };
+            told.back().fields = {text(entry.mnt_special), text(entry.mnt_mountp), text(entry.mnt_fstype),
+                                  text(entry.mnt_mntopts), text(entry.mnt_time)};
+        }
+    }
+    solaris::fclose(file);
+    return told;
+}
+
+} // namespace
+
+/// The lines of the text, which may be malformed; entries where getmntent tells more than they do, such as a kernel's
+/// table with a tab in a name.
+void recordMountTable(description::Host &host, Report &report) {
+    FILE *const file = solaris::fopen(tarn::mountTablePath, "r");
+    if (file == nullptr) {
+        report.notRead("mnttab", tarn::mountTablePath, errnoText(errno));
+        return;
+    }
+    const std::string text = mountTableText(file, report);
+    solaris::fclose(file);
+    description::MountTable lines;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t end = rest.find('\n');
+        lines.emplace_back(std::string(rest.substr(0, end)));
+        rest.remove_prefix(end + 1);
+    }
+    std::vector<ToldEntry> told = toldEntries();
+    const auto isOwnLine = [&](std::size_t i) {
+        return lines.size() == told.size() && isTold(std::get<std::string>(lines[i]), told[i]);
+    };
+    description::MountTable table;
+    for (std::size_t i = 0; i < told.size(); ++i) {
+        ToldEntry &entry = told[i];
+        const std::string line = lineOf(entry.fields);
+        if (isOwnLine(i)) {
+            table.push_back(std::move(lines[i]));
+        } else if (entry.result != 0) {
+            report.notRead("mnttab", "entry " + std::to_string(i + 1), "malformed");
+        } else if (line.find('\n') == line.npos && isTold(line, entry)) {
+            table.emplace_back(line);
+        } else {
+            table.emplace_back(description::Sparse(std::move(entry.fields)));
+        }
+    }
+    report.section("mnttab", counted(table.size(), "line"));
+    host.mnttab = std::move(table);
+}
+
+namespace {
+
+std::vector<Ask> waysToAsk(const Options &options) {
+    std::vector<Ask> ways;
+    for (const std::size_t kind : {Askers::rawEntry, Askers::rawLink, Askers::blockEntry, Askers::arrayPages}) {
+        ways.push_back(wayToAskDisk(kind, options));
+    }
+    ways.push_back(wayToAskAdapters());
+    ways.push_back(wayToAskFileSystem());
+    return ways;
+}
+
+} // namespace
 
 description::Host recordHost(const Options &options, Report &report) {
     description::Host host;
     recordSystem(host, report);
-    recordKernelStatistics(host, report);
-    recordMountTable(host, report);
-    recordDisks(options.arrays, host, report);
-    recordHostBusAdapters(host, report);
-    recordFileSystems(options.timeout, host, report);
+    Askers askers(waysToAsk(options), options.timeout, report); // while the recorder is small
+    const auto unlessStopped = [&](auto section) {
+        if (!isStopped()) {
+            section();
+        }
+    };
+    unlessStopped([&] { recordKernelStatistics(host, report); });
+    unlessStopped([&] { recordMountTable(host, report); });
+    unlessStopped([&] { recordDisks(options.arrays, askers, host, report); });
+    unlessStopped([&] { recordHostBusAdapters(askers, host, report); });
+    unlessStopped([&] { recordFileSystems(askers, host, report); });
     return host;
 }
 

@@ -11,7 +11,10 @@
 #include <string_view>
 #include <utility>
 
+#include "common/Printable.h"
 #include "description/Host.h"
+#include "platform/HasHost.h"
+#include "record/Askers.h"
 #include "record/Output.h"
 #include "record/Recorder.h"
 #include "record/Version.h"
@@ -20,22 +23,26 @@
 
 namespace {
 
-constexpr int statusNotWritten = 1;
+constexpr int statusNotWritten = 1; // or not all of it
 constexpr int statusBadUsage = 2;
 
 constexpr const char help[] =
-    "tarn-record [--output FILE] [--array CONTROLLER1 CONTROLLER2 VENDOR PRODUCT]... [--timeout SECONDS] [--quiet]\n"
+    "tarn-record [--output FILE] [--array CONTROLLER1 CONTROLLER2 VENDOR PRODUCT]... [--array-pages]\n"
+    "            [--timeout SECONDS] [--quiet]\n"
     "\n"
     "Records what the host looks like, and writes it to standard output as a host description. Only reads; the users\n"
     "are left out. Some answers are for root only.\n"
     "\n"
     "  --output FILE        write to a new file instead, which only its owner may read\n"
     "  --array NAMES...     also read the drive statistics of this two-controller array; as often as there are arrays\n"
-    "  --timeout SECONDS    how long a file system has to tell its sizes (10)\n"
+    "  --array-pages        ask every disk for the page 0xC0 of an array's disks; one that has none counts an error\n"
+    "  --timeout SECONDS    how long a call to a disk, an adapter or a file system has to answer (10)\n"
     "  --quiet              say nothing on standard error\n"
     "  --version, --help    tell the version, or this\n"
     "\n"
-    "Exit status: 0 done, 1 the description cannot be written, 2 bad usage.\n";
+    "SIGINT and SIGTERM end the recording; what is known so far is written.\n"
+    "\n"
+    "Exit status: 0 done, 1 the description cannot be written or is not whole, 2 bad usage or no usable host.\n";
 
 /// One line that names the culprit.
 class BadUsage : public std::runtime_error {
@@ -123,6 +130,8 @@ CommandLine parse(std::span<char *const> given) {
             const char *const controller2 = arguments.value(names);
             const char *const vendor = arguments.value(names);
             parsed.options.arrays.emplace_back(controller1, controller2, vendor, arguments.value(names));
+        } else if (*option == "--array-pages") {
+            parsed.options.arrayPages = true;
         } else if (*option == "--timeout") {
             parsed.options.timeout = secondsOf(arguments.value("a number of seconds"));
         } else if (*option == "--quiet") {
@@ -150,11 +159,16 @@ void occupyStandardStreams() {
     }
 }
 
-void writeDescription(const CommandLine &commandLine) {
+/// Returns the exit status.
+int writeDescription(const CommandLine &commandLine) {
+    if (!platform::hasHost()) {
+        return statusBadUsage;
+    }
     std::optional<record::OutputFile> file;
     if (commandLine.output) {
         file.emplace(*commandLine.output); // so that nothing is asked in vain
     }
+    record::stopOnSignals();
     record::Report report(commandLine.isQuiet, ::isatty(STDERR_FILENO) == 1);
     const description::Host host = record::recordHost(commandLine.options, report);
     const auto write = [&](const description::TextSink &sink) { description::writeHost(host, sink); };
@@ -163,7 +177,9 @@ void writeDescription(const CommandLine &commandLine) {
     } else {
         record::writeToStandardOutput(write);
     }
-    report.finish();
+    const bool isStopped = record::isStopped();
+    report.finish(isStopped);
+    return isStopped ? statusNotWritten : 0;
 }
 
 int run(std::span<char *const> given) {
@@ -174,7 +190,7 @@ int run(std::span<char *const> given) {
         record::writeToStandardOutput(
             [](const description::TextSink &sink) { sink("tarn-record " TARN_VERSION "\n"); });
     } else {
-        writeDescription(commandLine);
+        return writeDescription(commandLine);
     }
     return 0;
 }
@@ -189,10 +205,10 @@ int main(int count, char **arguments) {
     try {
         return run(std::span<char *const>(arguments, static_cast<std::size_t>(count)).subspan(count > 0 ? 1 : 0));
     } catch (const BadUsage &error) {
-        std::fprintf(stderr, "tarn-record: %s (try 'tarn-record --help')\n", error.what());
+        std::fprintf(stderr, "tarn-record: %s (try 'tarn-record --help')\n", tarn::printable(error.what()).c_str());
         status = statusBadUsage;
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "tarn-record: %s\n", error.what());
+        std::fprintf(stderr, "tarn-record: %s\n", tarn::printable(error.what()).c_str());
     }
     return status;
 }

@@ -12,8 +12,6 @@ namespace {
 std::mutex holdersMutex;
 unsigned holders = 0;
 
-constexpr unsigned openAttempts = 2;
-
 } // namespace
 
 WithHbaLibrary::WithHbaLibrary() : status(HBA_STATUS_OK) {
@@ -32,7 +30,8 @@ WithHbaLibrary::~WithHbaLibrary() {
     }
 }
 
-WithAdapterHandle::WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 adapterIndex, char *adapterName)
+WithAdapterHandle::WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 adapterIndex, char *adapterName,
+                                     const std::function<void()> &isNamed)
     : library(loadedLibrary), handle(0), status(HBA_STATUS_OK) {
     std::memset(adapterName, 0, adapterNameSize);
     status = HBA_GetAdapterName(adapterIndex, adapterName);
@@ -41,6 +40,9 @@ WithAdapterHandle::WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 a
         return;
     }
     adapterName[adapterNameSize - 1] = '\0';
+    if (isNamed) {
+        isNamed();
+    }
     while (handle == 0 && failures < openAttempts) {
         handle = HBA_OpenAdapter(adapterName);
         failures += handle == 0 ? 1 : 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "platform/solaris.h"
 
 namespace tarn {
@@ -26,8 +28,9 @@ inline constexpr int adapterNameSize = 256; // terminator included
 class WithAdapterHandle {
 public:
     /// Looks up the adapter's name into `adapterName` (256 bytes; empty when it cannot be learned) and opens the
-    /// adapter, in two attempts at most.
-    WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 adapterIndex, char *adapterName);
+    /// adapter, in two attempts at most. `isNamed` is called in between, if there is a name.
+    WithAdapterHandle(WithHbaLibrary &loadedLibrary, HBA_UINT32 adapterIndex, char *adapterName,
+                      const std::function<void()> &isNamed = nullptr);
     ~WithAdapterHandle();
     WithAdapterHandle(const WithAdapterHandle &) = delete;
     WithAdapterHandle &operator=(const WithAdapterHandle &) = delete;
@@ -36,6 +39,8 @@ public:
     HBA_HANDLE handle;     ///< 0: the adapter is not open
     HBA_STATUS status;     ///< of the name lookup
     unsigned failures = 0; ///< attempts to open that failed
+
+    static constexpr unsigned openAttempts = 2;
 };
 
 /// Refreshes what the library knows of the adapter, and tells whether it did: the Solaris qlc driver's adapters, which

@@ -15,6 +15,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "common/Printable.h"
+#include "platform/HasHost.h"
 #include "platform/replay/BuiltInHost.h"
 #include "platform/replay/Host.h"
 #include "platform/replay/Replay.h"
@@ -26,6 +28,7 @@ namespace {
 
 std::mutex hostMutex;
 std::shared_ptr<const Host> host; // null until first use
+bool firstHostIsUsable = true;
 
 void setHost(std::shared_ptr<const Host> loaded) {
     const std::lock_guard lock(hostMutex);
@@ -127,7 +130,8 @@ std::shared_ptr<const Host> firstHost() {
         return path == nullptr || *path == '\0' ? makeHost(std::string(builtInHostText))
                                                 : readHostFile(path, usualSilence);
     } catch (const HostDescriptionError &error) {
-        std::fprintf(stderr, "TARN_HOST: %s\n", error.what());
+        std::fprintf(stderr, "TARN_HOST: %s\n", tarn::printable(error.what()).c_str());
+        firstHostIsUsable = false;
         return std::make_shared<const Host>();
     }
 }
@@ -151,3 +155,9 @@ void loadHostText(const std::string &json) {
 }
 
 } // namespace replay
+
+bool platform::hasHost() {
+    replay::currentHost();
+    const std::lock_guard lock(replay::hostMutex);
+    return replay::firstHostIsUsable;
+}

@@ -70,9 +70,35 @@ HBA_UINT32 answerLoaded(HBA_UINT32 failure, const Text &text, const Answer &answ
     return noteCall(text) || !library ? failure : answer();
 }
 
+/// Lets the time pass that the call takes on the adapter that `find` finds in the loaded library, if any: other calls go
+/// on meanwhile.
+template <class Find>
+void passOn(const char *call, const Find &find) {
+    unsigned seconds = 0;
+    {
+        const std::lock_guard lock(libraryMutex);
+        const HbaAdapter *const adapter = library ? find() : nullptr;
+        if (adapter != nullptr && !adapter->seconds.empty()) {
+            const auto found = adapter->seconds.find(std::string_view(call).substr(std::string_view("HBA_").size()));
+            seconds = found == adapter->seconds.end() ? 0 : found->second;
+        }
+    }
+    pass(seconds);
+}
+
+const HbaAdapter *adapterNamed(std::string_view name) {
+    const auto &adapters = library->host->hba->adapters;
+    const auto adapter = std::ranges::find(adapters, name, &HbaAdapter::name);
+    return adapter == adapters.end() ? nullptr : &*adapter;
+}
+
 /// The same for a call on a handle.
 template <class Answer>
 HBA_STATUS answerHandle(const char *call, HBA_HANDLE handle, const std::string &arguments, const Answer &answer) {
+    passOn(call, [&] {
+        const auto found = library->open.find(handle);
+        return found == library->open.end() ? nullptr : found->second;
+    });
     return answerLoaded(
         HBA_STATUS_ERROR, [&] { return std::string(call) + " " + nameOf(handle) + arguments; },
         [&] {
@@ -191,6 +217,7 @@ HBA_UINT32 HBA_GetNumberOfAdapters() {
 }
 
 HBA_STATUS HBA_GetAdapterName(HBA_UINT32 index, char *name) {
+    passOn("HBA_GetAdapterName", [&] { return library->adapter(index); });
     return answerLoaded(
         HBA_STATUS_ERROR, [&] { return "HBA_GetAdapterName" + number(index); },
         [&] {
@@ -210,15 +237,15 @@ HBA_STATUS HBA_GetAdapterName(HBA_UINT32 index, char *name) {
 }
 
 HBA_HANDLE HBA_OpenAdapter(char *name) {
+    passOn("HBA_OpenAdapter", [&] { return adapterNamed(name); });
     return answerLoaded(
         0, [&] { return std::string("HBA_OpenAdapter ") + name; },
         [&] {
-            const auto &adapters = library->host->hba->adapters;
-            const auto adapter = std::ranges::find(adapters, std::string_view(name), &HbaAdapter::name);
-            if (adapter == adapters.end() || library->openAttempts[&*adapter]++ < adapter->openFailures) {
+            const HbaAdapter *const adapter = adapterNamed(name);
+            if (adapter == nullptr || library->openAttempts[adapter]++ < adapter->openFailures) {
                 return HBA_HANDLE{0};
             }
-            library->open[++lastHandle] = &*adapter;
+            library->open[++lastHandle] = adapter;
             return lastHandle;
         });
 }

@@ -19,9 +19,11 @@ struct Host : description::Host {
     Host &operator=(const Host &) = delete;
 
     FileTree files;
+    std::string mountTableText;
 };
 
-/// The errno with which the call fails on this disk, on a descriptor of these open flags; 0 when it does not.
+/// The errno with which the call fails on this disk, on a descriptor of these open flags; 0 when it does not. Returns
+/// when the call is to answer.
 int failureOf(const Disk &disk, std::string_view call);
 int failureOf(const Disk &disk, std::string_view call, int openFlags);
 

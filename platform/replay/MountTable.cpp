@@ -1,9 +1,7 @@
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -18,9 +16,14 @@ namespace {
 
 constexpr std::size_t fieldsOfALine = 5;
 
-/// The hosts whose tables are open: the streams read from the text that the host holds.
+/// A table that is open: its stream reads from the text that the host holds, and getmntent what stands `next`.
+struct OpenTable {
+    std::shared_ptr<const Host> host;
+    std::size_t next = 0;
+};
+
 std::mutex openTablesMutex;
-std::unordered_map<std::FILE *, std::shared_ptr<const Host>> openTables;
+std::unordered_map<std::FILE *, OpenTable> openTables;
 
 std::FILE *openTable(std::string_view path) {
     std::shared_ptr<const Host> host = currentHost();
@@ -28,60 +31,27 @@ std::FILE *openTable(std::string_view path) {
         return failWith<std::FILE *>(ENOENT);
     }
     // A stream that is only read leaves its text alone.
-    std::FILE *file = fmemopen(const_cast<char *>(host->mnttab->data()), host->mnttab->size(), "r");
+    std::string &text = const_cast<std::string &>(host->mountTableText);
+    std::FILE *file = fmemopen(text.data(), text.size(), "r");
     if (file != nullptr) {
         const std::lock_guard lock(openTablesMutex);
-        openTables[file] = std::move(host);
+        openTables[file] = {std::move(host)};
     }
     return file;
 }
 
-/// The next line without its end, in a buffer that the thread's next call uses again. False at the end of the file.
-bool readLine(std::FILE *file, std::string &line) {
-    line.clear();
-    int character = std::getc(file);
-    if (character == EOF) {
-        return false;
+/// What getmntent comes to next. Null at the end.
+const description::MountTable::value_type *nextOf(std::FILE *file) {
+    const std::lock_guard lock(openTablesMutex);
+    const auto found = openTables.find(file);
+    if (found == openTables.end() || found->second.next == found->second.host->mnttab->size()) {
+        return nullptr;
     }
-    for (; character != EOF && character != '\n'; character = std::getc(file)) {
-        line += static_cast<char>(character);
-    }
-    return true;
+    return &(*found->second.host->mnttab)[found->second.next++];
 }
 
-} // namespace
-} // namespace replay
-
-namespace solaris {
-
-using namespace replay;
-
-FILE *fopen(const char *path, const char *) {
-    return answerCall([&] { return std::string("fopen ") + path; }, [&] { return openTable(path); });
-}
-
-int fclose(FILE *file) {
-    std::shared_ptr<const Host> host; // outlives the stream
-    {
-        const std::lock_guard lock(openTablesMutex);
-        if (const auto found = openTables.find(file); found != openTables.end()) {
-            host = std::move(found->second);
-            openTables.erase(found);
-        }
-    }
-    const int result = std::fclose(file);
-    return answerCall([] { return std::string("fclose"); }, [&] { return result; });
-}
-
-int getmntent(FILE *table, struct mnttab *entry) {
-    const InPlatform inside;
-    thread_local std::string line;
-    if (isRefused([] { return std::string("getmntent"); })) {
-        return failWith(EIO);
-    }
-    if (!readLine(table, line)) {
-        return -1;
-    }
+/// The fields of a line, which it takes apart. 0, or what is wrong with it.
+int readLine(std::string &line, mnttab &entry) {
     if (line.size() > MNT_LINE_MAX) {
         return MNT_TOOLONG;
     }
@@ -97,7 +67,52 @@ int getmntent(FILE *table, struct mnttab *entry) {
     if (count < fieldsOfALine) {
         return MNT_TOOFEW;
     }
-    *entry = {fields[0], fields[1], fields[2], fields[3], fields[4]};
+    entry = {fields[0], fields[1], fields[2], fields[3], fields[4]};
+    return 0;
+}
+
+} // namespace
+} // namespace replay
+
+namespace solaris {
+
+using namespace replay;
+
+FILE *fopen(const char *path, const char *) {
+    return answerCall([&] { return std::string("fopen ") + path; }, [&] { return openTable(path); });
+}
+
+int fclose(FILE *file) {
+    OpenTable table; // outlives the stream
+    {
+        const std::lock_guard lock(openTablesMutex);
+        if (const auto found = openTables.find(file); found != openTables.end()) {
+            table = std::move(found->second);
+            openTables.erase(found);
+        }
+    }
+    const int result = std::fclose(file);
+    return answerCall([] { return std::string("fclose"); }, [&] { return result; });
+}
+
+int getmntent(FILE *table, struct mnttab *entry) {
+    const InPlatform inside;
+    thread_local std::string line;
+    thread_local description::MountEntry told;
+    if (isRefused([] { return std::string("getmntent"); })) {
+        return failWith(EIO);
+    }
+    const auto *const next = nextOf(table);
+    if (next == nullptr) {
+        return -1;
+    }
+    if (const auto *const text = std::get_if<std::string>(next)) {
+        line = *text;
+        return readLine(line, *entry);
+    }
+    told = *std::get<description::Sparse<description::MountEntry>>(*next);
+    *entry = {told.mnt_special.data(), told.mnt_mountp.data(), told.mnt_fstype.data(), told.mnt_mntopts.data(),
+              told.mnt_time.data()};
     return 0;
 }
 
@@ -109,8 +124,7 @@ int statvfs64(const char *path, struct ::statvfs64 *status) {
         if (found == host->statvfs.end()) {
             return failWith(ENOENT);
         }
-        // What is replayed passes at once, but for a file system that is described as slow.
-        std::this_thread::sleep_for(std::chrono::seconds(found->second.seconds));
+        pass(found->second.seconds);
         if (found->second.fails != 0) {
             return failWith(found->second.fails);
         }

@@ -1,6 +1,8 @@
 #include "platform/replay/PlatformCall.h"
 
 #include <atomic>
+#include <chrono>
+#include <thread>
 
 #include "platform/replay/Replay.h"
 
@@ -35,6 +37,12 @@ void leaveDirt(bool isLeft) {
 
 bool isChosen() {
     return callsUntilRefusal.load(std::memory_order_relaxed) > 0 && callsUntilRefusal.fetch_sub(1) == 1;
+}
+
+void pass(unsigned seconds) {
+    if (seconds != 0) {
+        std::this_thread::sleep_for(std::chrono::seconds(seconds));
+    }
 }
 
 void refuseCall(int n) {

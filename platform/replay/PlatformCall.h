@@ -48,6 +48,9 @@ bool noteCall(const Text &text) {
     return refused;
 }
 
+/// What is replayed passes at once, but for what is described as slow.
+void pass(unsigned seconds);
+
 /// The result by which a call says that it failed: null or -1.
 template <class Result>
 constexpr Result failure() {

@@ -13,7 +13,7 @@ TEST(RecorderTest, AsksInTheLibrarysWaysAndWritesWhatIsNotTheRule) {
     tests::loadHost("small");
     record::Report quiet(true, false);
     replay::startJournal();
-    description::Host host = record::recordHost({{{"ctrl-A", "ctrl-B", "KELVO", "ARRAY 9"}}, 10}, quiet);
+    description::Host host = record::recordHost({{{"ctrl-A", "ctrl-B", "KELVO", "ARRAY 9"}}, false, 0}, quiet);
     tests::Lines text = replay::stopJournal();
     host.recordedAt.clear();
     std::string written;

@@ -7,6 +7,7 @@ import json
 import os
 import pty
 import re
+import signal
 import stat
 import subprocess
 import sys
@@ -146,16 +147,25 @@ class Recorder(unittest.TestCase):
         self.assertEqual(undated(done.stdout), b'{\n  "recordedAt": "2026-11-24T10:00:00Z",\n'
                                                b'  "uname": {"nodename": "other"}\n}\n')
 
-    def test_a_recording_ends_with_tarn(self):
-        host = scratch_host({"mnttab": ["a\t/a\tufs\trw\t1"], "statvfs": {"/a": {"seconds": 60}}})
-        started = subprocess.Popen([TARN, "record", "--timeout=20", "--output", self.file], stderr=subprocess.PIPE,
-                                   env={**os.environ, "TARN_HOST": host})
-        with started:
-            while b"mnttab" not in started.stderr.readline():
-                pass
-            started.terminate()
-            self.assertEqual(started.stderr.read().count(b"statvfs"), 0)  # ends with the recorder
-        self.assertEqual(os.listdir(self.folder.name), [])
+    def test_a_recording_that_is_ended_is_what_is_known_so_far(self):
+        host = scratch_host({"mnttab": ["a\t/a\tufs\trw\t1"], "statvfs": {"/a": {"seconds": 60}},
+                             "disks": [{"name": "c1"}, {"name": "c2", "seconds": {"open": 60}}, {"name": "c3"}]})
+        for command, ending in (([TARN, "record"], signal.SIGTERM), (RECORDER, signal.SIGTERM), (RECORDER, signal.SIGINT)):
+            started = subprocess.Popen([*command, "--timeout=20", "--output", self.file], stderr=subprocess.PIPE,
+                                       env={**os.environ, "TARN_HOST": host})
+            with started:
+                while b"mnttab" not in started.stderr.readline():
+                    pass
+                time.sleep(0.5)
+                started.send_signal(ending)
+                told = started.stderr.read()  # ends with the recorder
+            self.assertIn(b"\nNot read: the rest\n", told)
+            self.assertNotIn(b"statvfs", told)
+            self.assertEqual(started.returncode, 143 if command[0] == TARN else 1)
+            self.assertEqual(os.listdir(self.folder.name), ["host.json"])
+            self.assertEqual([disk["name"] for disk in json.loads(Path(self.file).read_text())["disks"]], ["c1", "c3"])
+            self.assertEqual(run(RECORDER, self.file).returncode, 0)  # it is a description
+            os.unlink(self.file)
 
     def test_a_file_is_made_whole_for_its_owner_only(self):
         os.umask(0o000)
@@ -189,6 +199,7 @@ class Recorder(unittest.TestCase):
                 (["--output="], 2, "--output: '' is no file" + usage),
                 (["--frob=1"], 2, "unknown option '--frob'" + usage),
                 (["rill"], 2, "surplus argument 'rill'" + usage),
+                (["\x1b"], 2, "surplus argument '\\x1b'" + usage),
                 (["--quiet=yes"], 2, "--quiet takes no value" + usage),
                 (["--timeout", "1s"], 2, "--timeout: '1s' is no number of seconds from 1 to 86400" + usage),
                 (["--array", "a", "b", "c", "--quiet"], 2,
@@ -197,13 +208,18 @@ class Recorder(unittest.TestCase):
             self.assertEqual((done.returncode, done.stdout, done.stderr.decode()),
                              (status, b"", f"tarn-record: {complaint}\n"))
         self.assertEqual([path.read_text() for path in Path(folder).iterdir()], ["old"])
+        unusable = scratch_host({"frob\x1b": 1})
+        done = run(RECORDER, unusable)
+        self.assertEqual((done.returncode, done.stdout, done.stderr.count(b"\n")), (2, b"", 1))
+        self.assertNotIn(b"\x1b", done.stderr)
         with open("/dev/full", "wb") as full:
             done = subprocess.run([*RECORDER, "--quiet"], stdout=full, stderr=subprocess.PIPE, timeout=60)
         self.assertEqual((done.returncode, done.stderr),
                          (1, b"tarn-record: standard output: No space left on device\n"))
 
     def test_it_says_what_it_does(self):
-        disks = [{"name": f"c{i}", "slices": ["s0"], "fails": {"open": "EBUSY"} if i == 7 else {}} for i in range(250)]
+        disks = [{"name": f"c{i}", "slices": ["s0"], "geometry": {}, "vtoc": {}, "fails": {"open": "EBUSY"} if i == 7 else {}}
+                 for i in range(250)]
         disks[9] = {"name": "c9", "slices": ["s0", ""], "directories": ["/dev/dsk"], "fails": {"stat": "EIO"}}
         host = scratch_host({"disks": disks, "mnttab": ["a\t/a\tufs\trw\t1"]})
         told = run([*RECORDER], host).stderr.decode()
@@ -214,6 +230,8 @@ class Recorder(unittest.TestCase):
                      "  hba: all of it: Error"):
             self.assertIn(line + "\n", told)
         self.assertNotIn("\r", told)
+        failing = [{"name": f"c{i}", "slices": ["s0"], "fails": {"open": "EIO"}} for i in range(90)]
+        self.assertRegex(run(RECORDER, scratch_host({"disks": failing})).stderr, rb"(\n  .*){50}\n  and 5\d more\n$")
         self.assertIn(b"/dev/rdsk: 200 of 249", self.on_terminal(host))
 
     def on_terminal(self, host, *options):
@@ -230,19 +248,66 @@ class Recorder(unittest.TestCase):
         os.close(reader)
         return shown
 
-    def test_a_file_system_that_hangs_is_given_up(self):
-        mounts = ["/first", "/gone", "/last"]
-        host = scratch_host({"mnttab": [f"srv:{mount}\t{mount}\tnfs\trw\t1" for mount in mounts],
-                             "statvfs": {"/first": {"f_blocks": 1}, "/gone": {"seconds": 60}, "/last": {"f_blocks": 3}}})
-        before = time.monotonic()
-        done = run([*RECORDER, "--timeout", "1"], host)  # ends with its output: nobody waits for what hangs
-        self.assertLess(time.monotonic() - before, 30)
-        self.assertEqual(json.loads(done.stdout)["statvfs"], {
-            "/first": {"f_blocks": 1}, "/gone": {"fails": "ETIMEDOUT"}, "/last": {"f_blocks": 3}})
-        self.assertIn(b"statvfs: 2 of 3 file systems\n", done.stderr)
-        self.assertIn(b"  statvfs: /gone: Connection timed out\n", done.stderr)
-        self.assertIn(b"\rstatvfs: 2 of 3", self.on_terminal(host, "--timeout", "1"))
+    def test_what_hangs_is_given_up_and_named(self):
+        mounts = [f"/m{i}" for i in range(20)]
+        disks = [{"name": f"c{i}", "path": f"/sd@{i}", "geometry": {"dkg_nhead": i}, "vtoc": {}, "scsi": {"INQUIRY": "01"}}
+                 for i in range(20)]
+        disks[3]["seconds"] = {"open": 3600}
+        disks[4]["seconds"] = {"DKIOCGGEOM O_RDWR": 3600}
+        disks[11]["seconds"] = {"INQUIRY": 3600}
+        ports = [{"discovered": [{}]}, {}]
+        adapters = [{"name": name, "ports": ports} for name in "abc"]
+        adapters[1]["seconds"] = {"GetPortStatistics": 3600}
+        host = scratch_host({
+            "mnttab": [f"srv:{mount}\t{mount}\tnfs\trw\t1" for mount in [*mounts, "/last"]], "disks": disks,
+            "statvfs": {"/last": {"f_blocks": 3}} | {mount: {"seconds": 3600} for mount in mounts},
+            "hba": {"adapters": adapters}})
+        limit, before = 4, time.monotonic()
+        done = run([*RECORDER, f"--timeout={limit}"], host)  # ends with its output: nobody waits for what hangs
+        self.assertLess(time.monotonic() - before, 4 * limit)
+        found = json.loads(done.stdout)
+        gone = {"fails": "ETIMEDOUT"}
+        self.assertEqual(found["statvfs"], {"/last": {"f_blocks": 3}} | {mount: gone for mount in mounts})
+        same = {"directories", "scsi", "vtoc", "geometry"}
+        self.assertEqual([disk.get("fails") for disk in found["disks"]],
+                         [{3: {"open": "ETIMEDOUT"}, 4: {"DKIOCGGEOM": "ETIMEDOUT"}, 11: {"INQUIRY": "ETIMEDOUT"}}.get(i)
+                          for i in range(20)])
+        for i in (2, 5, 10, 12):
+            self.assertEqual({key: disks[i].get(key) for key in same}, {key: found["disks"][i].get(key) for key in same})
+        whole, cut, behind = found["hba"]["adapters"]
+        self.assertEqual(({**whole, "name": "c"}, whole["ports"][0]), (behind, {"discovered": [{}]}))
+        self.assertEqual(cut["ports"], [
+            {"discovered": [{"status": {"GetDiscoveredPortAttributes": 12}}], "status": {"GetPortStatistics": 12}},
+            {"status": {"GetAdapterPortAttributes": 12}}])
+        for what in ("disks: c3s0 open O_RDWR", "disks: c4s0 DKIOCGGEOM", "disks: c11s2 INQUIRY",
+                     "hba: adapter 1 GetPortStatistics port 0", *(f"statvfs: {mount}" for mount in mounts)):
+            self.assertIn(f"  {what}: Connection timed out\n".encode(), done.stderr)
+        self.assertIn(b"statvfs: 1 of 21 file systems\n", done.stderr)
+        shown = self.on_terminal(host, f"--timeout={limit}")
+        self.assertRegex(shown, rb"\r/dev/rdsk: \d+ of 160, waiting for c\d+s0 ")
 
+    def test_what_an_asker_cannot_do_is_no_answer_of_the_host(self):
+        host = scratch_host({"mnttab": ["a\t/a\tufs\trw\t1", "b\t/b\tufs\trw\t1"], "disks": [{"name": "c1"}],
+                             "statvfs": {"/a": {"seconds": 60}, "/b": {"f_blocks": 1}}})
+        with subprocess.Popen([*RECORDER, "--timeout=30"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              env={**os.environ, "TARN_HOST": host}) as started:
+            time.sleep(2)
+            family = subprocess.run(["ps", "-eo", "pid=,ppid="], capture_output=True, text=True).stdout.split()
+            parents = dict(zip(map(int, family[::2]), map(int, family[1::2])))
+            for process, parent in parents.items():
+                if parents.get(parent) == started.pid:
+                    os.kill(process, signal.SIGKILL)
+            recording, told = started.communicate()
+        self.assertEqual(json.loads(recording)["statvfs"], {"/b": {"f_blocks": 1}})
+        self.assertIn(b"  statvfs: /a: the process that asked ended with signal 9\n", told)
+
+    def test_entries_that_no_line_tells_are_kept(self):
+        entry = dict(zip(("mnt_special", "mnt_mountp", "mnt_fstype", "mnt_mntopts", "mnt_time"),
+                         ("d", "/a\tb\x1b", "ufs", "x" * 2000, "1")))
+        table = ["d\t/\tufs\trw\t1", entry, "d\t/b\tufs\trw\t1"]
+        done = run(RECORDER, scratch_host({"mnttab": table}))
+        self.assertEqual(json.loads(done.stdout)["mnttab"], table)
+        self.assertIn(b"  statvfs: /a\\x09b\\x1b: No such file or directory\n", done.stderr)
 
 def main():
     global SCRATCH, TARN, BUILD, CLASS_PATH, RECORDER, OTHER

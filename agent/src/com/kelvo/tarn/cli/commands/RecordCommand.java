@@ -16,7 +16,7 @@ import picocli.CommandLine.Spec;
 /** Hands over to tarn-record, which asks the host itself and needs no Java where a host is recorded. */
 @Command(name = "record", description = "The host's description, for --host of another machine.",
          footer = "Standard error tells what was recorded, and what could not be read. Passwords are never recorded. Exit "
-             + "status: 0 done, 1 the description cannot be written, 2 bad usage.")
+             + "status: 0 done, 1 the description cannot be written or is not whole, 2 bad usage or no usable host.")
 public final class RecordCommand implements Callable<Integer> {
     @ParentCommand
     private TarnOptions tarn;
@@ -30,9 +30,13 @@ public final class RecordCommand implements Callable<Integer> {
 
     private final List<String> arrays = new ArrayList<>();
 
-    @Option(names = "--timeout", paramLabel = "SECONDS", description = "How long a file system has to tell its sizes; "
-            + "without it, 10.")
+    @Option(names = "--timeout", paramLabel = "SECONDS", description = "How long a call to a disk, an adapter or a file "
+            + "system has to answer; without it, 10.")
     private String timeout;
+
+    @Option(names = "--array-pages", description = "Ask every disk for the page 0xC0 of an array's disks; one that has "
+            + "none counts an error.")
+    private boolean arrayPages;
 
     @Option(names = "--quiet", description = "Say nothing on standard error.")
     private boolean quiet;
@@ -58,6 +62,9 @@ public final class RecordCommand implements Callable<Integer> {
         }
         if (timeout != null) {
             command.addAll(List.of("--timeout", timeout));
+        }
+        if (arrayPages) {
+            command.add("--array-pages");
         }
         if (quiet) {
             command.add("--quiet");
