@@ -3,10 +3,10 @@
 
 #include "benchmarks/Comparison.h"
 #include "benchmarks/Hosts.h"
-#include "native/SolarisDiskDriveProvider.h"
-#include "native/SolarisDiskPartitionProvider.h"
+#include "native/disks/SolarisDiskDriveProvider.h"
+#include "native/disks/SolarisDiskPartitionProvider.h"
 #include "platform/solaris.h"
-#include "tests/jvm/Jvm.h"
+#include "tests/machine/Jvm.h"
 
 extern "C" {
 void Java_com_kelvo_tarn_providers_solaris_SolarisDiskDriveProvider_enumerateDisks(JNIEnv *, jobject, jobject);

@@ -7,7 +7,7 @@
 
 #include "benchmarks/Comparison.h"
 #include "benchmarks/Fabric.h"
-#include "tests/jvm/HbaTree.h"
+#include "tests/jvm/hba/HbaTree.h"
 
 extern "C" jobjectArray Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(JNIEnv *, jobject, jobject);
 

@@ -5,13 +5,13 @@
 
 #include "benchmarks/Comparison.h"
 #include "benchmarks/Hosts.h"
-#include "common/Directory.h"
-#include "native/SolarisCpuUtilizationInformation.h"
-#include "native/SolarisDiskIOInformation.h"
-#include "native/SolarisLogicalDisk.h"
-#include "native/SolarisProcessor.h"
+#include "common/system/Directory.h"
+#include "native/host/SolarisCpuUtilizationInformation.h"
+#include "native/host/SolarisDiskIOInformation.h"
+#include "native/host/SolarisLogicalDisk.h"
+#include "native/host/SolarisProcessor.h"
 #include "platform/solaris.h"
-#include "tests/jvm/Jvm.h"
+#include "tests/machine/Jvm.h"
 
 #define HOST_FACT(method) Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_##method
 

@@ -5,10 +5,10 @@
 #include <cstring>
 
 #include "benchmarks/Comparison.h"
-#include "native/SolarisScsiInterrogatorC.h"
+#include "native/array/SolarisScsiInterrogatorC.h"
 #include "platform/solaris.h"
-#include "tests/jvm/Jvm.h"
-#include "tests/native/ArrayPages.h"
+#include "tests/machine/Jvm.h"
+#include "tests/native/array/ArrayPages.h"
 
 extern "C" jstring Java_com_kelvo_tarn_providers_solaris_SolarisScsiInterrogator_scsiInterrogate(JNIEnv *, jobject,
                                                                                                  jstring, jstring,

@@ -13,7 +13,7 @@
 
 #include "benchmarks/Comparison.h"
 #include "platform/replay/Replay.h"
-#include "tests/jvm/Jvm.h"
+#include "tests/machine/Jvm.h"
 
 namespace bench {
 namespace {

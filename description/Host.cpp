@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "common/FieldText.h"
+#include "common/system/FieldText.h"
 #include "description/DiskMembers.h"
 #include "description/FileIndex.h"
 #include "description/HbaMembers.h"

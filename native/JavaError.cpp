@@ -1,7 +1,7 @@
 #include "native/JavaError.h"
 
-#include "common/Jni.h"
-#include "common/LogLine.h"
+#include "common/jni/Jni.h"
+#include "common/jni/LogLine.h"
 
 namespace tarn {
 

@@ -10,9 +10,9 @@
 #include <unordered_set>
 #include <utility>
 
-#include "common/Directory.h"
-#include "common/DiskDevices.h"
-#include "common/FileDescriptor.h"
+#include "common/system/Directory.h"
+#include "common/system/DiskDevices.h"
+#include "common/system/FileDescriptor.h"
 #include "description/ScsiCommands.h"
 #include "record/DiskGroups.h"
 #include "record/Recorder.h"

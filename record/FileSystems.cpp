@@ -1,7 +1,7 @@
 #include <cerrno>
 #include <unordered_set>
 
-#include "common/MountTable.h"
+#include "common/system/MountTable.h"
 #include "record/Recorder.h"
 
 // The sizes of the mounted file systems.

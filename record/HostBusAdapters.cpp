@@ -6,9 +6,9 @@
 #include <memory>
 #include <utility>
 
-#include "common/hba/LibraryGuards.h"
-#include "common/hba/Messages.h"
-#include "common/hba/TargetMappingTable.h"
+#include "common/hba/library/LibraryGuards.h"
+#include "common/hba/library/Messages.h"
+#include "common/hba/library/TargetMappingTable.h"
 #include "record/Recorder.h"
 
 // The whole HBA library, walked as the library walks it. An asker makes the walk; what it tells is put together here.

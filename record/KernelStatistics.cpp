@@ -1,5 +1,5 @@
-#include "common/FieldText.h"
-#include "common/KernelChain.h"
+#include "common/system/FieldText.h"
+#include "common/system/KernelChain.h"
 #include "record/Recorder.h"
 
 // The kernel statistics that the library reads.

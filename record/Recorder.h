@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "common/ArrayLuns.h"
+#include "common/system/ArrayLuns.h"
 #include "description/Host.h"
 #include "record/Askers.h"
 #include "record/Report.h"

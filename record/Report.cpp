@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "common/Printable.h"
+#include "common/system/Printable.h"
 
 namespace record {
 

@@ -4,9 +4,9 @@
 #include <limits>
 #include <utility>
 
-#include "common/FieldText.h"
-#include "common/MountTable.h"
-#include "common/Processors.h"
+#include "common/system/FieldText.h"
+#include "common/system/MountTable.h"
+#include "common/system/Processors.h"
 #include "description/Names.h"
 #include "record/Recorder.h"
 

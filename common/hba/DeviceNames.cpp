@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 
-#include "common/Directory.h"
-#include "common/DiskDevices.h"
-#include "common/FieldText.h"
-#include "common/ReadLink.h"
+#include "common/system/Directory.h"
+#include "common/system/DiskDevices.h"
+#include "common/system/FieldText.h"
+#include "common/system/ReadLink.h"
 
 namespace tarn {
 namespace {

@@ -1,6 +1,6 @@
-#include "common/EntryPoint.h"
-#include "common/StackRoom.h"
 #include "common/hba/HbaCacheImpl.h"
+#include "common/jni/EntryPoint.h"
+#include "common/jni/StackRoom.h"
 
 TARN_EXPORTED_ENTRY jobjectArray JNICALL
 Java_com_kelvo_tarn_providers_hba_HbaCache_fillHbaCache(JNIEnv *env, jobject self, jobject hbaClassNames) {

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "common/JniString.h"
-#include "common/LogLine.h"
 #include "common/hba/Conversions.h"
+#include "common/jni/JniString.h"
+#include "common/jni/LogLine.h"
 
 namespace tarn {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "common/hba/HbaClasses.h"
-#include "common/hba/LibraryGuards.h"
+#include "common/hba/library/LibraryGuards.h"
 #include "platform/solaris.h"
 
 namespace tarn {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/AgentClasses.h"
+#include "common/jni/AgentClasses.h"
 
 // The Java classes that only the HBA cache touches.
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "common/Jni.h"
+#include "common/jni/Jni.h"
 
 namespace tarn {
 

@@ -1,8 +1,8 @@
 #include <string>
 
-#include "common/LocalFrame.h"
 #include "common/hba/Conversions.h"
 #include "common/hba/HbaCacheImpl.h"
+#include "common/jni/LocalFrame.h"
 
 namespace tarn {
 

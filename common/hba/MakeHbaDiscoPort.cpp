@@ -1,5 +1,5 @@
-#include "common/LocalFrame.h"
 #include "common/hba/HbaCacheImpl.h"
+#include "common/jni/LocalFrame.h"
 
 namespace tarn {
 

@@ -1,7 +1,7 @@
 #include <string>
 
-#include "common/LocalFrame.h"
 #include "common/hba/HbaCacheImpl.h"
+#include "common/jni/LocalFrame.h"
 
 namespace tarn {
 

@@ -1,7 +1,7 @@
-#include "common/FieldText.h"
-#include "common/LocalFrame.h"
 #include "common/hba/DeviceNames.h"
 #include "common/hba/HbaCacheImpl.h"
+#include "common/jni/LocalFrame.h"
+#include "common/system/FieldText.h"
 
 namespace tarn {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "common/hba/TargetMappingTable.h"
+#include "common/hba/library/TargetMappingTable.h"
 #include "platform/solaris.h"
 
 namespace tarn {

@@ -4,8 +4,8 @@
 
 #include "common/hba/Conversions.h"
 #include "common/hba/HbaCacheImpl.h"
-#include "common/hba/Messages.h"
-#include "common/hba/TargetMappingTable.h"
+#include "common/hba/library/Messages.h"
+#include "common/hba/library/TargetMappingTable.h"
 
 namespace tarn {
 

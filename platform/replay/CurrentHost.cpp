@@ -15,7 +15,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "common/Printable.h"
+#include "common/system/Printable.h"
 #include "platform/HasHost.h"
 #include "platform/replay/BuiltInHost.h"
 #include "platform/replay/Host.h"

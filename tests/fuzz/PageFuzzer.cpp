@@ -3,7 +3,7 @@
 #include <span>
 #include <stdexcept>
 
-#include "tests/native/PageDecoding.h"
+#include "tests/native/array/PageDecoding.h"
 
 // libFuzzer target over the page decoding, which it compares with the checked model. Run by hand:
 //

@@ -11,7 +11,7 @@
 
 #include "platform/replay/Replay.h"
 #include "tests/Allocations.h"
-#include "tests/jvm/Jvm.h"
+#include "tests/machine/Jvm.h"
 
 namespace jvm {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "tests/Lines.h"
-#include "tests/jvm/Jvm.h"
+#include "tests/machine/Jvm.h"
 
 namespace jvm {
 

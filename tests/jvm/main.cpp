@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/jvm/Jvm.h"
+#include "tests/machine/Jvm.h"
 
 namespace {
 

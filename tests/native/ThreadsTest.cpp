@@ -6,9 +6,9 @@
 #include <memory>
 #include <thread>
 
-#include "common/StackRoom.h"
-#include "common/hba/LibraryGuards.h"
-#include "common/hba/TargetMappingTable.h"
+#include "common/hba/library/LibraryGuards.h"
+#include "common/hba/library/TargetMappingTable.h"
+#include "common/jni/StackRoom.h"
 #include "platform/replay/Replay.h"
 #include "tests/Lines.h"
 

@@ -1,0 +1,74 @@
+#include <array>
+
+#include "native/host/HostInformation.h"
+#include "platform/solaris.h"
+
+namespace tarn {
+namespace {
+
+constexpr const char *computerSystemClassName =
+    "com/kelvo/tarn/providers/solaris/SolarisComputerSystemProvider$SolarisComputerSystem";
+
+constexpr std::size_t infoSize = 128; // of the buffer that receives one system-information text
+
+ResultClass GetClassAndMethod(JNIEnv *env) {
+    return bindResultClass(env, computerSystemClassName,
+                           "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;"
+                           "Ljava/lang/String;)V");
+}
+
+/// The five texts of the result. A value that the system does not tell stays a blank; no host tells its serial number.
+struct ComputerSystem {
+    explicit ComputerSystem(JNIEnv *env)
+        : systemName(jni::newString(env, " ")), hostName(jni::newString(env, " ")), platform(jni::newString(env, " ")),
+          version(jni::newString(env, " ")), serialNumber(jni::newString(env, "unknown")) {
+    }
+
+    void readFrom(JNIEnv *env) {
+        readInfo(env, SI_SYSNAME, systemName);
+        readInfo(env, SI_HOSTNAME, hostName);
+        readInfo(env, SI_PLATFORM, platform);
+        readInfo(env, SI_VERSION, version);
+    }
+
+    jobject makeObject(JNIEnv *env, const ResultClass &result) const {
+        return jni::newObject(env, result.cls, result.constructor, systemName, hostName, serialNumber, platform,
+                              version);
+    }
+
+    jstring systemName;
+    jstring hostName;
+    jstring platform;
+    jstring version;
+    jstring serialNumber;
+
+private:
+    void readInfo(JNIEnv *env, int command, jstring &value) {
+        if (solaris::sysinfo(command, info.data(), static_cast<long>(info.size())) > -1) {
+            info.back() = '\0'; // a text longer than the buffer is cut
+            value = jni::newString(env, info.data());
+        }
+    }
+
+    std::array<char, infoSize> info{};
+};
+
+} // namespace
+} // namespace tarn
+
+TARN_EXPORTED_ENTRY jobject JNICALL
+Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getComputerSystem(JNIEnv *env, jobject) {
+    using namespace tarn;
+    return runEntry(env, [&]() -> jobject {
+        ComputerSystem computerSystem(env);
+        const ResultClass result = GetClassAndMethod(env);
+        try {
+            computerSystem.readFrom(env);
+        } catch (const JavaExceptionPending &) {
+            throw;
+        } catch (...) {
+            // What was learned so far is still true.
+        }
+        return computerSystem.makeObject(env, result);
+    });
+}

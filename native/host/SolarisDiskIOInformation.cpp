@@ -1,0 +1,111 @@
+#include "native/host/SolarisDiskIOInformation.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "common/jni/JniString.h"
+#include "common/system/FieldText.h"
+#include "native/host/HostInformation.h"
+#include "native/host/KernelStatistics.h"
+#include "native/host/SolarisDiskMap.h"
+#include "native/host/SolarisUtil.h"
+
+namespace tarn {
+namespace {
+
+constexpr const char *diskIOInformationClassName =
+    "com/kelvo/tarn/providers/solaris/SolarisDiskIOInformationProvider$SolarisDiskIOInformation";
+
+bool isDisk(const kstat_t &record) {
+    return record.ks_type == KSTAT_TYPE_IO && fieldText(record.ks_class) == "disk";
+}
+
+ResultClass GetClassAndMethod(JNIEnv *env) {
+    return bindResultClass(env, diskIOInformationClassName, "(Ljava/lang/String;Ljava/lang/String;JJJJ)V");
+}
+
+jobject newDiskIOInformation(const diskIOData &data, jstring kstatName, jstring deviceName, JNIEnv *env,
+                             const ResultClass &result) {
+    return jni::newObject(env, result.cls, result.constructor, kstatName, deviceName,
+                          static_cast<jlong>(data.bytesRead), static_cast<jlong>(data.bytesWritten),
+                          jlong{data.waitLastUpdate}, jlong{data.runTime});
+}
+
+jobject makeDiskIOInfo(const diskIOData &data, JNIEnv *env, const ResultClass &result) {
+    const jni::LocalRef<jstring> kstatName(env, jni::newString(env, data.kstatName.c_str()));
+    const jni::LocalRef<jstring> deviceName(env, jni::newString(env, data.deviceName.c_str()));
+    return newDiskIOInformation(data, kstatName.get(), deviceName.get(), env, result);
+}
+
+/// With the caller's own string as the disk name.
+jobject makeDiskIOInfo(const diskIOData &data, jstring name, JNIEnv *env, const ResultClass &result) {
+    const jni::LocalRef<jstring> kstatName(env, jni::newString(env, data.kstatName.c_str()));
+    return newDiskIOInformation(data, kstatName.get(), name, env, result);
+}
+
+} // namespace
+
+std::vector<diskIOData> getDiskIOData() {
+    constexpr std::size_t used = offsetof(kstat_io_t, rtime) + sizeof(kstat_io_t::rtime); // the last of the four fields
+    const KernelStatistics statistics("kstat open failed.");
+    SolarisDiskMap diskMap;
+    std::vector<diskIOData> disks;
+    for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
+        const std::optional<kstat_io_t> counters =
+            isDisk(*record) ? statistics.read<kstat_io_t>(record, used) : std::nullopt;
+        if (!counters) {
+            continue;
+        }
+        diskIOData disk;
+        disk.kstatName = fieldText(record->ks_name);
+        disk.deviceName = diskMap.getDeviceIdFromMap(disk.kstatName);
+        disk.bytesRead = counters->nread;
+        disk.bytesWritten = counters->nwritten;
+        disk.runTime = counters->rtime;
+        disk.waitLastUpdate = counters->wlastupdate;
+        disks.push_back(std::move(disk));
+    }
+    return disks;
+}
+
+std::optional<diskIOData> findDiskIOData(const std::string &name) {
+    const std::string instanceName = getSDxName(name);
+    std::vector<diskIOData> disks = getDiskIOData();
+    const auto found = std::ranges::find(disks, instanceName, &diskIOData::kstatName);
+    if (instanceName.empty() || found == disks.end()) {
+        return std::nullopt;
+    }
+    return std::move(*found);
+}
+
+diskIOData getDiskIOData(const std::string &name) {
+    std::optional<diskIOData> found = findDiskIOData(name);
+    if (!found) {
+        throw DiskIONameNotFound(name);
+    }
+    return *std::move(found);
+}
+
+} // namespace tarn
+
+TARN_EXPORTED_ENTRY jobject JNICALL
+Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getDiskIOInformation(JNIEnv *env, jobject, jstring diskName) {
+    using namespace tarn;
+    return runThrowingEntry(env, [&]() -> jobject {
+        const ResultClass result = GetClassAndMethod(env);
+        const JniString name(env, diskName);
+        const std::optional<diskIOData> data = findDiskIOData(name.utf8());
+        return data ? makeDiskIOInfo(*data, diskName, env, result) : nullptr;
+    });
+}
+
+TARN_EXPORTED_ENTRY jobject JNICALL
+Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateDiskIOInformation(JNIEnv *env, jobject) {
+    using namespace tarn;
+    return runThrowingEntry(env, [&] {
+        const ResultClass result = GetClassAndMethod(env);
+        return enumerateRecords(
+            env, [] { return getDiskIOData(); },
+            [&](const diskIOData &data) { return makeDiskIOInfo(data, env, result); });
+    });
+}

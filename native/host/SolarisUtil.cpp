@@ -1,0 +1,11 @@
+#include "native/host/SolarisUtil.h"
+
+#include "native/host/SolarisDiskMap.h"
+
+namespace tarn {
+
+std::string getSDxName(const std::string &diskName) {
+    return SolarisDiskMap().getSDxNameFromMap(diskName);
+}
+
+} // namespace tarn
