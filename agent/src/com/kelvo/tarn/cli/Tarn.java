@@ -1,6 +1,8 @@
 package com.kelvo.tarn.cli;
 
-import com.kelvo.tarn.cli.commands.TarnOptions;
+import com.kelvo.tarn.cli.commands.ReportCommand;
+import com.kelvo.tarn.cli.frame.BadUsage;
+import com.kelvo.tarn.cli.frame.TarnOptions;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.StandardOutput;
 import com.kelvo.tarn.cli.output.Terminal;
@@ -27,13 +29,13 @@ import picocli.CommandLine;
                    + "it is not empty, keeps trouble on a terminal without colour."})
 public final class Tarn extends TarnOptions {
     /** Each is served by the class of its name: "disk-io" by DiskIoCommand. */
-    private static final List<String> commands = List.of(
+    private static final List<String> COMMANDS = List.of(
         "report", "computer-system", "operating-system", "logical-disks", "processors", "cpu", "disk-io", "disks",
         "partitions", "hba", "hba-test", "array", "authenticate", "build-date", "paths", "disk", "check", "compare",
         "map", "metrics", "record", "help", "completion", "manual");
 
-    /** Those that work on all the others; the report only on those up to the build date, its last section. */
-    private static final Set<String> worksOnAll = Set.of("help", "completion", "manual");
+    /** Those that work on all the others; the report only on its sections. */
+    private static final Set<String> WORKS_ON_ALL = Set.of("help", "completion", "manual");
 
     @Option(names = {"-V", "--version"}, versionHelp = true, description = "Show the version.")
     private boolean version;
@@ -71,10 +73,9 @@ public final class Tarn extends TarnOptions {
 
     /** Adds the commands that are named among the arguments, since each takes time to load; without any, all. */
     private static CommandLine withCommands(CommandLine tarn, List<String> arguments) {
-        boolean all = Collections.disjoint(commands, arguments) || !Collections.disjoint(worksOnAll, arguments);
-        List<String> sections = !arguments.contains("report") ? List.of()
-            : commands.subList(0, commands.indexOf("build-date") + 1);
-        for (String name : commands) {
+        boolean all = Collections.disjoint(COMMANDS, arguments) || !Collections.disjoint(WORKS_ON_ALL, arguments);
+        List<String> sections = !arguments.contains("report") ? List.of() : ReportCommand.SECTIONS;
+        for (String name : COMMANDS) {
             if (all || arguments.contains(name) || sections.contains(name)) {
                 tarn.addSubcommand(name, command(name));
             }
@@ -83,7 +84,7 @@ public final class Tarn extends TarnOptions {
     }
 
     private static Object command(String name) {
-        StringBuilder className = new StringBuilder(TarnOptions.class.getPackageName()).append('.');
+        StringBuilder className = new StringBuilder("com.kelvo.tarn.cli.commands.");
         for (String word : name.split("-")) {
             className.append(Character.toUpperCase(word.charAt(0))).append(word, 1, word.length());
         }

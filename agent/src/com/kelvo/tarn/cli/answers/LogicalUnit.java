@@ -9,9 +9,9 @@ import java.util.Objects;
 import java.util.stream.Collectors;
 import javax.wbem.cim.UnsignedInt;
 
-/** A logical unit of an array with all the ways to it. */
+/** A logical unit of an array with all its paths. */
 public final class LogicalUnit {
-    /** One way: a target mapping, with the ports at both ends. A port that cannot be read leaves its members null. */
+    /** One path: a target mapping, with the ports at both ends. A port that cannot be read leaves its members null. */
     public static class Path {
         /** The far end, as the near one has discovered it. */
         public final transient Fabric.RemotePort remote;
@@ -29,7 +29,7 @@ public final class LogicalUnit {
         public final String remotePort;
         /** The remote port's state, by its CIM number. */
         public final UnsignedInt remotePortState;
-        /** The device that the way is used through. */
+        /** The device that the path is used through. */
         public final String osDeviceName;
         /** The controller's number in device names. */
         public final UnsignedInt scsiBus;
@@ -59,14 +59,14 @@ public final class LogicalUnit {
         }
     }
 
-    /** A way that stands without its unit, and names it. */
-    public static final class Way extends Path {
+    /** A path that stands without its unit, and names it. */
+    public static final class NamedPath extends Path {
         /** The unit's node name. */
         public final String node;
         /** The unit's number as the array exports it. */
         public final UnsignedInt lun;
 
-        private Way(LogicalUnit unit, Path path) {
+        private NamedPath(LogicalUnit unit, Path path) {
             super(path.remote, path.mapping);
             node = unit.node;
             lun = unit.lun;
@@ -91,8 +91,8 @@ public final class LogicalUnit {
     }
 
     /** {@return the paths, each naming the unit} */
-    public List<Way> ways() {
-        return paths.stream().map(path -> new Way(this, path)).collect(Collectors.toList());
+    public List<NamedPath> namedPaths() {
+        return paths.stream().map(path -> new NamedPath(this, path)).collect(Collectors.toList());
     }
 
     /** {@return what it is called, such as "50060e8000c3a2b0 LUN 5"} */

@@ -13,7 +13,7 @@ import javax.wbem.cim.UnsignedInt;
 
 /** Writes what the library returns as JSON: a result class as an object with its fields, in their order. */
 public final class Json {
-    private static final Gson writer = new GsonBuilder().serializeNulls().disableHtmlEscaping().setPrettyPrinting()
+    private static final Gson WRITER = new GsonBuilder().serializeNulls().disableHtmlEscaping().setPrettyPrinting()
         .registerTypeHierarchyAdapter(UnsignedInt.class, (JsonSerializer<UnsignedInt>) (number, type, context) ->
             new JsonPrimitive(number.bigIntegerValue()))
         .registerTypeHierarchyAdapter(TrInstance.class, (JsonSerializer<TrInstance>) (instance, type, context) ->
@@ -31,7 +31,7 @@ public final class Json {
      * @param value what the library returned, or lists and maps of that
      */
     public static String text(Object value) {
-        return writer.toJson(value);
+        return WRITER.toJson(value);
     }
 
     private static JsonObject exception(Throwable thrown) {
