@@ -17,62 +17,31 @@ import java.util.stream.Collectors;
 /** What is wrong with a host. */
 public final class Check {
     /** What may be wrong, in the order of the findings. */
-    public enum Code {
-        /** A native call raised an exception: its message. */
-        SECTION_FAILED,
-        /** Its sizes are not told: the message of the exception, or null. */
-        FILE_SYSTEM_UNREADABLE,
-        /** Its {@link FileSystemUse}. */
-        FILE_SYSTEM_FULL,
-        /** Its state. */
-        PROCESSOR_OFFLINE,
-        /** Its I/O is counted, but it cannot be opened. */
-        DISK_UNREADABLE,
-        /** It has no type. */
-        DISK_UNLABELLED,
-        /** There is no instance. */
-        ADAPTER_UNREADABLE,
-        /** There is no instance. */
-        PORT_UNREADABLE,
-        /** There are no statistics. */
-        STATISTICS_UNREADABLE,
-        /** The port's instance. */
-        PORT_NOT_ONLINE,
-        /** There is no instance. */
-        REMOTE_PORT_UNREADABLE,
-        /** The port's instance. */
-        REMOTE_PORT_NOT_ONLINE,
-        /** The {@link LogicalUnit}. */
-        SINGLE_PATH,
-        /** The line. */
-        LIBRARY_WARNING,
-        /** A list of {@link ArrayReport.Row}, those that count errors. */
-        DRIVE_ERRORS,
-        /** The {@link ArrayReport}. */
-        ARRAY_COUNTERS;
-
-        /** {@return a word for programs} */
-        public String text() {
-            return name().toLowerCase(Locale.ROOT).replace('_', '-');
-        }
+    private enum Code {
+        SECTION_FAILED, FILE_SYSTEM_UNREADABLE, FILE_SYSTEM_FULL, PROCESSOR_OFFLINE, DISK_UNREADABLE, DISK_UNLABELLED,
+        ADAPTER_UNREADABLE, PORT_UNREADABLE, STATISTICS_UNREADABLE, PORT_NOT_ONLINE, REMOTE_PORT_UNREADABLE,
+        REMOTE_PORT_NOT_ONLINE, SINGLE_PATH, LIBRARY_WARNING, DRIVE_ERRORS, ARRAY_COUNTERS
     }
 
     /** One thing that is wrong. */
     public static final class Finding {
         /** "critical" or "warning". */
         public final String severity;
-        /** What is wrong. */
-        public final Code code;
+        /** What is wrong: a word for programs. */
+        public final String code;
         /** What it is wrong with. */
         public final String subject;
-        /** What there is to say of it, as the code has it; null when that is all. */
+        /** What it follows from: a message, a state, an instance or another answer, as the code has it; or null. */
         public final Object fact;
+
+        private final Code order;
 
         private Finding(boolean critical, Code code, String subject, Object fact) {
             severity = critical ? "critical" : "warning";
-            this.code = code;
+            this.code = code.name().toLowerCase(Locale.ROOT).replace('_', '-');
             this.subject = subject;
             this.fact = fact;
+            order = code;
         }
 
         /** {@return whether it is critical, and no warning} */
@@ -88,7 +57,7 @@ public final class Check {
 
     private Check(List<Finding> found) {
         findings = found.stream().sorted(Comparator.comparing((Finding finding) -> !finding.isCritical())
-                                             .thenComparing(finding -> finding.code)).collect(Collectors.toList());
+                                             .thenComparing(finding -> finding.order)).collect(Collectors.toList());
         state = findings.isEmpty() ? "OK" : findings.get(0).isCritical() ? "CRITICAL" : "WARNING";
     }
 

@@ -59,21 +59,13 @@ public final class Counter {
         return isKept() ? Long.toUnsignedString(bits) : null;
     }
 
-    /**
-     * {@return whether it stands lower than before, as after the host was started anew}
-     *
-     * @param before the same counter at an earlier time
-     */
-    public boolean wentBack(Counter before) {
+    /** Whether it stands lower than at an earlier time, as after the host was started anew. */
+    boolean wentBack(Counter before) {
         return !goesRound && Long.compareUnsigned(bits, before.bits) < 0;
     }
 
-    /**
-     * {@return what it grew by; null when it went back, or is not kept at either time}
-     *
-     * @param before the same counter at an earlier time
-     */
-    public Double since(Counter before) {
+    /** What it grew by since an earlier time; null when it went back, or is not kept at either time. */
+    Double since(Counter before) {
         if (!isKept() || !before.isKept() || wentBack(before)) {
             return null;
         }

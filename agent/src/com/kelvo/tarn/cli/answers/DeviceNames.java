@@ -3,19 +3,15 @@ package com.kelvo.tarn.cli.answers;
 import java.util.regex.Pattern;
 
 /** How people name disks and slices. */
-public final class DeviceNames {
+final class DeviceNames {
     private static final Pattern DIRECTORY = Pattern.compile("^/dev/r?dsk/");
     private static final Pattern SLICE = Pattern.compile("s\\d+$");
 
     private DeviceNames() {
     }
 
-    /**
-     * {@return the name without "/dev/dsk/" or "/dev/rdsk/" before it}
-     *
-     * @param name of a disk or a slice
-     */
-    public static String withoutDirectory(String name) {
+    /** The name without "/dev/dsk/" or "/dev/rdsk/" before it. */
+    static String withoutDirectory(String name) {
         return DIRECTORY.matcher(name).replaceFirst("");
     }
 

@@ -29,12 +29,8 @@ public final class PortStates {
             && statuses(port).allMatch(HbaPortProvider.OPERATIONAL_STATUS_OK::equals);
     }
 
-    /**
-     * {@return whether the operational status is an error: link down, or the port says so}
-     *
-     * @param port local or remote
-     */
-    public static boolean isError(TrInstance port) {
+    /** Whether the operational status is an error: link down, or the port says so. */
+    static boolean isError(TrInstance port) {
         return statuses(port).anyMatch(HbaPortProvider.OPERATIONAL_STATUS_ERROR::equals);
     }
 

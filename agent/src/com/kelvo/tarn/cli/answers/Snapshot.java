@@ -15,6 +15,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
+import java.util.function.Consumer;
 
 /** What a host is made of at one time, and its counters. */
 public final class Snapshot {
@@ -52,14 +53,10 @@ public final class Snapshot {
         ask("cpu", found -> library.cpu().forEach(counted -> cpu.put(String.valueOf(counted.cpuId()), counted)));
     }
 
-    private interface Section {
-        void add(Map<String, Map<String, Object>> subjects);
-    }
-
-    private void ask(String command, Section section) {
+    private void ask(String command, Consumer<Map<String, Map<String, Object>>> section) {
         Map<String, Map<String, Object>> subjects = new LinkedHashMap<>();
         try {
-            section.add(subjects);
+            section.accept(subjects);
         } catch (RuntimeException failed) {
             failures.put(command, Objects.toString(failed.getMessage()));
         }

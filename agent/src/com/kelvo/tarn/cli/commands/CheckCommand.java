@@ -6,12 +6,11 @@ import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.ArrayOption;
 import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.FindingWords;
+import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
-import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
-import java.util.Map;
 import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
@@ -48,19 +47,9 @@ public final class CheckCommand extends TableCommand {
     }
 
     private static Object result(Check check) {
-        Map<String, Object> result = new LinkedHashMap<>();
-        result.put("state", check.state);
-        result.put("findings", check.findings.stream().map(CheckCommand::result).collect(Collectors.toList()));
-        return result;
-    }
-
-    private static Object result(Check.Finding finding) {
-        Map<String, Object> members = new LinkedHashMap<>();
-        members.put("severity", finding.severity);
-        members.put("code", finding.code.text());
-        members.put("subject", finding.subject);
-        members.put("message", FindingWords.message(finding));
-        return members;
+        return Json.object("state", check.state, "findings", check.findings.stream().map(finding -> Json.object(
+            "severity", finding.severity, "code", finding.code, "subject", finding.subject,
+            "message", FindingWords.message(finding))).collect(Collectors.toList()));
     }
 
     private static void show(Check check, Page out) {
@@ -70,12 +59,12 @@ public final class CheckCommand extends TableCommand {
                             check.findings.size() - criticals)));
         check.findings.forEach(finding -> out.printFolded("", " ".repeat(13), String.format(
             Locale.ROOT, "%-11s  %-22s  %s: %s", (finding.isCritical() ? Page.TROUBLE : "   ") + finding.severity,
-            finding.code.text(), finding.subject, FindingWords.message(finding))));
+            finding.code, finding.subject, FindingWords.message(finding))));
     }
 
     private static Table<?> table(Check check) {
         return new Table<>(check.findings).text("Severity", finding -> finding.severity)
-            .text("Code", finding -> finding.code.text()).text("Subject", finding -> finding.subject)
+            .text("Code", finding -> finding.code).text("Subject", finding -> finding.subject)
             .text("Message", FindingWords::message);
     }
 }

@@ -6,17 +6,15 @@ import com.kelvo.tarn.cli.answers.Rates;
 import com.kelvo.tarn.cli.answers.Snapshot;
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.TableCommand;
+import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.PortWords;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
 import java.io.File;
-import java.util.ArrayList;
-import java.util.LinkedHashMap;
-import java.util.List;
 import java.util.Locale;
-import java.util.Map;
 import java.util.function.Function;
+import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
@@ -54,22 +52,14 @@ public final class CompareCommand extends TableCommand {
     }
 
     private static Object result(Comparison comparison) {
-        List<Object> changes = new ArrayList<>();
-        for (Comparison.Change change : comparison.changes) {
-            Map<String, Object> members = new LinkedHashMap<>();
-            members.put("subject", change.subject);
-            members.put("change", change.change);
-            if (change.property != null) {
-                members.put("property", change.property);
-                members.put("was", change.was);
-                members.put("is", change.is);
-            }
-            changes.add(members);
-        }
-        Map<String, Object> result = new LinkedHashMap<>();
-        result.put("changes", changes);
-        result.put("rates", comparison.rates);
-        return result;
+        return Json.object("changes", comparison.changes.stream().map(CompareCommand::result)
+            .collect(Collectors.toList()), "rates", comparison.rates);
+    }
+
+    private static Object result(Comparison.Change change) {
+        return change.property == null ? Json.object("subject", change.subject, "change", change.change)
+            : Json.object("subject", change.subject, "change", change.change, "property", change.property,
+                          "was", change.was, "is", change.is);
     }
 
     private static Table<?> table(Comparison comparison) {

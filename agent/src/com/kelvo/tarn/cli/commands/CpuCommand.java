@@ -35,7 +35,7 @@ public final class CpuCommand extends TableCommand {
 
     private static void ticks(Table<SolarisCpuUtilizationData> table, String heading,
                               Function<SolarisCpuUtilizationData, Long> ticks) {
-        table.number(heading, data -> ticks.apply(data) == -1 ? null : Counter.of32(ticks.apply(data)).value());
+        table.number(heading, data -> ticks.apply(data) == -1 ? null : unsigned(ticks.apply(data)));
         table.reading(data -> Units.percent(
             unsigned(ticks.apply(data)),
             unsigned(data.userTicks()) + unsigned(data.kernelTicks()) + unsigned(data.waitTicks())
@@ -44,6 +44,6 @@ public final class CpuCommand extends TableCommand {
 
     /** What the kernel counted, the sign undone. */
     private static long unsigned(long ticks) {
-        return Integer.toUnsignedLong((int) ticks);
+        return Counter.of32(ticks).value().longValue();
     }
 }

@@ -54,12 +54,8 @@ public final class Answer {
         return answer;
     }
 
-    /**
-     * {@return an answer for other programs, which is printed as it is}
-     *
-     * @param text the answer; null prints nothing
-     */
-    public static Answer text(String text) {
+    /** An answer for other programs, which is printed as it is; null prints nothing. */
+    static Answer text(String text) {
         Answer answer = new Answer(text, null, null);
         answer.page = out -> out.print(text == null ? "" : text);
         return answer;

@@ -5,9 +5,7 @@ import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.PrintWriter;
-import java.util.LinkedHashMap;
 import java.util.List;
-import java.util.Map;
 import java.util.concurrent.Callable;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParameterException;
@@ -74,11 +72,7 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
         PrintWriter out = spec.commandLine().getOut();
         PrintWriter err = spec.commandLine().getErr();
         if (tarn.json()) {
-            Map<String, Object> document = new LinkedHashMap<>();
-            document.put("result", answer.result);
-            document.put("log", log);
-            document.put("exception", answer.thrown);
-            out.println(Json.text(document));
+            out.println(Json.text(Json.object("result", answer.result, "log", log, "exception", answer.thrown)));
             return status;
         }
         if (answer.complaint == null) {

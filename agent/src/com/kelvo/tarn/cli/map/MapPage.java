@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.map;
 
 import com.google.gson.Gson;
+import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.IOException;
 import java.io.InputStream;
@@ -91,17 +92,14 @@ final class MapPage {
     private static String data(Topology topology) {
         List<Map<String, Object>> things = new ArrayList<>();
         for (Topology.Node node : topology.nodes.values()) {
-            Map<String, Object> thing = new LinkedHashMap<>();
-            thing.put("name", Page.printable(node.name));
-            thing.put("state", name(node.state));
-            thing.put("reasons", node.reasons.stream().map(Page::printable).collect(Collectors.toList()));
             Map<String, String> facts = new LinkedHashMap<>();
             node.facts.forEach((label, value) -> facts.put(label, Page.printable(value)));
-            thing.put("facts", facts);
-            thing.put("text", Page.printable(node.title + " " + String.join(" ", node.lines)));
-            things.add(thing);
+            things.add(Json.object(
+                "name", Page.printable(node.name), "state", name(node.state),
+                "reasons", node.reasons.stream().map(Page::printable).collect(Collectors.toList()), "facts", facts,
+                "text", Page.printable(node.title + " " + String.join(" ", node.lines))));
         }
-        return new Gson().toJson(Map.of( // which escapes what would end the element
+        return new Gson().toJson(Json.object( // which escapes what would end the element
             "things", things,
             "lines", topology.edges.stream().map(edge -> List.of(edge.from.number, edge.to.number))
                 .collect(Collectors.toList()),

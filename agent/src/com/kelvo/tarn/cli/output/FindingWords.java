@@ -21,28 +21,28 @@ public final class FindingWords {
      */
     public static String message(Check.Finding finding) {
         switch (finding.code) {
-            case FILE_SYSTEM_UNREADABLE:
+            case "file-system-unreadable":
                 return finding.fact == null ? "the system does not tell its sizes" : finding.fact.toString();
-            case FILE_SYSTEM_FULL:
+            case "file-system-full":
                 return full((FileSystemUse) finding.fact);
-            case PROCESSOR_OFFLINE:
+            case "processor-offline":
                 return "its state is " + finding.fact;
-            case DISK_UNREADABLE:
+            case "disk-unreadable":
                 return "it has I/O counters, but cannot be opened";
-            case DISK_UNLABELLED:
+            case "disk-unlabelled":
                 return "its geometry or its label cannot be read";
-            case STATISTICS_UNREADABLE:
+            case "statistics-unreadable":
                 return "its counters cannot be read";
-            case PORT_NOT_ONLINE:
-            case REMOTE_PORT_NOT_ONLINE:
+            case "port-not-online":
+            case "remote-port-not-online":
                 return PortWords.of((TrInstance) finding.fact, HbaPortProvider.portState);
-            case SINGLE_PATH:
+            case "single-path":
                 LogicalUnit unit = (LogicalUnit) finding.fact;
                 return unit.onlinePaths() + " of " + unit.paths.size() + " paths online";
-            case DRIVE_ERRORS:
+            case "drive-errors":
                 return ((List<?>) finding.fact).stream().map(row -> errors((ArrayReport.Row) row))
                     .collect(Collectors.joining("; "));
-            case ARRAY_COUNTERS:
+            case "array-counters":
                 return ((ArrayReport) finding.fact).isNotCounting()
                     ? "its controllers count no blocks, and were just told to (LOG SELECT)"
                     : "no controller of that identity reported a drive";

@@ -9,6 +9,8 @@ import com.google.gson.JsonSerializationContext;
 import com.google.gson.JsonSerializer;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import java.util.LinkedHashMap;
+import java.util.Map;
 import javax.wbem.cim.UnsignedInt;
 
 /** Writes what the library returns as JSON: a result class as an object with its fields, in their order. */
@@ -32,6 +34,19 @@ public final class Json {
      */
     public static String text(Object value) {
         return WRITER.toJson(value);
+    }
+
+    /**
+     * {@return an object with these members}
+     *
+     * @param members pairs of a name and a value
+     */
+    public static Map<String, Object> object(Object... members) {
+        Map<String, Object> object = new LinkedHashMap<>();
+        for (int i = 0; i < members.length; i += 2) {
+            object.put((String) members[i], members[i + 1]);
+        }
+        return object;
     }
 
     private static JsonObject exception(Throwable thrown) {

@@ -92,11 +92,7 @@ public final class Page extends PrintWriter {
      * @param text any
      */
     public static String printable(String text) {
-        int plainLength = 0;
-        while (plainLength < text.length() && !Character.isISOControl(text.charAt(plainLength))) {
-            plainLength++;
-        }
-        if (plainLength == text.length()) {
+        if (text.chars().noneMatch(Character::isISOControl)) {
             return text;
         }
         StringBuilder shown = new StringBuilder();

@@ -83,12 +83,8 @@ public final class PortWords {
         return state == null ? "state unknown" : value("portState", state);
     }
 
-    /**
-     * {@return what is counted, such as "link failures"}
-     *
-     * @param error which
-     */
-    public static String errors(PortError error) {
+    /** What is counted, such as "link failures". */
+    static String errors(PortError error) {
         return ERRORS.get(error);
     }
 }

@@ -138,11 +138,6 @@ public final class Table<R> {
         return this;
     }
 
-    /** {@return whether there are no rows} */
-    public boolean isEmpty() {
-        return rows.isEmpty();
-    }
-
     /**
      * Prints it for people: as many of the columns as the page is wide enough for.
      *
@@ -151,13 +146,8 @@ public final class Table<R> {
     public void print(Page out) {
         List<List<String>> lines = new ArrayList<>();
         lines.add(columns.stream().map(column -> column.heading).collect(Collectors.toList()));
-        for (R row : rows) {
-            List<String> line = new ArrayList<>(columns.size());
-            for (Column<R> column : columns) {
-                line.add(shown(column, row));
-            }
-            lines.add(line);
-        }
+        rows.forEach(row -> lines.add(
+            columns.stream().map(column -> shown(column, row)).collect(Collectors.toList())));
         int[] widths = new int[columns.size()];
         for (List<String> line : lines) {
             for (int i = 0; i < widths.length; i++) {
@@ -170,12 +160,8 @@ public final class Table<R> {
             text.setLength(0);
             for (int i = 0; i < fitting; i++) {
                 String cell = line.get(i);
-                boolean right = columns.get(i).right;
-                text.append(right ? "" : cell);
-                for (int blanks = widths[i] - cell.length(); blanks > 0; blanks--) {
-                    text.append(' ');
-                }
-                text.append(right ? cell : "").append("  ");
+                String blanks = " ".repeat(widths[i] - cell.length());
+                text.append(columns.get(i).right ? blanks + cell : cell + blanks).append("  ");
             }
             out.println(text.toString().stripTrailing());
         }
