@@ -15,13 +15,14 @@ import java.util.Collections;
 import java.util.List;
 import java.util.Set;
 import picocli.CommandLine.Command;
+import picocli.CommandLine.IVersionProvider;
 import picocli.CommandLine.Option;
 import picocli.CommandLine;
 
 /** The command line: what the library tells of a host, for people or for programs. */
 @Command(name = "tarn", synopsisSubcommandLabel = "COMMAND",
          description = "Shows what the native library tells of a host.",
-         versionProvider = Version.class,
+         versionProvider = Tarn.Version.class,
          footer = {"", "Exit status: 0 done; 1 the library raised an exception, or what was asked for is not there; "
                    + "2 bad usage, an unreadable host description, or a result that cannot be written; 3 the password "
                    + "is not that user's. check and compare have their own.",
@@ -39,6 +40,14 @@ public final class Tarn extends TarnOptions {
 
     @Option(names = {"-V", "--version"}, versionHelp = true, description = "Show the version.")
     private boolean version;
+
+    /** The version, as the jar's manifest has it. */
+    static final class Version implements IVersionProvider {
+        @Override
+        public String[] getVersion() {
+            return new String[] {"tarn " + Tarn.class.getPackage().getImplementationVersion()};
+        }
+    }
 
     /**
      * Runs one command, and ends the virtual machine with its exit status, above the property tarn.statusBase where that

@@ -61,11 +61,6 @@ public final class Check {
         state = findings.isEmpty() ? "OK" : findings.get(0).isCritical() ? "CRITICAL" : "WARNING";
     }
 
-    /** {@return how many findings are critical} */
-    public long criticals() {
-        return findings.stream().filter(Finding::isCritical).count();
-    }
-
     /**
      * Asks the host.
      *
@@ -175,8 +170,7 @@ public final class Check {
                     warn(Code.REMOTE_PORT_NOT_ONLINE, remote.place(), remote.instance);
                 }
             });
-            Paths paths = new Paths(fabric);
-            paths.units.stream().filter(paths::lacksPaths).forEach(
+            new Paths(fabric).units.stream().filter(LogicalUnit::lacksPaths).forEach(
                 unit -> warn(Code.SINGLE_PATH, unit.place(), unit));
         }
 

@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.answers;
 
-import com.google.gson.stream.JsonReader;
+import com.google.gson.Gson;
+import com.google.gson.JsonParseException;
 import com.kelvo.tarn.InstanceReceiver;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrNamespace;
@@ -20,6 +21,7 @@ import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformati
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import com.kelvo.tarn.replay.ReplayHost;
 import java.io.IOException;
+import java.io.Reader;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.time.DateTimeException;
@@ -30,6 +32,10 @@ import java.util.function.Consumer;
 
 /** The one door to the native calls. The log lines are named after the disk that they are about. */
 public final class Library {
+    private static final class Description {
+        private String recordedAt;
+    }
+
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
     private String description;
@@ -67,16 +73,10 @@ public final class Library {
         if (description == null) {
             return null;
         }
-        try (JsonReader reader = new JsonReader(Files.newBufferedReader(Path.of(description)))) {
-            reader.beginObject();
-            while (reader.hasNext()) {
-                if (reader.nextName().equals("recordedAt")) {
-                    return Instant.parse(reader.nextString());
-                }
-                reader.skipValue();
-            }
-            return null;
-        } catch (IOException | IllegalStateException | DateTimeException unknown) {
+        try (Reader in = Files.newBufferedReader(Path.of(description))) {
+            String told = new Gson().fromJson(in, Description.class).recordedAt;
+            return told == null ? null : Instant.parse(told);
+        } catch (IOException | JsonParseException | DateTimeException unknown) {
             return null;
         }
     }

@@ -80,14 +80,23 @@ public final class LogicalUnit {
     /** In the order of the library's walk. */
     public final List<Path> paths = new ArrayList<>();
 
-    LogicalUnit(Fabric.RemotePort remote, TrInstance mapping) {
+    /** Whether the host has the ports for two paths. */
+    private final transient boolean mayHaveTwo;
+
+    LogicalUnit(Fabric.RemotePort remote, TrInstance mapping, boolean mayHaveTwo) {
         node = Objects.requireNonNullElse(Instances.value(remote.instance, HbaPortProvider.nodeWWN), "");
         lun = Instances.number(mapping, TargetMappingProvider.exportedLUN);
+        this.mayHaveTwo = mayHaveTwo;
     }
 
     /** {@return how many paths have both ends online} */
     public long onlinePaths() {
         return paths.stream().filter(Path::isOnline).count();
+    }
+
+    /** {@return whether less than two paths are online, on a host with the ports to have two} */
+    public boolean lacksPaths() {
+        return mayHaveTwo && onlinePaths() < 2;
     }
 
     /** {@return the paths, each naming the unit} */

@@ -62,15 +62,6 @@ public final class OneDisk {
     }
 
     /**
-     * {@return whether a unit has less than two paths online, on a host with the ports to have two}
-     *
-     * @param unit one of its units
-     */
-    public boolean lacksPaths(LogicalUnit unit) {
-        return host.paths.lacksPaths(unit);
-    }
-
-    /**
      * Finds a disk by its own name, a slice's or an instance's, with or without "/dev/dsk/" or "/dev/rdsk/", or the
      * mount point of a file system on it.
      *

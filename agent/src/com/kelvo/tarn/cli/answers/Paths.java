@@ -13,7 +13,6 @@ public final class Paths {
 
     /** By node name, then by number. */
     public final List<LogicalUnit> units;
-    private final boolean onePathIsTrouble;
 
     /**
      * Sorts what is seen by logical unit.
@@ -21,25 +20,16 @@ public final class Paths {
      * @param fabric what is seen
      */
     public Paths(Fabric fabric) {
+        boolean hasTwoPorts = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
         TreeMap<LogicalUnit, LogicalUnit> found = new TreeMap<>(ORDER);
         fabric.remotePorts().forEach(remote -> {
             for (TrInstance mapping : remote.mappings) {
                 if (mapping != null) {
-                    LogicalUnit unit = new LogicalUnit(remote, mapping);
+                    LogicalUnit unit = new LogicalUnit(remote, mapping, hasTwoPorts);
                     found.computeIfAbsent(unit, added -> added).paths.add(new LogicalUnit.Path(remote, mapping));
                 }
             }
         });
         units = new ArrayList<>(found.values());
-        onePathIsTrouble = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
-    }
-
-    /**
-     * {@return whether less than two paths to the unit are online, on a host with the ports to have two}
-     *
-     * @param unit one of these
-     */
-    public boolean lacksPaths(LogicalUnit unit) {
-        return onePathIsTrouble && unit.onlinePaths() < 2;
     }
 }

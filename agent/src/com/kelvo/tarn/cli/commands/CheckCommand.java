@@ -53,7 +53,7 @@ public final class CheckCommand extends TableCommand {
     }
 
     private static void show(Check check, Page out) {
-        long criticals = check.criticals();
+        long criticals = check.findings.stream().filter(Check.Finding::isCritical).count();
         out.println("TARN " + check.state + " - " + (check.findings.isEmpty() ? "nothing found"
             : String.format(Locale.ROOT, "%d findings: %d critical, %d warnings", check.findings.size(), criticals,
                             check.findings.size() - criticals)));

@@ -3,7 +3,6 @@ package com.kelvo.tarn.cli.commands;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.Instances;
-import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.kelvo.tarn.cli.answers.OneDisk;
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.InquiryCommand;
@@ -30,7 +29,8 @@ public final class DiskCommand extends InquiryCommand {
     public Answer ask() {
         OneDisk disk = OneDisk.find(name, library());
         return disk == null ? Answer.missing("no disk " + name)
-            : Answer.page(disk, out -> show(disk, out)).withLog(line -> isToThePoint(line, disk));
+            : Answer.page(disk, out -> show(disk, out))
+                .withLog(line -> line.subject().isEmpty() || line.subject().equals(disk.name)); // not of other disks
     }
 
     private static void show(OneDisk disk, Page out) {
@@ -57,13 +57,8 @@ public final class DiskCommand extends InquiryCommand {
         }
         disk.units.forEach(unit -> {
             out.println();
-            PathsCommand.tree(unit, disk.lacksPaths(unit), disk::diskOf).print(out);
+            PathsCommand.tree(unit, disk::diskOf).print(out);
         });
-    }
-
-    /** What the library says of other disks is not asked for. */
-    private static boolean isToThePoint(LibraryLog.Line line, OneDisk disk) {
-        return line.subject().isEmpty() || line.subject().equals(disk.name);
     }
 
     private static String drive(OneDisk disk) {

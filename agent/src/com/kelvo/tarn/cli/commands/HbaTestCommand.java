@@ -13,7 +13,9 @@ public final class HbaTestCommand extends InquiryCommand {
     @Override
     public Answer ask() {
         List<String> lines = library().hbaTest();
-        return Answer.page(lines, out -> show(lines, out)).summarizedAs(out -> show(headlines(lines), out));
+        return Answer.page(lines, out -> show(lines, out)).summarizedAs(out -> show(
+            // The adapters, and what failed: all lines that are not details of the one before.
+            lines.stream().filter(line -> !line.startsWith(" ")).collect(Collectors.toList()), out));
     }
 
     private static void show(List<String> lines, Page out) {
@@ -21,10 +23,5 @@ public final class HbaTestCommand extends InquiryCommand {
         if (lines.isEmpty()) {
             out.println("no host bus adapters");
         }
-    }
-
-    /** The adapters, and what failed: all lines that are not details of the one before. */
-    private static List<String> headlines(List<String> lines) {
-        return lines.stream().filter(line -> !line.startsWith(" ")).collect(Collectors.toList());
     }
 }

@@ -36,15 +36,15 @@ public final class PathsCommand extends TableCommand {
             if (paths.units.isEmpty()) {
                 out.println("no logical units behind Fibre Channel");
             }
-            paths.units.forEach(unit -> tree(unit, paths.lacksPaths(unit), path -> path.osDeviceName).print(out));
+            paths.units.forEach(unit -> tree(unit, path -> path.osDeviceName).print(out));
             names.explainDeviceNames(fabric, out);
         });
     }
 
     /** A unit with its paths, marked when it lacks any. */
-    static Tree tree(LogicalUnit unit, boolean lacksPaths, Function<LogicalUnit.Path, String> device) {
+    static Tree tree(LogicalUnit unit, Function<LogicalUnit.Path, String> device) {
         Tree tree = new Tree(known(unit.node, "unknown array") + " LUN " + unit.lun
-                             + (!lacksPaths ? ""
+                             + (!unit.lacksPaths() ? ""
                              : ": " + Page.TROUBLE + (unit.onlinePaths() == 1 ? "ONE" : "NO") + " PATH LEFT"));
         for (LogicalUnit.Path path : unit.paths) {
             tree.add(new Tree(String.format(

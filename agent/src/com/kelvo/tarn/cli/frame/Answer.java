@@ -20,10 +20,13 @@ public final class Answer {
     /** What people are told in place of a page, or null. */
     final String complaint;
     private int status;
-    private Consumer<PrintWriter> page = out -> { };
+    /** Writes the answer. */
+    Consumer<PrintWriter> page = out -> { };
     private Consumer<Page> summary = out -> { };
-    private Supplier<Table<?>> table;
-    private Predicate<LibraryLog.Line> shownLog = line -> true;
+    /** Null when it is no table. */
+    Supplier<Table<?>> table;
+    /** Which lines of the library's log people are shown beside it. */
+    Predicate<LibraryLog.Line> shownLog = line -> true;
 
     private Answer(Object result, Throwable thrown, String complaint) {
         this.result = result;
@@ -170,17 +173,5 @@ public final class Answer {
      */
     public void summarize(Page out) {
         summary.accept(out);
-    }
-
-    boolean shows(LibraryLog.Line line) {
-        return shownLog.test(line);
-    }
-
-    void print(PrintWriter out) {
-        page.accept(out);
-    }
-
-    void printCsv(PrintWriter out) {
-        table.get().printCsv(out);
     }
 }

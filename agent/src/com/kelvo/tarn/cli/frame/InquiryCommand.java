@@ -77,13 +77,13 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
         }
         if (answer.complaint == null) {
             if (tarn.csv()) {
-                answer.printCsv(out);
+                answer.table.get().printCsv(out);
             } else {
-                answer.print(out);
+                answer.page.accept(out);
             }
             out.flush();
         }
-        log.stream().filter(answer::shows).map(line -> line.level + ": " + line.text()).distinct()
+        log.stream().filter(answer.shownLog).map(line -> line.level + ": " + line.text()).distinct()
             .forEach(err::println);
         if (answer.complaint != null) {
             Page.complain(err, answer.complaint);

@@ -51,10 +51,6 @@ final class Grouping {
         boolean hasNoUnits() {
             return views.stream().allMatch(view -> view.mappings.isEmpty());
         }
-
-        private List<Fabric.Port> seers() {
-            return views.stream().map(view -> view.port).collect(Collectors.toList());
-        }
     }
 
     private final Paths paths;
@@ -87,17 +83,17 @@ final class Grouping {
             remote.views.stream().flatMap(view -> findings.getOrDefault(view.place(), List.of()).stream()).distinct()
                 .collect(Collectors.toList()), remote.hasNoUnits());
         return apart ? oneByOne(remotes)
-            : boxes(remotes, remote -> List.of(looks.apply(remote), remote.seers()), looks, FEW_BOXES);
+            : boxes(remotes, remote -> List.of(looks.apply(remote), remote.views.stream().map(view -> view.port)
+                        .collect(Collectors.toList())), looks, FEW_BOXES);
     }
 
     /** The logical units of each box, by how they do and by what is drawn of their paths so far. */
     List<List<LogicalUnit>> units(Function<LogicalUnit, Object> drawn) {
         int few = paths.units.size() <= FEW_UNITS && eachPath ? FEW_OF_ARRAY : FEW_OF_ARRAY_OF_MANY;
-        Function<LogicalUnit, Object> looks = unit -> Wording.remark(unit, paths);
         List<List<LogicalUnit>> boxes = new ArrayList<>();
         for (List<LogicalUnit> units : lots(paths.units, unit -> apart ? unit.node : "")) {
             boxes.addAll(all || units.size() <= few ? oneByOne(units)
-                : boxes(units, unit -> List.of(looks.apply(unit), drawn.apply(unit)), looks,
+                : boxes(units, unit -> List.of(Wording.remark(unit), drawn.apply(unit)), Wording::remark,
                         apart ? FEW_BOXES_OF_ARRAY : FEW_BOXES));
         }
         return boxes;

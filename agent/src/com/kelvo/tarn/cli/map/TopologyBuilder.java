@@ -144,11 +144,11 @@ public final class TopologyBuilder {
     /** Draws logical units that share a box, and writes their rows. */
     private void drawUnits(List<LogicalUnit> units) {
         LogicalUnit first = units.get(0);
-        String remark = Wording.remark(first, paths);
+        String remark = Wording.remark(first);
         Node box = topology.node(Kind.UNIT, Wording.name(units), Wording.title(units),
                                  grouping.apart ? Wording.group(first.node) : "");
         Wording.describeUnits(box, units);
-        if (paths.lacksPaths(first)) {
+        if (first.lacksPaths()) {
             box.is(first.onlinePaths() == 1 ? State.ONE_PATH : State.TROUBLE, remark);
         }
         Map<Node, List<LogicalUnit.Path>> carried = new LinkedHashMap<>();

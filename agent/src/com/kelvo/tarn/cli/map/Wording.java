@@ -4,7 +4,6 @@ import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
-import com.kelvo.tarn.cli.answers.Paths;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.cli.map.Topology.Node;
 import com.kelvo.tarn.cli.output.PortWords;
@@ -101,8 +100,8 @@ final class Wording {
     }
 
     /** What is to be remarked on a unit; mostly nothing. */
-    static String remark(LogicalUnit unit, Paths paths) {
-        return !paths.lacksPaths(unit) ? ""
+    static String remark(LogicalUnit unit) {
+        return !unit.lacksPaths() ? ""
             : (unit.onlinePaths() == 1 ? "one path left" : "no path left")
                 + (unit.paths.size() == 1 ? "" : " of " + unit.paths.size());
     }

@@ -7,10 +7,31 @@ import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import java.util.List;
+import java.util.Map;
+import java.util.Objects;
+import java.util.function.Function;
 import java.util.stream.Collectors;
 
 /** What a check found, in words. */
 public final class FindingWords {
+    /** By the finding's code, of its fact; of any other, the fact itself is the words. */
+    private static final Map<String, Function<Object, String>> WORDS = Map.ofEntries(
+        Map.entry("file-system-unreadable", message -> Objects.toString(message, "the system does not tell its sizes")),
+        Map.entry("file-system-full", use -> full((FileSystemUse) use)),
+        Map.entry("processor-offline", state -> "its state is " + state),
+        Map.entry("disk-unreadable", none -> "it has I/O counters, but cannot be opened"),
+        Map.entry("disk-unlabelled", none -> "its geometry or its label cannot be read"),
+        Map.entry("statistics-unreadable", none -> "its counters cannot be read"),
+        Map.entry("port-not-online", port -> PortWords.of((TrInstance) port, HbaPortProvider.portState)),
+        Map.entry("remote-port-not-online", port -> PortWords.of((TrInstance) port, HbaPortProvider.portState)),
+        Map.entry("single-path", unit -> ((LogicalUnit) unit).onlinePaths() + " of " + ((LogicalUnit) unit).paths.size()
+                      + " paths online"),
+        Map.entry("drive-errors", rows -> ((List<?>) rows).stream().map(row -> errors((ArrayReport.Row) row))
+                      .collect(Collectors.joining("; "))),
+        Map.entry("array-counters", report -> ((ArrayReport) report).isNotCounting()
+            ? "its controllers count no blocks, and were just told to (LOG SELECT)"
+            : "no controller of that identity reported a drive"));
+
     private FindingWords() {
     }
 
@@ -20,35 +41,8 @@ public final class FindingWords {
      * @param finding of any kind
      */
     public static String message(Check.Finding finding) {
-        switch (finding.code) {
-            case "file-system-unreadable":
-                return finding.fact == null ? "the system does not tell its sizes" : finding.fact.toString();
-            case "file-system-full":
-                return full((FileSystemUse) finding.fact);
-            case "processor-offline":
-                return "its state is " + finding.fact;
-            case "disk-unreadable":
-                return "it has I/O counters, but cannot be opened";
-            case "disk-unlabelled":
-                return "its geometry or its label cannot be read";
-            case "statistics-unreadable":
-                return "its counters cannot be read";
-            case "port-not-online":
-            case "remote-port-not-online":
-                return PortWords.of((TrInstance) finding.fact, HbaPortProvider.portState);
-            case "single-path":
-                LogicalUnit unit = (LogicalUnit) finding.fact;
-                return unit.onlinePaths() + " of " + unit.paths.size() + " paths online";
-            case "drive-errors":
-                return ((List<?>) finding.fact).stream().map(row -> errors((ArrayReport.Row) row))
-                    .collect(Collectors.joining("; "));
-            case "array-counters":
-                return ((ArrayReport) finding.fact).isNotCounting()
-                    ? "its controllers count no blocks, and were just told to (LOG SELECT)"
-                    : "no controller of that identity reported a drive";
-            default:
-                return finding.fact == null ? "it cannot be read" : finding.fact.toString();
-        }
+        return WORDS.getOrDefault(finding.code, fact -> Objects.toString(fact, "it cannot be read"))
+            .apply(finding.fact);
     }
 
     private static String full(FileSystemUse use) {

@@ -40,7 +40,7 @@ public final class HbaTree {
     }
 
     private static Tree port(Fabric.Port port, boolean brief) {
-        String label = label("Port", port.index, port.instance, HbaTree::port);
+        String label = label("Port", port.index, port.instance, found -> port(found, ""));
         if (!port.recorded) {
             return new Tree(label);
         }
@@ -80,10 +80,6 @@ public final class HbaTree {
             labelled("firmware ", adapter, HostBusAdapterProvider.firmwareVersion),
             labelled("driver ", adapter, HostBusAdapterProvider.driverVersion),
             labelled("WWN ", adapter, HostBusAdapterProvider.name));
-    }
-
-    private static String port(TrInstance port) {
-        return port(port, "");
     }
 
     /** With the node's name, which the ports of one array have in common. */
