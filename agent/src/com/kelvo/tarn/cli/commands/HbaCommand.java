@@ -20,11 +20,11 @@ public final class HbaCommand extends InquiryCommand {
     public Answer ask() {
         HbaOptions names = options.and(tarn().hba());
         HbaCache.Hba[] adapters = names.fill(library());
-        Fabric fabric = new Fabric(adapters);
         return Answer.page(adapters, out -> {
+            Fabric fabric = new Fabric(adapters);
             print(fabric, false, out);
             names.explainDeviceNames(fabric, out);
-        }).summarizedAs(out -> print(fabric, true, out));
+        }).summarizedAs(out -> print(new Fabric(adapters), true, out));
     }
 
     private static void print(Fabric fabric, boolean brief, Page out) {
