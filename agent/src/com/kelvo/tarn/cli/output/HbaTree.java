@@ -32,7 +32,12 @@ public final class HbaTree {
     private HbaTree() {
     }
 
-    /** In brief, a port's remote ports are counted, and only those in trouble are drawn. */
+    /**
+     * {@return an adapter with all that it sees}
+     *
+     * @param adapter what is drawn
+     * @param brief whether a port's remote ports are counted, and only those in trouble drawn
+     */
     public static Tree of(Fabric.Adapter adapter, boolean brief) {
         Tree tree = new Tree(label("Adapter", adapter.index, adapter.instance, HbaTree::adapter));
         adapter.ports.forEach(port -> tree.add(port(port, brief)));
