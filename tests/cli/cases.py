@@ -97,7 +97,7 @@ def file_system(*sizes):
     """A host with one, of these numbers of bytes a block, blocks, free and available ones; none: they are not told."""
     names = ("f_frsize", "f_blocks", "f_bfree", "f_bavail")
     return {"mnttab": ["d\t/u\tufs\trw\t1"],
-            "statvfs": {"/u": {"f_bsize": 8192, **dict(zip(names, sizes))}} if sizes else {}}
+            "statvfs": {"/u": {"f_bsize": sizes[0], **dict(zip(names, sizes))}} if sizes else {}}
 
 
 def ports(*states):
