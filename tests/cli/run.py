@@ -20,6 +20,9 @@ from pathlib import Path
 import questions
 from cases import ANY, CASES, HOSTS, PASSWORD, RICH, ROOT, Case
 
+sys.path.append(str(Path(__file__).parents[1]))
+import verdict
+
 TARN = SCRATCH = None  # the command, and where the descriptions are written
 
 
