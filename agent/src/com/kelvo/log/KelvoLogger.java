@@ -7,7 +7,7 @@ import org.apache.log4j.Logger;
 
 /** The agent's loggers. log4j takes a quarter of a second to start, so it does not until there is a line to log. */
 public final class KelvoLogger {
-    private static final List<Appender> waiting = new ArrayList<>();
+    private static final List<Appender> WAITING = new ArrayList<>();
     private static Logger agent;
 
     private KelvoLogger() {
@@ -22,7 +22,7 @@ public final class KelvoLogger {
         if (agent != null) {
             agent.addAppender(appender);
         } else {
-            waiting.add(appender);
+            WAITING.add(appender);
         }
     }
 
@@ -34,7 +34,7 @@ public final class KelvoLogger {
     public static synchronized Logger of(Class<?> source) {
         if (agent == null) {
             agent = Logger.getLogger("com.kelvo");
-            waiting.forEach(agent::addAppender);
+            WAITING.forEach(agent::addAppender);
         }
         return Logger.getLogger(source);
     }

@@ -1,6 +1,8 @@
 package com.kelvo.tarn.cli;
 
-import com.kelvo.tarn.cli.commands.TarnOptions;
+import com.kelvo.tarn.cli.commands.ReportCommand;
+import com.kelvo.tarn.cli.frame.BadUsage;
+import com.kelvo.tarn.cli.frame.TarnOptions;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.StandardOutput;
 import com.kelvo.tarn.cli.output.Terminal;
@@ -13,13 +15,14 @@ import java.util.Collections;
 import java.util.List;
 import java.util.Set;
 import picocli.CommandLine.Command;
+import picocli.CommandLine.IVersionProvider;
 import picocli.CommandLine.Option;
 import picocli.CommandLine;
 
 /** The command line: what the library tells of a host, for people or for programs. */
 @Command(name = "tarn", synopsisSubcommandLabel = "COMMAND",
          description = "Shows what the native library tells of a host.",
-         versionProvider = Version.class,
+         versionProvider = Tarn.Version.class,
          footer = {"", "Exit status: 0 done; 1 the library raised an exception, or what was asked for is not there; "
                    + "2 bad usage, an unreadable host description, or a result that cannot be written; 3 the password "
                    + "is not that user's. check and compare have their own.",
@@ -27,16 +30,24 @@ import picocli.CommandLine;
                    + "it is not empty, keeps trouble on a terminal without colour."})
 public final class Tarn extends TarnOptions {
     /** Each is served by the class of its name: "disk-io" by DiskIoCommand. */
-    private static final List<String> commands = List.of(
+    private static final List<String> COMMANDS = List.of(
         "report", "computer-system", "operating-system", "logical-disks", "processors", "cpu", "disk-io", "disks",
         "partitions", "hba", "hba-test", "array", "authenticate", "build-date", "paths", "disk", "check", "compare",
         "map", "metrics", "record", "help", "completion", "manual");
 
-    /** Those that work on all the others; the report only on those up to the build date, its last section. */
-    private static final Set<String> worksOnAll = Set.of("help", "completion", "manual");
+    /** Those that work on all the others; the report only on its sections. */
+    private static final Set<String> WORKS_ON_ALL = Set.of("help", "completion", "manual");
 
     @Option(names = {"-V", "--version"}, versionHelp = true, description = "Show the version.")
     private boolean version;
+
+    /** The version, as the jar's manifest has it. */
+    static final class Version implements IVersionProvider {
+        @Override
+        public String[] getVersion() {
+            return new String[] {"tarn " + Tarn.class.getPackage().getImplementationVersion()};
+        }
+    }
 
     /**
      * Runs one command, and ends the virtual machine with its exit status, above the property tarn.statusBase where that
@@ -71,10 +82,9 @@ public final class Tarn extends TarnOptions {
 
     /** Adds the commands that are named among the arguments, since each takes time to load; without any, all. */
     private static CommandLine withCommands(CommandLine tarn, List<String> arguments) {
-        boolean all = Collections.disjoint(commands, arguments) || !Collections.disjoint(worksOnAll, arguments);
-        List<String> sections = !arguments.contains("report") ? List.of()
-            : commands.subList(0, commands.indexOf("build-date") + 1);
-        for (String name : commands) {
+        boolean all = Collections.disjoint(COMMANDS, arguments) || !Collections.disjoint(WORKS_ON_ALL, arguments);
+        List<String> sections = !arguments.contains("report") ? List.of() : ReportCommand.SECTIONS;
+        for (String name : COMMANDS) {
             if (all || arguments.contains(name) || sections.contains(name)) {
                 tarn.addSubcommand(name, command(name));
             }
@@ -83,7 +93,7 @@ public final class Tarn extends TarnOptions {
     }
 
     private static Object command(String name) {
-        StringBuilder className = new StringBuilder(TarnOptions.class.getPackageName()).append('.');
+        StringBuilder className = new StringBuilder("com.kelvo.tarn.cli.commands.");
         for (String word : name.split("-")) {
             className.append(Character.toUpperCase(word.charAt(0))).append(word, 1, word.length());
         }

@@ -11,18 +11,16 @@ public final class ArrayReport {
         "Reads", "Writes", "Blocks", "I/Os", "Recovered", "Unrecovered", "Timeouts", "Retries");
     /** The first of the counters that are better 0. */
     public static final int FIRST_ERROR = COUNTERS.indexOf("Recovered");
-    /** The place of the unrecovered errors among the counters. */
-    public static final int UNRECOVERED = COUNTERS.indexOf("Unrecovered");
-    /** The place of the request timeouts among the counters. */
-    public static final int TIMEOUTS = COUNTERS.indexOf("Timeouts");
+    private static final int UNRECOVERED = COUNTERS.indexOf("Unrecovered");
+    private static final int TIMEOUTS = COUNTERS.indexOf("Timeouts");
 
-    private static final String notCounting = "   -2";
+    private static final String NOT_COUNTING = "   -2";
 
-    private static final int numberWidth = 5;
-    private static final int placeWidth = 3;
-    private static final int counterWidth = 10;
-    private static final int recordWidth = COUNTERS.size() * counterWidth;
-    private static final String unplaced = "?";
+    private static final int NUMBER_WIDTH = 5;
+    private static final int PLACE_WIDTH = 3;
+    private static final int COUNTER_WIDTH = 10;
+    private static final int RECORD_WIDTH = COUNTERS.size() * COUNTER_WIDTH;
+    private static final String UNPLACED = "?";
 
     /** What one controller counted for one drive. */
     public static final class Row {
@@ -44,7 +42,17 @@ public final class ArrayReport {
 
         /** {@return whether the drive's place is known} */
         public boolean isPlaced() {
-            return !slot.equals(unplaced);
+            return !slot.equals(UNPLACED);
+        }
+
+        /** {@return how many errors were not recovered} */
+        public long unrecovered() {
+            return counters.get(UNRECOVERED);
+        }
+
+        /** {@return how many requests timed out} */
+        public long timeouts() {
+            return counters.get(TIMEOUTS);
         }
 
         /** {@return the drive's place, such as "tray 0 slot 3"} */
@@ -55,7 +63,7 @@ public final class ArrayReport {
 
     private final String report;
     /** The identities that were asked for. */
-    final List<String> controllers;
+    public final List<String> controllers;
     /** In the order of the report; empty when there are none. */
     public final List<Row> rows;
 
@@ -68,12 +76,12 @@ public final class ArrayReport {
     public ArrayReport(String report, List<String> controllers) {
         this.report = report;
         this.controllers = controllers;
-        rows = report.length() <= numberWidth ? List.of() : decode();
+        rows = report.length() <= NUMBER_WIDTH ? List.of() : decode();
     }
 
     /** {@return whether the controllers count no blocks yet, and have been told to} */
     public boolean isNotCounting() {
-        return report.equals(notCounting);
+        return report.equals(NOT_COUNTING);
     }
 
     /**
@@ -81,26 +89,26 @@ public final class ArrayReport {
      * to the first that has any, and when the second has records of another number of drives, theirs are not known.
      */
     private List<Row> decode() {
-        int drives = Integer.parseInt(report.substring(0, numberWidth).strip());
-        int records = numberWidth + drives * 2 * placeWidth + numberWidth;
-        int total = (report.length() - records) / recordWidth;
+        int drives = Integer.parseInt(report.substring(0, NUMBER_WIDTH).strip());
+        int records = NUMBER_WIDTH + drives * 2 * PLACE_WIDTH + NUMBER_WIDTH;
+        int total = (report.length() - records) / RECORD_WIDTH;
         List<Row> decoded = new ArrayList<>();
         for (int i = 0; i < total; i++) {
             int number = total == 2 * drives ? i % 2 * drives + i / 2 : i;
             int controller = number < drives ? 0 : 1;
             int drive = number - controller * drives;
             boolean placed = controller == 0 || total == 2 * drives;
-            int place = numberWidth + drive * 2 * placeWidth;
-            decoded.add(new Row(placed ? field(place, placeWidth) : unplaced,
-                                placed ? field(place + placeWidth, placeWidth) : unplaced,
-                                controllers.get(controller), counters(records + number * recordWidth)));
+            int place = NUMBER_WIDTH + drive * 2 * PLACE_WIDTH;
+            decoded.add(new Row(placed ? field(place, PLACE_WIDTH) : UNPLACED,
+                                placed ? field(place + PLACE_WIDTH, PLACE_WIDTH) : UNPLACED,
+                                controllers.get(controller), counters(records + number * RECORD_WIDTH)));
         }
         return decoded;
     }
 
     private List<Long> counters(int start) {
         return COUNTERS.stream()
-            .map(counter -> Long.valueOf(field(start + COUNTERS.indexOf(counter) * counterWidth, counterWidth)))
+            .map(counter -> Long.valueOf(field(start + COUNTERS.indexOf(counter) * COUNTER_WIDTH, COUNTER_WIDTH)))
             .collect(Collectors.toList());
     }
 

@@ -1,7 +1,6 @@
 package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
-import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
@@ -21,11 +20,7 @@ public final class Check {
     private enum Code {
         SECTION_FAILED, FILE_SYSTEM_UNREADABLE, FILE_SYSTEM_FULL, PROCESSOR_OFFLINE, DISK_UNREADABLE, DISK_UNLABELLED,
         ADAPTER_UNREADABLE, PORT_UNREADABLE, STATISTICS_UNREADABLE, PORT_NOT_ONLINE, REMOTE_PORT_UNREADABLE,
-        REMOTE_PORT_NOT_ONLINE, SINGLE_PATH, LIBRARY_WARNING, DRIVE_ERRORS, ARRAY_COUNTERS;
-
-        private String text() {
-            return name().toLowerCase(Locale.ROOT).replace('_', '-');
-        }
+        REMOTE_PORT_NOT_ONLINE, SINGLE_PATH, LIBRARY_WARNING, DRIVE_ERRORS, ARRAY_COUNTERS
     }
 
     /** One thing that is wrong. */
@@ -36,16 +31,16 @@ public final class Check {
         public final String code;
         /** What it is wrong with. */
         public final String subject;
-        /** The same for people, without the subject. */
-        public final String message;
+        /** What it follows from: a message, a state, an instance or another answer, as the code has it; or null. */
+        public final Object fact;
 
-        private final transient Code order;
+        private final Code order;
 
-        private Finding(boolean critical, Code code, String subject, String message) {
+        private Finding(boolean critical, Code code, String subject, Object fact) {
             severity = critical ? "critical" : "warning";
-            this.code = code.text();
+            this.code = code.name().toLowerCase(Locale.ROOT).replace('_', '-');
             this.subject = subject;
-            this.message = message;
+            this.fact = fact;
             order = code;
         }
 
@@ -66,22 +61,16 @@ public final class Check {
         state = findings.isEmpty() ? "OK" : findings.get(0).isCritical() ? "CRITICAL" : "WARNING";
     }
 
-    /** {@return how many findings are critical} */
-    public long criticals() {
-        return findings.stream().filter(Finding::isCritical).count();
-    }
-
     /**
      * Asks the host.
      *
-     * @param library what is asked
-     * @param log where its lines come; the warnings among them are findings
+     * @param library what is asked; the warnings that it logs are findings
      * @param fullPercent how many per cent used make a file system full
      * @param array the four arguments of an array report, or none
      * @return what is wrong
      */
-    public static Check of(Library library, LibraryLog log, int fullPercent, List<String> array) {
-        return new Check(new Examination(library, log, fullPercent).examine(array));
+    public static Check of(Library library, int fullPercent, List<String> array) {
+        return new Check(new Examination(library, fullPercent).examine(array));
     }
 
     /**
@@ -90,7 +79,7 @@ public final class Check {
      * @param fabric what is seen
      */
     public static List<Finding> of(Fabric fabric) {
-        Examination examination = new Examination(null, null, 0);
+        Examination examination = new Examination(null, 0);
         examination.examineFabric(fabric);
         return examination.findings;
     }
@@ -98,13 +87,11 @@ public final class Check {
     /** The walk through everything that is asked. */
     private static final class Examination {
         private final Library library;
-        private final LibraryLog log;
         private final int fullPercent;
         private final List<Finding> findings = new ArrayList<>();
 
-        private Examination(Library library, LibraryLog log, int fullPercent) {
+        private Examination(Library library, int fullPercent) {
             this.library = library;
-            this.log = log;
             this.fullPercent = fullPercent;
         }
 
@@ -112,7 +99,7 @@ public final class Check {
             ask("logical-disks", () -> examineFileSystems(library.logicalDisks()));
             ask("processors", () -> library.processors().stream().filter(data -> !data.state().equals("online"))
                 .forEach(data -> warn(Code.PROCESSOR_OFFLINE, String.valueOf(data.processorId()),
-                                      "its state is " + data.state())));
+                                      data.state())));
             List<String> counted = new ArrayList<>();
             ask("disk-io", () -> library.diskIo().stream().map(SolarisDiskIOInformation::diskName).distinct()
                 .filter(name -> !name.isEmpty()).forEach(counted::add));
@@ -126,14 +113,14 @@ public final class Check {
 
         /** Asks what a command asks, whatever comes of it. */
         private void ask(String command, Runnable question) {
-            int mark = log.mark();
+            int mark = library.log().mark();
             try {
                 question.run();
             } catch (RuntimeException | StackOverflowError | OutOfMemoryError thrown) {
                 add(true, Code.SECTION_FAILED, command,
                     Objects.requireNonNullElse(thrown.getMessage(), thrown.toString()));
             }
-            log.since(mark).stream().filter(LibraryLog.Line::isWarning)
+            library.log().since(mark).stream().filter(LibraryLog.Line::isWarning)
                 .forEach(line -> warn(Code.LIBRARY_WARNING, command, line.text()));
         }
 
@@ -147,11 +134,9 @@ public final class Check {
                     return;
                 }
                 if (!use.isKnown()) {
-                    warn(Code.FILE_SYSTEM_UNREADABLE, mountPoint, "the system does not tell its sizes");
+                    warn(Code.FILE_SYSTEM_UNREADABLE, mountPoint, null);
                 } else if (use.isFull(fullPercent)) {
-                    add(use.isExhausted(), Code.FILE_SYSTEM_FULL, mountPoint, use.isExhausted() ? "nothing is available"
-                        : Units.percent(use.used().doubleValue(), use.usable().doubleValue()) + " used, "
-                            + Units.bytes(use.available().doubleValue()) + " available");
+                    add(use.isExhausted(), Code.FILE_SYSTEM_FULL, mountPoint, use);
                 }
             });
         }
@@ -159,65 +144,53 @@ public final class Check {
         private void examineDisks(List<TrInstance> drives, List<String> counted) {
             Set<String> readable = drives.stream()
                 .map(drive -> (String) drive.get(SolarisDiskDriveProvider.name)).collect(Collectors.toSet());
-            counted.stream().filter(name -> !readable.contains(name)).forEach(
-                name -> warn(Code.DISK_UNREADABLE, name, "it has I/O counters, but cannot be opened"));
+            counted.stream().filter(name -> !readable.contains(name))
+                .forEach(name -> warn(Code.DISK_UNREADABLE, name, null));
             drives.stream().filter(drive -> drive.get(SolarisDiskDriveProvider.diskType) == null).forEach(
-                drive -> warn(Code.DISK_UNLABELLED, (String) drive.get(SolarisDiskDriveProvider.name),
-                              "its geometry or its label cannot be read"));
+                drive -> warn(Code.DISK_UNLABELLED, (String) drive.get(SolarisDiskDriveProvider.name), null));
         }
 
         private void examineFabric(Fabric fabric) {
             fabric.adapters.stream().filter(adapter -> adapter.instance == null).forEach(
-                adapter -> add(true, Code.ADAPTER_UNREADABLE, adapter.place(), "it cannot be read"));
+                adapter -> add(true, Code.ADAPTER_UNREADABLE, adapter.place(), null));
             for (Fabric.Port port : fabric.ports()) {
                 if (port.instance == null) {
-                    warn(Code.PORT_UNREADABLE, port.place(), "it cannot be read");
+                    warn(Code.PORT_UNREADABLE, port.place(), null);
                 } else if (!PortStates.isOk(port.instance)) {
-                    add(PortStates.isError(port.instance), Code.PORT_NOT_ONLINE, port.place(),
-                        PortStates.name(port.instance));
+                    add(PortStates.isError(port.instance), Code.PORT_NOT_ONLINE, port.place(), port.instance);
                 }
                 if (port.recorded && port.statistics == null) {
-                    warn(Code.STATISTICS_UNREADABLE, port.place(), "its counters cannot be read");
+                    warn(Code.STATISTICS_UNREADABLE, port.place(), null);
                 }
             }
             fabric.remotePorts().forEach(remote -> {
                 if (remote.instance == null) {
-                    warn(Code.REMOTE_PORT_UNREADABLE, remote.place(), "it cannot be read");
+                    warn(Code.REMOTE_PORT_UNREADABLE, remote.place(), null);
                 } else if (!PortStates.isOk(remote.instance)) {
-                    warn(Code.REMOTE_PORT_NOT_ONLINE, remote.place(), PortStates.name(remote.instance));
+                    warn(Code.REMOTE_PORT_NOT_ONLINE, remote.place(), remote.instance);
                 }
             });
-            Paths paths = new Paths(fabric);
-            paths.units.stream().filter(paths::lacksWays).forEach(unit -> warn(
-                Code.SINGLE_PATH, unit.place(), unit.onlinePaths() + " of " + unit.paths.size() + " paths online"));
+            new Paths(fabric).units.stream().filter(LogicalUnit::lacksPaths).forEach(
+                unit -> warn(Code.SINGLE_PATH, unit.place(), unit));
         }
 
         /** Both controllers' counts of a drive are one finding. */
         private void examineArray(ArrayReport report) {
-            Map<String, String> errors = new LinkedHashMap<>();
-            for (ArrayReport.Row row : report.rows) {
-                long unrecovered = row.counters.get(ArrayReport.UNRECOVERED);
-                long timeouts = row.counters.get(ArrayReport.TIMEOUTS);
-                if (unrecovered != 0 || timeouts != 0) {
-                    String counts = row.controller + " counts unrecovered errors: " + unrecovered
-                        + ", request timeouts: " + timeouts;
-                    errors.merge(row.place(), counts, (first, second) -> first + "; " + second);
-                }
-            }
-            errors.forEach((place, message) -> warn(Code.DRIVE_ERRORS, place, message));
+            Map<String, List<ArrayReport.Row>> errors = report.rows.stream()
+                .filter(row -> row.unrecovered() != 0 || row.timeouts() != 0)
+                .collect(Collectors.groupingBy(ArrayReport.Row::place, LinkedHashMap::new, Collectors.toList()));
+            errors.forEach((place, rows) -> warn(Code.DRIVE_ERRORS, place, rows));
             if (report.rows.isEmpty()) {
-                warn(Code.ARRAY_COUNTERS, report.controllers.get(0), report.isNotCounting()
-                    ? "its controllers count no blocks, and were just told to (LOG SELECT)"
-                    : "no controller of that identity reported a drive");
+                warn(Code.ARRAY_COUNTERS, report.controllers.get(0), report);
             }
         }
 
-        private void warn(Code code, String subject, String message) {
-            add(false, code, subject, message);
+        private void warn(Code code, String subject, Object fact) {
+            add(false, code, subject, fact);
         }
 
-        private void add(boolean critical, Code code, String subject, String message) {
-            findings.add(new Finding(critical, code, subject, message));
+        private void add(boolean critical, Code code, String subject, Object fact) {
+            findings.add(new Finding(critical, code, subject, fact));
         }
     }
 }

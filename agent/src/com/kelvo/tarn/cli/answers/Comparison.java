@@ -1,6 +1,5 @@
 package com.kelvo.tarn.cli.answers;
 
-import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.LinkedHashSet;
 import java.util.List;
@@ -37,33 +36,15 @@ public final class Comparison {
     /** Null: it is not known how much time lies between the two. */
     public final Rates rates;
 
-    private Comparison(Snapshot old, Snapshot now) {
+    /**
+     * Compares a host with itself at an earlier time.
+     *
+     * @param old then
+     * @param now now
+     */
+    public Comparison(Snapshot old, Snapshot now) {
         now.sections.keySet().forEach(command -> compare(command, old, now));
         rates = Rates.between(old, now);
-    }
-
-    /** What can be compared: a host, asked now. Its description tells when that was. */
-    public static final class Host {
-        private final Snapshot snapshot;
-
-        /**
-         * Asks the host that answers now.
-         *
-         * @param library what is asked
-         * @param description the file that the host was loaded from
-         */
-        public Host(Library library, Path description) {
-            snapshot = new Snapshot(library, description);
-        }
-
-        /**
-         * {@return what changed since another time}
-         *
-         * @param old the same host then
-         */
-        public Comparison since(Host old) {
-            return new Comparison(old.snapshot, snapshot);
-        }
     }
 
     /** Of a section that either host refuses, only the refusal can be compared. */

@@ -26,12 +26,12 @@ public final class FileSystemUse {
 
     /** {@return its size in bytes, without a sign} */
     public BigInteger total() {
-        return unsigned(disk.totalBytes());
+        return new Counter(disk.totalBytes()).value();
     }
 
     /** {@return the bytes that are free, those kept for root among them} */
     public BigInteger free() {
-        return unsigned(disk.freeBytes());
+        return new Counter(disk.freeBytes()).value();
     }
 
     /** {@return the bytes that are not free} */
@@ -65,9 +65,5 @@ public final class FileSystemUse {
     public boolean isFull(int percent) {
         return isExhausted()
             || used().multiply(BigInteger.valueOf(100)).compareTo(usable().multiply(BigInteger.valueOf(percent))) >= 0;
-    }
-
-    private static BigInteger unsigned(long bits) {
-        return new BigInteger(Long.toUnsignedString(bits));
     }
 }

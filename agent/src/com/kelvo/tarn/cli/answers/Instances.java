@@ -8,7 +8,9 @@ import javax.wbem.cim.UnsignedInt;
 
 /** Reads properties of CIM instances. */
 public final class Instances {
-    private static final UnsignedInt zero = new UnsignedInt16(0);
+    /** What stands for a world-wide name where there is none, or where the adapter does not tell. */
+    private static final String NO_NAME = "0".repeat(16);
+    private static final UnsignedInt ZERO = new UnsignedInt16(0);
 
     private Instances() {
     }
@@ -20,7 +22,7 @@ public final class Instances {
      * @param property one that is a CIM unsigned integer
      */
     public static UnsignedInt number(TrInstance instance, TrProperty property) {
-        return Objects.requireNonNullElse((UnsignedInt) instance.get(property), zero);
+        return Objects.requireNonNullElse((UnsignedInt) instance.get(property), ZERO);
     }
 
     /**
@@ -31,6 +33,25 @@ public final class Instances {
      */
     public static String text(TrInstance instance, TrProperty property) {
         return Objects.toString(instance.get(property), "").strip();
+    }
+
+    /**
+     * {@return a name, world-wide or other; empty when there is none}
+     *
+     * @param instance a port or an adapter, or null
+     * @param property the name's
+     */
+    public static String name(TrInstance instance, TrProperty property) {
+        return instance == null ? "" : name(text(instance, property));
+    }
+
+    /**
+     * {@return the name; empty when it is what stands for none}
+     *
+     * @param name a world-wide one or another, or null
+     */
+    public static String name(String name) {
+        return name == null || name.equals(NO_NAME) ? "" : name;
     }
 
     /** The property as it is; null when it was not set or there is no instance. */

@@ -1,27 +1,44 @@
 package com.kelvo.tarn.cli.answers;
 
+import com.google.gson.Gson;
+import com.google.gson.JsonParseException;
 import com.kelvo.tarn.InstanceReceiver;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.TrProperty;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.hba.HbaClassNames;
+import com.kelvo.tarn.providers.solaris.SolarisAuthenticator;
+import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
 import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
+import com.kelvo.tarn.replay.ReplayHost;
+import java.io.IOException;
+import java.io.Reader;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.time.DateTimeException;
+import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Consumer;
 
-/** The questions that several commands ask, with the log lines named after the disk that they are about. */
+/** The one door to the native calls. The log lines are named after the disk that they are about. */
 public final class Library {
+    private static final class Description {
+        private String recordedAt;
+    }
+
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
+    private String description;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -30,6 +47,48 @@ public final class Library {
      */
     public Library(LibraryLog log) {
         this.log = log;
+    }
+
+    /** {@return where the lines of the log come} */
+    public LibraryLog log() {
+        return log;
+    }
+
+    /**
+     * Lets a host answer from now on.
+     *
+     * @param path the file with its description
+     * @throws IllegalArgumentException when it cannot be read; the message names what is wrong
+     */
+    public void load(String path) {
+        ReplayHost.load(path);
+        description = path;
+    }
+
+    /**
+     * {@return when the host that answers was recorded; null when its description does not say} It is the one member
+     * that no native call tells.
+     */
+    public Instant recordedAt() {
+        if (description == null) {
+            return null;
+        }
+        try (Reader in = Files.newBufferedReader(Path.of(description))) {
+            String told = new Gson().fromJson(in, Description.class).recordedAt;
+            return told == null ? null : Instant.parse(told);
+        } catch (IOException | JsonParseException | DateTimeException unknown) {
+            return null;
+        }
+    }
+
+    /** {@return the host as a computer system} */
+    public SolarisComputerSystem computerSystem() {
+        return host.getComputerSystem();
+    }
+
+    /** {@return the operating system} */
+    public SolarisOperatingSystem operatingSystem() {
+        return host.getOperatingSystem();
     }
 
     /** {@return the mounted file systems, without their sizes} */
@@ -64,14 +123,41 @@ public final class Library {
         return host.enumerateProcessors();
     }
 
+    /**
+     * {@return the processor of that id; null when there is none}
+     *
+     * @param id its number
+     */
+    public SolarisProcessorData processor(int id) {
+        return host.getProcessor(id);
+    }
+
     /** {@return what each processor spent its ticks on} */
     public List<SolarisCpuUtilizationData> cpu() {
         return host.enumerateCpuUtilizationInfo();
     }
 
+    /**
+     * {@return what the processor of that id spent its ticks on}
+     *
+     * @param id its number
+     */
+    public SolarisCpuUtilizationData cpu(int id) {
+        return host.getCpuUtilizationInfo(id);
+    }
+
     /** {@return the counters of each disk} */
     public List<SolarisDiskIOInformation> diskIo() {
         return host.enumerateDiskIOInformation();
+    }
+
+    /**
+     * {@return the counters of the disk of that name; null when there is none}
+     *
+     * @param name such as "c0t0d0", with or without a directory
+     */
+    public SolarisDiskIOInformation diskIo(String name) {
+        return host.getDiskIOInformation(DeviceNames.withoutDirectory(name));
     }
 
     /** {@return the whole disks} */
@@ -82,10 +168,11 @@ public final class Library {
     /**
      * {@return the disk of that name; null when there is none}
      *
-     * @param name such as "c0t0d0"
+     * @param name such as "c0t0d0", with or without a directory
      */
     public TrInstance disk(String name) {
-        return log.about(name, () -> new SolarisDiskDriveProvider().getDisk(name));
+        String disk = DeviceNames.withoutDirectory(name);
+        return log.about(disk, () -> new SolarisDiskDriveProvider().getDisk(disk));
     }
 
     /** {@return the slices of all disks} */
@@ -96,15 +183,49 @@ public final class Library {
     /**
      * {@return the slice of that name; null when there is none}
      *
-     * @param name such as "c0t0d0s0"
+     * @param name such as "c0t0d0s0", with or without a directory
      */
     public TrInstance partition(String name) {
-        return log.about(name, () -> new SolarisDiskPartitionProvider().getPartition(name));
+        String slice = DeviceNames.withoutDirectory(name);
+        return log.about(slice, () -> new SolarisDiskPartitionProvider().getPartition(slice));
     }
 
     /** {@return the storage network, with device names as the HBA library gives them} */
     public Fabric fabric() {
-        return new Fabric(new HbaCache(false, false).fillHbaCache(new HbaClassNames(TrNamespace.KELVO, true)));
+        return new Fabric(hba(true, false, false));
+    }
+
+    /**
+     * {@return the adapters with all that they see; null for one that cannot be read}
+     *
+     * @param keepNames whether device names are those of the HBA library; else they are made of bus, target and LUN
+     * @param leadville whether names in /dev/rdsk/ lose their directory and slice
+     * @param forced whether all names do
+     */
+    public HbaCache.Hba[] hba(boolean keepNames, boolean leadville, boolean forced) {
+        return new HbaCache(leadville, forced).fillHbaCache(new HbaClassNames(TrNamespace.KELVO, keepNames));
+    }
+
+    /** {@return the lines of the self-test of the HBA library} */
+    public List<String> hbaTest() {
+        List<String> lines = new ArrayList<>();
+        new HbaCache(false, false).testHbaLibrary(lines);
+        return lines;
+    }
+
+    /**
+     * {@return whether the password is the user's}
+     *
+     * @param user the name
+     * @param password in plain text
+     */
+    public boolean authenticate(String user, String password) {
+        return new SolarisAuthenticator().authenticate(user, password);
+    }
+
+    /** {@return when the library was built} */
+    public String buildDate() {
+        return new SolarisAuthenticator().getLibraryBuildDate();
     }
 
     /**

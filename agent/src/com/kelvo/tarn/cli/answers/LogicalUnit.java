@@ -9,9 +9,9 @@ import java.util.Objects;
 import java.util.stream.Collectors;
 import javax.wbem.cim.UnsignedInt;
 
-/** A logical unit of an array with all the ways to it. */
+/** A logical unit of an array with all its paths. */
 public final class LogicalUnit {
-    /** One way: a target mapping, with the ports at both ends. A port that cannot be read leaves its members null. */
+    /** One path: a target mapping, with the ports at both ends. A port that cannot be read leaves its members null. */
     public static class Path {
         /** The far end, as the near one has discovered it. */
         public final transient Fabric.RemotePort remote;
@@ -29,7 +29,7 @@ public final class LogicalUnit {
         public final String remotePort;
         /** The remote port's state, by its CIM number. */
         public final UnsignedInt remotePortState;
-        /** The device that the way is used through. */
+        /** The device that the path is used through. */
         public final String osDeviceName;
         /** The controller's number in device names. */
         public final UnsignedInt scsiBus;
@@ -59,14 +59,14 @@ public final class LogicalUnit {
         }
     }
 
-    /** A way that stands without its unit, and names it. */
-    public static final class Way extends Path {
+    /** A path that stands without its unit, and names it. */
+    public static final class NamedPath extends Path {
         /** The unit's node name. */
         public final String node;
         /** The unit's number as the array exports it. */
         public final UnsignedInt lun;
 
-        private Way(LogicalUnit unit, Path path) {
+        private NamedPath(LogicalUnit unit, Path path) {
             super(path.remote, path.mapping);
             node = unit.node;
             lun = unit.lun;
@@ -80,9 +80,13 @@ public final class LogicalUnit {
     /** In the order of the library's walk. */
     public final List<Path> paths = new ArrayList<>();
 
-    LogicalUnit(Fabric.RemotePort remote, TrInstance mapping) {
+    /** Whether the host has the ports for two paths. */
+    private final transient boolean mayHaveTwo;
+
+    LogicalUnit(Fabric.RemotePort remote, TrInstance mapping, boolean mayHaveTwo) {
         node = Objects.requireNonNullElse(Instances.value(remote.instance, HbaPortProvider.nodeWWN), "");
         lun = Instances.number(mapping, TargetMappingProvider.exportedLUN);
+        this.mayHaveTwo = mayHaveTwo;
     }
 
     /** {@return how many paths have both ends online} */
@@ -90,9 +94,14 @@ public final class LogicalUnit {
         return paths.stream().filter(Path::isOnline).count();
     }
 
+    /** {@return whether less than two paths are online, on a host with the ports to have two} */
+    public boolean lacksPaths() {
+        return mayHaveTwo && onlinePaths() < 2;
+    }
+
     /** {@return the paths, each naming the unit} */
-    public List<Way> ways() {
-        return paths.stream().map(path -> new Way(this, path)).collect(Collectors.toList());
+    public List<NamedPath> namedPaths() {
+        return paths.stream().map(path -> new NamedPath(this, path)).collect(Collectors.toList());
     }
 
     /** {@return what it is called, such as "50060e8000c3a2b0 LUN 5"} */

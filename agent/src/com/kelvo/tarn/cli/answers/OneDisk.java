@@ -29,8 +29,8 @@ public final class OneDisk {
     public final SolarisDiskIOInformation io;
     /** The file systems on it, with their sizes. */
     public final List<SolarisLogicalDisk> mounts;
-    /** All ways to the logical units behind Fibre Channel that the disk is one way to. */
-    public final List<LogicalUnit.Way> paths;
+    /** All paths to the logical units behind Fibre Channel that the disk is one path to. */
+    public final List<LogicalUnit.NamedPath> paths;
 
     /** The units that the paths lead to. */
     public final transient List<LogicalUnit> units;
@@ -49,7 +49,7 @@ public final class OneDisk {
         units = host.paths.units.stream()
             .filter(unit -> unit.paths.stream().anyMatch(path -> name.equals(host.diskOfPath(path))))
             .collect(Collectors.toList());
-        paths = units.stream().flatMap(unit -> unit.ways().stream()).collect(Collectors.toList());
+        paths = units.stream().flatMap(unit -> unit.namedPaths().stream()).collect(Collectors.toList());
     }
 
     /**
@@ -62,25 +62,15 @@ public final class OneDisk {
     }
 
     /**
-     * {@return whether a unit has less than two ways online, on a host with the ports to have two}
-     *
-     * @param unit one of its units
-     */
-    public boolean lacksWays(LogicalUnit unit) {
-        return host.paths.lacksWays(unit);
-    }
-
-    /**
      * Finds a disk by its own name, a slice's or an instance's, with or without "/dev/dsk/" or "/dev/rdsk/", or the
      * mount point of a file system on it.
      *
      * @param asked any of these
-     * @param library what is asked
-     * @param log where it is said what could not be asked
+     * @param library what is asked; what could not be is said in its log
      * @return null when nothing is known by that name
      */
-    public static OneDisk find(String asked, Library library, LibraryLog log) {
-        Everything host = new Everything(library, log);
+    public static OneDisk find(String asked, Library library) {
+        Everything host = new Everything(library);
         String name = host.resolve(asked);
         return name == null ? null : new OneDisk(name, host);
     }
@@ -104,10 +94,9 @@ public final class OneDisk {
 
     /** What the host tells of all its disks. What cannot be asked is a line in the log, and empty. */
     private static final class Everything {
-        private static final String devices = "/devices";
+        private static final String DEVICES = "/devices";
 
         private final Library library;
-        private final LibraryLog log;
         private final List<TrInstance> drives;
         private final List<TrInstance> partitions;
         private final List<SolarisDiskIOInformation> io;
@@ -118,9 +107,8 @@ public final class OneDisk {
         private final Map<String, String> slices = new HashMap<>();
         private final Map<String, String> devicePaths = new HashMap<>();
 
-        private Everything(Library library, LibraryLog log) {
+        private Everything(Library library) {
             this.library = library;
-            this.log = log;
             drives = ask("disks", library::disks);
             partitions = ask("partitions", library::partitions);
             io = ask("disk-io", library::diskIo);
@@ -136,7 +124,7 @@ public final class OneDisk {
                 slices.put(Instances.text(partition, SolarisDiskPartitionProvider.name), diskOf(partition));
             }
             Stream.concat(mounts.stream().map(SolarisLogicalDisk::device).filter(DeviceNames::hasDirectory),
-                          ways().map(path -> path.osDeviceName))
+                          allPaths().map(path -> path.osDeviceName))
                 .map(DeviceNames::withoutDirectory).filter(entry -> !entry.contains("/"))
                 .forEach(entry -> names.add(DeviceNames.withoutSlice(entry)));
             names.remove("");
@@ -146,7 +134,7 @@ public final class OneDisk {
             try {
                 return question.get();
             } catch (RuntimeException failed) {
-                log.warn(command + ": " + failed.getMessage());
+                library.log().warn(command + ": " + failed.getMessage());
                 return List.of();
             }
         }
@@ -160,7 +148,7 @@ public final class OneDisk {
                 () -> Stream.ofNullable(diskOfEntry(asked)),
                 () -> io.stream().filter(counted -> counted.instanceName().equals(asked))
                     .map(OneDisk::nameOf),
-                () -> ways().filter(path -> asked.equals(numberedName(path))).map(this::diskOfPath))
+                () -> allPaths().filter(path -> asked.equals(numberedName(path))).map(this::diskOfPath))
                 .flatMap(Supplier::get).filter(Objects::nonNull).findFirst().orElse(null);
         }
 
@@ -177,12 +165,12 @@ public final class OneDisk {
 
         /** The HBA library names a device by its place in "/dev/rdsk", or by its physical path. Null: it is no disk. */
         private String diskOfPath(LogicalUnit.Path path) {
-            return path.osDeviceName.startsWith(devices)
-                ? devicePaths.get(path.osDeviceName.substring(devices.length()).replaceFirst(":[^/]*$", ""))
+            return path.osDeviceName.startsWith(DEVICES)
+                ? devicePaths.get(path.osDeviceName.substring(DEVICES.length()).replaceFirst(":[^/]*$", ""))
                 : diskOfEntry(DeviceNames.withoutDirectory(path.osDeviceName));
         }
 
-        private Stream<LogicalUnit.Path> ways() {
+        private Stream<LogicalUnit.Path> allPaths() {
             return paths.units.stream().flatMap(unit -> unit.paths.stream());
         }
 

@@ -8,12 +8,11 @@ import java.util.TreeMap;
 
 /** The logical units behind the host's adapters, by their array's node name and their number there. */
 public final class Paths {
-    private static final Comparator<LogicalUnit> order = Comparator.<LogicalUnit, String>comparing(unit -> unit.node)
+    private static final Comparator<LogicalUnit> ORDER = Comparator.<LogicalUnit, String>comparing(unit -> unit.node)
         .thenComparing(unit -> unit.lun.longValue(), Long::compareUnsigned);
 
     /** By node name, then by number. */
     public final List<LogicalUnit> units;
-    private final boolean oneWayIsTrouble;
 
     /**
      * Sorts what is seen by logical unit.
@@ -21,25 +20,16 @@ public final class Paths {
      * @param fabric what is seen
      */
     public Paths(Fabric fabric) {
-        TreeMap<LogicalUnit, LogicalUnit> found = new TreeMap<>(order);
+        boolean hasTwoPorts = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
+        TreeMap<LogicalUnit, LogicalUnit> found = new TreeMap<>(ORDER);
         fabric.remotePorts().forEach(remote -> {
             for (TrInstance mapping : remote.mappings) {
                 if (mapping != null) {
-                    LogicalUnit unit = new LogicalUnit(remote, mapping);
+                    LogicalUnit unit = new LogicalUnit(remote, mapping, hasTwoPorts);
                     found.computeIfAbsent(unit, added -> added).paths.add(new LogicalUnit.Path(remote, mapping));
                 }
             }
         });
         units = new ArrayList<>(found.values());
-        oneWayIsTrouble = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
-    }
-
-    /**
-     * {@return whether less than two ways to the unit are online, on a host with the ports to have two}
-     *
-     * @param unit one of these
-     */
-    public boolean lacksWays(LogicalUnit unit) {
-        return oneWayIsTrouble && unit.onlinePaths() < 2;
     }
 }

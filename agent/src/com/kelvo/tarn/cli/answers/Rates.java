@@ -6,21 +6,17 @@ import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import java.time.Duration;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.stream.LongStream;
+import java.util.stream.DoubleStream;
+import java.util.stream.IntStream;
+import java.util.stream.Stream;
 
 /**
  * What the counters of a host went up by, per second. A counter that is not kept, or that stands lower than before
  * since the host was started in between, has no rate: null.
  */
 public final class Rates {
-    private static final List<TrProperty> errorCounters = List.of(
-        FCPortStatisticsProvider.errorFrames, FCPortStatisticsProvider.dumpedFrames,
-        FCPortStatisticsProvider.linkFailures, FCPortStatisticsProvider.lossOfSyncCounter,
-        FCPortStatisticsProvider.lossOfSignalCounter, FCPortStatisticsProvider.primitiveSeqProtocolErrCount,
-        FCPortStatisticsProvider.invalidTransmissionWords, FCPortStatisticsProvider.crcErrors);
-
     /** A processor's clock counters have 32 bits and go round; no clock ticks faster than this a second. */
-    private static final double fastestClock = 1000;
+    private static final double FASTEST_CLOCK = 1000;
 
     /** What was read from a disk and written to it. */
     public static final class Disk {
@@ -114,8 +110,8 @@ public final class Rates {
             if (old.cpu.containsKey(id)) {
                 var before = old.cpu.get(id);
                 processors.add(new Processor(cpu.cpuId(), shares(
-                    cpu.userTicks() - before.userTicks(), cpu.kernelTicks() - before.kernelTicks(),
-                    cpu.waitTicks() - before.waitTicks(), cpu.idleTicks() - before.idleTicks())));
+                    before.userTicks(), cpu.userTicks(), before.kernelTicks(), cpu.kernelTicks(),
+                    before.waitTicks(), cpu.waitTicks(), before.idleTicks(), cpu.idleTicks())));
             }
         });
         now.ports.forEach((port, statistics) -> {
@@ -123,25 +119,33 @@ public final class Rates {
                 TrInstance before = old.ports.get(port);
                 ports.add(new Port(port, rate(before, statistics, FCPortStatisticsProvider.packetsTransmitted),
                                    rate(before, statistics, FCPortStatisticsProvider.packetsReceived),
-                                   errorCounters.stream().map(counter -> rate(before, statistics, counter))
+                                   Stream.of(PortError.values())
+                                       .map(error -> rate(error.in(before), error.in(statistics)))
                                        .filter(rate -> rate != null).reduce(Double::sum).orElse(null)));
             }
         });
     }
 
+    private Double rate(Counter before, Counter after) {
+        Double increase = after.since(before);
+        return increase == null ? null : increase / seconds;
+    }
+
     private Double rate(TrInstance before, TrInstance after, TrProperty counter) {
-        return rate(Instances.number(before, counter).longValue(), Instances.number(after, counter).longValue());
+        return rate(Counter.of(before, counter), Counter.of(after, counter));
     }
 
     private Double rate(long before, long after) {
-        return before == -1 || after == -1 || Long.compareUnsigned(after, before) < 0 ? null
-            : (after - before) / seconds;
+        return rate(new Counter(before), new Counter(after));
     }
 
-    private Double[] shares(long... increases) {
-        long[] ticks = LongStream.of(increases).map(increase -> increase & 0xffffffffL).toArray();
-        double all = LongStream.of(ticks).sum();
-        return LongStream.of(ticks).mapToObj(part -> all == 0 || all > fastestClock * seconds ? null : 100 * part / all)
+    /** Pairs of a processor's ticks before and after. */
+    private Double[] shares(long... ticks) {
+        double[] increases = IntStream.range(0, ticks.length / 2)
+            .mapToDouble(i -> Counter.of32(ticks[2 * i + 1]).since(Counter.of32(ticks[2 * i]))).toArray();
+        double all = DoubleStream.of(increases).sum();
+        return DoubleStream.of(increases)
+            .mapToObj(part -> all == 0 || all > FASTEST_CLOCK * seconds ? null : 100 * part / all)
             .toArray(Double[]::new);
     }
 }

@@ -1,6 +1,5 @@
 package com.kelvo.tarn.cli.answers;
 
-import com.google.gson.stream.JsonReader;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
@@ -9,10 +8,6 @@ import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
-import java.io.IOException;
-import java.nio.file.Files;
-import java.nio.file.Path;
-import java.time.DateTimeException;
 import java.time.Instant;
 import java.util.Arrays;
 import java.util.LinkedHashMap;
@@ -20,11 +15,12 @@ import java.util.List;
 import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
+import java.util.function.Consumer;
 
 /** What a host is made of at one time, and its counters. */
-final class Snapshot {
+public final class Snapshot {
     /** Properties that name or place an instance, or tell of another. */
-    private static final Set<String> notCompared = Set.of(
+    private static final Set<String> NOT_COMPARED = Set.of(
         "antecedent", "dependent", "deviceID", "systemName", "systemCreationClassName", "creationClassName", "caption",
         "description", "elementName", "portNumber");
 
@@ -41,10 +37,14 @@ final class Snapshot {
 
     private final Library library;
 
-    /** Asks the host that answers now; the file is its description. */
-    Snapshot(Library library, Path description) {
+    /**
+     * Asks the host that answers now.
+     *
+     * @param library what is asked
+     */
+    public Snapshot(Library library) {
         this.library = library;
-        recordedAt = recordedAt(description);
+        recordedAt = library.recordedAt();
         ask("disks", this::addDisks);
         ask("partitions", this::addSlices);
         ask("logical-disks", this::addFileSystems);
@@ -53,14 +53,10 @@ final class Snapshot {
         ask("cpu", found -> library.cpu().forEach(counted -> cpu.put(String.valueOf(counted.cpuId()), counted)));
     }
 
-    private interface Section {
-        void add(Map<String, Map<String, Object>> subjects);
-    }
-
-    private void ask(String command, Section section) {
+    private void ask(String command, Consumer<Map<String, Map<String, Object>>> section) {
         Map<String, Map<String, Object>> subjects = new LinkedHashMap<>();
         try {
-            section.add(subjects);
+            section.accept(subjects);
         } catch (RuntimeException failed) {
             failures.put(command, Objects.toString(failed.getMessage()));
         }
@@ -127,7 +123,7 @@ final class Snapshot {
 
     /** A world-wide name stays when the thing moves; without one, its place has to do. */
     private static String named(String kind, TrInstance instance, TrProperty property, String place) {
-        String name = instance == null ? "" : PortFacts.name(instance, property);
+        String name = Instances.name(instance, property);
         return name.isEmpty() ? place : kind + name;
     }
 
@@ -145,27 +141,11 @@ final class Snapshot {
         Map<String, Object> values = new LinkedHashMap<>();
         for (TrProperty property : instance == null ? List.<TrProperty>of() : instance.getTrClass().getProperties()) {
             Object value = instance.get(property);
-            if (value != null && !notCompared.contains(property.getName())
+            if (value != null && !NOT_COMPARED.contains(property.getName())
                 && !Arrays.asList(identity).contains(property)) {
                 values.put(property.getName(), value instanceof Object[] ? Arrays.asList((Object[]) value) : value);
             }
         }
         return values;
-    }
-
-    /** The description has been accepted; the one member of it that no native call tells. */
-    private static Instant recordedAt(Path description) {
-        try (JsonReader reader = new JsonReader(Files.newBufferedReader(description))) {
-            reader.beginObject();
-            while (reader.hasNext()) {
-                if (reader.nextName().equals("recordedAt")) {
-                    return Instant.parse(reader.nextString());
-                }
-                reader.skipValue();
-            }
-            return null;
-        } catch (IOException | IllegalStateException | DateTimeException unknown) {
-            return null;
-        }
     }
 }

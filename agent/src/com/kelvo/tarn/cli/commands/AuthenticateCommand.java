@@ -1,7 +1,7 @@
 package com.kelvo.tarn.cli.commands;
 
-import com.kelvo.tarn.cli.output.Page;
-import com.kelvo.tarn.providers.solaris.SolarisAuthenticator;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.InquiryCommand;
 import java.io.BufferedInputStream;
 import java.io.ByteArrayOutputStream;
 import java.io.IOException;
@@ -16,25 +16,18 @@ import picocli.CommandLine.Parameters;
 @Command(name = "authenticate", description = "Whether a password is that user's.",
          footer = "The password is asked for without echo, or is one line of standard input, of at most 4096 bytes. "
              + "Exit status: 0 it is, 3 it is not.")
-public final class AuthenticateCommand extends Inquiry<Boolean> {
-    private static final int longestPassword = 4096; // bytes
+public final class AuthenticateCommand extends InquiryCommand {
+    private static final int LONGEST_PASSWORD = 4096; // bytes
 
     @Parameters(paramLabel = "USER", description = "The user's name.")
     private String user;
 
     @Override
-    protected Boolean ask() throws IOException {
-        return new SolarisAuthenticator().authenticate(user, readPassword());
-    }
-
-    @Override
-    protected void show(Boolean accepted, Page out) {
-        out.println(accepted ? "yes, that is the password of " + user : "no, that is not the password of " + user);
-    }
-
-    @Override
-    protected int exitStatus(Boolean accepted) {
-        return accepted ? 0 : 3;
+    public Answer ask() throws IOException {
+        boolean accepted = library().authenticate(user, readPassword());
+        return Answer.page(accepted, out -> out.println(
+            accepted ? "yes, that is the password of " + user : "no, that is not the password of " + user))
+            .withStatus(accepted ? 0 : 3);
     }
 
     /** Input that ends before a line does counts as an empty password. */
@@ -56,8 +49,8 @@ public final class AuthenticateCommand extends Inquiry<Boolean> {
     private String readLine(InputStream in) throws IOException {
         ByteArrayOutputStream line = new ByteArrayOutputStream();
         for (int next = in.read(); next >= 0 && next != '\n' && next != '\r'; next = in.read()) {
-            if (line.size() == longestPassword) {
-                throw new ParameterException(spec().commandLine(), "the password is longer than " + longestPassword
+            if (line.size() == LONGEST_PASSWORD) {
+                throw new ParameterException(spec().commandLine(), "the password is longer than " + LONGEST_PASSWORD
                                              + " bytes", new IllegalArgumentException());
             }
             line.write(next);

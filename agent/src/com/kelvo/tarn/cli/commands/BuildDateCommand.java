@@ -1,19 +1,15 @@
 package com.kelvo.tarn.cli.commands;
 
-import com.kelvo.tarn.cli.output.Page;
-import com.kelvo.tarn.providers.solaris.SolarisAuthenticator;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.InquiryCommand;
 import picocli.CommandLine.Command;
 
 /** {@code build-date}: one call of {@code getLibraryBuildDate}. */
 @Command(name = "build-date", description = "The library's build date.")
-public final class BuildDateCommand extends Inquiry<String> {
+public final class BuildDateCommand extends InquiryCommand {
     @Override
-    protected String ask() {
-        return new SolarisAuthenticator().getLibraryBuildDate();
-    }
-
-    @Override
-    protected void show(String date, Page out) {
-        out.println(date);
+    public Answer ask() {
+        String date = library().buildDate();
+        return Answer.page(date, out -> out.println(date));
     }
 }

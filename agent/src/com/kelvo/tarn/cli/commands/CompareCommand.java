@@ -1,22 +1,21 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.answers.Comparison;
-import com.kelvo.tarn.cli.answers.PortFacts;
-import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.Rates;
+import com.kelvo.tarn.cli.answers.Snapshot;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.TableCommand;
+import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.PortWords;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
 import java.io.File;
-import java.util.ArrayList;
-import java.util.LinkedHashMap;
-import java.util.List;
 import java.util.Locale;
-import java.util.Map;
 import java.util.function.Function;
-import javax.wbem.cim.UnsignedInt;
+import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
-import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.Parameters;
 
 /** {@code compare}: loads two hosts one after the other, and shows their {@link Comparison}. */
@@ -24,16 +23,7 @@ import picocli.CommandLine.Parameters;
          description = "What changed between two descriptions of one host.",
          footer = "Counters are no change; where both descriptions say when they were recorded, they are shown as "
              + "rates. Exit status: 0 nothing changed, 1 something did, 2 bad usage or an unreadable description.")
-public final class CompareCommand extends TableInquiry<Comparison> {
-    /** How people read the values of properties that are numbers. */
-    private static final Map<String, Function<Object, String>> wordings = Map.of(
-        "portState", state -> PortStates.name((UnsignedInt) state),
-        "operationalStatus", statuses -> PortStates.statusNames((List<?>) statuses),
-        "portType", type -> PortFacts.type((UnsignedInt) type),
-        "speed", speed -> PortFacts.speed((UnsignedInt) speed),
-        "portFcId", fcId -> PortFacts.fcId(((UnsignedInt) fcId).longValue()),
-        "totalBytes", bytes -> Units.bytes(Units.unsigned((Long) bytes)));
-
+public final class CompareCommand extends TableCommand {
     @Parameters(index = "0", paramLabel = "OLD", description = "The host's description before.")
     private File old;
 
@@ -44,48 +34,35 @@ public final class CompareCommand extends TableInquiry<Comparison> {
     @Override
     protected void chooseHost() {
         if (tarn().host() != null) {
-            throw new ParameterException(spec().commandLine(), "--host does not go with compare, which names both");
+            throw refusal("--host does not go with compare, which names both");
         }
     }
 
     @Override
-    protected Comparison ask() {
-        Comparison.Host before = host(old);
-        return host(now).since(before);
+    public Answer ask() {
+        Snapshot before = snapshot(old);
+        Comparison comparison = new Comparison(before, snapshot(now));
+        return Answer.table(result(comparison), () -> table(comparison)).shownAs(out -> show(comparison, out))
+            .withStatus(comparison.changes.isEmpty() ? 0 : 1);
     }
 
-    private Comparison.Host host(File description) {
-        TarnOptions.load(description.getPath(), spec().commandLine());
-        return new Comparison.Host(library(), description.toPath());
+    private Snapshot snapshot(File description) {
+        tarn().load(description.getPath(), spec().commandLine());
+        return new Snapshot(library());
     }
 
-    @Override
-    protected int exitStatus(Comparison comparison) {
-        return comparison.changes.isEmpty() ? 0 : 1;
+    private static Object result(Comparison comparison) {
+        return Json.object("changes", comparison.changes.stream().map(CompareCommand::result)
+            .collect(Collectors.toList()), "rates", comparison.rates);
     }
 
-    @Override
-    protected Object result(Comparison comparison) {
-        List<Object> changes = new ArrayList<>();
-        for (Comparison.Change change : comparison.changes) {
-            Map<String, Object> members = new LinkedHashMap<>();
-            members.put("subject", change.subject);
-            members.put("change", change.change);
-            if (change.property != null) {
-                members.put("property", change.property);
-                members.put("was", change.was);
-                members.put("is", change.is);
-            }
-            changes.add(members);
-        }
-        Map<String, Object> result = new LinkedHashMap<>();
-        result.put("changes", changes);
-        result.put("rates", comparison.rates);
-        return result;
+    private static Object result(Comparison.Change change) {
+        return change.property == null ? Json.object("subject", change.subject, "change", change.change)
+            : Json.object("subject", change.subject, "change", change.change, "property", change.property,
+                          "was", change.was, "is", change.is);
     }
 
-    @Override
-    protected Table<?> table(Comparison comparison) {
+    private static Table<?> table(Comparison comparison) {
         return new Table<>(comparison.changes).text("Change", change -> change.change)
             .text("Subject", change -> change.subject)
             .text("Property", change -> change.property)
@@ -93,8 +70,7 @@ public final class CompareCommand extends TableInquiry<Comparison> {
             .text("Is", change -> change.is);
     }
 
-    @Override
-    protected void show(Comparison comparison, Page out) {
+    private static void show(Comparison comparison, Page out) {
         if (comparison.changes.isEmpty()) {
             out.println("nothing changed");
         }
@@ -115,7 +91,9 @@ public final class CompareCommand extends TableInquiry<Comparison> {
     }
 
     private static String words(String property, Object value) {
-        String words = value == null ? "" : wordings.getOrDefault(property, Object::toString).apply(value);
+        String words = value == null ? ""
+            : property.equals("totalBytes") ? Units.bytes(new Counter((Long) value).value().doubleValue())
+            : PortWords.value(property, value);
         return words.isEmpty() ? property.equals("exception") ? "none" : "unknown" : words;
     }
 
@@ -151,10 +129,5 @@ public final class CompareCommand extends TableInquiry<Comparison> {
 
     private static String decimal(double number) {
         return Units.decimal(number, 1);
-    }
-
-    @Override
-    protected boolean isSection() {
-        return false;
     }
 }

@@ -1,8 +1,10 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.answers.Counter;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
-import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import java.util.List;
 import java.util.function.Function;
@@ -12,32 +14,16 @@ import picocli.CommandLine.Parameters;
 /** {@code cpu}: {@code enumerateCpuUtilizationInfo}, or {@code getCpuUtilizationInfo} for one. */
 @Command(name = "cpu", description = "The clock ticks that each processor spent, since boot.",
          footer = "The counters have 32 bits; --json gives them as the library does, negative from 2^31 on.")
-public final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData> {
+public final class CpuCommand extends TableCommand {
     @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this processor.")
     private Integer id;
 
-    /** For all, or for the one that is named. */
-    public CpuCommand() {
-        super("processor");
+    @Override
+    public Answer ask() {
+        return Answer.listing("processor", id, library()::cpu, library()::cpu, CpuCommand::table);
     }
 
-    @Override
-    protected Integer wanted() {
-        return id;
-    }
-
-    @Override
-    protected List<SolarisCpuUtilizationData> all() {
-        return library().cpu();
-    }
-
-    @Override
-    protected SolarisCpuUtilizationData one(Integer processor) {
-        return new SolarisNativeMethod().getCpuUtilizationInfo(processor);
-    }
-
-    @Override
-    protected Table<?> table(List<SolarisCpuUtilizationData> answer) {
+    private static Table<?> table(List<SolarisCpuUtilizationData> answer) {
         Table<SolarisCpuUtilizationData> table = new Table<>(answer)
             .number("CPU", SolarisCpuUtilizationData::cpuId);
         ticks(table, "User", SolarisCpuUtilizationData::userTicks);
@@ -58,6 +44,6 @@ public final class CpuCommand extends Listing<Integer, SolarisCpuUtilizationData
 
     /** What the kernel counted, the sign undone. */
     private static long unsigned(long ticks) {
-        return Integer.toUnsignedLong((int) ticks);
+        return Counter.of32(ticks).value().longValue();
     }
 }

@@ -1,9 +1,11 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.Instances;
-import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.kelvo.tarn.cli.answers.OneDisk;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.InquiryCommand;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
@@ -18,23 +20,20 @@ import picocli.CommandLine.Parameters;
 @Command(name = "disk",
          description = "All that is known of one disk: drive, counters, slices, file systems, ways to it.",
          footer = "The ways are all those to the logical unit, under whichever device name.")
-public final class DiskCommand extends Inquiry<OneDisk> {
+public final class DiskCommand extends InquiryCommand {
     @Parameters(paramLabel = "NAME", description = "Any of its names: c1t0d0, c1t0d0s0, /dev/dsk/c1t0d0s0, "
                 + "/dev/rdsk/c1t0d0s2, sd0, or a mount point.")
     private String name;
 
     @Override
-    protected OneDisk ask() {
-        return OneDisk.find(name, library(), tarn().log());
+    public Answer ask() {
+        OneDisk disk = OneDisk.find(name, library());
+        return disk == null ? Answer.missing("no disk " + name)
+            : Answer.page(disk, out -> show(disk, out))
+                .withLog(line -> line.subject().isEmpty() || line.subject().equals(disk.name)); // not of other disks
     }
 
-    @Override
-    protected String missing(OneDisk disk) {
-        return disk == null ? "no disk " + name : null;
-    }
-
-    @Override
-    protected void show(OneDisk disk, Page out) {
+    private static void show(OneDisk disk, Page out) {
         new Table<>(List.of(disk))
             .text("Disk", found -> found.name)
             .text("Instance", found -> found.instance)
@@ -44,7 +43,7 @@ public final class DiskCommand extends Inquiry<OneDisk> {
                 : found.drive.get(SolarisDiskDriveProvider.deviceIdentifier))
             .text("Read", found -> found.io == null ? null : count(found.io.bytesRead()))
             .text("Written", found -> found.io == null ? null : count(found.io.bytesWritten()))
-            .text("Busy", found -> found.io == null ? null : Units.seconds(found.io.runTime()) + " s")
+            .text("Busy", found -> found.io == null ? null : busy(new Counter(found.io.runTime())))
             .printUpright(out);
         out.println();
         if (disk.partitions.isEmpty()) {
@@ -58,32 +57,25 @@ public final class DiskCommand extends Inquiry<OneDisk> {
         }
         disk.units.forEach(unit -> {
             out.println();
-            PathsCommand.tree(unit, disk.lacksWays(unit), disk::diskOf).print(out);
+            PathsCommand.tree(unit, disk::diskOf).print(out);
         });
-    }
-
-    /** What the library says of other disks is not asked for. */
-    @Override
-    protected boolean isToThePoint(LibraryLog.Line line, OneDisk disk) {
-        return line.subject().isEmpty() || line.subject().equals(disk.name);
-    }
-
-    @Override
-    protected boolean isSection() {
-        return false;
     }
 
     private static String drive(OneDisk disk) {
         if (disk.drive == null) {
-            return "!! cannot be opened";
+            return Page.TROUBLE + "cannot be opened";
         }
-        return disk.drive.get(SolarisDiskDriveProvider.diskType) == null ? "!! geometry or label not readable"
-            : DisksCommand.typeAndCapacity(disk.drive);
+        return disk.drive.get(SolarisDiskDriveProvider.diskType) == null
+            ? Page.TROUBLE + "geometry or label not readable" : DisksCommand.typeAndCapacity(disk.drive);
     }
 
     private static String count(long bytes) {
-        return Units.counter(bytes) == null ? null
-            : Units.counter(bytes) + " bytes (" + Units.bytes(Units.unsigned(bytes)) + ")";
+        Counter counter = new Counter(bytes);
+        return counter.isKept() ? counter.text() + " bytes (" + Units.bytes(counter) + ")" : null;
+    }
+
+    private static String busy(Counter time) {
+        return time.isKept() ? Units.seconds(time) + " s" : null;
     }
 
     private static Table<TrInstance> slices(OneDisk disk) {

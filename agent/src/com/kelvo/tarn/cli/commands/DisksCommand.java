@@ -2,12 +2,14 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
-import com.kelvo.tarn.cli.answers.DeviceNames;
 import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import java.util.List;
+import java.util.Locale;
 import java.util.stream.Stream;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
@@ -15,33 +17,17 @@ import picocli.CommandLine.Parameters;
 /** {@code disks}: {@code enumerateDisks}, or {@code getDisk} for one. */
 @Command(name = "disks", description = "The whole disks with their geometry.",
          footer = "The capacity is computed: heads x sectors x data cylinders of 512 bytes.")
-public final class DisksCommand extends Listing<String, TrInstance> {
+public final class DisksCommand extends TableCommand {
     @Parameters(arity = "0..1", paramLabel = "DISK",
                 description = "Only this disk, such as c0t0d0 or /dev/rdsk/c0t0d0.")
     private String disk;
 
-    /** For all, or for the one that is named. */
-    public DisksCommand() {
-        super("disk");
+    @Override
+    public Answer ask() {
+        return Answer.listing("disk", disk, library()::disks, library()::disk, DisksCommand::table);
     }
 
-    @Override
-    protected String wanted() {
-        return disk;
-    }
-
-    @Override
-    protected List<TrInstance> all() {
-        return library().disks();
-    }
-
-    @Override
-    protected TrInstance one(String name) {
-        return library().disk(DeviceNames.withoutDirectory(name));
-    }
-
-    @Override
-    protected Table<?> table(List<TrInstance> answer) {
+    private static Table<?> table(List<TrInstance> answer) {
         return new Table<>(answer)
             .text("Disk", row -> row.get(SolarisDiskDriveProvider.name))
             .text("Type", row -> row.get(SolarisDiskDriveProvider.diskType))
@@ -65,7 +51,7 @@ public final class DisksCommand extends Listing<String, TrInstance> {
     /** Null when it is not known. */
     static String geometry(TrInstance drive) {
         return drive == null || drive.get(SolarisDiskDriveProvider.diskType) == null ? null
-            : String.format("%s heads, %s sectors/track, %s data and %s alternate cylinders",
+            : String.format(Locale.ROOT, "%s heads, %s sectors/track, %s data and %s alternate cylinders",
                             Stream.of(SolarisDiskDriveProvider.heads, SolarisDiskDriveProvider.sectorsPerTrack,
                                       SolarisDiskDriveProvider.dataCylinders,
                                       SolarisDiskDriveProvider.alternateCylinders).map(drive::get).toArray());

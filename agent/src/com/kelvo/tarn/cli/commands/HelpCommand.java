@@ -1,11 +1,11 @@
 package com.kelvo.tarn.cli.commands;
 
-import picocli.CommandLine;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.Parameters;
 import picocli.CommandLine.Spec;
+import picocli.CommandLine;
 
 /** {@code help}: the same as a command's option of that name. */
 @Command(name = "help", description = "The help of a command, or of all.")

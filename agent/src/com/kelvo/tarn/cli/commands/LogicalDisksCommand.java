@@ -1,6 +1,9 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.answers.FileSystemUse;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.TableCommand;
+import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
@@ -15,36 +18,24 @@ import picocli.CommandLine.Parameters;
 /** {@code logical-disks}: {@code enumerateLogicalDiskNames}, {@code getLogicalDiskByName} for one and for sizes. */
 @Command(name = "logical-disks", description = "The mounted UFS and NFS file systems.",
          footer = "The library computes sizes only for one that is asked for by name; --sizes asks for each.")
-public final class LogicalDisksCommand extends Listing<String, SolarisLogicalDisk> {
+public final class LogicalDisksCommand extends TableCommand {
     @Parameters(arity = "0..1", paramLabel = "MOUNT-POINT", description = "Only this one, with its sizes.")
     private String mountPoint;
 
     @Option(names = "--sizes", description = "With the sizes of all, as df shows them.")
     private boolean sizes;
 
-    /** For all, or for the one that is named. */
-    public LogicalDisksCommand() {
-        super("logical disk");
+    @Override
+    public Answer ask() {
+        return Answer.listing("logical disk", mountPoint, this::all, library()::logicalDisk, this::table);
     }
 
-    @Override
-    protected String wanted() {
-        return mountPoint;
-    }
-
-    @Override
-    protected List<SolarisLogicalDisk> all() {
+    private List<SolarisLogicalDisk> all() {
         List<SolarisLogicalDisk> disks = library().logicalDisks();
         return !sizes ? disks : disks.stream().map(library()::withSizes).collect(Collectors.toList());
     }
 
-    @Override
-    protected SolarisLogicalDisk one(String name) {
-        return library().logicalDisk(name);
-    }
-
-    @Override
-    protected Table<?> table(List<SolarisLogicalDisk> answer) {
+    private Table<?> table(List<SolarisLogicalDisk> answer) {
         if (sizes || mountPoint != null) {
             return sizes(answer);
         }
@@ -65,7 +56,7 @@ public final class LogicalDisksCommand extends Listing<String, SolarisLogicalDis
         size(table, "Available", FileSystemUse::available);
         return table
             .number("Capacity", disk -> known(disk, LogicalDisksCommand::percent), disk -> known(
-                disk, use -> (use.isFull(FileSystemUse.FULL) ? "!! " : "") + percent(use)))
+                disk, use -> (use.isFull(FileSystemUse.FULL) ? Page.TROUBLE : "") + percent(use)))
             .text("Device", SolarisLogicalDisk::device);
     }
 

@@ -2,9 +2,11 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.frame.Export;
+import com.kelvo.tarn.cli.frame.HbaOptions;
 import com.kelvo.tarn.cli.map.Picture;
 import com.kelvo.tarn.cli.map.TopologyBuilder;
-import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
+import com.kelvo.tarn.cli.output.FindingWords;
 import java.io.IOException;
 import java.util.Arrays;
 import java.util.List;
@@ -21,7 +23,7 @@ import picocli.CommandLine.Option;
          footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with one path "
              + "left, grey what nothing is reached through. SVG and HTML are drawn by Graphviz (package graphviz).")
 public final class MapCommand extends Export {
-    private static final Map<String, Picture> endings = Map.of(
+    private static final Map<String, Picture> ENDINGS = Map.of(
         ".dot", Picture.DOT, ".gv", Picture.DOT, ".svg", Picture.SVG, ".html", Picture.HTML, ".htm", Picture.HTML);
 
     @Mixin
@@ -38,11 +40,11 @@ public final class MapCommand extends Export {
     @Override
     protected String text() throws IOException {
         Picture picture = picture();
-        Fabric fabric = new Fabric(options.or(tarn().hba()).fill());
+        Fabric fabric = new Fabric(options.and(tarn().hba()).fill(library()));
         Map<String, List<String>> findings = Check.of(fabric).stream().collect(Collectors.groupingBy(
-            finding -> finding.subject, Collectors.mapping(finding -> finding.message, Collectors.toList())));
+            finding -> finding.subject, Collectors.mapping(FindingWords::message, Collectors.toList())));
         return picture.of(
-            TopologyBuilder.topology(new SolarisNativeMethod().getComputerSystem(), fabric, findings, all), all);
+            TopologyBuilder.topology(library().computerSystem(), fabric, findings, all), all);
     }
 
     private Picture picture() {
@@ -54,7 +56,7 @@ public final class MapCommand extends Export {
             return Picture.DOT;
         }
         String ending = output().substring(Math.max(0, output().lastIndexOf('.'))).toLowerCase(Locale.ROOT);
-        Picture picture = endings.get(ending);
+        Picture picture = ENDINGS.get(ending);
         if (picture == null) {
             throw refusal("--output: '" + output() + "' ends in none of " + names() + "; --format says which it is");
         }
@@ -67,10 +69,5 @@ public final class MapCommand extends Export {
 
     private static String name(Picture picture) {
         return picture.name().toLowerCase(Locale.ROOT);
-    }
-
-    @Override
-    protected boolean takesHbaOptions() {
-        return true;
     }
 }

@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.frame.Export;
 import com.kelvo.tarn.cli.metrics.HostMetrics;
 import picocli.CommandLine.Command;
 

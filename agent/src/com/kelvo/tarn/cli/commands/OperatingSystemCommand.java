@@ -1,25 +1,26 @@
 package com.kelvo.tarn.cli.commands;
 
-import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
-import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
 import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
 import java.util.List;
+import java.util.Locale;
 import java.util.function.Function;
 import picocli.CommandLine.Command;
 
 /** {@code operating-system}: one call of {@code getOperatingSystem}. */
 @Command(name = "operating-system",
          description = "The operating system with its memory and swap, sampled over a second.")
-public final class OperatingSystemCommand extends TableInquiry<SolarisOperatingSystem> {
+public final class OperatingSystemCommand extends TableCommand {
     @Override
-    protected SolarisOperatingSystem ask() {
-        return new SolarisNativeMethod().getOperatingSystem();
+    public Answer ask() {
+        SolarisOperatingSystem system = library().operatingSystem();
+        return Answer.table(system, () -> table(system)).shownAs(table(system)::printUpright);
     }
 
-    @Override
-    protected Table<?> table(SolarisOperatingSystem system) {
+    private static Table<?> table(SolarisOperatingSystem system) {
         Table<SolarisOperatingSystem> table = new Table<>(List.of(system))
             .text("Name", SolarisOperatingSystem::name)
             .text("Host name", SolarisOperatingSystem::hostName)
@@ -31,11 +32,6 @@ public final class OperatingSystemCommand extends TableInquiry<SolarisOperatingS
         return table;
     }
 
-    @Override
-    protected void show(SolarisOperatingSystem system, Page out) {
-        table(system).printUpright(out);
-    }
-
     private static void size(Table<SolarisOperatingSystem> table, String heading,
                              Function<SolarisOperatingSystem, Long> kilobytes, long total) {
         table.number(heading, kilobytes, system -> size(kilobytes.apply(system), total));
@@ -44,6 +40,6 @@ public final class OperatingSystemCommand extends TableInquiry<SolarisOperatingS
     /** Nothing of nothing is what the library says when the system did not tell. */
     private static String size(long kilobytes, long total) {
         return kilobytes == 0 && total == 0 ? "unknown"
-            : String.format("%d KB (%s)", kilobytes, Units.bytes(kilobytes * 1024.0));
+            : String.format(Locale.ROOT, "%d KB (%s)", kilobytes, Units.bytes(kilobytes * 1024.0));
     }
 }

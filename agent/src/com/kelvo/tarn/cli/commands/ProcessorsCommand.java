@@ -1,7 +1,8 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.Table;
-import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import java.util.List;
 import picocli.CommandLine.Command;
@@ -9,32 +10,16 @@ import picocli.CommandLine.Parameters;
 
 /** {@code processors}: {@code enumerateProcessors}, or {@code getProcessor} for one. */
 @Command(name = "processors", description = "The processors.")
-public final class ProcessorsCommand extends Listing<Integer, SolarisProcessorData> {
+public final class ProcessorsCommand extends TableCommand {
     @Parameters(arity = "0..1", paramLabel = "ID", description = "Only this one.")
     private Integer id;
 
-    /** For all, or for the one that is named. */
-    public ProcessorsCommand() {
-        super("processor");
+    @Override
+    public Answer ask() {
+        return Answer.listing("processor", id, library()::processors, library()::processor, ProcessorsCommand::table);
     }
 
-    @Override
-    protected Integer wanted() {
-        return id;
-    }
-
-    @Override
-    protected List<SolarisProcessorData> all() {
-        return library().processors();
-    }
-
-    @Override
-    protected SolarisProcessorData one(Integer processor) {
-        return new SolarisNativeMethod().getProcessor(processor);
-    }
-
-    @Override
-    protected Table<?> table(List<SolarisProcessorData> answer) {
+    private static Table<?> table(List<SolarisProcessorData> answer) {
         return new Table<>(answer)
             .number("ID", SolarisProcessorData::processorId)
             .text("Type", SolarisProcessorData::processorType)

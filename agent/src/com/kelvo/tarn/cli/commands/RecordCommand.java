@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.frame.TarnOptions;
 import java.io.File;
 import java.io.IOException;
 import java.util.ArrayList;

@@ -6,12 +6,12 @@ import java.util.stream.Collectors;
 
 /** Writes a topology in the language of Graphviz. Whatever it names is text there, never markup. */
 final class Dot {
-    private static final String font = "Helvetica,Arial,sans-serif";
+    private static final String FONT = "Helvetica,Arial,sans-serif";
 
-    private static final Pattern notInXml = Pattern.compile("[\\p{Cs}\uFFFE\uFFFF]");
-    private static final String lineEnd = "<br align=\"left\"/>";
+    private static final Pattern NOT_IN_XML = Pattern.compile("[\\p{Cs}\uFFFE\uFFFF]");
+    private static final String LINE_END = "<br align=\"left\"/>";
     /** A box is so many characters wide at most; some names have hundreds. */
-    private static final int widest = 48;
+    private static final int WIDEST = 48;
 
     /** How each state is drawn: frame, fill, ink, width of the frame. */
     private enum Style {
@@ -61,10 +61,10 @@ final class Dot {
     private void write(Topology topology) {
         text.append("digraph \"storage network\" {\n");
         statement("graph", "rankdir", "LR", "outputorder", "edgesfirst", "ranksep", "0.45", "nodesep", "0.18",
-                  "fontname", font, "fontsize", "12", "fontcolor", Palette.FAINT, "bgcolor", Palette.PAPER);
-        statement("node", "shape", "box", "style", "rounded,filled", "fontname", font, "fontsize", "11",
+                  "fontname", FONT, "fontsize", "12", "fontcolor", Palette.FAINT, "bgcolor", Palette.PAPER);
+        statement("node", "shape", "box", "style", "rounded,filled", "fontname", FONT, "fontsize", "11",
                   "margin", "0.16,0.07");
-        statement("edge", "fontname", font, "fontsize", "10", "fontcolor", Palette.FAINT,
+        statement("edge", "fontname", FONT, "fontsize", "10", "fontcolor", Palette.FAINT,
                   "arrowsize", "0.5", "penwidth", "1.2");
         topology.nodes.values().forEach(this::node);
         int clusters = 0;
@@ -87,7 +87,7 @@ final class Dot {
         boolean unused = node.state == Topology.State.UNUSED;
         Palette faint = unused ? style.ink : Palette.FAINT;
         Palette blame = unused ? style.ink : style.frame;
-        String lines = "<b>" + markup(node.title) + "</b>" + lineEnd
+        String lines = "<b>" + markup(node.title) + "</b>" + LINE_END
             + node.lines.stream().map(line -> coloured(cut(line), faint)).collect(Collectors.joining())
             + node.reasons.stream().map(reason -> coloured(reason, blame)).collect(Collectors.joining());
         statement(quoted(node.name), "id", id(node), "label", (Markup) () -> lines, "color", style.frame,
@@ -114,12 +114,12 @@ final class Dot {
     }
 
     private static String coloured(String line, Palette colour) {
-        return "<font color=\"" + colour + "\">" + markup(line) + "</font>" + lineEnd;
+        return "<font color=\"" + colour + "\">" + markup(line) + "</font>" + LINE_END;
     }
 
     private static String cut(String line) {
-        return line.codePointCount(0, line.length()) <= widest ? line
-            : line.substring(0, line.offsetByCodePoints(0, widest - 1)) + "…";
+        return line.codePointCount(0, line.length()) <= WIDEST ? line
+            : line.substring(0, line.offsetByCodePoints(0, WIDEST - 1)) + "…";
     }
 
     /** Text within a label that is markup; Graphviz still puts names in place of backslash and letter. */
@@ -134,6 +134,6 @@ final class Dot {
     }
 
     private static String printable(String text) {
-        return notInXml.matcher(Page.printable(text)).replaceAll("\ufffd");
+        return NOT_IN_XML.matcher(Page.printable(text)).replaceAll("\ufffd");
     }
 }

@@ -6,7 +6,7 @@ import java.nio.charset.StandardCharsets;
 
 /** Has Graphviz draw. */
 final class Graphviz {
-    private static final String program = "dot";
+    private static final String PROGRAM = "dot";
 
     private Graphviz() {
     }
@@ -19,9 +19,9 @@ final class Graphviz {
     static String svg(String dot) throws IOException {
         Process process;
         try {
-            process = new ProcessBuilder(program, "-q", "-Tsvg").start();
+            process = new ProcessBuilder(PROGRAM, "-q", "-Tsvg").start();
         } catch (IOException absent) {
-            throw new IOException("the picture is drawn by Graphviz's program '" + program
+            throw new IOException("the picture is drawn by Graphviz's program '" + PROGRAM
                                   + "', which is not here; the package graphviz brings it", absent);
         }
         // It reads all before it writes anything, and told to be quiet it complains of nothing but what ends it.
@@ -34,7 +34,7 @@ final class Graphviz {
         String complaint = new String(process.getErrorStream().readAllBytes(), StandardCharsets.UTF_8).strip();
         try {
             if (process.waitFor() != 0 || !svg.contains("<svg")) {
-                throw new IOException("Graphviz's program '" + program + "' failed: "
+                throw new IOException("Graphviz's program '" + PROGRAM + "' failed: "
                                       + (complaint.isEmpty() ? "it said nothing" : complaint));
             }
         } catch (InterruptedException interrupted) {

@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.map;
 
 import com.google.gson.Gson;
+import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.IOException;
 import java.io.InputStream;
@@ -24,9 +25,9 @@ import java.util.stream.Collectors;
  * scripts, which it knows by their hashes, and nothing else, whatever a device is called.
  */
 final class MapPage {
-    private static final Pattern place = Pattern.compile("\\{\\{(\\w+)}}");
+    private static final Pattern PLACE = Pattern.compile("\\{\\{(\\w+)}}");
     /** So many paths have a row; what is in trouble comes first then. */
-    private static final int mostRows = 2000;
+    private static final int MOST_ROWS = 2000;
 
     private MapPage() {
     }
@@ -47,7 +48,7 @@ final class MapPage {
         parts.put("troubles", troubles(topology));
         parts.put("picture", svg);
         parts.put("data", data(topology));
-        parts.put("columns", cells("th scope=\"col\"", Topology.columns));
+        parts.put("columns", cells("th scope=\"col\"", Topology.COLUMNS));
         List<Topology.Row> rows = rows(topology, all);
         parts.put("rows", rows.stream().map(MapPage::row).collect(Collectors.joining()));
         parts.put("note", rows.isEmpty() ? "There are none."
@@ -58,14 +59,14 @@ final class MapPage {
     }
 
     private static String filled(String template, Map<String, String> parts) {
-        return place.matcher(template).replaceAll(found -> Matcher.quoteReplacement(parts.get(found.group(1))));
+        return PLACE.matcher(template).replaceAll(found -> Matcher.quoteReplacement(parts.get(found.group(1))));
     }
 
     /** All rows, or those that there is room for. */
     private static List<Topology.Row> rows(Topology topology, boolean all) {
-        return all || topology.rows.size() <= mostRows ? topology.rows
+        return all || topology.rows.size() <= MOST_ROWS ? topology.rows
             : topology.rows.stream().sorted(Comparator.comparing((Topology.Row row) -> row.unit.state).reversed())
-                  .limit(mostRows).collect(Collectors.toList());
+                  .limit(MOST_ROWS).collect(Collectors.toList());
     }
 
     private static String row(Topology.Row row) {
@@ -91,22 +92,19 @@ final class MapPage {
     private static String data(Topology topology) {
         List<Map<String, Object>> things = new ArrayList<>();
         for (Topology.Node node : topology.nodes.values()) {
-            Map<String, Object> thing = new LinkedHashMap<>();
-            thing.put("name", Page.printable(node.name));
-            thing.put("state", name(node.state));
-            thing.put("reasons", node.reasons.stream().map(Page::printable).collect(Collectors.toList()));
             Map<String, String> facts = new LinkedHashMap<>();
             node.facts.forEach((label, value) -> facts.put(label, Page.printable(value)));
-            thing.put("facts", facts);
-            thing.put("text", Page.printable(node.title + " " + String.join(" ", node.lines)));
-            things.add(thing);
+            things.add(Json.object(
+                "name", Page.printable(node.name), "state", name(node.state),
+                "reasons", node.reasons.stream().map(Page::printable).collect(Collectors.toList()), "facts", facts,
+                "text", Page.printable(node.title + " " + String.join(" ", node.lines))));
         }
-        return new Gson().toJson(Map.of( // which escapes what would end the element
+        return new Gson().toJson(Json.object( // which escapes what would end the element
             "things", things,
             "lines", topology.edges.stream().map(edge -> List.of(edge.from.number, edge.to.number))
                 .collect(Collectors.toList()),
-            "ways", topology.ways.stream()
-                .map(way -> way.stream().map(node -> node.number).collect(Collectors.toList()))
+            "ways", topology.paths.stream()
+                .map(path -> path.stream().map(node -> node.number).collect(Collectors.toList()))
                 .collect(Collectors.toList())));
     }
 

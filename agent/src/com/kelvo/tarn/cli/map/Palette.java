@@ -31,7 +31,7 @@ enum Palette {
         return ":root { color-scheme: light dark; " + variables(colour -> colour.light) + " }\n"
             + "@media (prefers-color-scheme: dark) { :root { " + variables(colour -> colour.dark) + " } }\n"
             + Stream.of(values()).map(colour -> String.format(
-                "svg [fill=\"%s\"] { fill: %s } svg [stroke=\"%1$s\"] { stroke: %2$s }\n", colour.light,
+                Locale.ROOT, "svg [fill=\"%s\"] { fill: %s } svg [stroke=\"%1$s\"] { stroke: %2$s }\n", colour.light,
                 "var(" + colour.variable() + ")")).collect(Collectors.joining());
     }
 

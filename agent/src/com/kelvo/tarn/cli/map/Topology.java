@@ -8,7 +8,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** What a picture of the storage network shows: things, the lines between them, and the ways along these lines. */
+/** What a picture of the storage network shows: things, the lines between them, and the paths along these lines. */
 public final class Topology {
     /** What a thing is; in this order they stand from left to right. */
     enum Kind { HOST, ADAPTER, PORT, FABRIC, REMOTE_PORT, UNIT }
@@ -112,7 +112,7 @@ public final class Topology {
     }
 
     /** What the table's columns are called. */
-    static final List<String> columns = List.of("Array", "LUN", "Remark", "Device", "Adapter", "Port", "Port WWN",
+    static final List<String> COLUMNS = List.of("Array", "LUN", "Remark", "Device", "Adapter", "Port", "Port WWN",
                                                 "Port state", "Remote port", "Remote port state", "Bus", "Target");
 
     final String title;
@@ -122,7 +122,7 @@ public final class Topology {
     final Map<String, Group> groups = new LinkedHashMap<>();
     final List<Edge> edges = new ArrayList<>();
     /** Each the things from the host to a logical unit, or as far as it goes. */
-    final Set<List<Node>> ways = new LinkedHashSet<>();
+    final Set<List<Node>> paths = new LinkedHashSet<>();
     final List<Row> rows = new ArrayList<>();
     private final Map<List<Node>, Edge> joined = new HashMap<>();
 
@@ -150,8 +150,8 @@ public final class Topology {
     }
 
     /** A row of the table, a cell for each column. */
-    void row(Node unit, String... cells) {
-        rows.add(new Row(List.of(cells), unit));
+    void row(Node unit, List<String> cells) {
+        rows.add(new Row(cells, unit));
     }
 
     /** One line more between two things. */

@@ -1,45 +1,30 @@
 package com.kelvo.tarn.cli.metrics;
 
 import com.kelvo.tarn.TrInstance;
-import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.Paths;
-import com.kelvo.tarn.cli.answers.PortFacts;
+import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
-import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
 import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import java.math.BigDecimal;
 import java.math.BigInteger;
 import java.util.Arrays;
-import java.util.LinkedHashMap;
-import java.util.Map;
+import java.util.Locale;
 import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
 public final class HostMetrics {
-    private static final Map<TrProperty, String> errorKinds = new LinkedHashMap<>();
-
-    static {
-        errorKinds.put(FCPortStatisticsProvider.linkFailures, "link_failure");
-        errorKinds.put(FCPortStatisticsProvider.lossOfSyncCounter, "loss_of_sync");
-        errorKinds.put(FCPortStatisticsProvider.lossOfSignalCounter, "loss_of_signal");
-        errorKinds.put(FCPortStatisticsProvider.primitiveSeqProtocolErrCount, "primitive_sequence_protocol");
-        errorKinds.put(FCPortStatisticsProvider.invalidTransmissionWords, "invalid_transmission_word");
-        errorKinds.put(FCPortStatisticsProvider.crcErrors, "crc");
-        errorKinds.put(FCPortStatisticsProvider.errorFrames, "error_frame");
-        errorKinds.put(FCPortStatisticsProvider.dumpedFrames, "dumped_frame");
-    }
-
     private final Library library;
     private final Exposition out = new Exposition();
 
@@ -54,9 +39,8 @@ public final class HostMetrics {
      */
     public static String text(Library library) {
         HostMetrics metrics = new HostMetrics(library);
-        SolarisNativeMethod host = new SolarisNativeMethod();
-        metrics.section("computer-system", () -> metrics.add(host.getComputerSystem()));
-        metrics.section("operating-system", () -> metrics.add(host.getOperatingSystem()));
+        metrics.section("computer-system", () -> metrics.add(library.computerSystem()));
+        metrics.section("operating-system", () -> metrics.add(library.operatingSystem()));
         metrics.section("logical-disks", metrics::addFileSystems);
         metrics.section("processors", metrics::addProcessors);
         metrics.section("cpu", () -> library.cpu().forEach(metrics::add));
@@ -125,27 +109,28 @@ public final class HostMetrics {
     private void add(SolarisCpuUtilizationData data) {
         Exposition.Family ticks = out.counter("tarn_cpu_ticks_total", "Clock ticks since boot; 32 bits, which wrap.");
         Object[] labels = {"processor", data.cpuId()};
-        ticks.sample(unsigned32(data.userTicks()), with(labels, "mode", "user"));
-        ticks.sample(unsigned32(data.kernelTicks()), with(labels, "mode", "kernel"));
-        ticks.sample(unsigned32(data.waitTicks()), with(labels, "mode", "wait"));
-        ticks.sample(unsigned32(data.idleTicks()), with(labels, "mode", "idle"));
+        ticks.sample(Counter.of32(data.userTicks()).value(), with(labels, "mode", "user"));
+        ticks.sample(Counter.of32(data.kernelTicks()).value(), with(labels, "mode", "kernel"));
+        ticks.sample(Counter.of32(data.waitTicks()).value(), with(labels, "mode", "wait"));
+        ticks.sample(Counter.of32(data.idleTicks()).value(), with(labels, "mode", "idle"));
     }
 
     private void add(SolarisDiskIOInformation io) {
         Object[] labels = {"disk", io.diskName(), "instance", io.instanceName()};
-        count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."), io.bytesRead(), labels);
-        count(out.counter("tarn_disk_written_bytes_total", "Bytes written since boot."), io.bytesWritten(), labels);
+        count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."), new Counter(io.bytesRead()), labels);
+        count(out.counter("tarn_disk_written_bytes_total", "Bytes written since boot."),
+              new Counter(io.bytesWritten()), labels);
         Exposition.Family busy = out.counter("tarn_disk_busy_seconds_total", "Time with a request at the disk.");
-        if (io.runTime() != -1) {
-            busy.sample(new BigDecimal(unsigned(io.runTime()), 9), labels);
+        Counter time = new Counter(io.runTime()); // in nanoseconds
+        if (time.isKept()) {
+            busy.sample(new BigDecimal(time.value(), 9), labels);
         }
     }
 
     private void addFabric() {
         Fabric fabric = library.fabric();
         for (Fabric.Port port : fabric.ports()) {
-            String wwn =
-                port.instance == null ? "" : PortFacts.name(port.instance, HbaPortProvider.permanentAddress);
+            String wwn = Instances.name(port.instance, HbaPortProvider.permanentAddress);
             Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn", wwn};
             out.gauge("tarn_fc_port_online", "Whether the port is online; one that cannot be read is not.")
                 .sample(port.instance != null && PortStates.isOk(port.instance) ? 1 : 0, labels);
@@ -175,19 +160,20 @@ public final class HostMetrics {
         Exposition.Family frames = out.counter("tarn_fc_port_frames_total", "Frames through the port.");
         Exposition.Family errors = out.counter("tarn_fc_port_errors_total", "What went wrong at the port.");
         if (statistics != null) {
-            count(frames, Instances.number(statistics, FCPortStatisticsProvider.packetsTransmitted).longValue(),
+            count(frames, Counter.of(statistics, FCPortStatisticsProvider.packetsTransmitted),
                   with(labels, "direction", "transmitted"));
-            count(frames, Instances.number(statistics, FCPortStatisticsProvider.packetsReceived).longValue(),
+            count(frames, Counter.of(statistics, FCPortStatisticsProvider.packetsReceived),
                   with(labels, "direction", "received"));
-            errorKinds.forEach((counter, kind) -> count(errors, Instances.number(statistics, counter).longValue(),
-                                                        with(labels, "kind", kind)));
+            for (PortError error : PortError.values()) {
+                count(errors, error.in(statistics), with(labels, "kind", error.name().toLowerCase(Locale.ROOT)));
+            }
         }
     }
 
-    /** A counter without a sign; one with all bits set is not kept, and left out. */
-    private static void count(Exposition.Family family, long bits, Object... labels) {
-        if (bits != -1) {
-            family.sample(unsigned(bits), labels);
+    /** One that is not kept is left out. */
+    private static void count(Exposition.Family family, Counter counter, Object... labels) {
+        if (counter.isKept()) {
+            family.sample(counter.value(), labels);
         }
     }
 
@@ -196,14 +182,6 @@ public final class HostMetrics {
         more[labels.length] = name;
         more[labels.length + 1] = value;
         return more;
-    }
-
-    private static BigInteger unsigned(long bits) {
-        return new BigInteger(Long.toUnsignedString(bits));
-    }
-
-    private static long unsigned32(long bits) {
-        return Integer.toUnsignedLong((int) bits);
     }
 
     private static BigInteger kilobytes(long number) {

@@ -9,11 +9,13 @@ import com.google.gson.JsonSerializationContext;
 import com.google.gson.JsonSerializer;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import java.util.LinkedHashMap;
+import java.util.Map;
 import javax.wbem.cim.UnsignedInt;
 
 /** Writes what the library returns as JSON: a result class as an object with its fields, in their order. */
 public final class Json {
-    private static final Gson writer = new GsonBuilder().serializeNulls().disableHtmlEscaping().setPrettyPrinting()
+    private static final Gson WRITER = new GsonBuilder().serializeNulls().disableHtmlEscaping().setPrettyPrinting()
         .registerTypeHierarchyAdapter(UnsignedInt.class, (JsonSerializer<UnsignedInt>) (number, type, context) ->
             new JsonPrimitive(number.bigIntegerValue()))
         .registerTypeHierarchyAdapter(TrInstance.class, (JsonSerializer<TrInstance>) (instance, type, context) ->
@@ -31,7 +33,20 @@ public final class Json {
      * @param value what the library returned, or lists and maps of that
      */
     public static String text(Object value) {
-        return writer.toJson(value);
+        return WRITER.toJson(value);
+    }
+
+    /**
+     * {@return an object with these members}
+     *
+     * @param members pairs of a name and a value
+     */
+    public static Map<String, Object> object(Object... members) {
+        Map<String, Object> object = new LinkedHashMap<>();
+        for (int i = 0; i < members.length; i += 2) {
+            object.put((String) members[i], members[i + 1]);
+        }
+        return object;
     }
 
     private static JsonObject exception(Throwable thrown) {

@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.output;
 
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Locale;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import picocli.CommandLine.Help;
@@ -30,7 +31,7 @@ public final class ManualPage {
 
     private void write(CommandSpec root) {
         String release = root.version()[0].replaceFirst("\\+.*", ""); // without the commit
-        lines.add(String.format(".TH %s 1 \"\" \"%s\"", root.name().toUpperCase(), escape(release)));
+        lines.add(".TH " + root.name().toUpperCase(Locale.ROOT) + " 1 \"\" \"" + escape(release) + '"');
         lines.add(".SH NAME");
         lines.add(escape(root.name() + " - " + text(root.usageMessage().description())));
         lines.add(".SH SYNOPSIS");
@@ -44,7 +45,7 @@ public final class ManualPage {
         for (String paragraph : root.usageMessage().footer()) {
             int colon = paragraph.indexOf(':');
             if (colon > 0) {
-                lines.add(".SH " + escape(paragraph.substring(0, colon).toUpperCase()));
+                lines.add(".SH " + escape(paragraph.substring(0, colon).toUpperCase(Locale.ROOT)));
                 lines.add(escape(paragraph.substring(colon + 1).strip()));
             }
         }
@@ -88,7 +89,7 @@ public final class ManualPage {
 
     /** Descriptions are formats, of which "%%" is a per cent sign. */
     private static String text(String[] lines) {
-        return Help.Ansi.OFF.string(String.format(String.join(" ", lines)));
+        return Help.Ansi.OFF.string(String.format(Locale.ROOT, String.join(" ", lines)));
     }
 
     /** Backslashes and hyphens mean themselves, and nothing at the start of a line is a request. */

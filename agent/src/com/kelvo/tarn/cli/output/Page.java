@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.output;
 
 import java.io.PrintWriter;
 import java.io.Writer;
+import java.util.Locale;
 import java.util.regex.Pattern;
 
 /**
@@ -13,9 +14,9 @@ public final class Page extends PrintWriter {
     public static final String TROUBLE = "!! ";
 
     /** To the end of the table's cell or of the list's item. */
-    private static final Pattern trouble = Pattern.compile(TROUBLE + ".*?(?=  |[,;]|$)");
-    private static final String red = "\u001b[31m";
-    private static final String plain = "\u001b[0m";
+    private static final Pattern MARKED = Pattern.compile(TROUBLE + ".*?(?=  |[,;]|$)");
+    private static final String RED = "\u001b[31m";
+    private static final String PLAIN = "\u001b[0m";
 
     private final Terminal terminal;
 
@@ -33,7 +34,7 @@ public final class Page extends PrintWriter {
     @Override
     public void print(String text) {
         String shown = printable(text);
-        super.print(terminal.hasColour() ? trouble.matcher(shown).replaceAll(red + "$0" + plain) : shown);
+        super.print(terminal.hasColour() ? MARKED.matcher(shown).replaceAll(RED + "$0" + PLAIN) : shown);
     }
 
     /** {@return how many characters a line has room for} */
@@ -91,16 +92,13 @@ public final class Page extends PrintWriter {
      * @param text any
      */
     public static String printable(String text) {
-        int plainLength = 0;
-        while (plainLength < text.length() && !Character.isISOControl(text.charAt(plainLength))) {
-            plainLength++;
-        }
-        if (plainLength == text.length()) {
+        if (text.chars().noneMatch(Character::isISOControl)) {
             return text;
         }
         StringBuilder shown = new StringBuilder();
         for (char character : text.toCharArray()) {
-            shown.append(Character.isISOControl(character) ? String.format("\\x%02x", (int) character) : character);
+            shown.append(Character.isISOControl(character)
+                ? String.format(Locale.ROOT, "\\x%02x", (int) character) : character);
         }
         return shown.toString();
     }

@@ -1,9 +1,11 @@
 package com.kelvo.tarn.cli.output;
 
+import com.kelvo.tarn.cli.answers.Counter;
 import java.io.PrintWriter;
 import java.util.ArrayList;
 import java.util.Collection;
 import java.util.List;
+import java.util.Objects;
 import java.util.function.Function;
 import java.util.stream.Collectors;
 
@@ -12,7 +14,7 @@ import java.util.stream.Collectors;
  * right; for programs comma-separated values. What is not known is null: a dash for people, nothing for programs.
  */
 public final class Table<R> {
-    private static final String unknown = "-";
+    private static final String UNKNOWN = "-";
 
     private static final class Column<R> {
         private final String heading;
@@ -113,15 +115,16 @@ public final class Table<R> {
     }
 
     /**
-     * Adds a counter of bytes without a sign, exactly and in a readable unit; one with all bits set is not kept.
+     * Adds a counter of bytes, exactly and in a readable unit.
      *
      * @param heading what stands over it
      * @param cell the counter's bits
      * @return this table
      */
     public Table<R> bytes(String heading, Function<R, Long> cell) {
-        return number(heading, row -> Units.counter(cell.apply(row)))
-            .reading(row -> Units.counter(cell.apply(row)) == null ? "" : Units.bytes(Units.unsigned(cell.apply(row))));
+        Function<R, Counter> counter = row -> new Counter(cell.apply(row));
+        return number(heading, row -> counter.apply(row).text())
+            .reading(row -> Objects.requireNonNullElse(Units.bytes(counter.apply(row)), ""));
     }
 
     /**
@@ -135,11 +138,6 @@ public final class Table<R> {
         return this;
     }
 
-    /** {@return whether there are no rows} */
-    public boolean isEmpty() {
-        return rows.isEmpty();
-    }
-
     /**
      * Prints it for people: as many of the columns as the page is wide enough for.
      *
@@ -148,13 +146,8 @@ public final class Table<R> {
     public void print(Page out) {
         List<List<String>> lines = new ArrayList<>();
         lines.add(columns.stream().map(column -> column.heading).collect(Collectors.toList()));
-        for (R row : rows) {
-            List<String> line = new ArrayList<>(columns.size());
-            for (Column<R> column : columns) {
-                line.add(shown(column, row));
-            }
-            lines.add(line);
-        }
+        rows.forEach(row -> lines.add(
+            columns.stream().map(column -> shown(column, row)).collect(Collectors.toList())));
         int[] widths = new int[columns.size()];
         for (List<String> line : lines) {
             for (int i = 0; i < widths.length; i++) {
@@ -167,12 +160,8 @@ public final class Table<R> {
             text.setLength(0);
             for (int i = 0; i < fitting; i++) {
                 String cell = line.get(i);
-                boolean right = columns.get(i).right;
-                text.append(right ? "" : cell);
-                for (int blanks = widths[i] - cell.length(); blanks > 0; blanks--) {
-                    text.append(' ');
-                }
-                text.append(right ? cell : "").append("  ");
+                String blanks = " ".repeat(widths[i] - cell.length());
+                text.append(columns.get(i).right ? blanks + cell : cell + blanks).append("  ");
             }
             out.println(text.toString().stripTrailing());
         }
@@ -236,7 +225,7 @@ public final class Table<R> {
 
     private static <R> String shown(Column<R> column, R row) {
         Object value = column.shown.apply(row);
-        return value == null ? unknown : Page.printable(value.toString());
+        return value == null ? UNKNOWN : Page.printable(value.toString());
     }
 
     private static String quoted(Object value) {

@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.output;
 
+import com.kelvo.tarn.cli.answers.Counter;
 import java.math.BigDecimal;
 import java.math.RoundingMode;
 
@@ -9,6 +10,15 @@ public final class Units {
     public static final int SECTOR = 512;
 
     private Units() {
+    }
+
+    /**
+     * {@return a counter of bytes in a readable unit; null when it is not kept}
+     *
+     * @param bytes the counter
+     */
+    public static String bytes(Counter bytes) {
+        return bytes.isKept() ? bytes(bytes.value().doubleValue()) : null;
     }
 
     /**
@@ -27,24 +37,6 @@ public final class Units {
     }
 
     /**
-     * {@return the unsigned reading of 64 bits, as near as a double comes}
-     *
-     * @param bits the 64 bits
-     */
-    public static double unsigned(long bits) {
-        return bits < 0 ? bits + 0x1p64 : bits;
-    }
-
-    /**
-     * {@return a counter without a sign; null for one with all bits set, which is not kept}
-     *
-     * @param bits the counter's 64 bits
-     */
-    public static String counter(long bits) {
-        return bits == -1 ? null : Long.toUnsignedString(bits);
-    }
-
-    /**
      * {@return a share, such as "12.5%"; empty when there is no whole}
      *
      * @param part of the whole
@@ -55,12 +47,13 @@ public final class Units {
     }
 
     /**
-     * {@return the time in seconds, to the thousandth}
+     * {@return the time in seconds, to the thousandth; null when it is not kept}
      *
      * @param nanoseconds the time
      */
-    public static String seconds(long nanoseconds) {
-        return decimal(nanoseconds / 1e9, 3);
+    public static String seconds(Counter nanoseconds) {
+        return !nanoseconds.isKept() ? null
+            : new BigDecimal(nanoseconds.value(), 9).setScale(3, RoundingMode.HALF_UP).toPlainString();
     }
 
     /**

@@ -9,6 +9,6 @@ public final class HbaDiscoveredPortProvider {
     }
 
     static TrClass classIn(TrNamespace namespace) {
-        return new TrClass("Kelvo_HbaDiscoveredPort", namespace, HbaPortProvider.properties);
+        return new TrClass("Kelvo_HbaDiscoveredPort", namespace, HbaPortProvider.PROPERTIES);
     }
 }

@@ -9,50 +9,50 @@ import javax.wbem.cim.UnsignedInt16;
 
 /** Fibre Channel ports. The same descriptors serve local ports and the remote ports that they have discovered. */
 public final class HbaPortProvider {
-    static final List<TrProperty> properties = new ArrayList<>();
+    static final List<TrProperty> PROPERTIES = new ArrayList<>();
     /** The world-wide name of the port's node, 16 hexadecimal digits: a String. */
-    public static final TrProperty nodeWWN = TrProperty.append(properties, "nodeWWN");
+    public static final TrProperty nodeWWN = TrProperty.append(PROPERTIES, "nodeWWN");
     /** The port's world-wide name, 16 hexadecimal digits: a String. */
-    public static final TrProperty permanentAddress = TrProperty.append(properties, "permanentAddress");
+    public static final TrProperty permanentAddress = TrProperty.append(PROPERTIES, "permanentAddress");
     /** The port's Fibre Channel address, 24 bits: an UnsignedInt32. */
-    public static final TrProperty portFcId = TrProperty.append(properties, "portFcId");
+    public static final TrProperty portFcId = TrProperty.append(PROPERTIES, "portFcId");
     /** One of the port types below. */
-    public static final TrProperty portType = TrProperty.append(properties, "portType");
+    public static final TrProperty portType = TrProperty.append(PROPERTIES, "portType");
     /** One of the port states below. */
-    public static final TrProperty portState = TrProperty.append(properties, "portState");
+    public static final TrProperty portState = TrProperty.append(PROPERTIES, "portState");
     /** The classes of service below that the port supports: an array of UnsignedInt16. */
-    public static final TrProperty supportedCOS = TrProperty.append(properties, "supportedCOS");
+    public static final TrProperty supportedCOS = TrProperty.append(PROPERTIES, "supportedCOS");
     /** The port's symbolic name, a String. */
-    public static final TrProperty name = TrProperty.append(properties, "name");
+    public static final TrProperty name = TrProperty.append(PROPERTIES, "name");
     /** The system's device of the port, a String. */
-    public static final TrProperty osDeviceName = TrProperty.append(properties, "osDeviceName");
+    public static final TrProperty osDeviceName = TrProperty.append(PROPERTIES, "osDeviceName");
     /** The highest speed the port supports, an UnsignedInt64 in bits per second; 0 when unknown. */
-    public static final TrProperty maxSpeed = TrProperty.append(properties, "maxSpeed");
+    public static final TrProperty maxSpeed = TrProperty.append(PROPERTIES, "maxSpeed");
     /** The speed the port runs at, an UnsignedInt64 in bits per second; 0 when unknown. */
-    public static final TrProperty speed = TrProperty.append(properties, "speed");
+    public static final TrProperty speed = TrProperty.append(PROPERTIES, "speed");
     /** The largest frame, an UnsignedInt64 in bytes. */
     public static final TrProperty supportedMaximumTransmissionUnit =
-        TrProperty.append(properties, "supportedMaximumTransmissionUnit");
+        TrProperty.append(PROPERTIES, "supportedMaximumTransmissionUnit");
     /** The world-wide name of the fabric, 16 hexadecimal digits: a String. */
-    public static final TrProperty fabricName = TrProperty.append(properties, "fabricName");
+    public static final TrProperty fabricName = TrProperty.append(PROPERTIES, "fabricName");
     /** The port's world-wide name again, as the key. */
-    public static final TrProperty deviceID = TrProperty.append(properties, "deviceID");
+    public static final TrProperty deviceID = TrProperty.append(PROPERTIES, "deviceID");
     /** The host's name, a String. */
-    public static final TrProperty systemName = TrProperty.append(properties, "systemName");
+    public static final TrProperty systemName = TrProperty.append(PROPERTIES, "systemName");
     /** The name of the class of computer systems, a String. */
-    public static final TrProperty systemCreationClassName = TrProperty.append(properties, "systemCreationClassName");
+    public static final TrProperty systemCreationClassName = TrProperty.append(PROPERTIES, "systemCreationClassName");
     /** One of the operational statuses below, in an array of UnsignedInt16. */
-    public static final TrProperty operationalStatus = TrProperty.append(properties, "operationalStatus");
+    public static final TrProperty operationalStatus = TrProperty.append(PROPERTIES, "operationalStatus");
     /** The name of the instance's class, a String. */
-    public static final TrProperty creationClassName = TrProperty.append(properties, "creationClassName");
+    public static final TrProperty creationClassName = TrProperty.append(PROPERTIES, "creationClassName");
     /** "Adapter 0 Port 1", by index; null for a remote port. */
-    public static final TrProperty caption = TrProperty.append(properties, "caption");
+    public static final TrProperty caption = TrProperty.append(PROPERTIES, "caption");
     /** The same as the caption. */
-    public static final TrProperty description = TrProperty.append(properties, "description");
+    public static final TrProperty description = TrProperty.append(PROPERTIES, "description");
     /** The same as the caption. */
-    public static final TrProperty elementName = TrProperty.append(properties, "elementName");
+    public static final TrProperty elementName = TrProperty.append(PROPERTIES, "elementName");
     /** The port's index at its adapter, an UnsignedInt16; null for a remote port. */
-    public static final TrProperty portNumber = TrProperty.append(properties, "portNumber");
+    public static final TrProperty portNumber = TrProperty.append(PROPERTIES, "portNumber");
 
     // Port types, as the CIM schema numbers them.
     /** What the adapter does not tell, or the CIM schema has no number for. */
@@ -118,6 +118,6 @@ public final class HbaPortProvider {
     }
 
     static TrClass classIn(TrNamespace namespace) {
-        return new TrClass("Kelvo_HbaPort", namespace, properties);
+        return new TrClass("Kelvo_HbaPort", namespace, PROPERTIES);
     }
 }

@@ -12,26 +12,26 @@ import javax.wbem.cim.UnsignedInt32;
 
 /** The host's whole disks. */
 public final class SolarisDiskDriveProvider {
-    private static final List<TrProperty> properties = new ArrayList<>();
+    private static final List<TrProperty> PROPERTIES = new ArrayList<>();
     /** Such as "c0t0d0": a String, the key. */
-    public static final TrProperty name = TrProperty.append(properties, "name");
+    public static final TrProperty name = TrProperty.append(PROPERTIES, "name");
     /** The first word of the disk's label, a String; null without a label. */
-    public static final TrProperty diskType = TrProperty.append(properties, "diskType");
+    public static final TrProperty diskType = TrProperty.append(PROPERTIES, "diskType");
     /** The physical device path, a String; null when it cannot be learned. */
-    public static final TrProperty deviceIdentifier = TrProperty.append(properties, "deviceIdentifier");
+    public static final TrProperty deviceIdentifier = TrProperty.append(PROPERTIES, "deviceIdentifier");
     /** An UnsignedInt32, as are all figures below; 0 when the disk does not tell its geometry. */
-    public static final TrProperty heads = TrProperty.append(properties, "heads");
+    public static final TrProperty heads = TrProperty.append(PROPERTIES, "heads");
     /** Sectors of 512 bytes. */
-    public static final TrProperty sectorsPerTrack = TrProperty.append(properties, "sectorsPerTrack");
+    public static final TrProperty sectorsPerTrack = TrProperty.append(PROPERTIES, "sectorsPerTrack");
     /** All cylinders. */
-    public static final TrProperty physicalCylinders = TrProperty.append(properties, "physicalCylinders");
+    public static final TrProperty physicalCylinders = TrProperty.append(PROPERTIES, "physicalCylinders");
     /** Those that hold data. */
-    public static final TrProperty dataCylinders = TrProperty.append(properties, "dataCylinders");
+    public static final TrProperty dataCylinders = TrProperty.append(PROPERTIES, "dataCylinders");
     /** Those kept in reserve. */
-    public static final TrProperty alternateCylinders = TrProperty.append(properties, "alternateCylinders");
+    public static final TrProperty alternateCylinders = TrProperty.append(PROPERTIES, "alternateCylinders");
 
     /** The class of the instances. */
-    public static final TrClass _class = new TrClass("Kelvo_DiskDrive", TrNamespace.KELVO, properties);
+    public static final TrClass _class = new TrClass("Kelvo_DiskDrive", TrNamespace.KELVO, PROPERTIES);
 
     static {
         NativeLibrary.load();

@@ -13,24 +13,24 @@ import javax.wbem.cim.UnsignedInt32;
 
 /** The slices of the host's disks. */
 public final class SolarisDiskPartitionProvider {
-    private static final List<TrProperty> properties = new ArrayList<>();
+    private static final List<TrProperty> PROPERTIES = new ArrayList<>();
     /** Such as "c0t0d0s0": a String, the key. */
-    public static final TrProperty name = TrProperty.append(properties, "name");
+    public static final TrProperty name = TrProperty.append(PROPERTIES, "name");
     /** The disk that it is a slice of, a String. */
-    public static final TrProperty diskName = TrProperty.append(properties, "diskName");
+    public static final TrProperty diskName = TrProperty.append(PROPERTIES, "diskName");
     /** Its number in the disk's table of contents, an UnsignedInt32. */
-    public static final TrProperty partitionNumber = TrProperty.append(properties, "partitionNumber");
+    public static final TrProperty partitionNumber = TrProperty.append(PROPERTIES, "partitionNumber");
     /** An UnsignedInt32, in sectors of 512 bytes. */
-    public static final TrProperty sizeInSectors = TrProperty.append(properties, "sizeInSectors");
+    public static final TrProperty sizeInSectors = TrProperty.append(PROPERTIES, "sizeInSectors");
     /** What the slice is meant for, as the label has it: an UnsignedInt16. */
-    public static final TrProperty tag = TrProperty.append(properties, "tag");
+    public static final TrProperty tag = TrProperty.append(PROPERTIES, "tag");
     /** Whether it may be mounted or written, as the label has it: an UnsignedInt16. */
-    public static final TrProperty flags = TrProperty.append(properties, "flags");
+    public static final TrProperty flags = TrProperty.append(PROPERTIES, "flags");
     /** Whether a file system is mounted from it, a Boolean. */
-    public static final TrProperty mounted = TrProperty.append(properties, "mounted");
+    public static final TrProperty mounted = TrProperty.append(PROPERTIES, "mounted");
 
     /** The class of the instances. */
-    public static final TrClass _class = new TrClass("Kelvo_DiskPartition", TrNamespace.KELVO, properties);
+    public static final TrClass _class = new TrClass("Kelvo_DiskPartition", TrNamespace.KELVO, PROPERTIES);
 
     static {
         NativeLibrary.load();

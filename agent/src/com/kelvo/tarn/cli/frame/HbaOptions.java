@@ -1,19 +1,20 @@
-package com.kelvo.tarn.cli.commands;
+package com.kelvo.tarn.cli.frame;
 
-import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.providers.hba.HbaCache;
-import com.kelvo.tarn.providers.hba.HbaClassNames;
 import picocli.CommandLine.Option;
 
 /** How the device names of target mappings are made: what the agent's objects answer when the library asks them. */
-final class HbaOptions {
+public final class HbaOptions {
+    static final String LEADVILLE = "--leadville";
+
     @Option(names = "--keep-os-device-name",
             description = "hba, paths, map, report: device names as the HBA library gives them.")
     private boolean keepOsDeviceName;
 
-    @Option(names = "--leadville",
+    @Option(names = LEADVILLE,
             description = "hba, paths, map, report: names in /dev/rdsk/ lose their directory and their s2 slice.")
     private boolean leadville;
 
@@ -21,27 +22,40 @@ final class HbaOptions {
             + "/dev/rdsk/, lose their directory and their s2 slice.")
     private boolean forceLeadville;
 
-    boolean any() {
+    /** {@return whether anything was chosen} */
+    public boolean any() {
         return keepOsDeviceName || leadville || forceLeadville;
     }
 
-    /** What either chooses. */
-    HbaOptions or(HbaOptions other) {
-        HbaOptions both = new HbaOptions();
-        both.keepOsDeviceName = keepOsDeviceName || other.keepOsDeviceName;
-        both.leadville = leadville || other.leadville;
-        both.forceLeadville = forceLeadville || other.forceLeadville;
-        return both;
+    /**
+     * Takes over what was chosen elsewhere on the command line as well.
+     *
+     * @param other the choices there
+     * @return these choices
+     */
+    public HbaOptions and(HbaOptions other) {
+        keepOsDeviceName |= other.keepOsDeviceName;
+        leadville |= other.leadville;
+        forceLeadville |= other.forceLeadville;
+        return this;
     }
 
-    /** Asks the library for the adapters with all that they see. */
-    HbaCache.Hba[] fill() {
-        return new HbaCache(leadville, forceLeadville)
-            .fillHbaCache(new HbaClassNames(TrNamespace.KELVO, keepOsDeviceName));
+    /**
+     * {@return the adapters with all that they see}
+     *
+     * @param library what is asked
+     */
+    public HbaCache.Hba[] fill(Library library) {
+        return library.hba(keepOsDeviceName, leadville, forceLeadville);
     }
 
-    /** Says under device names that nobody chose how they came about. */
-    void explainDeviceNames(Fabric fabric, Page out) {
+    /**
+     * Says under device names that nobody chose how they came about.
+     *
+     * @param fabric what has the names
+     * @param out where
+     */
+    public void explainDeviceNames(Fabric fabric, Page out) {
         if (!any() && fabric.remotePorts().anyMatch(remote -> !remote.mappings.isEmpty())) {
             out.printFolded("Device names are made of bus, target and LUN; --leadville shows those of /dev/rdsk");
         }

@@ -1,13 +1,13 @@
-package com.kelvo.tarn.cli.commands;
+package com.kelvo.tarn.cli.frame;
 
+import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LibraryLog;
-import com.kelvo.tarn.replay.ReplayHost;
 import java.io.File;
-import picocli.CommandLine;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.ScopeType;
+import picocli.CommandLine;
 
 /** The options that go with every command, before it or after it. */
 public abstract class TarnOptions {
@@ -31,9 +31,14 @@ public abstract class TarnOptions {
     private HbaOptions hba;
 
     private final LibraryLog log = new LibraryLog();
+    private Library library;
 
-    /** Lets the host that was asked for answer. The command is the one that a complaint is about. */
-    final void chooseHost(CommandLine command) {
+    /**
+     * Lets the host that was asked for answer.
+     *
+     * @param command the one that a complaint is about
+     */
+    public final void chooseHost(CommandLine command) {
         String path = host != null ? host.getPath() : System.getenv().getOrDefault("TARN_HOST", "");
         if (host == null && path.isEmpty()) {
             return;
@@ -44,30 +49,45 @@ public abstract class TarnOptions {
         load(path, command);
     }
 
-    /** Lets the host of that description answer. */
-    static void load(String path, CommandLine command) {
+    /**
+     * Lets the host of a description answer.
+     *
+     * @param path the description
+     * @param command the one that a complaint is about
+     */
+    public final void load(String path, CommandLine command) {
         try {
-            ReplayHost.load(path);
+            library().load(path);
         } catch (IllegalArgumentException unreadable) {
             throw new ParameterException(command, unreadable.getMessage(), unreadable);
         }
     }
 
-    final boolean json() {
+    /** {@return the library; it is loaded when it is first asked for} */
+    public final Library library() {
+        if (library == null) {
+            library = new Library(log);
+        }
+        return library;
+    }
+
+    /** {@return whether the answer is to be a JSON document} */
+    public final boolean json() {
         return json;
     }
 
-    final boolean csv() {
+    /** {@return whether the answer is to be comma-separated values} */
+    public final boolean csv() {
         return csv;
     }
 
-    /** The description that was named on the command line, or null. */
-    final File host() {
+    /** {@return the description that was named on the command line, or null} */
+    public final File host() {
         return host;
     }
 
-    /** The choices for host bus adapters that were made before the command. */
-    final HbaOptions hba() {
+    /** {@return the choices for host bus adapters that were made before the command} */
+    public final HbaOptions hba() {
         return hba;
     }
 

@@ -1,52 +1,51 @@
-package com.kelvo.tarn.cli.commands;
+package com.kelvo.tarn.cli.output;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.Instances;
-import com.kelvo.tarn.cli.answers.PortFacts;
+import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.PortWords;
 import com.kelvo.tarn.cli.output.Tree;
-import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
-import java.util.List;
+import java.util.Comparator;
+import java.util.EnumSet;
 import java.util.Locale;
-import java.util.Map;
 import java.util.Objects;
+import java.util.Set;
 import java.util.function.Function;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.wbem.cim.UnsignedInt;
 
 /** Draws an adapter with all that it sees. Two exclamation marks stand before what is not healthy. */
-final class HbaTree {
-    private static final String trouble = "!! ";
-
-    private static final List<Map.Entry<TrProperty, String>> errorCounters = List.of(
-        Map.entry(FCPortStatisticsProvider.linkFailures, trouble + "link failures"),
-        Map.entry(FCPortStatisticsProvider.crcErrors, trouble + "CRC errors"),
-        Map.entry(FCPortStatisticsProvider.lossOfSyncCounter, "loss of sync"),
-        Map.entry(FCPortStatisticsProvider.lossOfSignalCounter, "loss of signal"),
-        Map.entry(FCPortStatisticsProvider.primitiveSeqProtocolErrCount, "sequence protocol errors"),
-        Map.entry(FCPortStatisticsProvider.invalidTransmissionWords, "invalid words"),
-        Map.entry(FCPortStatisticsProvider.errorFrames, "error frames"),
-        Map.entry(FCPortStatisticsProvider.dumpedFrames, "dumped frames"));
+public final class HbaTree {
+    /** Of these one is too many. */
+    private static final Set<PortError> GRAVE = EnumSet.of(PortError.LINK_FAILURE, PortError.CRC);
 
     private HbaTree() {
     }
 
-    /** In brief, a port's remote ports are counted, and only those in trouble are drawn. */
-    static Tree of(Fabric.Adapter adapter, boolean brief) {
+    /**
+     * {@return an adapter with all that it sees}
+     *
+     * @param adapter what is drawn
+     * @param brief whether a port's remote ports are counted, and only those in trouble drawn
+     */
+    public static Tree of(Fabric.Adapter adapter, boolean brief) {
         Tree tree = new Tree(label("Adapter", adapter.index, adapter.instance, HbaTree::adapter));
         adapter.ports.forEach(port -> tree.add(port(port, brief)));
         return tree;
     }
 
     private static Tree port(Fabric.Port port, boolean brief) {
-        String label = label("Port", port.index, port.instance, HbaTree::port);
+        String label = label("Port", port.index, port.instance, found -> port(found, ""));
         if (!port.recorded) {
             return new Tree(label);
         }
@@ -75,7 +74,7 @@ final class HbaTree {
     }
 
     private static String unreadable(String thing) {
-        return trouble + thing + " not readable (see the log)";
+        return Page.TROUBLE + thing + " not readable (see the log)";
     }
 
     private static String adapter(TrInstance adapter) {
@@ -88,22 +87,18 @@ final class HbaTree {
             labelled("WWN ", adapter, HostBusAdapterProvider.name));
     }
 
-    private static String port(TrInstance port) {
-        return port(port, "");
-    }
-
     /** With the node's name, which the ports of one array have in common. */
     private static String remotePort(TrInstance port) {
         return port(port, labelled("node ", port, HbaPortProvider.nodeWWN));
     }
 
     private static String port(TrInstance port, String node) {
-        String state = PortStates.name(port);
-        String fcId = PortFacts.fcId(port);
+        String state = PortWords.of(port, HbaPortProvider.portState);
+        String fcId = PortWords.of(port, HbaPortProvider.portFcId);
         return join(
-            PortStates.isOk(port) ? state : trouble + state.toUpperCase(Locale.ROOT),
-            PortFacts.speed(port),
-            PortFacts.type(port),
+            PortStates.isOk(port) ? state : Page.TROUBLE + state.toUpperCase(Locale.ROOT),
+            PortWords.of(port, HbaPortProvider.speed),
+            PortWords.of(port, HbaPortProvider.portType),
             labelled("WWN ", port, HbaPortProvider.permanentAddress),
             node,
             fcId.isEmpty() ? "" : "FC ID " + fcId,
@@ -116,20 +111,16 @@ final class HbaTree {
         if (statistics == null) {
             return unreadable("counters");
         }
-        String errors = errorCounters.stream()
-            .filter(counter -> count(statistics, counter.getKey()) != null)
-            .filter(counter -> Instances.number(statistics, counter.getKey()).longValue() != 0)
-            .map(counter -> counter.getValue() + " " + count(statistics, counter.getKey()))
+        String errors = Stream.of(PortError.values()).sorted(Comparator.comparing(error -> !GRAVE.contains(error)))
+            .filter(error -> error.in(statistics).isKept() && error.in(statistics).value().signum() != 0)
+            .map(error -> (GRAVE.contains(error) ? Page.TROUBLE : "") + PortWords.errors(error) + " "
+                              + error.in(statistics).text())
             .collect(Collectors.joining(", "));
         Object[] frames = Stream
             .of(FCPortStatisticsProvider.packetsTransmitted, FCPortStatisticsProvider.packetsReceived)
-            .map(counter -> Objects.requireNonNullElse(count(statistics, counter), "-")).toArray();
-        return String.format("Frames: %s sent, %s received", frames) + (errors.isEmpty() ? "" : "; " + errors);
-    }
-
-    /** Null: the adapter does not keep the counter. */
-    private static String count(TrInstance statistics, TrProperty counter) {
-        return Units.counter(Instances.number(statistics, counter).longValue());
+            .map(counter -> Objects.requireNonNullElse(Counter.of(statistics, counter).text(), "-")).toArray();
+        return String.format(Locale.ROOT, "Frames: %s sent, %s received", frames)
+            + (errors.isEmpty() ? "" : "; " + errors);
     }
 
     private static String unit(TrInstance mapping) {
@@ -148,7 +139,7 @@ final class HbaTree {
 
     /** The property's value after the label; nothing when it has none. */
     private static String labelled(String label, TrInstance instance, TrProperty property) {
-        String value = PortFacts.name(instance, property);
+        String value = Instances.name(instance, property);
         return value.isEmpty() ? "" : label + value;
     }
 

@@ -1,6 +1,5 @@
-package com.kelvo.tarn.cli;
+package com.kelvo.tarn.cli.frame;
 
-import com.kelvo.tarn.cli.commands.AuthenticateCommand;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.IOException;
 import java.util.Objects;
@@ -14,8 +13,8 @@ import picocli.CommandLine.UnmatchedArgumentException;
 import picocli.CommandLine;
 
 /** Tells in one line what is wrong with a command line, and where to read what is right. */
-final class BadUsage implements IParameterExceptionHandler {
-    private static final Set<Class<?>> numbers = Set.of(int.class, Integer.class);
+public final class BadUsage implements IParameterExceptionHandler {
+    private static final Set<Class<?>> NUMBERS = Set.of(int.class, Integer.class);
 
     @Override
     public int handleParseException(ParameterException exception, String[] given) {
@@ -28,18 +27,23 @@ final class BadUsage implements IParameterExceptionHandler {
         return exitStatus(exception.getCommandLine(), given);
     }
 
-    /** That of the command at fault; where the fault stands before it, of the first that is named. */
-    static int exitStatus(CommandLine atFault, String... given) {
+    /**
+     * {@return the exit status of the command at fault; where the fault stands before it, of the first that is named}
+     *
+     * @param atFault the command
+     * @param given the command line
+     */
+    public static int exitStatus(CommandLine atFault, String... given) {
         return Stream.of(given).map(atFault.getSubcommands()::get).filter(Objects::nonNull).findFirst().orElse(atFault)
             .getCommandSpec().exitCodeOnInvalidInput();
     }
 
     private static String complaint(ParameterException exception) {
         if (exception instanceof UnmatchedArgumentException) {
-            return complaint((UnmatchedArgumentException) exception, exception.getCommandLine().getCommand());
+            return complaint((UnmatchedArgumentException) exception, exception.getCommandLine());
         }
         ArgSpec argument = exception.getArgSpec();
-        if (argument != null && exception.getValue() != null && numbers.contains(argument.type())) {
+        if (argument != null && exception.getValue() != null && NUMBERS.contains(argument.type())) {
             String name = argument.isOption() ? ((OptionSpec) argument).longestName() : argument.paramLabel();
             return name + ": '" + exception.getValue()
                 + (exception.getValue().matches("[+-]?\\d+") ? "' is out of range" : "' is not a number");
@@ -48,13 +52,13 @@ final class BadUsage implements IParameterExceptionHandler {
     }
 
     /** Names only the first surplus argument, and no value of an option: it may be a password. */
-    private static String complaint(UnmatchedArgumentException exception, Object command) {
-        if (command instanceof AuthenticateCommand) {
+    private static String complaint(UnmatchedArgumentException exception, CommandLine command) {
+        if (command.getCommandName().equals("authenticate")) {
             return "authenticate takes a user; the password is asked for";
         }
         String given = exception.getUnmatched().get(0);
-        String what = !exception.isUnknownOption() ? command instanceof Tarn ? "unknown command" : "surplus argument"
-            : "unknown option";
+        String what = exception.isUnknownOption() ? "unknown option"
+            : command.getParent() == null ? "unknown command" : "surplus argument";
         return what + " '" + (exception.isUnknownOption() ? given.replaceFirst("=.*", "") : given) + "'"
             + exception.getSuggestions().stream().filter(known -> known.charAt(0) == given.charAt(0)).findFirst()
                 .map(known -> " (did you mean " + known + "?)").orElse("");

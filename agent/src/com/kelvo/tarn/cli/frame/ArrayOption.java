@@ -1,4 +1,4 @@
-package com.kelvo.tarn.cli.commands;
+package com.kelvo.tarn.cli.frame;
 
 import java.util.List;
 import picocli.CommandLine.Model.CommandSpec;
@@ -7,7 +7,7 @@ import picocli.CommandLine.ParameterException;
 import picocli.CommandLine.Spec;
 
 /** An array that is asked about as well. */
-final class ArrayOption {
+public final class ArrayOption {
     @Spec(Spec.Target.MIXEE)
     private CommandSpec spec;
 
@@ -22,8 +22,8 @@ final class ArrayOption {
         arguments = given;
     }
 
-    /** The four arguments of the command array; none when no array was named. */
-    List<String> arguments() {
+    /** {@return the four arguments of the command array; none when no array was named} */
+    public List<String> arguments() {
         return arguments;
     }
 }

@@ -1,0 +1,93 @@
+package com.kelvo.tarn.cli.frame;
+
+import com.kelvo.tarn.cli.answers.Library;
+import com.kelvo.tarn.cli.answers.LibraryLog;
+import com.kelvo.tarn.cli.output.Json;
+import com.kelvo.tarn.cli.output.Page;
+import java.io.PrintWriter;
+import java.util.List;
+import java.util.concurrent.Callable;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.ParameterException;
+import picocli.CommandLine.ParentCommand;
+import picocli.CommandLine.Spec;
+
+/** A command that asks the library one question and prints the answer. */
+public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
+    @ParentCommand
+    private TarnOptions tarn;
+
+    @Spec
+    private CommandSpec spec;
+
+    /** Makes the host answer that the options name. */
+    protected void chooseHost() {
+        tarn.chooseHost(spec.commandLine());
+    }
+
+    /** {@return the options that all commands have} */
+    protected final TarnOptions tarn() {
+        return tarn;
+    }
+
+    /** {@return the library that the command asks} */
+    protected final Library library() {
+        return tarn.library();
+    }
+
+    /** {@return the command as picocli sees it} */
+    protected final CommandSpec spec() {
+        return spec;
+    }
+
+    /**
+     * {@return bad usage of this command, to be thrown}
+     *
+     * @param message what is wrong
+     */
+    protected final ParameterException refusal(String message) {
+        return new ParameterException(spec.commandLine(), message);
+    }
+
+    /** Whether the answer is a table, for programs too. */
+    boolean hasTable() {
+        return false;
+    }
+
+    @Override
+    public final Integer call() {
+        if (tarn.hba().any() && spec.findOption(HbaOptions.LEADVILLE) == null) {
+            throw refusal("The options for device names go with hba, paths, map and report");
+        }
+        if (tarn.csv() && !hasTable()) {
+            throw refusal("--csv goes with the commands that print one table");
+        }
+        if (tarn.csv() && tarn.json()) {
+            throw refusal("--csv and --json do not go together");
+        }
+        chooseHost();
+        Answer answer = answer();
+        int status = answer.thrown == null ? answer.status() : spec.exitCodeOnExecutionException();
+        List<LibraryLog.Line> log = tarn.log().take();
+        PrintWriter out = spec.commandLine().getOut();
+        PrintWriter err = spec.commandLine().getErr();
+        if (tarn.json()) {
+            out.println(Json.text(Json.object("result", answer.result, "log", log, "exception", answer.thrown)));
+            return status;
+        }
+        if (answer.complaint == null) {
+            if (tarn.csv()) {
+                answer.table.get().printCsv(out);
+            } else {
+                answer.page.accept(out);
+            }
+            out.flush();
+        }
+        log.stream().filter(answer.shownLog).map(line -> line.level + ": " + line.text()).distinct()
+            .forEach(err::println);
+        if (answer.complaint != null) {
+            Page.complain(err, answer.complaint);
+        }
+        return status;
+    }
+}

@@ -1,0 +1,126 @@
+package com.kelvo.tarn.cli.map;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.answers.LogicalUnit;
+import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.cli.map.Topology.Node;
+import com.kelvo.tarn.cli.output.PortWords;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
+import java.util.List;
+import java.util.Locale;
+import java.util.Objects;
+import java.util.stream.Collectors;
+
+/** What stands in boxes, at lines and in rows. */
+final class Wording {
+    /** So many device names stand in a box. */
+    private static final int NAMES_IN_BOX = 4;
+
+    private Wording() {
+    }
+
+    static void describe(Node box, Fabric.Adapter adapter) {
+        TrInstance instance = adapter.instance;
+        box.line("Manufacturer", Instances.name(instance, HostBusAdapterProvider.manufacturer));
+        box.line("Model", Instances.name(instance, HostBusAdapterProvider.model));
+        box.fact("Description", Instances.name(instance, HostBusAdapterProvider.modelDescription));
+        box.fact("Serial number", Instances.name(instance, HostBusAdapterProvider.serialNumber));
+        box.fact("Node WWN", Instances.name(instance, HostBusAdapterProvider.name));
+        box.fact("Firmware", Instances.name(instance, HostBusAdapterProvider.firmwareVersion));
+        box.fact("Driver", Instances.name(instance, HostBusAdapterProvider.driverName) + " "
+                 + Instances.name(instance, HostBusAdapterProvider.driverVersion));
+    }
+
+    /** A port, local or remote; null leaves the box as it is. */
+    static void describe(Node box, TrInstance port) {
+        if (port == null) {
+            return;
+        }
+        box.line("Port WWN", Instances.name(port, HbaPortProvider.permanentAddress));
+        box.line("Name", Instances.name(port, HbaPortProvider.name));
+        String state = PortWords.of(port, HbaPortProvider.portState);
+        String speed = PortWords.of(port, HbaPortProvider.speed);
+        box.lines.add(PortStates.isOk(port) ? state + ", " + speed : speed);
+        box.fact("State", state);
+        box.fact("Speed", speed);
+        box.fact("Type", PortWords.of(port, HbaPortProvider.portType));
+        box.fact("FC ID", PortWords.of(port, HbaPortProvider.portFcId));
+        box.fact("Node WWN", Instances.name(port, HbaPortProvider.nodeWWN));
+    }
+
+    /** Remote ports that share a box. */
+    static void describe(Node box, List<Grouping.Remote> remotes) {
+        long arrays = remotes.stream().map(Grouping.Remote::node).distinct().count();
+        box.line("Arrays", "of " + count(arrays, "array"));
+        box.line("WWNs", wwnOrPlace(remotes.get(0).first()) + " …");
+    }
+
+    /** Logical units, one or several. */
+    static void describeUnits(Node box, List<LogicalUnit> units) {
+        LogicalUnit first = units.get(0);
+        LogicalUnit last = units.get(units.size() - 1);
+        boolean single = units.size() == 1;
+        if (!single) {
+            box.line("LUNs", first.node.equals(last.node) ? "LUN " + first.lun + " to " + last.lun
+                : "of " + count(units.stream().map(unit -> unit.node).distinct().count(), "array"));
+        }
+        List<String> devices = units.stream().flatMap(unit -> unit.paths.stream()).map(path -> text(path.osDeviceName))
+            .filter(device -> !device.isEmpty()).distinct().collect(Collectors.toList());
+        devices.stream().limit(NAMES_IN_BOX).forEach(box.lines::add);
+        if (devices.size() > NAMES_IN_BOX) {
+            box.lines.add(String.format(Locale.ROOT, "and %,d more", devices.size() - NAMES_IN_BOX));
+        }
+        box.fact("Devices", String.join(", ", single ? devices : box.lines.subList(1, box.lines.size())));
+        box.fact("Array", first.node.equals(last.node) ? first.node : "");
+    }
+
+    static String name(List<LogicalUnit> units) {
+        String first = units.get(0).place().strip();
+        return units.size() == 1 ? first : first + " to " + units.get(units.size() - 1).place().strip();
+    }
+
+    static String title(List<LogicalUnit> units) {
+        return units.size() == 1 ? "LUN " + units.get(0).lun : count(units.size(), "logical unit");
+    }
+
+    static String label(LogicalUnit.Path path) {
+        return path.remote.port.place() + " to " + wwnOrPlace(path.remote) + ", " + text(path.osDeviceName)
+            + (path.isOnline() ? "" : ", not online");
+    }
+
+    /** A cell for each of the table's columns. */
+    static List<String> cells(LogicalUnit unit, LogicalUnit.Path path, String remark) {
+        return List.of(unit.node, unit.lun.toString(), remark, text(path.osDeviceName), String.valueOf(path.adapter),
+                       String.valueOf(path.port), text(path.portWWN), PortWords.state(path.portState),
+                       text(path.remotePort), PortWords.state(path.remotePortState), text(path.scsiBus),
+                       text(path.targetId));
+    }
+
+    /** What is to be remarked on a unit; mostly nothing. */
+    static String remark(LogicalUnit unit) {
+        return !unit.lacksPaths() ? ""
+            : (unit.onlinePaths() == 1 ? "one path left" : "no path left")
+                + (unit.paths.size() == 1 ? "" : " of " + unit.paths.size());
+    }
+
+    /** The frame's title; empty when there is none, for want of a name. */
+    static String group(String node) {
+        return Instances.name(node).isEmpty() ? "" : "Array " + node;
+    }
+
+    static String wwnOrPlace(Fabric.RemotePort remote) {
+        String wwn = Instances.name(remote.instance, HbaPortProvider.permanentAddress);
+        return wwn.isEmpty() ? remote.place() : wwn;
+    }
+
+    static String count(long number, String noun) {
+        return String.format(Locale.ROOT, "%,d %s%s", number, noun, number == 1 ? "" : "s");
+    }
+
+    private static String text(Object value) {
+        return Objects.toString(value, "").strip();
+    }
+}

@@ -1,0 +1,357 @@
+"""What the command line is to answer: a case a line, by subject, to be found by what it prints."""
+
+import json
+import re
+from dataclasses import dataclass, field
+from pathlib import Path
+
+ROOT = Path(__file__).parents[2]
+ANY = object()  # what the case does not compare
+
+
+@dataclass
+class Case:
+    """One run. With result (or picks) it is run with --json and its document compared; else its output is searched."""
+    command: str
+    host: object = None  # the description: an object, or the text of a file; None: the built-in one
+    result: object = ANY
+    picks: dict = field(default_factory=dict)  # path into the result -> value there
+    log: list = field(default_factory=list)  # "level: message"
+    exception: dict | None = None
+    shows: tuple = ()  # texts of standard output for people, blanks folded
+    prints: str | None = None  # all of standard output
+    complains: tuple = ()  # texts of the one line of standard error, with nothing printed
+    status: int = 0
+    password: str = ""
+    environment: dict = field(default_factory=dict)
+
+    def is_json(self):
+        return self.result is not ANY or bool(self.picks)
+
+
+def gives(command, result, host=None, **more):
+    return Case(command, host, result, **more)
+
+
+def picks(command, values, host=None, **more):
+    return Case(command, host, picks=values, **more)
+
+
+def shows(command, *texts, host=None, **more):
+    return Case(command, host, shows=texts, **more)
+
+
+def refuses(command, *complaints, host=None, status=2, **more):
+    return Case(command, host, complains=complaints, status=status, **more)
+
+
+# ---- A host that has something to say to every command, and what it says ---------------------------------------------
+
+PASSWORD = "Hello world!"
+
+
+def read(path):
+    return json.loads((Path(__file__).parent.parent / path).read_text(encoding="utf-8"))
+
+
+RICH = read("hosts/command-line.json")
+LUNS = read("hosts/array-luns.json")
+BARE = {"sysconf": RICH["sysconf"], "kstat": []}  # nothing is wrong with it
+NO_KSTAT = {"sysconf": RICH["sysconf"]}
+
+RESULTS = read("cli/everything.json")  # of every command that takes no argument
+UFS = RESULTS["logical-disks"][0]
+DEVICE = "0.ports.0.discoveredPorts.0.targetMappings.{}.properties.osDeviceName"
+DISK_LOG = ["warn: SolarisDiskDrive DKIOCGVTOC"]
+HBA_LOG = ["warn: HBA_GetDiscoveredPortAttributes call returned 1 (Error) for adapter 0 (SUNW-qlc-0)",
+           "warn: HBA_GetPortStatistics call returned 2 (Not supported) for adapter 0 (SUNW-qlc-0)",
+           "warn: HBA_GetAdapterPortAttributes call returned 1 (Error) for adapter 0 (SUNW-qlc-0)",
+           "warn: Unable to open HBA adapter 1 (hba-1) -- status is 0 (OK) (check ownership)"]
+LOGS = {"disks": DISK_LOG, "hba": HBA_LOG}
+KSTAT_FAILED = {"class": "java.lang.RuntimeException", "message": "kstat open failed."}
+LOOKUP_FAILED = {"class": "java.lang.RuntimeException", "message": "kstat_lookup failed."}
+
+
+def array(*luns):
+    return {**RICH, "disks": [LUNS[lun] for lun in luns]}
+
+
+BOTH = array("A", "B")
+ONE_DRIVE_LESS = array("A", "B with one drive")
+NOT_COUNTING = array("A without blocks")
+REPORT = "    2  0  1  0  2   80" + "".join("%10u" * 8 % (start, 2, 7, 4, 5, 6, 7, 4294967295)
+                                             for start in (100, 101, 200, 201))
+ARRAY = "array A B KELVO 'Tray Array'"
+FAR = "50000000000000b1"  # a remote port
+
+HOSTS = {}  # descriptions that a command names, by the word that stands for them
+
+
+def word(host):
+    """The word for a host in a command."""
+    HOSTS[f"@{len(HOSTS)}"] = host
+    return list(HOSTS)[-1]
+
+
+def file_system(*sizes):
+    """A host with one, of these numbers of bytes a block, blocks, free and available ones; none: they are not told."""
+    names = ("f_frsize", "f_blocks", "f_bfree", "f_bavail")
+    return {"mnttab": ["d\t/u\tufs\trw\t1"],
+            "statvfs": {"/u": {"f_bsize": sizes[0], **dict(zip(names, sizes))}} if sizes else {}}
+
+
+def ports(*states):
+    """A host whose ports have these states, and one logical unit behind all of them."""
+    far = {"attributes": {"PortWWN": FAR, "NodeWWN": "50000000000000b0", "PortState": 2}}
+    return {"hba": {"adapters": [{
+        "name": "a",
+        "ports": [{"attributes": {"PortState": state, "PortWWN": f"21000000000000a{number}"}, "discovered": [far]}
+                  for number, state in enumerate(states)],
+        "targetMapping": [{"ScsiId": {"OSDeviceName": "/dev/rdsk/c1t2d3s2"}, "FcpId": {"PortWWN": FAR}}]}]}}
+
+
+def adapter(**members):
+    return {"hba": {"adapters": [{"name": "a", **members}]}}
+
+
+def sizes_compared(old, new, shown):
+    command = f"compare {word(file_system(1, *old))} {word(file_system(*new))}"
+    return Case(command, prints=f"changed   file system /u: totalBytes {shown}\n", status=1, log=ANY)
+
+
+def counting(second, disk=(0, 0, 0), cpu=(0, 0, 0, 0), port=(0, 0, 0)):
+    """The word for a host with these counters, recorded at that second; -1 has all bits set."""
+    return word({
+        "kstat": [{"ks_name": "sd0", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
+                   "data": dict(zip(("nread", "nwritten", "rtime"), disk))},
+                  {"ks_module": "cpu_stat", "ks_name": "cpu_stat0",
+                   "data": dict(zip(("user", "kernel", "wait", "idle"), cpu))}],
+        **adapter(ports=[{"attributes": {"PortWWN": FAR},
+                          "statistics": dict(zip(("TxFrames", "RxFrames", "InvalidCRCCount"), port))}]),
+        **({} if second is None else {"recordedAt": f"2026-11-24T10:00:{second:02}Z"})})
+
+
+def rates(old, new, disk, cpu, port):
+    """Ten seconds lie between the two; what is per second, and of a processor in per cent."""
+    return picks(f"compare {counting(0, *old)} {counting(10, *new)}", {
+        "changes": [],
+        "rates.disks": [{"diskName": "", "instanceName": "sd0", **dict(zip(
+            ("bytesReadPerSecond", "bytesWrittenPerSecond", "busyPercent"), disk))}],
+        "rates.processors": [{"cpuId": 0, **dict(zip(
+            ("userPercent", "kernelPercent", "waitPercent", "idlePercent"), cpu))}],
+        "rates.ports": [{"port": "port " + FAR, **dict(zip(
+            ("framesSentPerSecond", "framesReceivedPerSecond", "errorsPerSecond"), port))}]}, log=ANY)
+
+
+def no_rates(old, new):
+    return gives(f"compare {old} {new}", {"changes": [], "rates": None}, log=ANY)
+
+
+# ---- Cases ----------------------------------------------------------------------------------------------------------
+
+SECTIONS = [*RESULTS, "report"]
+NOWHERE = {"TARN_HOST": "/no/such/file.json"}
+ODD_DISK = {"kstat": [], "disks": [{"name": "c0t0d0", "geometry": {"dkg_nhead": 1},
+                                    "vtoc": {"v_asciilabel": "T", "v_part": [{"p_tag": 77}]}}]}
+FEW_DISKS = {"kstat": [{"ks_name": "sd9", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO", "data": {}}],
+             "mnttab": ["/dev/dsk/c1t3d0s0\t/three\tufs\trw\t1"]}
+BUSY = {"kstat": [{"ks_name": "sd0", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
+                   "data": {"rtime": 9223372036854775808, "wlastupdate": -1}}]}
+
+CASES = [
+    # Each command, and the report of all
+    *(gives(name, result, RICH, log=LOGS.get(name, [])) for name, result in RESULTS.items()),
+    gives("report", RESULTS, RICH, log=DISK_LOG + HBA_LOG),
+    shows("report", *(f"── {name} ──" for name in RESULTS), log=ANY),
+    shows("report", "Host name: rill", "Platform: SUNW,V440", "Memory: 8000 KB (7.8 MiB)",
+          "Free swap: 80 KB (80.0 KiB)", "/home nfs srv:/home", "5 sparcv9 1281 offline",
+          "3221225472 75.0% 2 25 25.0% 10 10.0% 5 5.0% 60 60.0%",
+          "c1t0d0 sd0 5368709120 5.0 GiB 1024 1.0 KiB 7.500 9.000", "- sd9 - 0 0 B",
+          "c1t0d0 SUN72G 68.4 GiB 24 424 14089 14087 2 /pci@1f/sd@0,0", "c1t1d0 - - -",
+          "c1t0d0s0 c1t0d0 0 20972736 10.0 GiB 2 root wm yes", "1 3000000000 1.4 TiB 3 swap wu no", "left out: 1",
+          "├─ Port 0: online", "remote ports: 2, LUNs: 2", "HBA 0 name(SUNW-qlc-0)", "Jan 18 2006",
+          host=RICH, log=["warn: c1t1d0: SolarisDiskDrive DKIOCGVTOC", *HBA_LOG]),
+    picks("report", {"computer-system": RESULTS["computer-system"], "cpu": {"exception": KSTAT_FAILED},
+                     "build-date": "Jan 18 2006"}, {"sysinfo": RICH["sysinfo"]}, log=ANY, status=1),
+    shows("report", "Host name: rill", "!! kstat open failed.", "no host bus adapters", "Jan 18 2006",
+          host={"sysinfo": RICH["sysinfo"]}, log=ANY, status=1),
+
+    # The one that an argument names
+    gives("processors 5", RESULTS["processors"][1], RICH),
+    gives("processors 7", None, RICH, status=1),
+    gives("cpu 2", RESULTS["cpu"][1], RICH),
+    gives("cpu 9", None, RICH, exception=LOOKUP_FAILED, status=1),
+    gives("logical-disks /", {**UFS, "totalBytes": 1024000, "availableBytes": 409600, "freeBytes": 512000,
+                              "blockSize": 8192}, RICH),
+    gives("disk-io c1t0d0", RESULTS["disk-io"][0], RICH),
+    gives("disk-io /dev/dsk/c1t0d0", RESULTS["disk-io"][0], RICH),
+    gives("disk-io c9t9d9", None, RICH, status=1),
+    gives("disks c1t0d0", RESULTS["disks"][0], RICH),
+    gives("disks /dev/rdsk/c1t0d0", RESULTS["disks"][0], RICH),
+    gives("disks c1t2d0", None, RICH, status=1),
+    gives("partitions c1t0d0s1", RESULTS["partitions"][1], RICH),
+    gives("partitions /dev/rdsk/c1t0d0s1", RESULTS["partitions"][1], RICH),
+    gives("partitions c1t1d0s0", None, RICH, status=1),
+    refuses("cpu 9", "processor 9: kstat_lookup failed.", host=RICH, status=1),
+    refuses("processors 7", "tarn: no processor 7\n", host=RICH, status=1),
+    refuses("disk-io nope", "tarn: no disk nope\n", host=RICH, status=1),
+    refuses("disks nope", "tarn: no disk nope\n", host=RICH, status=1),
+    refuses("partitions nope", "tarn: no partition nope\n", host=RICH, status=1),
+    shows("computer-system", "Host name: \\x1b[2J\\x9b", host={"sysinfo": {"SI_HOSTNAME": "\x1b[2J\x9b"}}),
+    shows("disk-io", "- sd0 0 0 B 0 0 B 9223372036.855 -", host=BUSY),
+
+    # File systems
+    picks("logical-disks '/😀 data'", {"mountPoint": "/😀 data"}, {"mnttab": ["d\t/😀 data\tufs\trw\t1"]}),
+    shows("logical-disks /", "/ ufs 1000.0 KiB 500.0 KiB 400.0 KiB 55.6% /dev/dsk/c1t0d0s0", host=RICH),
+    shows("logical-disks --sizes", "/u ufs unknown unknown unknown - d", host=file_system(0, 0, 0, 0)),
+    shows("logical-disks --sizes", "/u ufs 1000 B 900 B 99 B !! 90.1% d", host=file_system(1, 1000, 100, 99)),
+    shows("logical-disks --sizes", "/u ufs 1000 B 900 B 101 B 89.9% d", host=file_system(1, 1000, 100, 101)),
+    shows("logical-disks --sizes", "/u ufs 10 B 10 B 0 B !! 100.0% d", host=file_system(1, 10, 0, -1)),
+    picks("logical-disks --sizes", {"0.totalBytes": 1024000, "1.totalBytes": 0}, RICH),
+
+    # Adapters
+    picks("--keep-os-device-name hba", {DEVICE.format(0): "/dev/rdsk/c2t50060E8000C3A2B1d5s2",
+                                        DEVICE.format(1): "/dev/dsk/c4t1d0s0"}, RICH, log=HBA_LOG),
+    picks("hba --leadville", {DEVICE.format(0): "c2t50060E8000C3A2B1d5", DEVICE.format(1): "c4t1d0"}, RICH,
+          log=HBA_LOG),
+    picks("hba --force-leadville", {DEVICE.format(0): "c2t50060E8000C3A2B1d5", DEVICE.format(1): "c4t1d0s0"}, RICH,
+          log=HBA_LOG),
+    picks("report --force-leadville", {"hba." + DEVICE.format(1): "c4t1d0s0"}, RICH, log=DISK_LOG + HBA_LOG),
+    shows("hba", "Adapter 0: QLogic Corp., QLA2342, firmware 3.03.02, WWN 200000e08b010203",
+          "├─ Port 0: online, 2 Gb/s, N port, WWN 210000e08b010203, FC ID 0x010200, fabric 100000606951abcd",
+          "│ ├─ Frames: - sent, 9223372036854775808 received; !! link failures 3",
+          "│ ├─ Remote port 0: online, 1 Gb/s, N port, WWN 50060e8000c3a2b1",
+          "│ │ ├─ LUN 5, c2t0d5, bus 2, target 0, exported as LUN 16389",
+          "│ └─ !! remote port 1 not readable", "├─ Port 1: !! LINK DOWN", "│ └─ !! counters not readable",
+          "└─ !! port 2 not readable", "!! adapter 1 not readable", "--leadville shows", host=RICH, log=HBA_LOG),
+    shows("hba", "Adapter 0 └─ Port 0: !! STATE UNKNOWN, speed unknown └─", host=adapter(ports=[{}]), log=ANY),
+
+    # Paths
+    shows("paths", f"50000000000000b0 LUN 0 └─ c0t0d0: adapter 0 port 0 21000000000000a0 online → {FAR} online ",
+          host=ports(2)),
+    shows("paths", "50000000000000b0 LUN 0 ├─", host=ports(2, 2)),
+    shows("paths", "LUN 0: !! ONE PATH LEFT ├─", host=ports(2, 3)),
+    shows("paths", "LUN 0: !! NO PATH LEFT ├─ c0t0d0: adapter 0 port 0 21000000000000a0 !! LINK DOWN →",
+          host=ports(6, 3)),
+    shows("paths", "unknown array LUN 0 └─ c0t0d0: adapter 0 port 0 unknown !! STATE UNKNOWN → unknown !! STATE",
+          host=adapter(ports=[{"discovered": [{}]}], targetMapping=[{}])),
+
+    # An array
+    gives(ARRAY, REPORT, BOTH),
+    picks(f"report --{ARRAY}", {"array": REPORT}, BOTH, log=ANY),
+    shows(ARRAY, "0 1 B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 0 2 A 101 2 7", host=BOTH),
+    shows(ARRAY, "? ? B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 ?: the places told are those of A's drives",
+          host=ONE_DRIVE_LESS),
+    shows(ARRAY, "ask again", host=NOT_COUNTING),
+    shows(ARRAY, "no drive statistics", host={}),
+
+    # A password
+    gives("authenticate root", True, RICH, password=PASSWORD + "\n"),
+    gives("authenticate root", True, RICH, password=PASSWORD + "\nsecond line\n"),
+    gives("authenticate root", False, RICH, password="Hello World!\n", status=3),
+    gives("authenticate root", False, RICH, password="", status=3),
+    gives("authenticate root", False, RICH, password="p" * 4096 + "\n", status=3),
+    refuses("authenticate root", "tarn: the password is longer than 4096 bytes\n", host=RICH, password="p" * 4097),
+    gives("authenticate guest", True, RICH, password="Anything-1\n"),
+    gives("authenticate nobody", False, RICH, password="Anything-2\n", status=3,
+          log=["info: No password entry for user nobody found"]),
+    shows("authenticate root", "no, that is not the password of root", host=RICH, password="Anything-3\n", status=3),
+    refuses(f"authenticate root '{PASSWORD}'", "the password is asked for", password=PASSWORD),
+
+    # What is wrong
+    shows("check", "TARN WARNING - 8 findings: 0 critical, 8 warnings warning file-system-full "
+          "/backup: 91.9% used, 5.4 GiB available warning disk-unreadable c0t0d0", log=ANY, status=1),
+    shows("check", "TARN OK - nothing found", host=BARE),
+    shows("check", "TARN CRITICAL - 2 findings: 2 critical, 0 warnings !! critical port-not-online adapter 0 port 0",
+          host={**BARE, **adapter(ports=[{"attributes": {"PortState": 6}}] * 2)}, log=ANY, status=2),
+    shows("check", "section-failed disk-io: kstat open failed.", host=NO_KSTAT, log=ANY, status=2),
+    shows(f"check --{ARRAY}",
+          "drive-errors tray 0 slot 1: A counts unrecovered errors: 6, request timeouts: 7; B counts",
+          host=BOTH, log=ANY, status=2),
+    shows(f"check --{ARRAY}", "array-counters A: ", host=NOT_COUNTING, log=ANY, status=2),
+    picks(f"check --{ARRAY}", {"findings.0.subject": "A", "findings.1": IndexError}, BARE, status=1),
+    picks("check --full 92", {"findings.0.code": "disk-unreadable"}, log=ANY, status=1),
+    refuses("check --full 101", "101", status=3),
+    refuses("check --full x", "--full: 'x' is not a number", status=3),
+    refuses("--odd check", "--odd", status=3),
+    refuses("check", "HOST.json", host="no JSON", status=3),
+
+    # One disk
+    shows("disk c4t1d0", "Disk: c4t1d0 Instance: - Drive: !! cannot be opened", "no slices", " LUN 0: ", host=RICH,
+          log=ANY),
+    shows("disk c0t0d0", "Drive: T, capacity unknown", "c0t0d0s0 0 B 77 wm", host=ODD_DISK, log=ANY),
+    picks("disk sd9", {"name": "sd9"}, FEW_DISKS, log=ANY),
+    picks("disk /three", {"name": "c1t3d0"}, FEW_DISKS, log=ANY),
+    picks("disk /dev/rdsk/c1t3d0s2", {"name": "c1t3d0"}, FEW_DISKS, log=ANY),
+    gives("disk nope", None, RICH, log=DISK_LOG + HBA_LOG, status=1),
+    refuses("disk nope", "no disk nope\n", host=RICH, status=1),
+    refuses("disk /home", "no disk /home\n", host=RICH, status=1),
+    refuses("disk /dev/dsk/", "no disk /dev/dsk/\n", host=RICH, status=1),
+    refuses("disk s0", "no disk s0\n", host=RICH, status=1),
+
+    # Two descriptions
+    gives("compare hosts/rill.json hosts/rill.json", {"changes": [], "rates": None}, log=ANY),
+    gives("compare hosts/rill.json hosts/rill-cable-pulled.json", read("cli/cable-pulled.json"), log=ANY, status=1),
+    sizes_compared([2 ** 30], [1, 2 ** 63], "1.0 GiB → 8.0 EiB"),
+    sizes_compared([2 ** 30], [], "1.0 GiB → unknown"),
+    sizes_compared([2 ** 30], [1, 2 ** 30 + 1], "1073741824 → 1073741825"),
+    rates([(0, 1, 0), (0, 0, 0, 0), (0, 0, 1)], [(5000, 1, 10 ** 9), (2, 3, 0, 5), (20, 5, 4)],
+          (500.0, 0.0, 10.0), (20.0, 30.0, 0.0, 50.0), (2.0, 0.5, 0.3)),
+    rates([(-20, 9, 5), (2 ** 32 - 1, 0, 0, 0), (-1, 0, -1)], [(-10, 8, 5), (0, 0, 0, 3), (5, -1, 4)],
+          (1.0, None, 0.0), (25.0, 0.0, 0.0, 75.0), (None, None, 0.0)),
+    rates([(0, 0, 0), (9, 9, 9, 9), (0, 0, 0)], [(0, 0, 0), (0, 0, 0, 0), (0, 0, 0)],
+          (0.0, 0.0, 0.0), (None,) * 4, (0.0, 0.0, 0.0)),
+    no_rates(counting(10), counting(0)),
+    no_rates(*[counting(10)] * 2),
+    no_rates(counting(None), counting(0)),
+    refuses("compare hosts/rill.json", "NEW"),
+    refuses("compare hosts/rill.json /no/such", "/no/such"),
+    refuses("--host hosts/rill.json compare a b", "--host"),
+
+    # Comma-separated values
+    Case("--csv processors", RICH, prints="ID,Type,MHz,State\n0,sparcv9,1281,online\n5,sparcv9,1281,offline\n"),
+    Case("--csv disk-io c1t0d0", RICH, prints="Disk,Instance,Read,Written,Busy (s),Queue last changed (s since boot)\n"
+         "c1t0d0,sd0,5368709120,1024,7.500,9.000\n"),
+    Case("--csv check --full 99", RICH, log=ANY, status=2),
+    Case("--csv logical-disks", {"mnttab": ['a"b\t/x,y\tufs\trw\t1']},
+         prints='Mount point,Type,Device\n"/x,y",ufs,"a""b"\n'),
+    Case("--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Remote port,Remote port state,Device,Bus,"
+         "Target,SCSI LUN\n"),
+
+    # Help
+    shows("--help", "Usage: tarn", "Exit status", *SECTIONS, "array", "authenticate"),
+    shows("help check", "Usage: tarn check", "--full=PERCENT"),
+    shows("authenticate --help", "Usage: tarn authenticate"),
+    shows("--version", "tarn " + re.search(r"project\(tarnsolaris VERSION ([^ )]+)",
+                                           (ROOT / "CMakeLists.txt").read_text())[1]),
+    Case("manual", prints=(ROOT / "docs/tarn.1").read_text()),
+
+    # The host that answers
+    gives("build-date", "Jan 18 2006", RICH, environment=NOWHERE),
+    refuses("cpu", "/no/such/file.json", environment=NOWHERE),
+    refuses("--json report", "😀HOST.json", "JSON", host="this is no JSON"),
+    refuses("--json report", "😀HOST.json", "kernel", host='{"kernel": {}}'),
+    refuses("--json report", "😀HOST.json", "disks[1].geometry.dkg_nhead",
+            host='{"disks": [{}, {"geometry": {"dkg_nhead": 65536}}]}'),
+    refuses("--host '' cpu", "--host: no file"),
+    refuses("--host /no/such/file cpu", "/no/such/file"),
+    refuses("--host /dev/zero cpu", "/dev/zero: a device, not a file"),
+    refuses("cpu --host", "--host"),
+
+    # Bad usage
+    refuses("", "command"),
+    refuses("'no\ncolour'", "unknown command 'no colour'"),
+    refuses("dik", "did you mean disk?"),
+    refuses("cpu x", "ID: 'x' is not a number"),
+    refuses("cpu 3000000000", "range"),
+    refuses("--leadville cpu", "hba"),
+    refuses("cpu --leadville", "--leadville"),
+    refuses("authenticate", "USER"),
+    refuses("help nope", "nope"),
+    refuses("--csv hba", "--csv"),
+    refuses("--csv --json cpu", "--json"),
+    refuses("--csv report", "--csv"),
+    refuses("array A B C", "PRODUCT"),
+    refuses("report --array A B", "--array"),
+    refuses("report" + 2 * " --array A B C D", "once"),
+]
