@@ -494,8 +494,8 @@ public:
 
     /// Keeps the directory's order when it is not that in which the description has its entries.
     void describeOrder() {
-        if (!names) {
-            return;
+        if (!names || (listed.empty() && !names->empty())) {
+            return; // nobody could be asked
         }
         auto next = listed.begin();
         const auto isNext = [&](std::string_view disk, std::string_view slice) {

@@ -199,7 +199,7 @@ class Recorder(unittest.TestCase):
                 (["--output="], 2, "--output: '' is no file" + usage),
                 (["--frob=1"], 2, "unknown option '--frob'" + usage),
                 (["rill"], 2, "surplus argument 'rill'" + usage),
-                (["\x1b"], 2, "surplus argument '\\x1b'" + usage),
+                (["\x1b\udc9b"], 2, "surplus argument '\\x1b\\x9b'" + usage),
                 (["--quiet=yes"], 2, "--quiet takes no value" + usage),
                 (["--timeout", "1s"], 2, "--timeout: '1s' is no number of seconds from 1 to 86400" + usage),
                 (["--array", "a", "b", "c", "--quiet"], 2,
