@@ -27,8 +27,6 @@ constexpr int fewDisks = 2;
 constexpr Fabric smallFabric{1, 1, 32, 32};
 constexpr std::size_t inquirySize = 255;
 
-/// Without a limit no other process makes the calls. With one, what takes in their answers is measured, and what it
-/// takes to begin a process beside this one, which a virtual machine makes large.
 std::string describeHost(int disks, const Fabric &fabric) {
     constexpr const char *answers = R"(, "scsi": {
         "INQUIRY": "00 00 05 02 5b 00 00 02 53 45 41 47 41 54 45 20 53 54 33 37 33 33 30 37 4c 53 55 4e 37 32 47 20"})";
@@ -197,6 +195,8 @@ std::vector<Comparison> comparisons() {
         record({{}, false, 0});
         return nullptr;
     };
+    // Without a limit no other process makes the calls. With one, what takes in their answers is measured, and what it
+    // takes to begin a process beside this one, which the virtual machine makes large.
     const auto asked = [](JNIEnv *) -> jobject {
         record({});
         return nullptr;
