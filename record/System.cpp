@@ -199,7 +199,8 @@ namespace {
 
 std::vector<Ask> waysToAsk(const Options &options) {
     std::vector<Ask> ways;
-    for (const std::size_t kind : {Askers::rawEntry, Askers::link, Askers::blockEntry, Askers::arrayPages, Askers::nothing}) {
+    for (const std::size_t kind :
+         {Askers::rawEntry, Askers::link, Askers::blockEntry, Askers::arrayPages, Askers::nothing}) {
         ways.push_back(wayToAskDisk(kind, options));
     }
     ways.push_back(wayToAskAdapters());
