@@ -320,8 +320,8 @@ public:
         }
     }
 
-    void run(Askers &askers) {
-        askers.run("array pages", luns.size(), *this);
+    void begin(Askers &askers) {
+        askers.add("array pages", luns.size(), *this);
     }
 
     Request request(std::size_t item) override {
@@ -371,7 +371,7 @@ public:
         }
     }
 
-    void walk(Askers &askers) {
+    void begin(Askers &askers) {
         names = namesIn(directory.c_str());
         if (!names) {
             report.notRead("disks", directory, errnoText(errno));
@@ -379,9 +379,16 @@ public:
         }
         groups.reserve(names->size());
         isKept.resize(names->size());
-        askers.run(directory.c_str(), names->size(), *this);
-        if (!isStopped()) {
-            ArrayPages(choices, groups.groups, report).run(askers);
+        askers.add(directory.c_str(), names->size(), *this);
+    }
+
+    void askForPages(Askers &askers) {
+        pages.emplace(choices, groups.groups, report).begin(askers);
+    }
+
+    void list() {
+        if (!names) {
+            return;
         }
         for (std::size_t i = 0; i < names->size(); ++i) {
             if (isKept[i]) {
@@ -392,8 +399,11 @@ public:
     }
 
     Request request(std::size_t item) override {
-        const bool isLinkOnly = isRaw && hanging.contains(subject(item));
-        return {isLinkOnly ? Askers::rawLink : isRaw ? Askers::rawEntry : Askers::blockEntry, pathOf(item)};
+        const auto hang = hanging.find(subject(item));
+        if (hang != hanging.end()) {
+            return {hang->second.isOfLink ? Askers::nothing : Askers::link, pathOf(item)};
+        }
+        return {isRaw ? Askers::rawEntry : Askers::blockEntry, pathOf(item)};
     }
 
     std::string_view subject(std::size_t item) const override {
@@ -407,7 +417,7 @@ public:
     /// A disk that hangs for one slice is not asked for the others.
     void hangs(std::size_t item, unsigned call) override {
         if (!isCommand(call)) {
-            hanging.try_emplace(subject(item), Hang{item});
+            hanging.try_emplace(subject(item), Hang{item, call == static_cast<unsigned>(Question::readlink)});
         }
     }
 
@@ -470,8 +480,8 @@ public:
             host.entries.push_back({path, std::nullopt, description::positionLast});
             return;
         }
-        if (isRaw && seen.answers.outcomes[Question::openForRequests] == Outcomes::notAsked) {
-            tellOfHang(item);
+        if (seen.answers.outcomes[isRaw ? Question::openForRequests : Question::stat] == Outcomes::notAsked) {
+            notAsked(item, seen);
         }
         const Answers answers = choices.empty() ? Answers() : seen.answers;
         const std::size_t group = groups.add(std::move(seen));
@@ -484,8 +494,8 @@ public:
 
     /// Keeps the directory's order when it is not that in which the description has its entries.
     void describeOrder() {
-        if (!names) {
-            return;
+        if (!names || (listed.empty() && !names->empty())) {
+            return; // nobody could be asked
         }
         auto next = listed.begin();
         const auto isNext = [&](std::string_view disk, std::string_view slice) {
@@ -519,12 +529,19 @@ private:
         return directory + "/" + (*names)[item];
     }
 
-    /// Once for each disk.
-    void tellOfHang(std::size_t item) {
+    /// Told once for each disk.
+    void notAsked(std::size_t item, SeenEntry &seen) {
         const auto hang = hanging.find(subject(item));
-        if (hang != hanging.end() && hang->second.item != item && !std::exchange(hang->second.isTold, true)) {
+        if (hang == hanging.end() || hang->second.item == item) {
+            return;
+        }
+        seen.name = (*names)[item]; // of which nothing may have been told
+        if (hang->second.isOfLink) {
+            seen.answers.outcomes[Question::readlink] = ETIMEDOUT;
+        }
+        if (!std::exchange(hang->second.isTold, true)) {
             report.notRead("disks", std::string(subject(item)) + " other slices",
-                           "not asked, since " + (*names)[hang->second.item] + " hangs");
+                           "not asked, since " + pathOf(hang->second.item) + " hangs");
         }
     }
 
@@ -557,9 +574,11 @@ private:
     std::vector<std::string_view> listed; // the names of what is known
     DiskGroups groups;
     std::vector<ArrayChoice> choices;
+    std::optional<ArrayPages> pages;
     TextStore links;
     struct Hang {
         std::size_t item; // that was asked for
+        bool isOfLink;
         bool isTold = false;
     };
     std::unordered_map<std::string_view, Hang> hanging; // by disk
@@ -591,6 +610,42 @@ void reportFailures(const Group &group, Report &report) {
     }
 }
 
+class Disks : public AskedSection {
+public:
+    Disks(const std::vector<tarn::ArrayNames> &arrays, description::Host &described, Report &toReport)
+        : host(described), report(toReport), raw(tarn::s_dev_rdsk, arrays, described, toReport),
+          block(tarn::dev_dsk, {}, described, toReport) {
+    }
+
+    void begin(Askers &askers) override {
+        raw.begin(askers);
+    }
+
+    void goOn(Askers &askers) override {
+        raw.askForPages(askers);
+        block.begin(askers);
+    }
+
+    void finish() override {
+        raw.list();
+        block.list();
+        std::vector<Group> groups = DiskGroups::join(std::move(raw.found()), std::move(block.found()));
+        host.disks.reserve(groups.size());
+        for (Group &group : groups) {
+            reportFailures(group, report);
+            host.disks.push_back(std::move(group).describe());
+        }
+        raw.describeOrder();
+        block.describeOrder();
+    }
+
+private:
+    description::Host &host;
+    Report &report;
+    Walk raw;
+    Walk block;
+};
+
 } // namespace
 
 Ask wayToAskDisk(std::size_t kind, const Options &options) {
@@ -600,31 +655,21 @@ Ask wayToAskDisk(std::size_t kind, const Options &options) {
         switch (kind) {
         case Askers::rawEntry:
             return asker->askRaw(path, teller);
-        case Askers::rawLink:
+        case Askers::link:
             return asker->askLink(path, teller);
         case Askers::blockEntry:
             return asker->askBlock(path, teller);
-        default:
+        case Askers::arrayPages:
             return asker->askPages(path, teller);
+        default:
+            return;
         }
     };
 }
 
-void recordDisks(const std::vector<tarn::ArrayNames> &arrays, Askers &askers, description::Host &host, Report &report) {
-    Walk raw(tarn::s_dev_rdsk, arrays, host, report);
-    raw.walk(askers);
-    Walk block(tarn::dev_dsk, {}, host, report);
-    if (!isStopped()) {
-        block.walk(askers);
-    }
-    std::vector<Group> groups = DiskGroups::join(std::move(raw.found()), std::move(block.found()));
-    host.disks.reserve(groups.size());
-    for (Group &group : groups) {
-        reportFailures(group, report);
-        host.disks.push_back(std::move(group).describe());
-    }
-    raw.describeOrder();
-    block.describeOrder();
+std::unique_ptr<AskedSection> diskSection(const std::vector<tarn::ArrayNames> &arrays, description::Host &host,
+                                          Report &report) {
+    return std::make_unique<Disks>(arrays, host, report);
 }
 
 } // namespace record

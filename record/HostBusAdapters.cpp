@@ -220,19 +220,27 @@ constexpr HBA_STATUS timedOut = HBA_STATUS_ERROR_UNAVAILABLE;
 
 /// Puts together what is told. First one item is the walk over all adapters; where that ends in a call that hangs, each
 /// adapter behind it is an item, asked for by itself.
-class Adapters : public Inquiry {
+class Adapters : public Inquiry, public AskedSection {
 public:
     Adapters(std::optional<description::Hba> &recorded, Report &toReport) : hba(recorded), report(toReport) {
     }
 
-    void run(Askers &askers) {
-        askers.run("hba", 1, *this);
-        if (isEnded && hba && !isStopped() && index + 1 < hba->adapters.size()) {
+    void begin(Askers &askers) override {
+        askers.add("hba", 1, *this);
+    }
+
+    void goOn(Askers &askers) override {
+        if (isEnded && hba && index + 1 < hba->adapters.size()) {
             firstSingle = index + std::size_t{1};
-            askers.run("hba", hba->adapters.size() - firstSingle, *this);
+            askers.add("hba", hba->adapters.size() - firstSingle, *this);
         }
+    }
+
+    void finish() override {
         if (hba) {
             settleAll();
+            report.section("hba", counted(hba->adapters.size(), "adapter") + ", " + counted(ports, "port") + ", " +
+                                      counted(remotePorts, "remote port") + ", " + counted(mappings, "mapping"));
         }
     }
 
@@ -240,7 +248,7 @@ public:
         return {Askers::adapters, firstSingle == 0 ? std::string() : std::to_string(firstSingle + item)};
     }
 
-    std::string nameOf(std::size_t, unsigned number, unsigned at) const override {
+    std::string nameOf(std::size_t item, unsigned number, unsigned at) const override {
         const auto call = static_cast<Call>(number);
         std::string name = callNames[number];
         if (call == Call::port || call == Call::statistics) {
@@ -248,8 +256,11 @@ public:
         } else if (call == Call::discovered) {
             name += " port " + std::to_string(portIndex) + " remote port " + std::to_string(at);
         }
-        return call <= Call::count || call == Call::free ? name
-                                                         : place(call < Call::port ? HBA_UINT32{at} : index, name);
+        if (call <= Call::count || call == Call::free || !hba) {
+            return name;
+        }
+        const HBA_UINT32 current = firstSingle == 0 ? index : static_cast<HBA_UINT32>(firstSingle + item);
+        return place(call < Call::port ? HBA_UINT32{at} : current, name);
     }
 
     void take(std::size_t item, const Answer &answer) override {
@@ -336,10 +347,6 @@ public:
 
     void finish(std::size_t) override {
     }
-
-    std::size_t ports = 0;
-    std::size_t remotePorts = 0;
-    std::size_t mappings = 0;
 
 private:
     void takeLoad(std::size_t item, HBA_STATUS status) {
@@ -470,7 +477,7 @@ private:
     bool refuses(const Answer &answer, HBA_STATUS status, HbaAnswers &answers) {
         answers.statuses.push_back(status);
         if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
-            report.notRead("hba", nameOf(0, answer.call, answer.index), tarn::StatusString(status));
+            report.notRead("hba", nameOf(index - firstSingle, answer.call, answer.index), tarn::StatusString(status));
         }
         return status != HBA_STATUS_OK;
     }
@@ -528,6 +535,10 @@ private:
     bool isCut = false;              // because the recorder was asked to stop
     std::vector<HBA_UINT32> unknown; // adapters of which the recorder learned nothing
 
+    std::size_t ports = 0;
+    std::size_t remotePorts = 0;
+    std::size_t mappings = 0;
+
     // What the walk has come to.
     HBA_UINT32 index = 0;
     HbaAdapter *adapter = nullptr; // where its answers go
@@ -546,14 +557,8 @@ Ask wayToAskAdapters() {
     };
 }
 
-void recordHostBusAdapters(Askers &askers, description::Host &host, Report &report) {
-    Adapters adapters(host.hba, report);
-    adapters.run(askers);
-    if (host.hba) {
-        report.section("hba", counted(host.hba->adapters.size(), "adapter") + ", " + counted(adapters.ports, "port") +
-                                  ", " + counted(adapters.remotePorts, "remote port") + ", " +
-                                  counted(adapters.mappings, "mapping"));
-    }
+std::unique_ptr<AskedSection> hostBusAdapterSection(description::Host &host, Report &report) {
+    return std::make_unique<Adapters>(host.hba, report);
 }
 
 } // namespace record

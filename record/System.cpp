@@ -2,6 +2,7 @@
 #include <array>
 #include <ctime>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include "common/system/FieldText.h"
@@ -198,7 +199,8 @@ namespace {
 
 std::vector<Ask> waysToAsk(const Options &options) {
     std::vector<Ask> ways;
-    for (const std::size_t kind : {Askers::rawEntry, Askers::rawLink, Askers::blockEntry, Askers::arrayPages}) {
+    for (const std::size_t kind :
+         {Askers::rawEntry, Askers::link, Askers::blockEntry, Askers::arrayPages, Askers::nothing}) {
         ways.push_back(wayToAskDisk(kind, options));
     }
     ways.push_back(wayToAskAdapters());
@@ -219,9 +221,20 @@ description::Host recordHost(const Options &options, Report &report) {
     };
     unlessStopped([&] { recordKernelStatistics(host, report); });
     unlessStopped([&] { recordMountTable(host, report); });
-    unlessStopped([&] { recordDisks(options.arrays, askers, host, report); });
-    unlessStopped([&] { recordHostBusAdapters(askers, host, report); });
-    unlessStopped([&] { recordFileSystems(askers, host, report); });
+    const std::unique_ptr<AskedSection> sections[] = {diskSection(options.arrays, host, report),
+                                                      hostBusAdapterSection(host, report),
+                                                      fileSystemSection(host, report)};
+    for (const auto step : {&AskedSection::begin, &AskedSection::goOn}) {
+        unlessStopped([&] {
+            for (const auto &section : sections) {
+                ((*section).*step)(askers);
+            }
+            askers.gather();
+        });
+    }
+    for (const auto &section : sections) {
+        section->finish();
+    }
     return host;
 }
 
