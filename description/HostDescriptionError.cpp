@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "common/Printable.h"
+#include "common/system/Printable.h"
 
 namespace description {
 namespace {
