@@ -79,29 +79,29 @@ bool makePath(Path &path, const char *name) {
     return true;
 }
 
-/// Learns kind and owner of the LUN behind a directory entry. Nothing then, or what it lacks to be one of the array's.
-std::optional<Missing> identifyLun(Scan &scan, const char *name, Lun &lun) {
+/// Learns kind and owner of the LUN behind a directory entry. Null then, or what it lacks to be one of the array's.
+const char *identifyLun(Scan &scan, const char *name, Lun &lun) {
     if (!makePath(lun.path, name)) {
-        return Missing::lun;
+        return missing::lun;
     }
     const FileDescriptor device = openToRead(lun.path);
     if (!device.isOpen()) {
-        return Missing::lun;
+        return missing::lun;
     }
     if (!read(scan, device, scsiStandardInquiry, inquirySize)) {
-        return Missing::standardInquiry;
+        return missing::standardInquiry;
     }
     traceInquiry(scan.data.data());
     const std::optional<LunKind> kind = lunKind(scan.names, scan.data.data());
     if (!kind) {
-        return Missing::arrayLun;
+        return missing::arrayLun;
     }
     if (!read(scan, device, scsiInquiryVPDC0, inquirySize)) {
-        return Missing::pageC0;
+        return missing::pageC0;
     }
     lun.kind = *kind;
     lun.controller = lunController(scan.names, scan.data.data());
-    return std::nullopt;
+    return nullptr;
 }
 
 void assignLun(Scan &scan, const Lun &lun) {
@@ -125,8 +125,8 @@ void discoverLuns(Scan &scan) {
         }
         traceEntry(name);
         Lun lun;
-        if (const std::optional<Missing> missing = identifyLun(scan, name, lun)) {
-            traceMissing(*missing);
+        if (const char *const why = identifyLun(scan, name, lun)) {
+            traceMissing(why);
             continue;
         }
         assignLun(scan, lun);
@@ -148,31 +148,31 @@ void traceChosenLuns(const Scan &scan) {
 void sendLogSelect(Scan &scan, const FileDescriptor &device) {
     scan.command.uscsi_flags = USCSI_WRITE;
     if (scsiLogSelect30(device.get(), &scan.command) != 0) {
-        traceMissing(Missing::logSelect);
+        traceMissing(missing::logSelect);
     }
     directToDataBuffer(scan);
 }
 
-/// Reads and decodes both pages of a controller through its chosen LUN. Nothing then, or which of it is missing.
-std::optional<Missing> readStatistics(Scan &scan, std::size_t index) {
+/// Reads and decodes both pages of a controller through its chosen LUN. Null then, or which of it is missing.
+const char *readStatistics(Scan &scan, std::size_t index) {
     Controller &controller = scan.controllers[index];
     const FileDescriptor device = openToRead(controller.chosenLun);
     if (!device.isOpen()) {
-        return Missing::chosenLun;
+        return missing::chosenLun;
     }
     if (!read(scan, device, scsiReceiveDiagnosticA0, dataBufferSize)) {
-        return Missing::pageA0;
+        return missing::pageA0;
     }
     processReceiveDiagnosticA0buffer(scan.data.data());
     if (!read(scan, device, scsiLogSense3B, dataBufferSize)) {
-        return Missing::page3B;
+        return missing::page3B;
     }
     processLogSense3Bbuffer(scan.data.data(), &controller.numberOfDrivesOut, scan.commonReturnString[index],
                             scan.uncommonReturnString[index], &controller.logSelect);
     if (controller.logSelect != 0) {
         sendLogSelect(scan, device);
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 void readAllStatistics(Scan &scan) {
@@ -181,8 +181,8 @@ void readAllStatistics(Scan &scan) {
             continue;
         }
         traceStatisticsOf(scan.controllers[i].chosenLun.data());
-        if (const std::optional<Missing> missing = readStatistics(scan, i)) {
-            traceMissing(*missing);
+        if (const char *const why = readStatistics(scan, i)) {
+            traceMissing(why);
         }
     }
 }

@@ -63,25 +63,8 @@ void traceInquiry(const unsigned char *inquiry) {
     standalonePrintf("\" ");
 }
 
-void traceMissing(Missing missing) {
-    switch (missing) {
-    case Missing::lun:
-        return standalonePuts("No open.");
-    case Missing::standardInquiry:
-        return standalonePuts("No SCSI Standard Inquiry.");
-    case Missing::arrayLun:
-        return standalonePuts("not a recognized LSI-derived LUN - skipping. ");
-    case Missing::pageC0:
-        return standalonePuts("scsiInquiryVPDC0 failed - skipping. ");
-    case Missing::chosenLun:
-        return standalonePuts("No open during inbanding.");
-    case Missing::pageA0:
-        return standalonePuts("scsiReceiveDiagnosticA0 failed - skipping.");
-    case Missing::page3B:
-        return standalonePuts("scsiLogSense3B failed - skipping.");
-    case Missing::logSelect:
-        return standalonePuts("scsiLogSelect30 failed - ignoring");
-    }
+void traceMissing(const char *why) {
+    standalonePuts(why);
 }
 
 void traceOwner(const unsigned char *pageC0, std::optional<std::size_t> controller) {

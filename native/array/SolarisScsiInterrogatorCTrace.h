@@ -17,16 +17,16 @@ namespace tarn {
 inline constexpr bool traceIsOn = false;
 
 /// Why something that was asked for is not there.
-enum class Missing : std::uint8_t {
-    lun,
-    standardInquiry,
-    arrayLun,
-    pageC0,
-    chosenLun,
-    pageA0,
-    page3B,
-    logSelect,
-};
+namespace missing {
+inline constexpr const char *lun = "No open.";
+inline constexpr const char *standardInquiry = "No SCSI Standard Inquiry.";
+inline constexpr const char *arrayLun = "not a recognized LSI-derived LUN - skipping. ";
+inline constexpr const char *pageC0 = "scsiInquiryVPDC0 failed - skipping. ";
+inline constexpr const char *chosenLun = "No open during inbanding.";
+inline constexpr const char *pageA0 = "scsiReceiveDiagnosticA0 failed - skipping.";
+inline constexpr const char *page3B = "scsiLogSense3B failed - skipping.";
+inline constexpr const char *logSelect = "scsiLogSelect30 failed - ignoring";
+} // namespace missing
 
 /// The latest controller statistics that are not numbers.
 struct ControllerTexts {
@@ -41,7 +41,7 @@ void keepControllerStatistic(const unsigned char *value, int index, ControllerTe
 void traceFailedRequest(int error);
 void traceEntry(const char *name);
 void traceInquiry(const unsigned char *inquiry);
-void traceMissing(Missing missing);
+void traceMissing(const char *why);
 void traceOwner(const unsigned char *pageC0, std::optional<std::size_t> controller);
 void traceEndOfDiscovery();
 void traceChosenLun(std::size_t controller, const char *identity, const char *path, bool isAccess);
