@@ -1,8 +1,8 @@
 #include <array>
 #include <cerrno>
-#include <cstring>
 
 #include "native/array/SolarisScsiInterrogatorC.h"
+#include "native/array/SolarisScsiInterrogatorCTrace.h"
 #include "platform/solaris.h"
 
 using namespace tarn;
@@ -39,7 +39,7 @@ int scsiIoctl(int descriptor, uscsi_cmd *command, unsigned char cdbLength, unsig
     command->uscsi_cdb = reinterpret_cast<char *>(cdb);
     command->uscsi_cdblen = cdbLength;
     if (solaris::ioctl(descriptor, USCSICMD, command) == -1) {
-        standalonePrintf("ioctl: %s\n", std::strerror(errno));
+        traceFailedRequest(errno);
         return 1;
     }
     return 0;

@@ -18,7 +18,8 @@ ResultClass GetClassAndMethod(JNIEnv *env) {
 }
 
 /// The five texts of the result. A value that the system does not tell stays a blank; no host tells its serial number.
-struct ComputerSystem {
+class ComputerSystem {
+public:
     explicit ComputerSystem(JNIEnv *env)
         : systemName(jni::newString(env, " ")), hostName(jni::newString(env, " ")), platform(jni::newString(env, " ")),
           version(jni::newString(env, " ")), serialNumber(jni::newString(env, "unknown")) {
@@ -36,12 +37,6 @@ struct ComputerSystem {
                               version);
     }
 
-    jstring systemName;
-    jstring hostName;
-    jstring platform;
-    jstring version;
-    jstring serialNumber;
-
 private:
     void readInfo(JNIEnv *env, int command, jstring &value) {
         if (solaris::sysinfo(command, info.data(), static_cast<long>(info.size())) > -1) {
@@ -50,6 +45,11 @@ private:
         }
     }
 
+    jstring systemName;
+    jstring hostName;
+    jstring platform;
+    jstring version;
+    jstring serialNumber;
     std::array<char, infoSize> info{};
 };
 

@@ -1,9 +1,11 @@
+#include "platform/replay/Scsi.h"
+
 #include <algorithm>
 #include <cstring>
 #include <span>
 
 #include "description/ScsiCommands.h"
-#include "platform/replay/Descriptors.h"
+#include "platform/replay/Host.h"
 #include "platform/replay/PlatformCall.h"
 
 namespace replay {
