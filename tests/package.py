@@ -235,7 +235,7 @@ class Package(unittest.TestCase):
 
     def test_the_class_data_archive(self):
         home = java_home("seventeen", "17.0.1")
-        cache, calls = SCRATCH / "cache", Path(home, "calls")
+        cache = SCRATCH / "cache"
         usr = SCRATCH / "archived"
         shutil.copytree(ROOT / "usr", usr, symlinks=True)
 
