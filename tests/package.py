@@ -22,7 +22,7 @@ TOOLS = "bash cksum cut dirname env find ls mkdir mktemp mv readlink rm sed sync
 
 
 def run(*command, **options):
-    return subprocess.run(command, capture_output=True, text=True, timeout=120, **options)
+    return subprocess.run(command, **{"capture_output": True, "text": True, "timeout": 120, **options})
 
 
 def must(*command, **options):
@@ -91,7 +91,34 @@ class Package(unittest.TestCase):
             self.assertIn(f".B {option}", explained)
         self.assertIn(built, must(recorder[0], "--version"))
         self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], [f"tarn-{VERSION}.jar"])
-        self.assertIn(f"\n## {VERSION} - ", must("head", "-n3", SOURCE / "CHANGELOG.md"))
+        self.assertEqual(re.search(r"^## (\S+) - ", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1], VERSION)
+
+    def test_another_clone_makes_the_same_bytes(self):
+        if not (SOURCE / ".git").exists():
+            self.skipTest("this is no git tree")
+        # Always in one place, where the compiler cache knows what was compiled there before, and nothing from here.
+        clone = BUILD.parent / "another-clone/of-this-tree"
+        shutil.rmtree(clone, ignore_errors=True)
+        must("git", "clone", "--quiet", "--shared", "--no-checkout", SOURCE, clone)
+        must("git", "checkout", "--quiet", must("git", "rev-parse", "HEAD", cwd=SOURCE).strip(), cwd=clone)
+        changes = must("git", "diff", "--binary", "HEAD", cwd=SOURCE)
+        if changes:
+            must("git", "apply", "-", input=changes, cwd=clone)
+        for path in must("git", "ls-files", "-z", "--others", "--exclude-standard", cwd=SOURCE).split("\0")[:-1]:
+            (clone / path).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(SOURCE / path, clone / path)
+        elsewhere = {"env": {name: value for name, value in os.environ.items() if not name.startswith("CCACHE_")} |
+                     {"TZ": "Asia/Tokyo"}, "cwd": clone, "umask": 0o077, "timeout": 1800}
+        must("cmake", "--preset", "release", **elsewhere)
+        must("cmake", "--build", "--preset", "release", "--target", "installable", **elsewhere)
+        must("cpack", "--config", "build/release/CPackConfig.cmake", "-G", "DEB", "-B", clone / "package", **elsewhere)
+        (deb,) = (clone / "package").glob("*.deb")
+        must("dpkg-deb", "-x", deb, SCRATCH / "another")
+        for path in tree(ROOT):
+            if (ROOT / path).is_file():
+                self.assertTrue((ROOT / path).read_bytes() == (SCRATCH / "another" / path).read_bytes(), path)
+        self.assertEqual(tree(ROOT), tree(SCRATCH / "another"))
+        self.assertEqual((deb.name, deb.read_bytes() == DEB.read_bytes()), (DEB.name, True), "the packages")
 
     def test_it_runs_from_anywhere(self):
         here = must(SOURCE / "tarn", "report", env={**os.environ, "TARN_HOST": ""})
