@@ -11,4 +11,7 @@ file(WRITE ${DOCUMENTS}/changelog
      " -- ${CPACK_PACKAGE_CONTACT}  ${DATE}\n")
 file(GLOB COMPRESSED ${DOCUMENTS}/changelog ${TREE}/share/man/man1/*.1)
 execute_process(COMMAND gzip -9n ${COMPRESSED} COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND find ${TREE} -exec touch -h -d @$ENV{SOURCE_DATE_EPOCH} {} + COMMAND_ERROR_IS_FATAL ANY)
+# Neither the builder's mask nor the present shows.
+execute_process(COMMAND chmod -R u=rwX,go=rX ${CPACK_TEMPORARY_INSTALL_DIRECTORY} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND find ${CPACK_TEMPORARY_INSTALL_DIRECTORY} -exec touch -h -d @$ENV{SOURCE_DATE_EPOCH} {} +
+                COMMAND_ERROR_IS_FATAL ANY)
