@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "common/system/ScsiCommands.h"
 #include "description/Host.h"
 
 // What was seen of single directory entries, gathered into disks with slices.
@@ -36,9 +37,8 @@ enum class Question {
 };
 inline constexpr std::size_t questions = static_cast<std::size_t>(Question::logSense3B) + 1;
 
-/// The names of the commands that answer.
-inline constexpr std::array<std::string_view, 4> askedCommands = {"INQUIRY", "INQUIRY C0", "RECEIVE DIAGNOSTIC A0",
-                                                                  "LOG SENSE 3B"};
+inline constexpr std::array<const tarn::ScsiCommand *, 4> askedCommands = {
+    &tarn::standardInquiry, &tarn::inquiryC0, &tarn::receiveDiagnosticA0, &tarn::logSense3B};
 
 /// How the calls came out: 0, an errno, or not asked.
 class Outcomes {
