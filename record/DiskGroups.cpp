@@ -178,19 +178,6 @@ void describeAnswers(Answers &&answers, description::Disk &disk) {
 
 } // namespace
 
-std::string_view TextStore::keep(std::string_view text) {
-    constexpr std::size_t blockSize = 65536;
-    if (text.size() > room) {
-        room = std::max(blockSize, text.size());
-        end = blocks.emplace_back(std::make_unique_for_overwrite<char[]>(room)).get();
-    }
-    std::ranges::copy(text, end);
-    const std::string_view kept(end, text.size());
-    end += text.size();
-    room -= text.size();
-    return kept;
-}
-
 std::optional<description::Link> SeenLink::describe() const {
     switch (kind) {
     case unknown:
@@ -200,7 +187,7 @@ std::optional<description::Link> SeenLink::describe() const {
     case link:
         break;
     }
-    return std::optional<description::Link>(std::in_place, std::string(text));
+    return std::optional<description::Link>(std::in_place, text);
 }
 
 bool Outcomes::agreesWith(const Outcomes &other) const {
@@ -296,7 +283,7 @@ std::size_t DiskGroups::add(SeenEntry &&entry) {
     SeenSlice &slice = group.slices.emplace_back();
     slice.suffix = parts.suffix;
     slice.place = parts.place;
-    (raw ? slice.rawLink : slice.link) = entry.link;
+    (raw ? slice.rawLink : slice.link) = std::move(entry.link);
     slice.device = entry.device;
     slice.partition = entry.partition;
     slice.isMounted = entry.isMounted;
@@ -338,7 +325,7 @@ std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDis
         partner.isBlock = true;
         partner.answers.add(std::move(block.answers));
         for (std::size_t i = 0; i < block.slices.size(); ++i) {
-            partner.slices[i].link = block.slices[i].link;
+            partner.slices[i].link = std::move(block.slices[i].link);
             partner.slices[i].asked |= block.slices[i].asked;
             addTo(partner.slices[i].device, std::move(block.slices[i].device));
         }

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <bitset>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -84,23 +83,12 @@ struct Answers {
     void add(Answers &&other);
 };
 
-/// Keeps texts in one place for as long as it lives: a large host has tens of thousands of links.
-class TextStore {
-public:
-    std::string_view keep(std::string_view text);
-
-private:
-    std::vector<std::unique_ptr<char[]>> blocks;
-    std::size_t room = 0; // at the end of the last block
-    char *end = nullptr;
-};
-
 /// What readlink tells of an entry.
 struct SeenLink {
     enum Kind { unknown, none, link };
 
     Kind kind = unknown;
-    std::string_view text = {};
+    std::string text = {};
 
     /// Nothing when it is unknown.
     std::optional<description::Link> describe() const;
@@ -150,7 +138,7 @@ struct Group {
 /// The part of an entry's name that names its disk.
 std::string_view diskNameOf(std::string_view entryName);
 
-/// The entries of one directory. Their names and links have to stay as long as the groups.
+/// The entries of one directory. Their names have to stay as long as the groups.
 class DiskGroups {
 public:
     explicit DiskGroups(bool isRawDirectory) : raw(isRawDirectory) {

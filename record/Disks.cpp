@@ -1,8 +1,5 @@
 #include <algorithm>
-#include <bit>
 #include <cstring>
-#include <deque>
-#include <functional>
 #include <iterator>
 #include <memory>
 #include <span>
@@ -23,46 +20,22 @@ namespace {
 
 constexpr std::size_t longestLink = 8192; // of what is kept of a link; the library takes less
 
-using Names = std::deque<std::string>;
+using Names = std::vector<std::string>;
 
-/// Whether two of the names have one hash.
-bool mayRepeat(const Names &names) {
-    std::vector<std::size_t> table(std::bit_ceil(2 * names.size() + 1)); // by hash; 0 is free
-    for (const std::string &name : names) {
-        const std::size_t hash = std::max<std::size_t>(std::hash<std::string>()(name), 1);
-        std::size_t at = hash & (table.size() - 1);
-        while (table[at] != 0) {
-            if (table[at] == hash) {
-                return true;
-            }
-            at = (at + 1) & (table.size() - 1);
-        }
-        table[at] = hash;
-    }
-    return false;
-}
-
-/// A directory that changes while it is read may show a name twice.
-void dropRepeated(Names &names) {
-    if (mayRepeat(names)) {
-        std::unordered_set<std::string> kept;
-        std::erase_if(names, [&](const std::string &name) { return !kept.insert(name).second; });
-    }
-}
-
-/// The names in a directory in its order, without "." and "..". Nothing when it cannot be opened.
+/// The names in a directory in its order, without "." and "..", and each once: one that changes while it is read may show
+/// a name twice. Nothing when it cannot be opened.
 std::optional<Names> namesIn(const char *path) {
     tarn::Directory directory(path);
     if (!directory.isOpen()) {
         return std::nullopt;
     }
     Names names;
+    std::unordered_set<std::string> seen = {".", ".."};
     while (const char *const name = directory.next()) {
-        if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) {
+        if (seen.insert(name).second) {
             names.emplace_back(name);
         }
     }
-    dropRepeated(names);
     return names;
 }
 
@@ -541,7 +514,7 @@ private:
     void takeLink(const Answer &answer, int &outcome) {
         if (answer.error == 0) {
             entry.link = {SeenLink::link,
-                          links.keep({reinterpret_cast<const char *>(answer.data.data()), answer.data.size()})};
+                          std::string(reinterpret_cast<const char *>(answer.data.data()), answer.data.size())};
         } else if (answer.error == EINVAL) {
             entry.link = {SeenLink::none};
             outcome = 0;
@@ -568,7 +541,6 @@ private:
     DiskGroups groups;
     std::vector<ArrayChoice> choices;
     std::optional<ArrayPages> pages;
-    TextStore links;
     struct Hang {
         std::size_t item; // that was asked for
         bool isOfLink;
