@@ -82,7 +82,7 @@ private:
     void separate();
 
     TextSink sink;
-    std::string document; // what of it is not handed over
+    std::string document;                                  // what of it is not handed over
     std::vector<Level> levels = {{Layout::inline_, true}}; // the outermost is around the document
     std::size_t indentation = 0;
     bool isNamed = false; // the value that comes next

@@ -38,7 +38,8 @@ NameParts takeApart(std::string_view name) {
         for (const char digit : number) {
             place = place * 10 + static_cast<unsigned>(digit - '0');
         }
-        return {name.substr(0, at - 1), name.substr(at - 1), place < tarn::mostSlices ? std::optional(place) : std::nullopt};
+        return {name.substr(0, at - 1), name.substr(at - 1),
+                place < tarn::mostSlices ? std::optional(place) : std::nullopt};
     }
     if (name.starts_with(tarn::powerPathPrefix) && name.back() >= 'a' && name.back() <= 'z') {
         return {name.substr(0, name.size() - 1), name.substr(name.size() - 1), name.back() - 'a'};

@@ -186,8 +186,9 @@ private:
         command.uscsi_buflen = data.size();
         begin(question, teller);
         const int error = errorOf(solaris::ioctl(device.get(), USCSICMD, &command));
-        const auto last = std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(asked.count)),
-                                       data.rend(), [](unsigned char byte) { return byte != 0; });
+        const auto last =
+            std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(asked.count)),
+                         data.rend(), [](unsigned char byte) { return byte != 0; });
         tell(question, error, std::as_bytes(std::span(data.begin(), last.base())), teller);
         return error == 0;
     }

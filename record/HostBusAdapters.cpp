@@ -204,8 +204,7 @@ private:
         HBA_PORTSTATISTICS statistics{};
         begin(Call::statistics, p);
         tell(Call::statistics, HBA_GetPortStatistics(handle, p, &statistics), bytesOf(statistics), p);
-        const HBA_UINT32 remotePorts =
-            tarn::believed(attributes.NumberofDiscoveredPorts, tarn::maximumDiscoveredPorts);
+        const HBA_UINT32 remotePorts = tarn::believed(attributes.NumberofDiscoveredPorts, tarn::maximumDiscoveredPorts);
         for (HBA_UINT32 d = 0; d < remotePorts; ++d) {
             HBA_PORTATTRIBUTES remote{};
             begin(Call::discovered, d);
