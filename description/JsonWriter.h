@@ -19,7 +19,7 @@ using TextSink = std::function<void(std::string_view)>;
 
 /// Writes one JSON document from its start to its end. An object or list stands on one line, or has a line for each of
 /// its members or elements: the JSON library knows the one or the other for a whole document only, and keeps it until it
-/// is written, at ten times the size of its text.
+/// is written, at five times the size of its text.
 class JsonWriter {
 public:
     explicit JsonWriter(TextSink textSink) : sink(std::move(textSink)) {
