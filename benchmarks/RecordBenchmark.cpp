@@ -13,8 +13,8 @@
 #include "common/system/KernelChain.h"
 #include "common/system/MountTable.h"
 #include "common/system/Processors.h"
+#include "common/system/ScsiCommands.h"
 #include "description/Names.h"
-#include "description/ScsiCommands.h"
 #include "platform/replay/Replay.h"
 #include "record/Recorder.h"
 
@@ -25,7 +25,6 @@ constexpr int manyDisks = 2000;
 constexpr Fabric largeFabric{1, 1, 2048, 32}; // 65,536 mappings
 constexpr int fewDisks = 2;
 constexpr Fabric smallFabric{1, 1, 32, 32};
-constexpr std::size_t inquirySize = 255;
 
 std::string describeHost(int disks, const Fabric &fabric) {
     constexpr const char *answers = R"(, "scsi": {
@@ -88,9 +87,8 @@ void readDirectory(const char *path) {
 }
 
 void sendInquiry(int descriptor) {
-    std::array<unsigned char, 10> cdb = description::scsiCommands[0].cdb;
-    cdb[4] = inquirySize;
-    unsigned char answer[inquirySize];
+    std::array<unsigned char, 10> cdb = tarn::standardInquiry.block();
+    unsigned char answer[tarn::inquirySize];
     uscsi_cmd command{};
     command.uscsi_flags = USCSI_READ;
     command.uscsi_timeout = tarn::scsiTimeout;

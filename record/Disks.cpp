@@ -1,8 +1,5 @@
 #include <algorithm>
-#include <bit>
 #include <cstring>
-#include <deque>
-#include <functional>
 #include <iterator>
 #include <memory>
 #include <span>
@@ -13,7 +10,6 @@
 #include "common/system/Directory.h"
 #include "common/system/DiskDevices.h"
 #include "common/system/FileDescriptor.h"
-#include "description/ScsiCommands.h"
 #include "record/DiskGroups.h"
 #include "record/Recorder.h"
 
@@ -23,50 +19,23 @@ namespace record {
 namespace {
 
 constexpr std::size_t longestLink = 8192; // of what is kept of a link; the library takes less
-constexpr std::size_t longestName = 99;   // of an entry that the library opens to put requests to
-constexpr std::size_t inquirySize = 255;
-constexpr std::size_t pageSize = 65535;
 
-using Names = std::deque<std::string>;
+using Names = std::vector<std::string>;
 
-/// Whether two of the names have one hash.
-bool mayRepeat(const Names &names) {
-    std::vector<std::size_t> table(std::bit_ceil(2 * names.size() + 1)); // by hash; 0 is free
-    for (const std::string &name : names) {
-        const std::size_t hash = std::max<std::size_t>(std::hash<std::string>()(name), 1);
-        std::size_t at = hash & (table.size() - 1);
-        while (table[at] != 0) {
-            if (table[at] == hash) {
-                return true;
-            }
-            at = (at + 1) & (table.size() - 1);
-        }
-        table[at] = hash;
-    }
-    return false;
-}
-
-/// A directory that changes while it is read may show a name twice.
-void dropRepeated(Names &names) {
-    if (mayRepeat(names)) {
-        std::unordered_set<std::string> kept;
-        std::erase_if(names, [&](const std::string &name) { return !kept.insert(name).second; });
-    }
-}
-
-/// The names in a directory in its order, without "." and "..". Nothing when it cannot be opened.
+/// The names in a directory in its order, without "." and "..", and each once: one that changes while it is read may show
+/// a name twice. Nothing when it cannot be opened.
 std::optional<Names> namesIn(const char *path) {
     tarn::Directory directory(path);
     if (!directory.isOpen()) {
         return std::nullopt;
     }
     Names names;
+    std::unordered_set<std::string> seen = {".", ".."};
     while (const char *const name = directory.next()) {
-        if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) {
+        if (seen.insert(name).second) {
             names.emplace_back(name);
         }
     }
-    dropRepeated(names);
     return names;
 }
 
@@ -101,7 +70,7 @@ public:
     void askRaw(const std::string &path, Teller &teller) {
         askLink(path, teller);
         const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
-        if (name.size() <= longestName) {
+        if (tarn::fitsNameField(name)) {
             askRequests(path, name.ends_with(tarn::wholeDiskSlice), teller);
         }
         if (name.find(tarn::wholeDiskSlice) != std::string_view::npos && path.size() < tarn::scsiPathSize) {
@@ -120,8 +89,8 @@ public:
     void askPages(const std::string &path, Teller &teller) {
         tarn::FileDescriptor device = open(Question::openForCommands, path, tarn::openForCommands, teller);
         if (device.isOpen()) {
-            ask(device, Question::receiveDiagnosticA0, pageSize, teller);
-            ask(device, Question::logSense3B, pageSize, teller);
+            ask(device, Question::receiveDiagnosticA0, teller);
+            ask(device, Question::logSense3B, teller);
             close(device, teller);
         }
     }
@@ -192,36 +161,34 @@ private:
         if (!device.isOpen()) {
             return;
         }
-        const bool isAnswered = ask(device, Question::inquiry, inquirySize, teller);
+        const bool isAnswered = ask(device, Question::inquiry, teller);
         const bool isOfArray = isAnswered && std::ranges::any_of(arrays, [&](const tarn::ArrayNames &names) {
                                    return tarn::lunKind(names, data.data()).has_value();
                                });
         if (isOfArray || arrayPages) {
-            ask(device, Question::inquiryC0, inquirySize, teller);
+            ask(device, Question::inquiryC0, teller);
         }
         close(device, teller);
     }
 
     /// Tells the answer without the zeros at its end: what a command does not answer reads as zeros.
-    bool ask(const tarn::FileDescriptor &device, Question question, std::size_t size, Teller &teller) {
+    bool ask(const tarn::FileDescriptor &device, Question question, Teller &teller) {
         const std::size_t index = static_cast<std::size_t>(question) - static_cast<std::size_t>(Question::inquiry);
-        const description::ScsiCommand &known =
-            *std::ranges::find(description::scsiCommands, askedCommands[index], &description::ScsiCommand::name);
-        std::array<unsigned char, 10> cdb = known.cdb;
-        cdb[known.countAt] = static_cast<unsigned char>(size >> 8);
-        cdb[known.countAt + 1] = static_cast<unsigned char>(size);
-        std::fill_n(data.begin(), size, static_cast<unsigned char>(0));
+        const tarn::ScsiCommand &asked = *askedCommands[index];
+        std::array<unsigned char, 10> block = asked.block();
+        std::fill_n(data.begin(), asked.count, static_cast<unsigned char>(0));
         uscsi_cmd command{};
         command.uscsi_flags = USCSI_READ;
         command.uscsi_timeout = tarn::scsiTimeout;
-        command.uscsi_cdb = reinterpret_cast<char *>(cdb.data());
-        command.uscsi_cdblen = static_cast<uchar_t>(known.length);
+        command.uscsi_cdb = reinterpret_cast<char *>(block.data());
+        command.uscsi_cdblen = static_cast<uchar_t>(asked.length);
         command.uscsi_bufaddr = reinterpret_cast<char *>(data.data());
         command.uscsi_buflen = data.size();
         begin(question, teller);
         const int error = errorOf(solaris::ioctl(device.get(), USCSICMD, &command));
-        const auto last = std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(size)),
-                                       data.rend(), [](unsigned char byte) { return byte != 0; });
+        const auto last =
+            std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(asked.count)),
+                         data.rend(), [](unsigned char byte) { return byte != 0; });
         tell(question, error, std::as_bytes(std::span(data.begin(), last.base())), teller);
         return error == 0;
     }
@@ -229,7 +196,7 @@ private:
     std::span<const tarn::ArrayNames> arrays;
     bool arrayPages;
     std::array<char, longestLink> link;
-    std::array<unsigned char, pageSize> data;
+    std::array<unsigned char, tarn::dataBufferSize> data;
 };
 
 // A call as the report names it.
@@ -297,7 +264,7 @@ struct ArrayChoice {
 
     void consider(const Answers &answers, const std::string &path, std::size_t group, std::size_t slice) {
         const auto whole = [&](Question question) { // filled up with zeros
-            std::array<unsigned char, inquirySize> bytes{};
+            std::array<unsigned char, tarn::inquirySize> bytes{};
             std::ranges::copy(answers.command(question), bytes.begin());
             return bytes;
         };
@@ -548,7 +515,7 @@ private:
     void takeLink(const Answer &answer, int &outcome) {
         if (answer.error == 0) {
             entry.link = {SeenLink::link,
-                          links.keep({reinterpret_cast<const char *>(answer.data.data()), answer.data.size()})};
+                          std::string(reinterpret_cast<const char *>(answer.data.data()), answer.data.size())};
         } else if (answer.error == EINVAL) {
             entry.link = {SeenLink::none};
             outcome = 0;
@@ -575,7 +542,6 @@ private:
     DiskGroups groups;
     std::vector<ArrayChoice> choices;
     std::optional<ArrayPages> pages;
-    TextStore links;
     struct Hang {
         std::size_t item; // that was asked for
         bool isOfLink;

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "common/system/Hexadecimal.h"
+
 namespace tarn {
 
 /// How many bytes at the start of the text are one printable character in UTF-8; 0 when there is none.
@@ -34,13 +36,12 @@ inline std::size_t printableAt(std::string_view text) {
 /// Appends the text's first character to what is shown, or "\x1b" and the like in place of a byte that begins none, or that
 /// would steer a terminal. The text may not be empty. Returns how many of its bytes that was.
 inline std::size_t showFirst(std::string_view text, std::string &shown) {
-    constexpr const char *digits = "0123456789abcdef";
     if (const std::size_t length = printableAt(text); length != 0) {
         shown += text.substr(0, length);
         return length;
     }
     const auto byte = static_cast<unsigned char>(text.front());
-    shown += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
+    shown.append("\\x").append(hexDigits(byte).data(), 2);
     return 1;
 }
 

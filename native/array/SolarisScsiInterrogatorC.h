@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/system/ScsiCommands.h"
 #include "platform/solaris.h"
 
 // The array interrogator: finds one LUN per controller of a two-controller array, reads over SCSI pass-through the
@@ -13,12 +14,6 @@
 // (page decoding), ...CReport (the string), ...C (discovery and scan).
 
 namespace tarn {
-
-/// Size of the buffer of every read command, and what the commands for the two large pages ask for.
-constexpr std::size_t dataBufferSize = 65535;
-
-/// What the INQUIRY commands ask for.
-constexpr std::size_t inquirySize = 255;
 
 /// Drives that one controller's report has room for; those beyond, in the order of the walk, are not reported.
 constexpr unsigned maximumDrives = 448;

@@ -2,7 +2,6 @@
 
 #include <optional>
 
-#include "common/system/FieldText.h"
 #include "native/host/HostInformation.h"
 #include "native/host/KernelStatistics.h"
 #include "platform/solaris.h"
@@ -15,7 +14,6 @@ constexpr const char *cpuUtilInformationClassName =
     "SolarisCpuUtilizationInformationProvider$SolarisCpuUtilizationData";
 
 constexpr const char *openFailure = "kstat open failed.";
-constexpr const char *cpuRecords = "cpu_stat"; // their module, and what their names begin with
 
 std::optional<CpuUtilInfo> readTicks(const KernelStatistics &statistics, kstat_t *record) {
     constexpr std::size_t used = offsetof(cpu_stat_t, cpu_sysinfo.cpu) + sizeof(cpu_sysinfo_t::cpu);
@@ -44,7 +42,7 @@ std::vector<CpuUtilInfo> getCpuUtilInfos() {
     const KernelStatistics statistics(openFailure);
     std::vector<CpuUtilInfo> infos;
     for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
-        if (!fieldText(record->ks_name).starts_with(cpuRecords)) {
+        if (!isOfProcessor(*record)) {
             continue;
         }
         if (const std::optional<CpuUtilInfo> info = readTicks(statistics, record)) {

@@ -16,10 +16,6 @@ namespace {
 constexpr const char *diskIOInformationClassName =
     "com/kelvo/tarn/providers/solaris/SolarisDiskIOInformationProvider$SolarisDiskIOInformation";
 
-bool isDisk(const kstat_t &record) {
-    return record.ks_type == KSTAT_TYPE_IO && fieldText(record.ks_class) == "disk";
-}
-
 ResultClass GetClassAndMethod(JNIEnv *env) {
     return bindResultClass(env, diskIOInformationClassName, "(Ljava/lang/String;Ljava/lang/String;JJJJ)V");
 }
@@ -52,7 +48,7 @@ std::vector<diskIOData> getDiskIOData() {
     std::vector<diskIOData> disks;
     for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
         const std::optional<kstat_io_t> counters =
-            isDisk(*record) ? statistics.read<kstat_io_t>(record, used) : std::nullopt;
+            isOfDisk(*record) ? statistics.read<kstat_io_t>(record, used) : std::nullopt;
         if (!counters) {
             continue;
         }
