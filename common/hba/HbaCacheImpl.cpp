@@ -30,14 +30,6 @@ void HbaCacheImpl::log(const char *level, const char *message) {
     });
 }
 
-HbaCacheImpl::Values HbaCacheImpl::defaultValues(jobject cimClass) {
-    return {trProperty, needed(jni::callObject(env, needed(cimClass), trClass.meth_getDefaultValues()))};
-}
-
-jobject HbaCacheImpl::makeInstance(jobject cimClass, const Values &values) {
-    return trInstance.constructor.make(needed(cimClass), values.object());
-}
-
 jobject HbaCacheImpl::nameOf(jobject cimClass) {
     return jni::callObject(env, needed(cimClass), trClass.meth_getName());
 }

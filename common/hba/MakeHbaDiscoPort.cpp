@@ -1,18 +1,13 @@
-#include "common/hba/HbaCacheImpl.h"
-#include "common/jni/LocalFrame.h"
+#include "common/hba/HbaProperties.h"
 
 namespace tarn {
 
 jobject HbaCacheImpl::MakeHbaDiscoPort(int, int, HBA_PortAttributes &attributes) {
     const WithTracing tracing("MakeHbaDiscoPort");
-    return makeInLocalFrame(env, 9, [&] {
-        const jobject cimClass = hbaClassNames.getHbaDiscoveredPortClass();
-        const Values values = defaultValues(cimClass);
+    return makeInstance(9, &HbaClassNames::getHbaDiscoveredPortClass, [&](jobject cimClass, const Values &values) {
         PopulateHbaPortValues(values.object(), attributes);
         const jobject className = nameOf(cimClass);
-        values.at(hbaPortProvider.field_creationClassName).set(className);
-
-        return makeInstance(hbaClassNames.getHbaDiscoveredPortClass(), values);
+        values.set(needed(hbaPortProvider.field_creationClassName.value()), className);
     });
 }
 

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "common/jni/ClassProxy.h"
 #include "common/jni/EntryPoint.h"
 #include "common/jni/Jni.h"
 #include "native/JavaError.h"
@@ -12,31 +13,15 @@
 
 namespace tarn {
 
-/// A result class and its constructor, looked up anew for every call.
-struct ResultClass {
-    jclass cls;
-    jmethodID constructor;
-};
-
-/// `name` is slash-separated. Throws JavaExceptionPending when Java has no such class or constructor.
-inline ResultClass bindResultClass(JNIEnv *env, const char *name, const char *constructorSignature) {
-    const jclass cls = jni::findClass(env, name);
-    return {cls, jni::methodId(env, cls, "<init>", constructorSignature)};
-}
-
 /// A java.util.Vector under construction.
-class JavaVector {
+class JavaVector : NamedClass<"java/util/Vector"> {
 public:
-    explicit JavaVector(JNIEnv *environment) : env(environment) {
-        const jclass vectorClass = jni::findClass(env, "java/util/Vector");
-        list = jni::newObject(env, vectorClass, jni::methodId(env, vectorClass, "<init>", "()V"));
-        addElement = jni::methodId(env, vectorClass, "addElement", "(Ljava/lang/Object;)V");
-    }
+    using NamedClass::NamedClass;
 
     /// Adds the object and gives its local reference back, so that a list may be of any length.
     void add(jobject object) {
         const jni::LocalRef<jobject> element(env, object);
-        jni::callVoid(env, list, addElement, object);
+        jni::callVoid(env, list, meth_addElement(), object);
     }
 
     jobject get() const {
@@ -44,9 +29,8 @@ public:
     }
 
 private:
-    JNIEnv *env;
-    jobject list = nullptr;
-    jmethodID addElement = nullptr;
+    const jobject list = Constructor(*this, "()V").make();
+    const InstanceMethod meth_addElement{*this, "addElement", "(Ljava/lang/Object;)V", Binding::atOnce};
 };
 
 /// Runs an entry point whose failures reach Java: a NativeError as a RuntimeException with its message, any other native
