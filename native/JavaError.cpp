@@ -13,7 +13,7 @@ void ThrowJavaError(JNIEnv *env, const char *message) {
     try {
         const jstring text = jni::newString(env, message);
         const MadeClass runtimeException(env, "java/lang/RuntimeException", "(Ljava/lang/String;)V", Binding::atOnce);
-        env->Throw(static_cast<jthrowable>(runtimeException.constructor.make(text)));
+        env->Throw(static_cast<jthrowable>(runtimeException.make(text)));
     } catch (const JavaExceptionPending &) {
         // The exception that stopped this one is pending in its place.
     }

@@ -47,7 +47,7 @@ private:
         const jsize portCount =
             believed([] { return std::string("ports"); }, adapterAttributes.NumberOfPorts, maximumPorts);
         const jobjectArray ports = jni::newObjectArray(env, portCount, cache.hbaPortRecord.cls);
-        jni::setElement(env, result, index, cache.hbaRecord.constructor.make(hba, ports));
+        jni::setElement(env, result, index, cache.hbaRecord.make(hba, ports));
 
         fetchTargetMapping();
         room.reserve(std::int64_t{referencesPerPort} * portCount);
@@ -85,7 +85,7 @@ private:
         }
         const jsize discoveredCount = believedDiscoveredPorts(port);
         const jobjectArray discovered = jni::newObjectArray(env, discoveredCount, cache.hbaDiscoveredPortRecord.cls);
-        jni::setElement(env, ports, p, cache.hbaPortRecord.constructor.make(portInstance, statistics, discovered));
+        jni::setElement(env, ports, p, cache.hbaPortRecord.make(portInstance, statistics, discovered));
 
         room.reserve(std::int64_t{referencesPerDiscoveredPort} * discoveredCount);
         for (jsize d = 0; d < discoveredCount; ++d) {
@@ -103,7 +103,7 @@ private:
         const jobject remote = cache.MakeHbaDiscoPort(index, p, discoveredAttributes);
         const auto matches = remotePorts.find(discoveredAttributes.PortWWN);
         const jobjectArray targets = jni::newObjectArray(env, static_cast<jsize>(matches.size()), cache.trInstance.cls);
-        jni::setElement(env, discovered, d, cache.hbaDiscoveredPortRecord.constructor.make(remote, targets));
+        jni::setElement(env, discovered, d, cache.hbaDiscoveredPortRecord.make(remote, targets));
 
         room.reserve(static_cast<std::int64_t>(matches.size()));
         jsize k = 0;

@@ -42,7 +42,8 @@ using FCPortStatisticsProvider = JavaClass<FCPortStatisticsProviderMembers>;
 
 struct TargetMappingProviderMembers : NamedClass<"com/kelvo/tarn/providers/hba/TargetMappingProvider"> {
     using NamedClass::NamedClass;
-    StaticFields<2> field_ends{*this, propertySignature};
+    StaticField field_antecedent{*this, "antecedent", propertySignature};
+    StaticField field_dependent{*this, "dependent", propertySignature};
     StaticFields<6> field_properties{*this, propertySignature};
 };
 using TargetMappingProvider = JavaClass<TargetMappingProviderMembers>;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 
 #include "common/hba/HbaCacheImpl.h"
 #include "common/jni/LocalFrame.h"
@@ -45,11 +46,6 @@ struct HbaCacheImpl::Kind {
     static jobject code(HbaCacheImpl &hba, Subject &subject) {
         return (hba.*convert)(subject.record.*field);
     }
-    /// An object that the subject has.
-    template <auto field, class Subject>
-    static jobject given(HbaCacheImpl &, Subject &subject) {
-        return subject.*field;
-    }
 
     template <class Subject>
     static jobject className(HbaCacheImpl &hba, Subject &subject) {
@@ -89,15 +85,11 @@ public:
 
     /// The three properties that name an instance to people.
     void setCaptions(const StaticFields<3> &fields, const std::string &text) const {
-        struct Caption {
-            jobject text;
-        } caption{jni::newString(hba.env, text.c_str())};
-        static constexpr auto table = std::to_array<Property<Caption>>({
-            {"caption", Kind::given<&Caption::text>},
-            {"description", Kind::given<&Caption::text>},
-            {"elementName", Kind::given<&Caption::text>},
-        });
-        set(fields, table, caption);
+        static constexpr std::array<const char *, 3> names{"caption", "description", "elementName"};
+        const jobject caption = jni::newString(hba.env, text.c_str());
+        for (std::size_t row = 0; row < names.size(); ++row) {
+            set(needed(fields.value(row, names[row])), caption);
+        }
     }
 
     jobject object() const {
@@ -115,7 +107,7 @@ jobject HbaCacheImpl::makeInstance(jint capacity, jobject (HbaClassNames::*getCl
         const jobject cimClass = (hbaClassNames.*getClass)();
         const Values values(*this, needed(jni::callObject(env, needed(cimClass), trClass.meth_getDefaultValues())));
         setValues(cimClass, values);
-        return trInstance.constructor.make(needed((hbaClassNames.*getClass)()), values.object());
+        return trInstance.make(needed((hbaClassNames.*getClass)()), values.object());
     });
 }
 

@@ -48,7 +48,16 @@ jobject HbaCacheImpl::MakeHbaPort(int adapterIndex, int portIndex, HBA_PortAttri
         values.setCaptions(hbaPortProvider.field_captions,
                            "Adapter " + std::to_string(adapterIndex) + " Port " + std::to_string(portIndex));
         const jobject portNumber = needed(hbaPortProvider.field_portNumber.value());
-        values.set(portNumber, unsignedInt16.constructor.make(jint{portIndex}));
+        values.set(portNumber, unsignedInt16.make(jint{portIndex}));
+    });
+}
+
+jobject HbaCacheImpl::MakeHbaDiscoPort(int, int, HBA_PortAttributes &attributes) {
+    const WithTracing tracing("MakeHbaDiscoPort");
+    return makeInstance(9, &HbaClassNames::getHbaDiscoveredPortClass, [&](jobject cimClass, const Values &values) {
+        PopulateHbaPortValues(values.object(), attributes);
+        const jobject className = nameOf(cimClass);
+        values.set(needed(hbaPortProvider.field_creationClassName.value()), className);
     });
 }
 

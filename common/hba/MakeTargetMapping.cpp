@@ -15,14 +15,6 @@ long long firstLevelLun(HBA_UINT64 fcpLun) {
 jobject HbaCacheImpl::MakeTargetMapping(jobject hbaPort, jobject discoveredPort, HBA_FcpScsiEntry &entry,
                                         hba_AdapterAttributes &) {
     const WithTracing tracing("MakeTargetMapping");
-    struct Ends {
-        jobject antecedent;
-        jobject dependent;
-    } ends{hbaPort, discoveredPort};
-    static constexpr auto endsTable = std::to_array<Property<Ends>>({
-        {"antecedent", Kind::given<&Ends::antecedent>},
-        {"dependent", Kind::given<&Ends::dependent>},
-    });
     struct Mapping {
         HBA_SCSIID &record;
         HBA_FCPID &fcp;
@@ -37,7 +29,8 @@ jobject HbaCacheImpl::MakeTargetMapping(jobject hbaPort, jobject discoveredPort,
         {"discoveredPortWWN", [](HbaCacheImpl &hba, Mapping &of) { return hba.wwnText(of.fcp.PortWWN); }},
     });
     return makeInstance(26, &HbaClassNames::getTargetMappingClass, [&](jobject, const Values &values) {
-        values.set(targetMappingProvider.field_ends, endsTable, ends);
+        values.set(needed(targetMappingProvider.field_antecedent.value()), hbaPort);
+        values.set(needed(targetMappingProvider.field_dependent.value()), discoveredPort);
         Mapping mapping{entry.ScsiId, entry.FcpId, divineScsiBusNumber(entry)};
         values.set(targetMappingProvider.field_properties, table, mapping);
     });

@@ -8,13 +8,14 @@
 namespace tarn {
 namespace {
 
+constexpr unsigned int anyOther = ~0U; // code of a table's last row
+
 /// A code of the HBA API, and the static field of HbaPortProvider with the CIM value.
 struct Code {
     unsigned int code;
     const char *field;
+    unsigned int status = anyOther; ///< operational, of a port in that state
 };
-
-constexpr unsigned int anyOther = ~0U; // code of a table's last row
 
 constexpr unsigned int portTypeEPort = 9; // which some releases of the published header leave unnamed
 
@@ -28,17 +29,6 @@ constexpr auto portTypes = std::to_array<Code>({
     {anyOther, "PORT_TYPE_UNKNOWN"},
 });
 
-constexpr auto portStates = std::to_array<Code>({
-    {HBA_PORTSTATE_ONLINE, "PORT_STATE_ONLINE"},
-    {HBA_PORTSTATE_OFFLINE, "PORT_STATE_OFFLINE"},
-    {HBA_PORTSTATE_BYPASSED, "PORT_STATE_BYPASSED"},
-    {HBA_PORTSTATE_DIAGNOSTICS, "PORT_STATE_DIAGNOSTICS"},
-    {HBA_PORTSTATE_LINKDOWN, "PORT_STATE_LINK_DOWN"},
-    {HBA_PORTSTATE_ERROR, "PORT_STATE_ERROR"},
-    {HBA_PORTSTATE_LOOPBACK, "PORT_STATE_LOOPBACK"},
-    {anyOther, "PORT_STATE_UNKNOWN"},
-});
-
 enum Status : unsigned int { ok, inService, error };
 
 constexpr auto statuses = std::to_array<Code>({
@@ -46,6 +36,17 @@ constexpr auto statuses = std::to_array<Code>({
     {inService, "OPERATIONAL_STATUS_IN_SERVICE"},
     {error, "OPERATIONAL_STATUS_ERROR"},
     {anyOther, "OPERATIONAL_STATUS_UNKNOWN"},
+});
+
+constexpr auto portStates = std::to_array<Code>({
+    {HBA_PORTSTATE_ONLINE, "PORT_STATE_ONLINE", ok},
+    {HBA_PORTSTATE_OFFLINE, "PORT_STATE_OFFLINE", inService},
+    {HBA_PORTSTATE_BYPASSED, "PORT_STATE_BYPASSED", inService},
+    {HBA_PORTSTATE_DIAGNOSTICS, "PORT_STATE_DIAGNOSTICS", inService},
+    {HBA_PORTSTATE_LINKDOWN, "PORT_STATE_LINK_DOWN", error},
+    {HBA_PORTSTATE_ERROR, "PORT_STATE_ERROR", error},
+    {HBA_PORTSTATE_LOOPBACK, "PORT_STATE_LOOPBACK", inService},
+    {anyOther, "PORT_STATE_UNKNOWN"},
 });
 
 /// By the number of the bit.
@@ -63,13 +64,19 @@ constexpr auto classesOfBits = std::to_array<Code>({
 // brings up to 32 elements.
 constexpr jsize namedClasses = 6;
 
-/// The CIM value of a code; `fields` has a slot for each row of the table.
 template <std::size_t rows>
-jobject valueOf(const StaticFields<rows> &fields, const std::array<Code, rows> &table, unsigned int code) {
+std::size_t rowOf(const std::array<Code, rows> &table, unsigned int code) {
     std::size_t row = 0;
     while (row < rows - 1 && table[row].code != code) {
         ++row;
     }
+    return row;
+}
+
+/// The CIM value of a code; `fields` has a slot for each row of the table.
+template <std::size_t rows>
+jobject valueOf(const StaticFields<rows> &fields, const std::array<Code, rows> &table, unsigned int code) {
+    const std::size_t row = rowOf(table, code);
     return fields.value(row, table[row].field);
 }
 
@@ -87,23 +94,8 @@ jobject HbaCacheImpl::GetPortState(unsigned int portState) {
 
 jobject HbaCacheImpl::GetOperationalStatus(unsigned int portState) {
     const WithTracing tracing("GetOperationalStatus");
-    const auto status = [portState]() -> unsigned int {
-        switch (portState) {
-        case HBA_PORTSTATE_ONLINE:
-            return ok;
-        case HBA_PORTSTATE_OFFLINE:
-        case HBA_PORTSTATE_BYPASSED:
-        case HBA_PORTSTATE_DIAGNOSTICS:
-        case HBA_PORTSTATE_LOOPBACK:
-            return inService;
-        case HBA_PORTSTATE_LINKDOWN:
-        case HBA_PORTSTATE_ERROR:
-            return error;
-        default:
-            return anyOther;
-        }
-    };
-    return valueOf(hbaPortProvider.field_OPERATIONAL_STATUS, statuses, status());
+    const Code &state = portStates[rowOf(portStates, portState)];
+    return valueOf(hbaPortProvider.field_OPERATIONAL_STATUS, statuses, state.status);
 }
 
 jobject HbaCacheImpl::GetCOS(unsigned int classesOfService) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -116,36 +117,27 @@ private:
     mutable std::array<jfieldID, rows> ids{};
 };
 
-/// A constructor with the class it makes.
-class Constructor : public InstanceMethod {
-public:
-    Constructor(const ClassProxy &ownerProxy, const char *constructorSignature, Binding binding = Binding::atFirstUse)
-        : MemberSlot(ownerProxy, "<init>", constructorSignature, binding) {
+/// A class of which native code makes objects.
+struct MadeClass : ClassProxy {
+    MadeClass(JNIEnv *environment, const char *name, const char *constructorSignature,
+              Binding binding = Binding::atFirstUse)
+        : ClassProxy(environment, name), constructor(*this, "<init>", constructorSignature, binding) {
     }
 
     template <class... Values>
     jobject make(Values... values) const {
-        const jmethodID constructor = (*this)();
-        return jni::newObject(owner.env, owner.cls, constructor, values...);
+        const jmethodID id = constructor();
+        return jni::required(env->NewObject(cls, id, values...));
     }
-};
 
-/// A class of which native code only makes objects.
-struct MadeClass : ClassProxy {
-    MadeClass(JNIEnv *environment, const char *name, const char *constructorSignature,
-              Binding binding = Binding::atFirstUse)
-        : ClassProxy(environment, name), constructor(*this, constructorSignature, binding) {
-    }
-    const Constructor constructor;
+    const InstanceMethod constructor;
 };
 
 /// A name or a signature as a template's argument.
 template <std::size_t size>
 struct Literal {
     consteval Literal(const char (&literal)[size]) {
-        for (std::size_t k = 0; k < size; ++k) {
-            text[k] = literal[k];
-        }
+        std::copy_n(literal, size, text);
     }
     char text[size];
 };

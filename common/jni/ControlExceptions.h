@@ -13,8 +13,9 @@ namespace tarn {
 //     NativeError            the host does not tell what was  the gathering of the     runThrowingEntry: a RuntimeException;
 //     (native/JavaError.h)   asked for                        facts asked for          two entries: a log line
 //
-// Three more places catch JavaExceptionPending on its way: what tells of a failure (throwOutOfMemory, ThrowJavaError,
-// logInFrame) has none of its own, and enumerateDisks prints the exception. What else is thrown is a lack of memory.
+// JavaExceptionPending is also caught by what tells of a failure and has none of its own (throwOutOfMemory, ThrowJavaError,
+// logInFrame) and by enumerateDisks, which prints Java's exception; where it is thrown on, it is only kept from a
+// catch (...). What else is thrown is a lack of memory.
 
 /// The virtual machine holds a pending Java exception.
 class JavaExceptionPending {};

@@ -35,11 +35,6 @@ inline jstring newString(JNIEnv *env, const char *text) {
     return required(env->NewStringUTF(modified ? modified->c_str() : text));
 }
 
-template <class... Values>
-jobject newObject(JNIEnv *env, jclass cls, jmethodID constructor, Values... values) {
-    return required(env->NewObject(cls, constructor, values...));
-}
-
 inline jobjectArray newObjectArray(JNIEnv *env, jsize length, jclass elementClass) {
     return required(env->NewObjectArray(length, elementClass, nullptr));
 }

@@ -14,9 +14,10 @@
 namespace tarn {
 
 /// A java.util.Vector under construction.
-class JavaVector : NamedClass<"java/util/Vector"> {
+class JavaVector : MadeClass {
 public:
-    using NamedClass::NamedClass;
+    explicit JavaVector(JNIEnv *environment) : MadeClass(environment, "java/util/Vector", "()V") {
+    }
 
     /// Adds the object and gives its local reference back, so that a list may be of any length.
     void add(jobject object) {
@@ -29,7 +30,7 @@ public:
     }
 
 private:
-    const jobject list = Constructor(*this, "()V").make();
+    const jobject list = make();
     const InstanceMethod meth_addElement{*this, "addElement", "(Ljava/lang/Object;)V", Binding::atOnce};
 };
 
@@ -54,14 +55,17 @@ jobject runThrowingEntry(JNIEnv *env, Body body) {
     });
 }
 
-/// The body of an enumerate entry: the vector, then the whole native list, then one object per record.
-template <class Gather, class Make>
-jobject enumerateRecords(JNIEnv *env, Gather gather, Make make) {
-    JavaVector list(env);
-    for (const auto &record : gather()) {
-        list.add(make(record));
-    }
-    return list.get();
+/// An enumerate entry: the result class and the vector, then the whole native list, then one object per record.
+template <class Bind, class Gather, class Make>
+jobject enumerateRecords(JNIEnv *env, Bind bind, Gather gather, Make make) {
+    return runThrowingEntry(env, [&] {
+        const MadeClass result = bind(env);
+        JavaVector list(env);
+        for (const auto &record : gather()) {
+            list.add(make(record, result));
+        }
+        return list.get();
+    });
 }
 
 } // namespace tarn

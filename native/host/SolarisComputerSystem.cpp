@@ -33,7 +33,7 @@ struct ComputerSystem {
     }
 
     jobject makeObject(const MadeClass &result) const {
-        return result.constructor.make(systemName, hostName, serialNumber, platform, version);
+        return result.make(systemName, hostName, serialNumber, platform, version);
     }
 
     jstring systemName;

@@ -34,8 +34,8 @@ MadeClass GetClassAndMethod(JNIEnv *env) {
 }
 
 jobject makeCpuUtilInfo(CpuUtilInfo info, const MadeClass &result) {
-    return result.constructor.make(jint{info.cpuId}, jlong{info.userTicks}, jlong{info.kernelTicks},
-                                   jlong{info.waitTicks}, jlong{info.idleTicks});
+    return result.make(jint{info.cpuId}, jlong{info.userTicks}, jlong{info.kernelTicks}, jlong{info.waitTicks},
+                       jlong{info.idleTicks});
 }
 
 } // namespace
@@ -72,11 +72,7 @@ CpuUtilInfo getCpuUtilInfo(std::int32_t id) {
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateCpuUtilizationInfo(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runThrowingEntry(env, [&] {
-        const MadeClass result = GetClassAndMethod(env);
-        return enumerateRecords(env, getCpuUtilInfos,
-                                [&](const CpuUtilInfo &info) { return makeCpuUtilInfo(info, result); });
-    });
+    return enumerateRecords(env, GetClassAndMethod, getCpuUtilInfos, makeCpuUtilInfo);
 }
 
 TARN_EXPORTED_ENTRY jobject JNICALL

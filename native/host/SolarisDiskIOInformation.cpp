@@ -25,9 +25,8 @@ MadeClass GetClassAndMethod(JNIEnv *env) {
 }
 
 jobject newDiskIOInformation(const diskIOData &data, jstring kstatName, jstring deviceName, const MadeClass &result) {
-    return result.constructor.make(kstatName, deviceName, static_cast<jlong>(data.bytesRead),
-                                   static_cast<jlong>(data.bytesWritten), jlong{data.waitLastUpdate},
-                                   jlong{data.runTime});
+    return result.make(kstatName, deviceName, static_cast<jlong>(data.bytesRead), static_cast<jlong>(data.bytesWritten),
+                       jlong{data.waitLastUpdate}, jlong{data.runTime});
 }
 
 jobject makeDiskIOInfo(const diskIOData &data, const MadeClass &result) {
@@ -101,9 +100,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getDiskIOInformation(J
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateDiskIOInformation(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runThrowingEntry(env, [&] {
-        const MadeClass result = GetClassAndMethod(env);
-        return enumerateRecords(
-            env, [] { return getDiskIOData(); }, [&](const diskIOData &data) { return makeDiskIOInfo(data, result); });
-    });
+    return enumerateRecords(
+        env, GetClassAndMethod, [] { return getDiskIOData(); },
+        [](const diskIOData &data, const MadeClass &result) { return makeDiskIOInfo(data, result); });
 }

@@ -33,9 +33,9 @@ jobject makeDisk(const char *name, const MadeClass &result, bool withSizes) {
     const jni::LocalString device(result.env, disk.device);
     const jni::LocalString mountPoint(result.env, disk.mountPoint);
     const jni::LocalString fileSystemType(result.env, disk.fileSystemType);
-    return result.constructor.make(device.get(), mountPoint.get(), fileSystemType.get(),
-                                   static_cast<jlong>(disk.totalBytes), static_cast<jlong>(disk.availableBytes),
-                                   static_cast<jlong>(disk.freeBytes), static_cast<jlong>(disk.blockSize));
+    return result.make(device.get(), mountPoint.get(), fileSystemType.get(), static_cast<jlong>(disk.totalBytes),
+                       static_cast<jlong>(disk.availableBytes), static_cast<jlong>(disk.freeBytes),
+                       static_cast<jlong>(disk.blockSize));
 }
 
 } // namespace

@@ -35,8 +35,8 @@ std::optional<vminfo_t> readPagingCounters(const KernelStatistics &statistics) {
 
 jobject makeOperatingSystem(const MadeClass &result, jstring name, jstring hostName, jstring version,
                             const OsMemoryInfo &memory) {
-    return result.constructor.make(name, hostName, version, jlong{memory.totalPhysicalKB}, jlong{memory.freePhysicalKB},
-                                   jlong{memory.totalSwapKB}, jlong{memory.freeSwapKB});
+    return result.make(name, hostName, version, jlong{memory.totalPhysicalKB}, jlong{memory.freePhysicalKB},
+                       jlong{memory.totalSwapKB}, jlong{memory.freeSwapKB});
 }
 
 jobject describeOperatingSystem(const MadeClass &result) {

@@ -22,7 +22,7 @@ MadeClass GetClassAndMethod(JNIEnv *env) {
 jobject makeProcessor(const ProcessorInfo &info, const MadeClass &result) {
     const jni::LocalString processorType(result.env, info.processorType);
     const jni::LocalString state(result.env, info.state);
-    return result.constructor.make(jint{info.processorId}, processorType.get(), state.get(), jlong{info.clockMHz});
+    return result.make(jint{info.processorId}, processorType.get(), state.get(), jlong{info.clockMHz});
 }
 
 } // namespace
@@ -47,11 +47,7 @@ std::optional<ProcessorInfo> GetProcessorInfo(std::int32_t id) {
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateProcessors(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runThrowingEntry(env, [&] {
-        const MadeClass result = GetClassAndMethod(env);
-        return enumerateRecords(env, GetProcessors,
-                                [&](const ProcessorInfo &info) { return makeProcessor(info, result); });
-    });
+    return enumerateRecords(env, GetClassAndMethod, GetProcessors, makeProcessor);
 }
 
 TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getProcessor(JNIEnv *env,
