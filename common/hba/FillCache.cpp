@@ -50,7 +50,7 @@ private:
         const auto portCount = static_cast<jsize>(
             believed([] { return std::string("ports"); }, adapterAttributes.NumberOfPorts, maximumPorts));
         const jobjectArray ports = jni::newObjectArray(env, portCount, cache.hbaPortRecord.cls);
-        jni::setElement(env, result, place(), cache.hbaRecord.constructor.make(hba, ports));
+        jni::setElement(env, result, place(), cache.hbaRecord.make(hba, ports));
 
         fetchTargetMapping();
         room.reserve(std::int64_t{referencesPerPort} * portCount);
@@ -88,7 +88,7 @@ private:
         }
         const jsize discoveredCount = believedDiscoveredPorts(port);
         const jobjectArray discovered = jni::newObjectArray(env, discoveredCount, cache.hbaDiscoveredPortRecord.cls);
-        jni::setElement(env, ports, p, cache.hbaPortRecord.constructor.make(portInstance, statistics, discovered));
+        jni::setElement(env, ports, p, cache.hbaPortRecord.make(portInstance, statistics, discovered));
 
         room.reserve(std::int64_t{referencesPerDiscoveredPort} * discoveredCount);
         for (jsize d = 0; d < discoveredCount; ++d) {
@@ -106,7 +106,7 @@ private:
         const jobject remote = cache.MakeHbaDiscoPort(place(), p, discoveredAttributes);
         const auto matches = remotePorts.find(discoveredAttributes.PortWWN);
         const jobjectArray targets = jni::newObjectArray(env, static_cast<jsize>(matches.size()), cache.trInstance.cls);
-        jni::setElement(env, discovered, d, cache.hbaDiscoveredPortRecord.constructor.make(remote, targets));
+        jni::setElement(env, discovered, d, cache.hbaDiscoveredPortRecord.make(remote, targets));
 
         room.reserve(static_cast<std::int64_t>(matches.size()));
         jsize k = 0;

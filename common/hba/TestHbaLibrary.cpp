@@ -10,14 +10,17 @@
 
 namespace tarn {
 
+struct ListMembers : NamedClass<"java/util/List"> {
+    using NamedClass::NamedClass;
+    InstanceMethod meth_add{*this, "add", "(Ljava/lang/Object;)Z", Binding::atOnce};
+};
+
 /// One walk over all that the HBA library reports, as lines of a Java list. Whatever it refuses is a line like any other.
 class HbaCacheImpl::SelfTest : AdapterWalk<SelfTest> {
     friend AdapterWalk;
 
 public:
-    SelfTest(HbaCacheImpl &cacheImpl, jobject lines)
-        : library(cacheImpl.library), env(cacheImpl.env), list(lines),
-          listAdd(jni::methodId(env, jni::findClass(env, "java/util/List"), "add", "(Ljava/lang/Object;)Z")) {
+    SelfTest(HbaCacheImpl &cacheImpl, jobject lines) : library(cacheImpl.library), env(cacheImpl.env), list(lines) {
     }
 
     void walkAdapters() {
@@ -117,14 +120,14 @@ private:
         // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the line above has initialised it
         static_cast<void>(std::vsnprintf(line.data(), line.size(), format, arguments));
         va_end(arguments);
-        const jni::LocalRef<jstring> text(env, jni::newString(env, line.data()));
-        jni::callBoolean(env, list, listAdd, text.get());
+        const jni::LocalString text(env, line.data());
+        jni::callBoolean(env, list, listClass.meth_add(), text.get());
     }
 
     WithHbaLibrary &library;
     JNIEnv *const env;
     const jobject list;
-    const jmethodID listAdd;
+    ListMembers listClass{env};
 
     // The adapter that the walk has come to.
     std::array<char, adapterNameSize> name{};
