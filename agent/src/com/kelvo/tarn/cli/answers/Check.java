@@ -1,26 +1,31 @@
 package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
-import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import java.util.ArrayList;
 import java.util.Comparator;
+import java.util.HashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
-import java.util.Objects;
 import java.util.Set;
+import java.util.function.Predicate;
 import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /** What is wrong with a host. */
 public final class Check {
     /** What may be wrong, in the order of the findings. */
     private enum Code {
-        SECTION_FAILED, FILE_SYSTEM_UNREADABLE, FILE_SYSTEM_FULL, PROCESSOR_OFFLINE, DISK_UNREADABLE, DISK_UNLABELLED,
-        ADAPTER_UNREADABLE, PORT_UNREADABLE, STATISTICS_UNREADABLE, PORT_NOT_ONLINE, REMOTE_PORT_UNREADABLE,
-        REMOTE_PORT_NOT_ONLINE, SINGLE_PATH, LIBRARY_WARNING, DRIVE_ERRORS, ARRAY_COUNTERS
+        SECTION_FAILED, UNIT_LOST, DISK_LOST, FILE_SYSTEM_UNREADABLE, FILE_SYSTEM_FULL, PROCESSOR_OFFLINE,
+        DISK_UNREADABLE, DISK_UNLABELLED, ADAPTER_UNREADABLE, PORT_UNREADABLE, STATISTICS_UNREADABLE, PORT_NOT_ONLINE,
+        PORT_SLOW, PORT_ERRORS, DUPLICATE_WWN, REMOTE_PORT_UNREADABLE, REMOTE_PORT_NOT_ONLINE, SINGLE_PATH, PATHS_LOST,
+        FEWER_PATHS, SHARED_ADAPTER, SHARED_FABRIC, SHARED_ARRAY_PORT, RECORDING_OLD, LIBRARY_WARNING, DRIVE_ERRORS,
+        ARRAY_COUNTERS, ARRAY_CONTROLLER_SILENT;
+
+        private final String word = name().toLowerCase(Locale.ROOT).replace('_', '-');
     }
 
     /** One thing that is wrong. */
@@ -33,14 +38,21 @@ public final class Check {
         public final String subject;
         /** What it follows from: a message, a state, an instance or another answer, as the code has it; or null. */
         public final Object fact;
+        /** The disks that it is about, by the names that {@code disks} has for them. */
+        public final List<String> disks;
+        /** Where file systems on them are mounted. */
+        public final List<String> mounts;
 
         private final Code order;
 
-        private Finding(boolean critical, Code code, String subject, Object fact) {
+        private Finding(boolean critical, Code code, String subject, Object fact, List<String> disks,
+                        List<String> mounts) {
             severity = critical ? "critical" : "warning";
-            this.code = code.name().toLowerCase(Locale.ROOT).replace('_', '-');
+            this.code = code.word;
             this.subject = subject;
             this.fact = fact;
+            this.disks = disks;
+            this.mounts = mounts;
             order = code;
         }
 
@@ -50,27 +62,43 @@ public final class Check {
         }
     }
 
+    /** A unit with the paths that it had when all was well. */
+    public static final class LostPaths {
+        /** Then. */
+        public final LogicalUnit before;
+        /** Now. */
+        public final LogicalUnit now;
+
+        private LostPaths(LogicalUnit before, LogicalUnit now) {
+            this.before = before;
+            this.now = now;
+        }
+    }
+
     /** "OK", "WARNING" or "CRITICAL", as monitoring plugins have it. */
     public final String state;
     /** The critical ones first. */
     public final List<Finding> findings;
+    /** How many more there are, which the rules silence. */
+    public final int ignored;
 
-    private Check(List<Finding> found) {
-        findings = found.stream().sorted(Comparator.comparing((Finding finding) -> !finding.isCritical())
-                                             .thenComparing(finding -> finding.order)).collect(Collectors.toList());
+    private Check(List<Finding> found, CheckRules rules) {
+        findings = found.stream().filter(finding -> !rules.ignores(finding))
+            .sorted(Comparator.comparing((Finding finding) -> !finding.isCritical())
+                        .thenComparing(finding -> finding.order)).collect(Collectors.toList());
+        ignored = found.size() - findings.size();
         state = findings.isEmpty() ? "OK" : findings.get(0).isCritical() ? "CRITICAL" : "WARNING";
     }
 
     /**
-     * Asks the host.
+     * {@return what is wrong with a host}
      *
-     * @param library what is asked; the warnings that it logs are findings
-     * @param fullPercent how many per cent used make a file system full
-     * @param array the four arguments of an array report, or none
-     * @return what is wrong
+     * @param asked what it answered
+     * @param baseline what it answered when all was well, or null
+     * @param rules what makes a check find something
      */
-    public static Check of(Library library, int fullPercent, List<String> array) {
-        return new Check(new Examination(library, fullPercent).examine(array));
+    public static Check of(Asked asked, Asked baseline, CheckRules rules) {
+        return new Check(new Examination(asked.disks, rules).examine(asked, baseline), rules);
     }
 
     /**
@@ -79,87 +107,93 @@ public final class Check {
      * @param fabric what is seen
      */
     public static List<Finding> of(Fabric fabric) {
-        Examination examination = new Examination(null, 0);
-        examination.examineFabric(fabric);
+        Examination examination = new Examination(fabric.disks, new CheckRules());
+        examination.examineFabric(fabric, new Paths(fabric));
         return examination.findings;
     }
 
-    /** The walk through everything that is asked. */
+    /** {@return what may be wrong: the words for programs} */
+    public static Stream<String> codes() {
+        return Stream.of(Code.values()).map(code -> code.word);
+    }
+
+    /** The walk through everything that was asked. */
     private static final class Examination {
-        private final Library library;
-        private final int fullPercent;
+        private final Disks disks;
+        private final CheckRules rules;
         private final List<Finding> findings = new ArrayList<>();
 
-        private Examination(Library library, int fullPercent) {
-            this.library = library;
-            this.fullPercent = fullPercent;
+        private Examination(Disks disks, CheckRules rules) {
+            this.disks = disks;
+            this.rules = rules;
         }
 
-        private List<Finding> examine(List<String> array) {
-            ask("logical-disks", () -> examineFileSystems(library.logicalDisks()));
-            ask("processors", () -> library.processors().stream().filter(data -> !data.state().equals("online"))
-                .forEach(data -> warn(Code.PROCESSOR_OFFLINE, String.valueOf(data.processorId()),
-                                      data.state())));
-            List<String> counted = new ArrayList<>();
-            ask("disk-io", () -> library.diskIo().stream().map(SolarisDiskIOInformation::diskName).distinct()
-                .filter(name -> !name.isEmpty()).forEach(counted::add));
-            ask("disks", () -> examineDisks(library.disks(), counted));
-            ask("hba", () -> examineFabric(library.fabric()));
-            if (!array.isEmpty()) {
-                ask("array", () -> examineArray(new ArrayReport(library.array(array), array.subList(0, 2))));
+        private List<Finding> examine(Asked asked, Asked baseline) {
+            asked.failures.forEach((command, message) -> add(true, Code.SECTION_FAILED, command, message));
+            asked.fileSystems.forEach((mountPoint, use) -> examineFileSystem(mountPoint, use, asked));
+            asked.processors.stream().filter(data -> !data.state().equals("online")).forEach(
+                data -> warn(Code.PROCESSOR_OFFLINE, String.valueOf(data.processorId()), data.state()));
+            examineDisks(asked);
+            examineFabric(asked.fabric, asked.paths);
+            if (baseline != null) {
+                compare(asked, baseline);
             }
+            if (rules.maxAge != null && asked.recordedAt != null
+                && asked.recordedAt.isBefore(rules.now.minus(rules.maxAge))) {
+                warn(Code.RECORDING_OLD, asked.host, asked.recordedAt);
+            }
+            if (asked.array != null) {
+                examineArray(asked.array);
+            }
+            // One fault is one finding.
+            Set<String> subjects = findings.stream().map(finding -> finding.subject).collect(Collectors.toSet());
+            asked.warnings.forEach((command, lines) -> lines.stream()
+                .filter(line -> line.subject().isEmpty() || !subjects.contains(line.subject()))
+                .forEach(line -> warn(Code.LIBRARY_WARNING, command, line.text())));
             return findings;
         }
 
-        /** Asks what a command asks, whatever comes of it. */
-        private void ask(String command, Runnable question) {
-            int mark = library.log().mark();
-            try {
-                question.run();
-            } catch (RuntimeException | StackOverflowError | OutOfMemoryError thrown) {
-                add(true, Code.SECTION_FAILED, command,
-                    Objects.requireNonNullElse(thrown.getMessage(), thrown.toString()));
+        private void examineFileSystem(String mountPoint, FileSystemUse use, Asked asked) {
+            if (use == null) {
+                addMounted(false, Code.FILE_SYSTEM_UNREADABLE, mountPoint, asked.unreadable.get(mountPoint));
+            } else if (rules.isCritical(use) || use.isFull(rules.warningPercent(mountPoint))) {
+                addMounted(rules.isCritical(use), Code.FILE_SYSTEM_FULL, mountPoint, use);
             }
-            library.log().since(mark).stream().filter(LibraryLog.Line::isWarning).map(LibraryLog.Line::text)
-                .collect(Collectors.groupingBy(text -> text, LinkedHashMap::new, Collectors.counting()))
-                .forEach((text, times) -> warn(Code.LIBRARY_WARNING, command,
-                                               times == 1 ? text : text + " (" + times + " times)"));
         }
 
-        private void examineFileSystems(List<SolarisLogicalDisk> listed) {
-            listed.stream().map(SolarisLogicalDisk::mountPoint).distinct().forEach(mountPoint -> {
-                FileSystemUse use;
-                try {
-                    use = new FileSystemUse(library.logicalDisk(mountPoint));
-                } catch (RuntimeException unreadable) {
-                    warn(Code.FILE_SYSTEM_UNREADABLE, mountPoint, unreadable.getMessage());
-                    return;
+        private void addMounted(boolean critical, Code code, String mountPoint, Object fact) {
+            String disk = disks.mounted.stream().filter(each -> each.mountPoint().equals(mountPoint)).findFirst()
+                .map(each -> disks.ofDevice(each.device())).orElse(null);
+            findings.add(new Finding(critical, code, mountPoint, fact, disk == null ? List.of() : List.of(disk),
+                                     List.of(mountPoint)));
+        }
+
+        private void examineDisks(Asked asked) {
+            if (!asked.failures.containsKey("disks")) {
+                asked.io.stream().map(counted -> counted.diskName()).distinct()
+                    .filter(name -> !name.isEmpty() && !disks.drives.containsKey(name))
+                    .forEach(name -> addDisk(false, Code.DISK_UNREADABLE, name, disks));
+            }
+            for (TrInstance drive : asked.drives) {
+                if (drive.get(SolarisDiskDriveProvider.diskType) == null) {
+                    addDisk(false, Code.DISK_UNLABELLED, (String) drive.get(SolarisDiskDriveProvider.name), disks);
                 }
-                if (!use.isKnown()) {
-                    warn(Code.FILE_SYSTEM_UNREADABLE, mountPoint, null);
-                } else if (use.isFull(fullPercent)) {
-                    add(use.isExhausted(), Code.FILE_SYSTEM_FULL, mountPoint, use);
-                }
-            });
+            }
         }
 
-        private void examineDisks(List<TrInstance> drives, List<String> counted) {
-            Set<String> readable = drives.stream()
-                .map(drive -> (String) drive.get(SolarisDiskDriveProvider.name)).collect(Collectors.toSet());
-            counted.stream().filter(name -> !readable.contains(name))
-                .forEach(name -> warn(Code.DISK_UNREADABLE, name, null));
-            drives.stream().filter(drive -> drive.get(SolarisDiskDriveProvider.diskType) == null).forEach(
-                drive -> warn(Code.DISK_UNLABELLED, (String) drive.get(SolarisDiskDriveProvider.name), null));
+        private void addDisk(boolean critical, Code code, String disk, Disks known) {
+            findings.add(new Finding(critical, code, disk, null, List.of(disk), known.mountPointsOn(List.of(disk))));
         }
 
-        private void examineFabric(Fabric fabric) {
+        private void examineFabric(Fabric fabric, Paths paths) {
             fabric.adapters.stream().filter(adapter -> adapter.instance == null).forEach(
                 adapter -> add(true, Code.ADAPTER_UNREADABLE, adapter.place(), null));
+            Map<String, Fabric.Port> byName = new HashMap<>();
             for (Fabric.Port port : fabric.ports()) {
                 if (port.instance == null) {
                     warn(Code.PORT_UNREADABLE, port.place(), null);
-                } else if (!PortStates.isOk(port.instance)) {
-                    add(PortStates.isError(port.instance), Code.PORT_NOT_ONLINE, port.place(), port.instance);
+                } else {
+                    examinePort(port, byName);
                 }
                 if (port.recorded && port.statistics == null) {
                     warn(Code.STATISTICS_UNREADABLE, port.place(), null);
@@ -172,8 +206,64 @@ public final class Check {
                     warn(Code.REMOTE_PORT_NOT_ONLINE, remote.place(), remote.instance);
                 }
             });
-            new Paths(fabric).units.stream().filter(LogicalUnit::lacksPaths).forEach(
-                unit -> warn(Code.SINGLE_PATH, unit.place(), unit));
+            Independence independence = new Independence(fabric, paths);
+            for (LogicalUnit unit : paths.units) {
+                if (unit.lacksPaths()) {
+                    addUnit(false, Code.SINGLE_PATH, unit, unit, disks);
+                }
+                independence.of(unit).forEach(flaw -> addUnit(false, Code.valueOf(flaw.name()), unit, unit, disks));
+            }
+        }
+
+        private void examinePort(Fabric.Port port, Map<String, Fabric.Port> byName) {
+            if (!PortStates.isOk(port.instance)) {
+                add(PortStates.isError(port.instance), Code.PORT_NOT_ONLINE, port.place(), port.instance);
+            }
+            long speed = Instances.number(port.instance, HbaPortProvider.speed).longValue();
+            long maxSpeed = Instances.number(port.instance, HbaPortProvider.maxSpeed).longValue();
+            if (speed > 1 && speed < maxSpeed) { // 0 and 1 are unknown
+                warn(Code.PORT_SLOW, port.place(), port.instance);
+            }
+            String wwn = Instances.name(port.instance, HbaPortProvider.permanentAddress);
+            Fabric.Port first = wwn.isEmpty() ? null : byName.putIfAbsent(wwn, port);
+            if (first != null) {
+                warn(Code.DUPLICATE_WWN, port.place(), first);
+            }
+        }
+
+        /** What is not there any more, or worse than it was. What either time could not be asked is not compared. */
+        private void compare(Asked asked, Asked baseline) {
+            Predicate<String> known = command ->
+                !asked.failures.containsKey(command) && !baseline.failures.containsKey(command);
+            if (known.test("disks")) {
+                baseline.disks.drives.keySet().stream().filter(name -> !disks.drives.containsKey(name))
+                    .forEach(name -> addDisk(true, Code.DISK_LOST, name, baseline.disks));
+            }
+            if (!known.test("hba")) {
+                return;
+            }
+            Map<String, LogicalUnit> units = new HashMap<>();
+            asked.paths.units.forEach(unit -> units.put(unit.place(), unit));
+            for (LogicalUnit before : baseline.paths.units) {
+                LogicalUnit now = units.get(before.place());
+                if (now == null) {
+                    addUnit(true, Code.UNIT_LOST, before, before, baseline.disks);
+                } else if (now.onlinePaths() < before.onlinePaths()) {
+                    addUnit(2 * now.onlinePaths() < before.onlinePaths(), Code.PATHS_LOST, now,
+                            new LostPaths(before, now), disks);
+                }
+            }
+            for (Fabric.Port port : asked.fabric.ports()) {
+                Map<PortError, Double> risen = PortError.risen(baseline.fabric, port);
+                if (!risen.isEmpty()) {
+                    warn(Code.PORT_ERRORS, port.place(), risen);
+                }
+            }
+        }
+
+        private void addUnit(boolean critical, Code code, LogicalUnit unit, Object fact, Disks known) {
+            findings.add(new Finding(critical, code, unit.place(), fact, unit.disks(),
+                                     known.mountPointsOn(unit.disks())));
         }
 
         /** Both controllers' counts of a drive are one finding. */
@@ -185,6 +275,16 @@ public final class Check {
             if (report.rows.isEmpty()) {
                 warn(Code.ARRAY_COUNTERS, report.controllers.get(0), report);
             }
+            Map<String, Boolean> silent = report.rows.stream().collect(Collectors.groupingBy(
+                row -> row.controller, LinkedHashMap::new, Collectors.reducing(true,
+                    row -> row.counters.stream().allMatch(count -> count == 0), Boolean::logicalAnd)));
+            if (silent.containsValue(false)) {
+                silent.forEach((controller, isSilent) -> {
+                    if (isSilent) {
+                        warn(Code.ARRAY_CONTROLLER_SILENT, controller, null);
+                    }
+                });
+            }
         }
 
         private void warn(Code code, String subject, Object fact) {
@@ -192,7 +292,7 @@ public final class Check {
         }
 
         private void add(boolean critical, Code code, String subject, Object fact) {
-            findings.add(new Finding(critical, code, subject, fact));
+            findings.add(new Finding(critical, code, subject, fact, List.of(), List.of()));
         }
     }
 }

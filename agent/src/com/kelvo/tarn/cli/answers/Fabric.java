@@ -2,8 +2,11 @@ package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.providers.hba.HbaCache;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.Iterator;
 import java.util.List;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
@@ -80,12 +83,51 @@ public final class Fabric {
         public final TrInstance instance;
         /** The logical units that are reached through both ports; null for one that cannot be read. */
         public final List<TrInstance> mappings;
+        /** What people know the device of each as, and the drive that it leads to, or null. */
+        private final List<String> devices = new ArrayList<>();
+        private final List<String> disks = new ArrayList<>();
 
         private RemotePort(Port port, int index, HbaCache.HbaDiscoveredPort record) {
             this.port = port;
             this.index = index;
             instance = record == null ? null : record.instance();
             mappings = record == null ? List.of() : Arrays.asList(record.targetMappings());
+        }
+
+        /** Names the mappings as another view of the same remote port does; null, or of another size, is none. */
+        private void name(Disks known, RemotePort own, boolean asAgent) {
+            for (int i = 0; i < mappings.size(); i++) {
+                boolean sameSize = own != null && own.mappings.size() == mappings.size();
+                TrInstance mapping = mappings.get(i);
+                TrInstance named = sameSize && own.mappings.get(i) != null ? own.mappings.get(i) : mapping;
+                String device = named == null ? "" : Instances.text(named, TargetMappingProvider.osDeviceName);
+                String numbered = mapping == null ? "" : "c" + Instances.number(mapping, TargetMappingProvider.scsiBus)
+                    + "t" + Instances.number(mapping, TargetMappingProvider.targetId)
+                    + "d" + Instances.number(mapping, TargetMappingProvider.scsiLun);
+                String disk = known.ofMapping(device, numbered);
+                disks.add(disk);
+                devices.add(asAgent && mapping != null ? Instances.text(mapping, TargetMappingProvider.osDeviceName)
+                    : disk != null ? disk : DeviceNames.withoutSlice(DeviceNames.withoutDirectory(device)));
+            }
+        }
+
+        /**
+         * {@return the drive that a mapping leads to; null when there is none}
+         *
+         * @param mapping its place among the mappings
+         */
+        public String disk(int mapping) {
+            return disks.get(mapping);
+        }
+
+        /**
+         * {@return what people are shown as the device of a mapping: its drive, or what the HBA library calls it; or
+         * what the agent calls it, if that was chosen}
+         *
+         * @param mapping its place among the mappings
+         */
+        public String deviceName(int mapping) {
+            return devices.get(mapping);
         }
 
         /** {@return what it is called, such as "adapter 0 port 1 remote port 2"} */
@@ -96,21 +138,42 @@ public final class Fabric {
 
     /** By index. */
     public final List<Adapter> adapters = new ArrayList<>();
+    /** The disks that the mappings lead to. */
+    final Disks disks;
 
-    /**
-     * Takes what a fill answered.
-     *
-     * @param cache the adapters; null for one that cannot be read
-     */
-    public Fabric(HbaCache.Hba... cache) {
+    private Fabric(Disks disks, HbaCache.Hba... cache) {
+        this.disks = disks;
         for (HbaCache.Hba adapter : cache) {
             adapters.add(new Adapter(adapters.size(), adapter));
         }
     }
 
+    /**
+     * Takes what a fill answered.
+     *
+     * @param disks those of the host
+     * @param cache the adapters; null for one that cannot be read
+     * @param ownNames the same of a fill in which device names are those of the HBA library
+     * @param asAgent whether people are shown the device names of the first, and not disks
+     */
+    public Fabric(Disks disks, HbaCache.Hba[] cache, HbaCache.Hba[] ownNames, boolean asAgent) {
+        this(disks, cache);
+        Iterator<RemotePort> own = (cache == ownNames ? this : new Fabric(disks, ownNames)).remotePorts().iterator();
+        remotePorts().forEach(remote -> remote.name(disks, own.hasNext() ? own.next() : null, asAgent));
+    }
+
     /** {@return all ports of all adapters} */
     public List<Port> ports() {
         return adapters.stream().flatMap(adapter -> adapter.ports.stream()).collect(Collectors.toList());
+    }
+
+    /**
+     * {@return the fabric's name of a port; empty when it is zero}
+     *
+     * @param port one of this host's
+     */
+    static String fabricName(Port port) {
+        return Instances.name(port.instance, HbaPortProvider.fabricName);
     }
 
     /** {@return all remote ports; one that several ports have discovered is there once for each} */

@@ -29,6 +29,7 @@ import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Consumer;
+import java.util.function.Supplier;
 
 /** The one door to the native calls. The log lines are named after the disk that they are about. */
 public final class Library {
@@ -190,9 +191,39 @@ public final class Library {
         return log.about(slice, () -> new SolarisDiskPartitionProvider().getPartition(slice));
     }
 
-    /** {@return the storage network, with device names as the HBA library gives them} */
+    /** {@return the storage network, with device names as the HBA library gives them, which lead to no disk} */
     public Fabric fabric() {
-        return new Fabric(hba(true, false, false));
+        return fabric(Disks.NONE);
+    }
+
+    /** The storage network, with device names as the HBA library gives them. */
+    Fabric fabric(Disks disks) {
+        HbaCache.Hba[] adapters = hba(true, false, false);
+        return new Fabric(disks, adapters, adapters, false);
+    }
+
+    /**
+     * {@return the storage network, with the disks that it leads to} What the library logs is that of the fill alone.
+     *
+     * @param adapters what a fill answered, whatever its device names
+     * @param ownNames whether these are those of the HBA library
+     * @param asAgent whether people are shown these, and not disks
+     */
+    public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent) {
+        Disks disks = new Disks(orNone("disks", this::disks), List.of(), List.of(),
+                                orNone("logical-disks", this::logicalDisks));
+        return new Fabric(disks, adapters, ownNames ? adapters : log.unheard(() -> hba(true, false, false)),
+                          asAgent);
+    }
+
+    /** What a command lists; what it cannot list is a line in the log. */
+    <T> List<T> orNone(String command, Supplier<List<T>> question) {
+        try {
+            return question.get();
+        } catch (RuntimeException failed) {
+            log.warn(command + ": " + failed.getMessage());
+            return List.of();
+        }
     }
 
     /**

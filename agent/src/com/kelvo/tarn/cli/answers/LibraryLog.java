@@ -90,6 +90,23 @@ public final class LibraryLog extends AppenderSkeleton {
         return answer;
     }
 
+    /**
+     * {@return the answer to a question whose lines are not kept}
+     *
+     * @param <T> the answer
+     * @param question what is asked
+     */
+    public <T> T unheard(Supplier<T> question) {
+        int mark = lines.size();
+        int unkeptBefore = unkept;
+        try {
+            return question.get();
+        } finally {
+            lines.subList(mark, lines.size()).clear();
+            unkept = unkeptBefore;
+        }
+    }
+
     /** A line of the command line's own: what could not be asked, and why. */
     void warn(String message) {
         add("warn", message);

@@ -4,9 +4,13 @@ import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import java.util.ArrayList;
+import java.util.Collection;
+import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.Objects;
 import java.util.stream.Collectors;
+import java.util.stream.Stream;
 import javax.wbem.cim.UnsignedInt;
 
 /** A logical unit of an array with all its paths. */
@@ -15,7 +19,7 @@ public final class LogicalUnit {
     public static class Path {
         /** The far end, as the near one has discovered it. */
         public final transient Fabric.RemotePort remote;
-        private final transient TrInstance mapping;
+        private final transient int mapping;
 
         /** The adapter's place in the library's walk. */
         public final int adapter;
@@ -25,12 +29,16 @@ public final class LogicalUnit {
         public final String portWWN;
         /** The local port's state, by its CIM number. */
         public final UnsignedInt portState;
+        /** The name of the fabric that the local port is in; empty when it tells none. */
+        public final String fabric;
         /** The remote port's world-wide name. */
         public final String remotePort;
         /** The remote port's state, by its CIM number. */
         public final UnsignedInt remotePortState;
-        /** The device that the path is used through. */
+        /** What the agent calls the device that the path is used through. */
         public final String osDeviceName;
+        /** The drive that it is; null when there is none of that name. */
+        public final String disk;
         /** The controller's number in device names. */
         public final UnsignedInt scsiBus;
         /** The SCSI target's number. */
@@ -38,9 +46,12 @@ public final class LogicalUnit {
         /** The unit as the system numbers it. */
         public final UnsignedInt scsiLun;
 
-        Path(Fabric.RemotePort remote, TrInstance mapping) {
+        Path(Fabric.RemotePort remote, int place) {
+            TrInstance mapping = remote.mappings.get(place);
             this.remote = remote;
-            this.mapping = mapping;
+            this.mapping = place;
+            disk = remote.disk(place);
+            fabric = Fabric.fabricName(remote.port);
             adapter = remote.port.adapter.index;
             port = remote.port.index;
             portWWN = Instances.value(remote.port.instance, HbaPortProvider.permanentAddress);
@@ -51,6 +62,30 @@ public final class LogicalUnit {
             scsiBus = Instances.value(mapping, TargetMappingProvider.scsiBus);
             targetId = Instances.value(mapping, TargetMappingProvider.targetId);
             scsiLun = Instances.value(mapping, TargetMappingProvider.scsiLun);
+        }
+
+        /** {@return what people know its device as: the drive, or what the HBA library calls it} */
+        public String deviceName() {
+            return remote.deviceName(mapping);
+        }
+
+        /** {@return the local port's world-wide name; its place when it tells none} */
+        public String near() {
+            return Instances.name(portWWN).isEmpty() ? remote.port.place() : portWWN;
+        }
+
+        /** {@return the remote port's world-wide name; its place when it tells none} */
+        public String far() {
+            return Instances.name(remotePort).isEmpty() ? remote.place() : remotePort;
+        }
+
+        /**
+         * {@return whether the port at either end has that world-wide name}
+         *
+         * @param wwn in letters of any case
+         */
+        public boolean isAt(String wwn) {
+            return wwn.equalsIgnoreCase(portWWN) || wwn.equalsIgnoreCase(remotePort);
         }
 
         /** {@return whether the ports at both ends are online} */
@@ -77,6 +112,12 @@ public final class LogicalUnit {
     public final String node;
     /** The unit's number as the array exports it. */
     public final UnsignedInt lun;
+    /** The drive of the first path that has one; null when none has. */
+    public String disk;
+    /** The capacity of that drive; null when it is not known. */
+    public Long sizeBytes;
+    /** Where file systems on any of its drives are mounted. */
+    public List<String> mounts;
     /** In the order of the library's walk. */
     public final List<Path> paths = new ArrayList<>();
 
@@ -89,9 +130,36 @@ public final class LogicalUnit {
         this.mayHaveTwo = mayHaveTwo;
     }
 
-    /** {@return how many paths have both ends online} */
+    /** Learns what its drives tell, once it has all paths. */
+    void isOn(Disks known) {
+        List<String> drives = disks();
+        disk = drives.isEmpty() ? null : drives.get(0);
+        long capacity = disk == null ? 0 : Disks.capacity(known.drives.get(disk));
+        sizeBytes = capacity == 0 ? null : capacity;
+        mounts = known.mountPointsOn(drives);
+    }
+
+    /** {@return the drives that its paths lead to} */
+    public List<String> disks() {
+        return paths.stream().map(path -> path.disk).filter(Objects::nonNull).distinct().collect(Collectors.toList());
+    }
+
+    /** {@return the paths; those between the same two ports, of which an HBA library may list several, once} */
+    public Collection<Path> distinctPaths() {
+        Map<List<String>, Path> distinct = new LinkedHashMap<>();
+        paths.forEach(path -> distinct.merge(List.of(path.near(), path.far()), path,
+                                             (one, other) -> one.isOnline() ? one : other));
+        return distinct.values();
+    }
+
+    /** {@return of the distinct paths, those that have both ends online} */
+    public List<Path> online() {
+        return distinctPaths().stream().filter(Path::isOnline).collect(Collectors.toList());
+    }
+
+    /** {@return how many of the distinct paths have both ends online} */
     public long onlinePaths() {
-        return paths.stream().filter(Path::isOnline).count();
+        return online().size();
     }
 
     /** {@return whether less than two paths are online, on a host with the ports to have two} */
@@ -102,6 +170,28 @@ public final class LogicalUnit {
     /** {@return the paths, each naming the unit} */
     public List<NamedPath> namedPaths() {
         return paths.stream().map(path -> new NamedPath(this, path)).collect(Collectors.toList());
+    }
+
+    /**
+     * {@return whether that is what it, or its array, is called}
+     *
+     * @param name in letters of any case
+     */
+    public boolean isNamed(String name) {
+        return name.equalsIgnoreCase(node) || name.equalsIgnoreCase(place());
+    }
+
+    /**
+     * {@return whether it is meant by a name: its own or its array's, a port's, a disk's or a mount point's}
+     *
+     * @param name in letters of any case, but for a mount point
+     */
+    public boolean answersTo(String name) {
+        String device = DeviceNames.withoutDirectory(name);
+        return isNamed(name) || mounts.contains(name) || paths.stream().anyMatch(
+            path -> path.isAt(name) || Stream.of(device, DeviceNames.withoutSlice(device)).anyMatch(
+                disk -> disk.equalsIgnoreCase(path.deviceName()) || disk.equalsIgnoreCase(path.disk)
+                    || disk.equalsIgnoreCase(path.osDeviceName)));
     }
 
     /** {@return what it is called, such as "50060e8000c3a2b0 LUN 5"} */

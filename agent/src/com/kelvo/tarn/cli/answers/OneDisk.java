@@ -1,16 +1,13 @@
 package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
-import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
+import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
-import java.util.HashMap;
-import java.util.HashSet;
 import java.util.List;
-import java.util.Map;
 import java.util.Objects;
-import java.util.Set;
+import java.util.function.Consumer;
 import java.util.function.Supplier;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
@@ -40,143 +37,123 @@ public final class OneDisk {
     private OneDisk(String name, Everything host) {
         this.name = name;
         this.host = host;
-        drive = first(host.drives.stream().filter(found -> nameOf(found).equals(name)));
-        partitions = host.partitions.stream().filter(found -> diskOf(found).equals(name)).collect(Collectors.toList());
-        io = first(host.io.stream().filter(counted -> nameOf(counted).equals(name)));
+        drive = host.disks.drives.get(name);
+        partitions = host.partitions.stream()
+            .filter(found -> Instances.text(found, SolarisDiskPartitionProvider.diskName).equals(name))
+            .collect(Collectors.toList());
+        io = host.counted(name);
         instance = io == null ? null : io.instanceName();
-        mounts = host.mounts.stream().filter(mounted -> name.equals(host.diskOfDevice(mounted.device())))
+        mounts = host.disks.mounted.stream().filter(mounted -> name.equals(host.disks.ofDevice(mounted.device())))
             .map(host.library::withSizes).collect(Collectors.toList());
         units = host.paths.units.stream()
-            .filter(unit -> unit.paths.stream().anyMatch(path -> name.equals(host.diskOfPath(path))))
+            .filter(unit -> unit.paths.stream().anyMatch(path -> name.equals(host.diskOf(path))))
             .collect(Collectors.toList());
         paths = units.stream().flatMap(unit -> unit.namedPaths().stream()).collect(Collectors.toList());
     }
 
+    /** {@return how long the host is known to have been up, in nanoseconds: when I/O was last queued; 0 when unknown} */
+    public long sinceBoot() {
+        return host.io.stream().mapToLong(SolarisDiskIOInformation::waitLastUpdate).filter(last -> last > 0).max()
+            .orElse(0);
+    }
+
     /**
-     * {@return what disk a path is known as, such as "c2t0d0"; its device's name when it is no disk}
+     * {@return the bytes that went over a path of a unit, by its disk's counters; 0 when they are not known}
      *
      * @param path one of its units'
      */
-    public String diskOf(LogicalUnit.Path path) {
-        return Objects.requireNonNullElse(host.diskOfPath(path), path.osDeviceName);
+    public double bytesOver(LogicalUnit.Path path) {
+        SolarisDiskIOInformation counted = host.counted(host.diskOf(path));
+        return counted == null ? 0 : Stream.of(counted.bytesRead(), counted.bytesWritten()).map(Counter::new)
+            .filter(Counter::isKept).mapToDouble(bytes -> bytes.value().doubleValue()).sum();
     }
 
     /**
-     * Finds a disk by its own name, a slice's or an instance's, with or without "/dev/dsk/" or "/dev/rdsk/", or the
-     * mount point of a file system on it.
+     * Finds a disk by its own name, a slice's or an instance's, with or without a directory, a device's physical path,
+     * the mount point of a file system on it or a path below that, a logical unit's "NODE LUN 2", or the world-wide name
+     * of a port that it alone is behind.
      *
      * @param asked any of these
      * @param library what is asked; what could not be is said in its log
-     * @return null when nothing is known by that name
+     * @param remark is told why there is no such disk, where there is more to say
+     * @return null when nothing, or not one thing, is known by that name
      */
-    public static OneDisk find(String asked, Library library) {
+    public static OneDisk find(String asked, Library library, Consumer<String> remark) {
         Everything host = new Everything(library);
-        String name = host.resolve(asked);
+        String name = host.resolve(asked, remark);
         return name == null ? null : new OneDisk(name, host);
-    }
-
-    private static String nameOf(TrInstance drive) {
-        return Instances.text(drive, SolarisDiskDriveProvider.name);
-    }
-
-    /** A disk that has no entry in "/dev/dsk" is called what the kernel calls it. */
-    private static String nameOf(SolarisDiskIOInformation counted) {
-        return counted.diskName().isEmpty() ? counted.instanceName() : counted.diskName();
-    }
-
-    private static String diskOf(TrInstance partition) {
-        return Instances.text(partition, SolarisDiskPartitionProvider.diskName);
-    }
-
-    private static <T> T first(Stream<T> found) {
-        return found.findFirst().orElse(null);
     }
 
     /** What the host tells of all its disks. What cannot be asked is a line in the log, and empty. */
     private static final class Everything {
-        private static final String DEVICES = "/devices";
-
         private final Library library;
-        private final List<TrInstance> drives;
         private final List<TrInstance> partitions;
         private final List<SolarisDiskIOInformation> io;
-        private final List<SolarisLogicalDisk> mounts;
+        private final Disks disks;
         private final Paths paths;
-        /** What disks are called, and the disk of each slice and of each physical path. */
-        private final Set<String> names = new HashSet<>();
-        private final Map<String, String> slices = new HashMap<>();
-        private final Map<String, String> devicePaths = new HashMap<>();
 
         private Everything(Library library) {
             this.library = library;
-            drives = ask("disks", library::disks);
-            partitions = ask("partitions", library::partitions);
-            io = ask("disk-io", library::diskIo);
-            mounts = ask("logical-disks", library::logicalDisks);
-            paths = new Paths(ask("hba", () -> List.of(library.fabric())).stream().findFirst().orElseGet(Fabric::new));
-            for (TrInstance drive : drives) {
-                names.add(nameOf(drive));
-                devicePaths.put(Instances.text(drive, SolarisDiskDriveProvider.deviceIdentifier), nameOf(drive));
-            }
-            io.forEach(counted -> names.add(nameOf(counted)));
-            for (TrInstance partition : partitions) {
-                names.add(diskOf(partition));
-                slices.put(Instances.text(partition, SolarisDiskPartitionProvider.name), diskOf(partition));
-            }
-            Stream.concat(mounts.stream().map(SolarisLogicalDisk::device).filter(DeviceNames::hasDirectory),
-                          allPaths().map(path -> path.osDeviceName))
-                .map(DeviceNames::withoutDirectory).filter(entry -> !entry.contains("/"))
-                .forEach(entry -> names.add(DeviceNames.withoutSlice(entry)));
-            names.remove("");
+            List<TrInstance> drives = library.orNone("disks", library::disks);
+            partitions = library.orNone("partitions", library::partitions);
+            io = library.orNone("disk-io", library::diskIo);
+            disks = new Disks(drives, partitions, io, library.orNone("logical-disks", library::logicalDisks));
+            paths = new Paths(library.orNone("hba", () -> List.of(library.fabric(disks))).stream().findFirst()
+                                  .orElseGet(() -> new Fabric(disks, new HbaCache.Hba[0], new HbaCache.Hba[0], false)));
+            allPaths().map(LogicalUnit.Path::deviceName).forEach(disks::knowDevice);
         }
 
-        private <T> List<T> ask(String command, Supplier<List<T>> question) {
-            try {
-                return question.get();
-            } catch (RuntimeException failed) {
-                library.log().warn(command + ": " + failed.getMessage());
-                return List.of();
-            }
+        private SolarisDiskIOInformation counted(String disk) {
+            return io.stream().filter(each -> Disks.nameOf(each).equals(disk)).findFirst().orElse(null);
         }
 
-        /** The disk's own name; null when nothing is known by that one. */
-        private String resolve(String asked) {
-            return Stream.<Supplier<Stream<String>>>of(
-                () -> mounts.stream().filter(mounted -> mounted.mountPoint().equals(asked))
-                    .map(mounted -> diskOfDevice(mounted.device())),
-                () -> Stream.ofNullable(diskOfDevice(asked)),
-                () -> Stream.ofNullable(diskOfEntry(asked)),
-                () -> io.stream().filter(counted -> counted.instanceName().equals(asked))
-                    .map(OneDisk::nameOf),
-                () -> allPaths().filter(path -> asked.equals(numberedName(path))).map(this::diskOfPath))
-                .flatMap(Supplier::get).filter(Objects::nonNull).findFirst().orElse(null);
-        }
-
-        /** The disk that a path in "/dev/dsk" or "/dev/rdsk" leads to, or null. */
-        private String diskOfDevice(String device) {
-            return DeviceNames.hasDirectory(device) ? diskOfEntry(DeviceNames.withoutDirectory(device)) : null;
-        }
-
-        /** The disk that is called so, or has a slice that is, or null. */
-        private String diskOfEntry(String entry) {
-            return Stream.of(entry, slices.getOrDefault(entry, ""), DeviceNames.withoutSlice(entry))
-                .filter(names::contains).findFirst().orElse(null);
-        }
-
-        /** The HBA library names a device by its place in "/dev/rdsk", or by its physical path. Null: it is no disk. */
-        private String diskOfPath(LogicalUnit.Path path) {
-            return path.osDeviceName.startsWith(DEVICES)
-                ? devicePaths.get(path.osDeviceName.substring(DEVICES.length()).replaceFirst(":[^/]*$", ""))
-                : diskOfEntry(DeviceNames.withoutDirectory(path.osDeviceName));
+        /** The disk that a path leads to, though it cannot be opened; null when it is none. */
+        private String diskOf(LogicalUnit.Path path) {
+            return path.disk != null ? path.disk : disks.ofEntry(path.deviceName());
         }
 
         private Stream<LogicalUnit.Path> allPaths() {
             return paths.units.stream().flatMap(unit -> unit.paths.stream());
         }
 
-        /** What the path's device is called without its name in "/dev/rdsk". */
-        private static String numberedName(LogicalUnit.Path path) {
-            return "c" + path.scsiBus + "t" + path.targetId + "d" + path.scsiLun;
+        /** The disk's own name; null when nothing is known by that one. */
+        private String resolve(String asked, Consumer<String> remark) {
+            String named = Stream.<Supplier<Stream<String>>>of(
+                () -> disks.mounted.stream().filter(mounted -> mounted.mountPoint().equals(asked))
+                    .map(mounted -> disks.ofDevice(mounted.device())),
+                () -> Stream.of(asked.contains("/") ? "" : asked).map(disks::ofEntry),
+                () -> Stream.ofNullable(disks.ofDevice(asked)),
+                () -> io.stream().filter(counted -> counted.instanceName().equalsIgnoreCase(asked)).map(Disks::nameOf),
+                () -> allPaths().filter(path -> isNumbered(path, asked)).map(this::diskOf))
+                .flatMap(Supplier::get).filter(Objects::nonNull).findFirst().orElse(null);
+            return named != null ? named : resolveElsewhere(asked, remark);
+        }
+
+        /** By what names more than a disk: a file system, a unit, a port. */
+        private String resolveElsewhere(String asked, Consumer<String> remark) {
+            SolarisLogicalDisk mounted = disks.mountedAt(asked);
+            if (mounted != null) {
+                String disk = disks.ofDevice(mounted.device());
+                if (disk == null) {
+                    remark.accept((mounted.device().startsWith("/dev/md/") ? "the metadevice " : "")
+                                  + mounted.device() + " (" + mounted.fileSystemType() + ") is mounted there");
+                }
+                return disk;
+            }
+            List<String> behind = paths.units.stream().flatMap(unit -> unit.paths.stream()
+                .filter(path -> unit.isNamed(asked) || path.isAt(asked)).map(this::diskOf)).filter(Objects::nonNull)
+                .distinct().collect(Collectors.toList());
+            boolean oneUnit = paths.units.stream().anyMatch(unit -> unit.place().equalsIgnoreCase(asked));
+            if (behind.size() > 1 && !oneUnit) {
+                remark.accept("there are several behind it: " + String.join(", ", behind));
+                return null;
+            }
+            return behind.isEmpty() ? null : behind.get(0);
+        }
+
+        /** Whether the path's device is called so, without its name in "/dev/rdsk". */
+        private static boolean isNumbered(LogicalUnit.Path path, String asked) {
+            return asked.equalsIgnoreCase("c" + path.scsiBus + "t" + path.targetId + "d" + path.scsiLun);
         }
     }
 }

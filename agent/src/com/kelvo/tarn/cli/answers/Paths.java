@@ -1,6 +1,5 @@
 package com.kelvo.tarn.cli.answers;
 
-import com.kelvo.tarn.TrInstance;
 import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.List;
@@ -23,13 +22,14 @@ public final class Paths {
         boolean hasTwoPorts = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
         TreeMap<LogicalUnit, LogicalUnit> found = new TreeMap<>(ORDER);
         fabric.remotePorts().forEach(remote -> {
-            for (TrInstance mapping : remote.mappings) {
-                if (mapping != null) {
-                    LogicalUnit unit = new LogicalUnit(remote, mapping, hasTwoPorts);
-                    found.computeIfAbsent(unit, added -> added).paths.add(new LogicalUnit.Path(remote, mapping));
+            for (int i = 0; i < remote.mappings.size(); i++) {
+                if (remote.mappings.get(i) != null) {
+                    LogicalUnit unit = new LogicalUnit(remote, remote.mappings.get(i), hasTwoPorts);
+                    found.computeIfAbsent(unit, added -> added).paths.add(new LogicalUnit.Path(remote, i));
                 }
             }
         });
         units = new ArrayList<>(found.values());
+        units.forEach(unit -> unit.isOn(fabric.disks));
     }
 }

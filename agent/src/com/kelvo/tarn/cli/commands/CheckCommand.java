@@ -1,16 +1,30 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.answers.Asked;
 import com.kelvo.tarn.cli.answers.Check;
-import com.kelvo.tarn.cli.answers.FileSystemUse;
+import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.ArrayOption;
 import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.FindingWords;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.PerformanceData;
 import com.kelvo.tarn.cli.output.Table;
+import com.kelvo.tarn.cli.output.Units;
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.InvalidPathException;
+import java.nio.file.Path;
+import java.time.Duration;
+import java.time.temporal.ChronoUnit;
+import java.util.ArrayList;
 import java.util.List;
 import java.util.Locale;
+import java.util.Map;
+import java.util.Objects;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
 import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
@@ -25,46 +39,139 @@ public final class CheckCommand extends TableCommand {
     static final int UNKNOWN = 3;
     private static final List<String> STATES = List.of("OK", "WARNING", "CRITICAL");
 
+    private static final Pattern DURATION = Pattern.compile("(\\d{1,9})([smhd])");
+    private static final Map<String, ChronoUnit> UNITS = Map.of(
+        "s", ChronoUnit.SECONDS, "m", ChronoUnit.MINUTES, "h", ChronoUnit.HOURS, "d", ChronoUnit.DAYS);
+
     @Mixin
     private ArrayOption array;
 
-    private int fullPercent = FileSystemUse.FULL;
+    private final CheckRules rules = new CheckRules();
+    private boolean hasLimit;
 
-    @Option(names = "--full", paramLabel = "PERCENT", description = "From how many per cent on a file system is full "
-            + "(90).")
-    private void setFullPercent(int percent) {
-        if (percent < 0 || percent > 100) {
-            throw refusal("--full: '" + percent + "' is not from 0 to 100");
+    @Option(names = "--baseline", paramLabel = "FILE", description = "A recording of the host made when all was well: "
+            + "also what is gone since, and errors counted since.")
+    private String baseline;
+
+    @Option(names = {"-w", "--full"}, paramLabel = "PERCENT|MOUNT=PERCENT", description = "From how many per cent used "
+            + "on a file system is full, each (90) or the one that is mounted there; as often as there are such.")
+    private void setFull(List<String> limits) {
+        rules.warningPercents.clear();
+        hasLimit = false;
+        for (String limit : limits) {
+            int sign = limit.lastIndexOf('=');
+            int percent = percent("--full", limit.substring(sign + 1));
+            boolean again = sign < 0 ? hasLimit : rules.warningPercents.put(limit.substring(0, sign), percent) != null;
+            if (again) {
+                throw refusal("--full: more than one limit for "
+                              + (sign < 0 ? "all file systems" : limit.substring(0, sign)));
+            }
+            if (sign < 0) {
+                hasLimit = true;
+                rules.warningPercent = percent;
+            }
         }
-        fullPercent = percent;
+    }
+
+    @Option(names = {"-c", "--critical"}, paramLabel = "PERCENT", description = "From how many per cent used on that is "
+            + "critical. Without it, only when nothing is available.")
+    private void setCritical(String percent) {
+        rules.criticalPercent = percent("--critical", percent);
+    }
+
+    @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, 7d.")
+    private void setMaxAge(String duration) {
+        Matcher told = DURATION.matcher(duration);
+        if (!told.matches()) {
+            throw refusal("--max-age: '" + duration + "' is no duration such as 90m, 36h or 7d");
+        }
+        rules.maxAge = Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2)));
+    }
+
+    @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any text. "
+            + "May be repeated.")
+    private List<String> ignored = new ArrayList<>();
+
+    @Option(names = "--ignore-file", paramLabel = "FILE", description = "The same, a line each, with comments after #.")
+    private String ignoreFile;
+
+    private int percent(String option, String given) {
+        if (!given.matches("[+-]?\\d+%?")) {
+            throw refusal(option + ": '" + given + "' is not a number");
+        }
+        if (!given.matches("0*(\\d{1,2}|100)%?")) {
+            throw refusal(option + ": '" + given + "' is not from 0 to 100");
+        }
+        return Integer.parseInt(given.replace("%", ""));
+    }
+
+    private void ignore() {
+        List<String> patterns = new ArrayList<>(ignored);
+        if (ignoreFile != null) {
+            try {
+                Files.readAllLines(Path.of(ignoreFile)).stream().map(line -> line.replaceFirst("(^|\\s)#.*", "").strip())
+                    .filter(line -> !line.isEmpty()).forEach(patterns::add);
+            } catch (IOException | InvalidPathException unreadable) {
+                throw refusal("--ignore-file: " + ignoreFile + " cannot be read");
+            }
+        }
+        patterns.stream().filter(pattern -> !rules.ignore(pattern)).findFirst().ifPresent(pattern -> {
+            throw refusal("--ignore: '" + pattern + "' begins with no code of a finding");
+        });
     }
 
     @Override
     public Answer ask() {
-        Check check = Check.of(library(), fullPercent, array.arguments());
-        return Answer.table(result(check), () -> table(check)).shownAs(out -> show(check, out))
+        ignore();
+        Asked asked = new Asked(library(), array.arguments());
+        Asked before = baseline == null ? null
+            : tarn().at(baseline, spec().commandLine(), () -> new Asked(library(), List.of()));
+        Check check = Check.of(asked, before, rules);
+        return Answer.table(result(check, asked), () -> table(check)).shownAs(out -> show(check, asked, out))
             .withStatus(STATES.indexOf(check.state)).withLog(line -> !line.isWarning()); // which are findings
     }
 
-    private static Object result(Check check) {
-        return Json.object("state", check.state, "findings", check.findings.stream().map(finding -> Json.object(
-            "severity", finding.severity, "code", finding.code, "subject", finding.subject,
-            "message", FindingWords.message(finding))).collect(Collectors.toList()));
+    private static Object result(Check check, Asked asked) {
+        return Json.object(
+            "state", check.state, "host", asked.host, "recordedAt", Objects.toString(asked.recordedAt, null),
+            "ignored", check.ignored, "findings", check.findings.stream().map(finding -> Json.object(
+                "severity", finding.severity, "code", finding.code, "subject", finding.subject,
+                "message", FindingWords.message(finding), "disks", finding.disks, "mounts", finding.mounts))
+                .collect(Collectors.toList()));
     }
 
-    private static void show(Check check, Page out) {
-        long criticals = check.findings.stream().filter(Check.Finding::isCritical).count();
-        out.println("TARN " + check.state + " - " + (check.findings.isEmpty() ? "nothing found"
-            : String.format(Locale.ROOT, "%d findings: %d critical, %d warnings", check.findings.size(), criticals,
-                            check.findings.size() - criticals)));
-        check.findings.forEach(finding -> out.printFolded("", " ".repeat(13), String.format(
+    private void show(Check check, Asked asked, Page out) {
+        out.println(firstLine(check, asked) + " | " + new PerformanceData(check, asked, rules).text());
+        check.findings.forEach(finding -> out.printFolded("", " ".repeat(13), unbarred(String.format(
             Locale.ROOT, "%-11s  %-22s  %s: %s", (finding.isCritical() ? Page.TROUBLE : "   ") + finding.severity,
-            finding.code, finding.subject, FindingWords.message(finding))));
+            finding.code, FindingWords.subject(finding), FindingWords.message(finding)))));
+    }
+
+    private String firstLine(Check check, Asked asked) {
+        long criticals = check.findings.stream().filter(Check.Finding::isCritical).count();
+        String found = check.findings.isEmpty() ? "nothing found"
+            : String.format(Locale.ROOT, "%d findings: %d critical, %d warnings", check.findings.size(), criticals,
+                            check.findings.size() - criticals);
+        return unbarred(Page.printable(
+            "TARN " + check.state + " - " + (asked.host.isBlank() ? "unnamed host" : asked.host)
+            + (tarn().isBuiltInHost() ? ", the built-in example" : "")
+            + (asked.recordedAt == null ? ""
+                : ", recorded " + Units.age(Duration.between(asked.recordedAt, rules.now)) + " ago")
+            + ": " + found + (check.ignored == 0 ? "" : ", " + check.ignored + " ignored")
+            + check.findings.stream().limit(1).map(worst -> "; " + worst.code + " " + FindingWords.subject(worst))
+                .collect(Collectors.joining())));
+    }
+
+    /** A bar would end what monitoring reads as text. */
+    private static String unbarred(String text) {
+        return text.replace("|", "\\x7c");
     }
 
     private static Table<?> table(Check check) {
         return new Table<>(check.findings).text("Severity", finding -> finding.severity)
             .text("Code", finding -> finding.code).text("Subject", finding -> finding.subject)
-            .text("Message", FindingWords::message);
+            .text("Message", FindingWords::message)
+            .text("Disks", finding -> String.join(" ", finding.disks))
+            .text("Mount points", finding -> String.join(" ", finding.mounts));
     }
 }

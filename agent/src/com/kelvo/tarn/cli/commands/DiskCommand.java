@@ -1,8 +1,10 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Disks;
 import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.OneDisk;
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.InquiryCommand;
@@ -12,7 +14,10 @@ import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import java.util.ArrayList;
 import java.util.List;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Parameters;
 
@@ -21,14 +26,18 @@ import picocli.CommandLine.Parameters;
          description = "All that is known of one disk: drive, counters, slices, file systems, ways to it.",
          footer = "The ways are all those to the logical unit, under whichever device name.")
 public final class DiskCommand extends InquiryCommand {
-    @Parameters(paramLabel = "NAME", description = "Any of its names: c1t0d0, c1t0d0s0, /dev/dsk/c1t0d0s0, "
-                + "/dev/rdsk/c1t0d0s2, sd0, or a mount point.")
-    private String name;
+    @Parameters(arity = "1..*", paramLabel = "NAME", description = "Any of its names: c1t0d0, c1t0d0s0, "
+                + "/dev/dsk/c1t0d0s0, /devices/..., sd0, a mount point or a path below one, NODE LUN number, the WWN of a "
+                + "port that it alone is behind.")
+    private List<String> names;
 
     @Override
     public Answer ask() {
-        OneDisk disk = OneDisk.find(name, library());
-        return disk == null ? Answer.missing("no disk " + name)
+        String name = String.join(" ", names);
+        List<String> remarks = new ArrayList<>();
+        OneDisk disk = OneDisk.find(name, library(), remarks::add);
+        return disk == null ? Answer.missing(String.join(": ", Stream.concat(Stream.of("no disk " + name),
+                                                                             remarks.stream()).toArray(String[]::new)))
             : Answer.page(disk, out -> show(disk, out))
                 .withLog(line -> line.subject().isEmpty() || line.subject().equals(disk.name)); // not of other disks
     }
@@ -43,7 +52,7 @@ public final class DiskCommand extends InquiryCommand {
                 : found.drive.get(SolarisDiskDriveProvider.deviceIdentifier))
             .text("Read", found -> found.io == null ? null : count(found.io.bytesRead()))
             .text("Written", found -> found.io == null ? null : count(found.io.bytesWritten()))
-            .text("Busy", found -> found.io == null ? null : busy(new Counter(found.io.runTime())))
+            .text("Busy", found -> found.io == null ? null : busy(new Counter(found.io.runTime()), found.sinceBoot()))
             .printUpright(out);
         out.println();
         if (disk.partitions.isEmpty()) {
@@ -57,7 +66,11 @@ public final class DiskCommand extends InquiryCommand {
         }
         disk.units.forEach(unit -> {
             out.println();
-            PathsCommand.tree(unit, disk::diskOf).print(out);
+            double all = unit.disks().size() < 2 ? 0 : unit.paths.stream().collect(Collectors.toMap(
+                LogicalUnit.Path::deviceName, disk::bytesOver, (one, same) -> one)).values().stream()
+                .mapToDouble(bytes -> bytes).sum();
+            PathsCommand.tree(unit, path -> all == 0 ? ""
+                : ", " + Units.percent(disk.bytesOver(path), all) + " of the bytes").print(out);
         });
     }
 
@@ -74,14 +87,16 @@ public final class DiskCommand extends InquiryCommand {
         return counter.isKept() ? counter.text() + " bytes (" + Units.bytes(counter) + ")" : null;
     }
 
-    private static String busy(Counter time) {
-        return time.isKept() ? Units.seconds(time) + " s" : null;
+    private static String busy(Counter time, long sinceBoot) {
+        return !time.isKept() ? null
+            : Units.seconds(time) + " s" + (sinceBoot == 0 ? ""
+                : ", " + Units.decimal(100 * time.value().doubleValue() / sinceBoot, 1) + " % busy since boot");
     }
 
     private static Table<TrInstance> slices(OneDisk disk) {
         return new Table<>(disk.partitions)
             .text("Slice", row -> row.get(SolarisDiskPartitionProvider.name))
-            .number("Size", row -> Units.bytes(PartitionsCommand.sectors(row) * Units.SECTOR))
+            .number("Size", row -> Units.bytes(PartitionsCommand.sectors(row) * Disks.SECTOR))
             .text("Tag", row -> PartitionsCommand.tagName(row).isEmpty()
                 ? row.get(SolarisDiskPartitionProvider.tag) : PartitionsCommand.tagName(row))
             .text("Flags", row -> PartitionsCommand.flagNames(row))

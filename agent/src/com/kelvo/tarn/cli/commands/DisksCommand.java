@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.cli.answers.Disks;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.TableCommand;
@@ -31,8 +32,8 @@ public final class DisksCommand extends TableCommand {
         return new Table<>(answer)
             .text("Disk", row -> row.get(SolarisDiskDriveProvider.name))
             .text("Type", row -> row.get(SolarisDiskDriveProvider.diskType))
-            .number("Capacity", row -> capacity(row) == 0 ? null : capacity(row),
-                    row -> capacity(row) == 0 ? null : Units.bytes(capacity(row)))
+            .number("Capacity", row -> Disks.capacity(row) == 0 ? null : Disks.capacity(row),
+                    row -> Disks.capacity(row) == 0 ? null : Units.bytes(Disks.capacity(row)))
             .number("Heads", row -> known(row, SolarisDiskDriveProvider.heads))
             .number("Sectors/track", row -> known(row, SolarisDiskDriveProvider.sectorsPerTrack))
             .number("Cylinders", row -> known(row, SolarisDiskDriveProvider.physicalCylinders))
@@ -45,7 +46,7 @@ public final class DisksCommand extends TableCommand {
     static String typeAndCapacity(TrInstance drive) {
         String type = Instances.text(drive, SolarisDiskDriveProvider.diskType);
         return (type.isEmpty() ? "unknown type" : type) + ", "
-            + (capacity(drive) == 0 ? "capacity unknown" : Units.bytes(capacity(drive)));
+            + (Disks.capacity(drive) == 0 ? "capacity unknown" : Units.bytes(Disks.capacity(drive)));
     }
 
     /** Null when it is not known. */
@@ -55,15 +56,6 @@ public final class DisksCommand extends TableCommand {
                             Stream.of(SolarisDiskDriveProvider.heads, SolarisDiskDriveProvider.sectorsPerTrack,
                                       SolarisDiskDriveProvider.dataCylinders,
                                       SolarisDiskDriveProvider.alternateCylinders).map(drive::get).toArray());
-    }
-
-    private static long capacity(TrInstance row) {
-        return figure(row, SolarisDiskDriveProvider.heads) * figure(row, SolarisDiskDriveProvider.sectorsPerTrack)
-            * figure(row, SolarisDiskDriveProvider.dataCylinders) * Units.SECTOR;
-    }
-
-    private static long figure(TrInstance row, TrProperty property) {
-        return Instances.number(row, property).longValue();
     }
 
     /** The library has no type for a disk whose geometry or label does not answer, and zeros for figures. */

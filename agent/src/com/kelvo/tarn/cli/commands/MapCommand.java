@@ -40,7 +40,8 @@ public final class MapCommand extends Export {
     @Override
     protected String text() throws IOException {
         Picture picture = picture();
-        Fabric fabric = new Fabric(options.and(tarn().hba()).fill(library()));
+        HbaOptions names = options.and(tarn().hba());
+        Fabric fabric = names.fabric(library(), names.fill(library()));
         Map<String, List<String>> findings = Check.of(fabric).stream().collect(Collectors.groupingBy(
             finding -> finding.subject, Collectors.mapping(FindingWords::message, Collectors.toList())));
         return picture.of(

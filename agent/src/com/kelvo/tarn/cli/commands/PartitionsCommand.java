@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Disks;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.TableCommand;
@@ -51,7 +52,7 @@ public final class PartitionsCommand extends TableCommand {
             .text("Disk", row -> row.get(SolarisDiskPartitionProvider.diskName))
             .number("Number", row -> row.get(SolarisDiskPartitionProvider.partitionNumber))
             .number("Sectors", row -> row.get(SolarisDiskPartitionProvider.sizeInSectors))
-            .reading(row -> Units.bytes(sectors(row) * Units.SECTOR))
+            .reading(row -> Units.bytes(sectors(row) * Disks.SECTOR))
             .number("Tag", row -> row.get(SolarisDiskPartitionProvider.tag))
             .gloss(PartitionsCommand::tagName)
             .text("Flags", row -> row.get(SolarisDiskPartitionProvider.flags),

@@ -56,6 +56,7 @@ public final class RecordCommand implements Callable<Integer> {
             throw new ParameterException(spec.commandLine(),
                                          "A recording is JSON as it is; --json, --csv and device names do not go with it");
         }
+        tarn.refuseRepeated(spec.commandLine());
         tarn.chooseHost(spec.commandLine());
         List<String> command = new ArrayList<>(List.of(System.getProperty("tarn.recorder", "tarn-record")));
         if (output != null) {

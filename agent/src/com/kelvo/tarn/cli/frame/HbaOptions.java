@@ -2,13 +2,19 @@ package com.kelvo.tarn.cli.frame;
 
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.Library;
-import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.providers.hba.HbaCache;
+import java.util.List;
+import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Option;
+import picocli.CommandLine.ParameterException;
+import picocli.CommandLine.Spec;
 
 /** How the device names of target mappings are made: what the agent's objects answer when the library asks them. */
 public final class HbaOptions {
     static final String LEADVILLE = "--leadville";
+
+    @Spec(Spec.Target.MIXEE)
+    private CommandSpec spec;
 
     @Option(names = "--keep-os-device-name",
             description = "hba, paths, map, report: device names as the HBA library gives them.")
@@ -22,9 +28,20 @@ public final class HbaOptions {
             + "/dev/rdsk/, lose their directory and their s2 slice.")
     private boolean forceLeadville;
 
+    private boolean agentNames;
+
+    @Option(names = "--names", paramLabel = "NAMES", description = "hba, paths, map: call a device as disks does, which "
+            + "is \"disks\" (the default), or as the agent does: \"agent\". An option for device names means agent.")
+    private void setNames(String names) {
+        if (!List.of("agent", "disks").contains(names)) {
+            throw new ParameterException(spec.commandLine(), "--names: '" + names + "' is neither disks nor agent");
+        }
+        agentNames = names.equals("agent");
+    }
+
     /** {@return whether anything was chosen} */
     public boolean any() {
-        return keepOsDeviceName || leadville || forceLeadville;
+        return keepOsDeviceName || leadville || forceLeadville || agentNames;
     }
 
     /**
@@ -37,6 +54,7 @@ public final class HbaOptions {
         keepOsDeviceName |= other.keepOsDeviceName;
         leadville |= other.leadville;
         forceLeadville |= other.forceLeadville;
+        agentNames |= other.agentNames;
         return this;
     }
 
@@ -50,14 +68,12 @@ public final class HbaOptions {
     }
 
     /**
-     * Says under device names that nobody chose how they came about.
+     * {@return the storage network, with the disks that it leads to}
      *
-     * @param fabric what has the names
-     * @param out where
+     * @param library what is asked
+     * @param adapters what a fill with these options answered
      */
-    public void explainDeviceNames(Fabric fabric, Page out) {
-        if (!any() && fabric.remotePorts().anyMatch(remote -> !remote.mappings.isEmpty())) {
-            out.printFolded("Device names are made of bus, target and LUN; --leadville shows those of /dev/rdsk");
-        }
+    public Fabric fabric(Library library, HbaCache.Hba[] adapters) {
+        return library.fabric(adapters, keepOsDeviceName, any());
     }
 }

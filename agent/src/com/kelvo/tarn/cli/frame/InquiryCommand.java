@@ -56,6 +56,7 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
 
     @Override
     public final Integer call() {
+        tarn.refuseRepeated(spec.commandLine());
         if (tarn.hba().any() && spec.findOption(HbaOptions.LEADVILLE) == null) {
             throw refusal("The options for device names go with hba, paths, map and report");
         }

@@ -3,6 +3,10 @@ package com.kelvo.tarn.cli.frame;
 import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LibraryLog;
 import java.io.File;
+import java.util.HashSet;
+import java.util.Set;
+import java.util.function.Supplier;
+import picocli.CommandLine.Model.OptionSpec;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
@@ -41,12 +45,48 @@ public abstract class TarnOptions {
     public final void chooseHost(CommandLine command) {
         String path = host != null ? host.getPath() : System.getenv().getOrDefault("TARN_HOST", "");
         if (host == null && path.isEmpty()) {
+            if (isBuiltInHost()) {
+                command.getErr().println("tarn: the built-in example answers; --host FILE or TARN_HOST names a host");
+            }
             return;
         }
         if (path.isEmpty()) {
             throw new ParameterException(command, "--host: no file named");
         }
         load(path, command);
+    }
+
+    /** {@return whether the built-in example answers, since nobody named a host where none is at hand} */
+    public final boolean isBuiltInHost() {
+        return host == null && System.getenv().getOrDefault("TARN_HOST", "").isEmpty()
+            && !System.getProperty("os.name").equals("SunOS"); // there the host itself answers
+    }
+
+    /**
+     * Refuses what was given before the command and after it.
+     *
+     * @param command the one that was given
+     */
+    public final void refuseRepeated(CommandLine command) {
+        Set<String> before = new HashSet<>();
+        command.getParent().getParseResult().matchedOptions().forEach(option -> before.add(option.longestName()));
+        command.getParseResult().matchedOptions().stream().map(OptionSpec::longestName).filter(before::contains)
+            .findFirst().ifPresent(name -> {
+                throw new ParameterException(command, "option '" + name + "' should be specified only once");
+            });
+    }
+
+    /**
+     * {@return what another host answers, whose log lines are not kept} That host answers from then on.
+     *
+     * @param <T> the answer
+     * @param path its description
+     * @param command the one that a complaint is about
+     * @param question what is asked
+     */
+    public final <T> T at(String path, CommandLine command, Supplier<T> question) {
+        load(path, command);
+        return log.unheard(question);
     }
 
     /**

@@ -67,7 +67,7 @@ final class Wording {
             box.line("LUNs", first.node.equals(last.node) ? "LUN " + first.lun + " to " + last.lun
                 : "of " + count(units.stream().map(unit -> unit.node).distinct().count(), "array"));
         }
-        List<String> devices = units.stream().flatMap(unit -> unit.paths.stream()).map(path -> text(path.osDeviceName))
+        List<String> devices = units.stream().flatMap(unit -> unit.paths.stream()).map(path -> path.deviceName())
             .filter(device -> !device.isEmpty()).distinct().collect(Collectors.toList());
         devices.stream().limit(NAMES_IN_BOX).forEach(box.lines::add);
         if (devices.size() > NAMES_IN_BOX) {
@@ -87,13 +87,13 @@ final class Wording {
     }
 
     static String label(LogicalUnit.Path path) {
-        return path.remote.port.place() + " to " + wwnOrPlace(path.remote) + ", " + text(path.osDeviceName)
+        return path.remote.port.place() + " to " + wwnOrPlace(path.remote) + ", " + path.deviceName()
             + (path.isOnline() ? "" : ", not online");
     }
 
     /** A cell for each of the table's columns. */
     static List<String> cells(LogicalUnit unit, LogicalUnit.Path path, String remark) {
-        return List.of(unit.node, unit.lun.toString(), remark, text(path.osDeviceName), String.valueOf(path.adapter),
+        return List.of(unit.node, unit.lun.toString(), remark, path.deviceName(), String.valueOf(path.adapter),
                        String.valueOf(path.port), text(path.portWWN), PortWords.state(path.portState),
                        text(path.remotePort), PortWords.state(path.remotePortState), text(path.scsiBus),
                        text(path.targetId));

@@ -15,7 +15,6 @@ import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import java.util.Comparator;
-import java.util.EnumSet;
 import java.util.Locale;
 import java.util.Objects;
 import java.util.Set;
@@ -26,25 +25,32 @@ import javax.wbem.cim.UnsignedInt;
 
 /** Draws an adapter with all that it sees. Two exclamation marks stand before what is not healthy. */
 public final class HbaTree {
-    /** Of these one is too many. */
-    private static final Set<PortError> GRAVE = EnumSet.of(PortError.LINK_FAILURE, PortError.CRC);
+    private final boolean brief;
+    private final Fabric baseline;
 
-    private HbaTree() {
+    /**
+     * Chooses how adapters are drawn.
+     *
+     * @param brief whether a port's remote ports are counted, and only those in trouble drawn
+     * @param baseline the same host when all was well: error counters that rose since are marked; null: none is
+     */
+    public HbaTree(boolean brief, Fabric baseline) {
+        this.brief = brief;
+        this.baseline = baseline;
     }
 
     /**
      * {@return an adapter with all that it sees}
      *
      * @param adapter what is drawn
-     * @param brief whether a port's remote ports are counted, and only those in trouble drawn
      */
-    public static Tree of(Fabric.Adapter adapter, boolean brief) {
+    public Tree of(Fabric.Adapter adapter) {
         Tree tree = new Tree(label("Adapter", adapter.index, adapter.instance, HbaTree::adapter));
-        adapter.ports.forEach(port -> tree.add(port(port, brief)));
+        adapter.ports.forEach(port -> tree.add(port(port)));
         return tree;
     }
 
-    private static Tree port(Fabric.Port port, boolean brief) {
+    private Tree port(Fabric.Port port) {
         String label = label("Port", port.index, port.instance, found -> port(found, ""));
         if (!port.recorded) {
             return new Tree(label);
@@ -53,12 +59,14 @@ public final class HbaTree {
         Tree tree = new Tree(!brief ? label
             : join(label, "remote ports: " + port.remotePorts.size(), "LUNs: " + units));
         if (!brief) {
-            tree.add(new Tree(counters(port.statistics)));
+            tree.add(new Tree(counters(port)));
         }
         for (Fabric.RemotePort remote : port.remotePorts) {
             Tree branch = new Tree(label("Remote port", remote.index, remote.instance, HbaTree::remotePort));
             if (!brief) {
-                remote.mappings.stream().map(HbaTree::unit).map(Tree::new).forEach(branch::add);
+                for (int i = 0; i < remote.mappings.size(); i++) {
+                    branch.add(new Tree(unit(remote, i)));
+                }
             }
             if (!brief || remote.instance == null || !PortStates.isOk(remote.instance)) {
                 tree.add(branch);
@@ -106,14 +114,16 @@ public final class HbaTree {
             labelled("", port, HbaPortProvider.name));
     }
 
-    /** The frames, and whatever errors there were. */
-    private static String counters(TrInstance statistics) {
+    /** The frames, and whatever errors there were; those that are new stand first. */
+    private String counters(Fabric.Port port) {
+        TrInstance statistics = port.statistics;
         if (statistics == null) {
             return unreadable("counters");
         }
-        String errors = Stream.of(PortError.values()).sorted(Comparator.comparing(error -> !GRAVE.contains(error)))
+        Set<PortError> risen = baseline == null ? Set.of() : PortError.risen(baseline, port).keySet();
+        String errors = Stream.of(PortError.values()).sorted(Comparator.comparing(error -> !risen.contains(error)))
             .filter(error -> error.in(statistics).isKept() && error.in(statistics).value().signum() != 0)
-            .map(error -> (GRAVE.contains(error) ? Page.TROUBLE : "") + PortWords.errors(error) + " "
+            .map(error -> (risen.contains(error) ? Page.TROUBLE : "") + PortWords.errors(error) + " "
                               + error.in(statistics).text())
             .collect(Collectors.joining(", "));
         Object[] frames = Stream
@@ -123,7 +133,8 @@ public final class HbaTree {
             + (errors.isEmpty() ? "" : "; " + errors);
     }
 
-    private static String unit(TrInstance mapping) {
+    private String unit(Fabric.RemotePort remote, int place) {
+        TrInstance mapping = remote.mappings.get(place);
         if (mapping == null) {
             return unreadable("LUN");
         }
@@ -131,7 +142,7 @@ public final class HbaTree {
         UnsignedInt exported = Instances.number(mapping, TargetMappingProvider.exportedLUN);
         return join(
             "LUN " + lun,
-            labelled("", mapping, TargetMappingProvider.osDeviceName),
+            remote.deviceName(place),
             "bus " + Instances.number(mapping, TargetMappingProvider.scsiBus),
             "target " + Instances.number(mapping, TargetMappingProvider.targetId),
             exported.longValue() == lun.longValue() ? "" : "exported as LUN " + exported);

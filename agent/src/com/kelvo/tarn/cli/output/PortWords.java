@@ -46,7 +46,8 @@ public final class PortWords {
         "operationalStatus", statuses -> ((List<?>) statuses).stream()
             .map(status -> STATUSES.getOrDefault(status, String.valueOf(status))).collect(Collectors.joining(", ")),
         "portType", type -> TYPES.getOrDefault(type, ""),
-        "speed", speed -> SPEEDS.getOrDefault(((UnsignedInt) speed).longValue(), "speed unknown"),
+        "speed", PortWords::speed,
+        "maxSpeed", PortWords::speed,
         "portFcId", id -> String.format(Locale.ROOT, "0x%06x", ((UnsignedInt) id).longValue()));
 
     private PortWords() {
@@ -81,6 +82,10 @@ public final class PortWords {
      */
     public static String state(UnsignedInt state) {
         return state == null ? "state unknown" : value("portState", state);
+    }
+
+    private static String speed(Object bitsPerSecond) {
+        return SPEEDS.getOrDefault(((UnsignedInt) bitsPerSecond).longValue(), "speed unknown");
     }
 
     /** What is counted, such as "link failures". */

@@ -3,12 +3,10 @@ package com.kelvo.tarn.cli.output;
 import com.kelvo.tarn.cli.answers.Counter;
 import java.math.BigDecimal;
 import java.math.RoundingMode;
+import java.time.Duration;
 
 /** Numbers as people read them. */
 public final class Units {
-    /** Bytes in a sector, of disk geometries and partition tables alike. */
-    public static final int SECTOR = 512;
-
     private Units() {
     }
 
@@ -64,5 +62,20 @@ public final class Units {
      */
     public static String decimal(double number, int digits) {
         return BigDecimal.valueOf(number).setScale(digits, RoundingMode.HALF_UP).toPlainString();
+    }
+
+    /**
+     * {@return a span of time in its largest unit, rounded down, such as "41 days"}
+     *
+     * @param age any; less than none is none
+     */
+    public static String age(Duration age) {
+        long seconds = Math.max(0, age.toSeconds());
+        return seconds < 60 ? count(seconds, "second") : seconds < 3600 ? count(seconds / 60, "minute")
+            : seconds < 86400 ? count(seconds / 3600, "hour") : count(seconds / 86400, "day");
+    }
+
+    private static String count(long number, String noun) {
+        return number + " " + noun + (number == 1 ? "" : "s");
     }
 }

@@ -1,0 +1,137 @@
+package com.kelvo.tarn.cli.answers;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
+import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
+import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
+import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import java.util.ArrayList;
+import java.util.Collection;
+import java.util.Comparator;
+import java.util.HashMap;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.Objects;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+
+/** The disks of a host, and which of them a name leads to. */
+public final class Disks {
+    /** Bytes in a sector, of disk geometries and partition tables alike. */
+    public static final int SECTOR = 512;
+
+    /** Where nothing is known of any. */
+    public static final Disks NONE = new Disks(List.of(), List.of(), List.of(), List.of());
+
+    private static final String DEVICES = "/devices";
+
+    /** The drives that can be opened, by name. */
+    final Map<String, TrInstance> drives = new LinkedHashMap<>();
+    /** The mounted file systems. */
+    final List<SolarisLogicalDisk> mounted;
+
+    /** Each disk by its name, in lower case too, and the disk of each slice and of each physical path. */
+    private final Map<String, String> names = new HashMap<>();
+    private final Map<String, String> slices = new HashMap<>();
+    private final Map<String, String> devicePaths = new HashMap<>();
+    private final Map<String, List<String>> mountPoints = new HashMap<>();
+
+    /** What a host tells of its disks; the slices are needed for slices that are not called like their disk. */
+    Disks(List<TrInstance> drives, List<TrInstance> partitions, List<SolarisDiskIOInformation> io,
+          List<SolarisLogicalDisk> mounted) {
+        this.mounted = mounted;
+        for (TrInstance drive : drives) {
+            String name = Instances.text(drive, SolarisDiskDriveProvider.name);
+            this.drives.put(name, drive);
+            know(name);
+            devicePaths.put(Instances.text(drive, SolarisDiskDriveProvider.deviceIdentifier), name);
+        }
+        io.forEach(counted -> know(nameOf(counted)));
+        for (TrInstance partition : partitions) {
+            String disk = Instances.text(partition, SolarisDiskPartitionProvider.diskName);
+            know(disk);
+            slices.put(Instances.text(partition, SolarisDiskPartitionProvider.name), disk);
+        }
+        mounted.stream().map(SolarisLogicalDisk::device).filter(DeviceNames::hasDirectory).forEach(this::knowDevice);
+        for (SolarisLogicalDisk each : mounted) {
+            String disk = ofDevice(each.device());
+            if (disk != null) {
+                List<String> there = mountPoints.computeIfAbsent(disk, added -> new ArrayList<>());
+                if (!there.contains(each.mountPoint())) {
+                    there.add(each.mountPoint());
+                }
+            }
+        }
+    }
+
+    /** What the kernel counts for a disk that has no entry in "/dev/dsk" is called what the kernel calls it. */
+    static String nameOf(SolarisDiskIOInformation counted) {
+        return counted.diskName().isEmpty() ? counted.instanceName() : counted.diskName();
+    }
+
+    /**
+     * {@return a drive's capacity in bytes, computed from its geometry; 0 when that is not known}
+     *
+     * @param drive an instance
+     */
+    public static long capacity(TrInstance drive) {
+        return Stream.<TrProperty>of(SolarisDiskDriveProvider.heads, SolarisDiskDriveProvider.sectorsPerTrack,
+                                     SolarisDiskDriveProvider.dataCylinders)
+            .mapToLong(figure -> Instances.number(drive, figure).longValue()).reduce(SECTOR, (all, one) -> all * one);
+    }
+
+    /** There is a disk of that name, or a slice of one. */
+    void knowDevice(String device) {
+        String entry = DeviceNames.withoutDirectory(device);
+        if (!entry.contains("/") && ofEntry(entry) == null) {
+            know(DeviceNames.withoutSlice(entry));
+        }
+    }
+
+    private void know(String name) {
+        if (!name.isEmpty()) {
+            names.put(name, name);
+            names.putIfAbsent(name.toLowerCase(Locale.ROOT), name);
+        }
+    }
+
+    /** The disk that is called so, or has a slice that is; null when there is none. */
+    String ofEntry(String entry) {
+        return Stream.of(entry, slices.getOrDefault(entry, ""), DeviceNames.withoutSlice(entry),
+                         entry.replaceFirst("(?<=\\d)[a-p]$", "")) // as pseudo devices number their slices
+            .flatMap(name -> Stream.of(name, name.toLowerCase(Locale.ROOT))).map(names::get)
+            .filter(Objects::nonNull).findFirst().orElse(null);
+    }
+
+    /** The disk that a path in "/dev/dsk", "/dev/rdsk" or "/devices" leads to, or null. */
+    String ofDevice(String device) {
+        return device.startsWith(DEVICES)
+            ? devicePaths.get(device.substring(DEVICES.length()).replaceFirst(":[^/]*$", ""))
+            : DeviceNames.hasDirectory(device) ? ofEntry(DeviceNames.withoutDirectory(device)) : null;
+    }
+
+    /** The drive that a target mapping leads to, by the HBA library's name for it or else by its numbers; or null. */
+    String ofMapping(String ownName, String numberedName) {
+        String named = ownName.startsWith(DEVICES) ? ofDevice(ownName) : ofEntry(DeviceNames.withoutDirectory(ownName));
+        return Stream.of(named == null ? "" : named, numberedName).filter(drives::containsKey).findFirst().orElse(null);
+    }
+
+    /** Where file systems on these disks are mounted. */
+    List<String> mountPointsOn(Collection<String> disks) {
+        return disks.stream().flatMap(disk -> mountPoints.getOrDefault(disk, List.of()).stream()).distinct()
+            .collect(Collectors.toList());
+    }
+
+    /** The mount point at or above a path, with what is mounted there; null when the path is no such. */
+    SolarisLogicalDisk mountedAt(String path) {
+        boolean isDevice = path.startsWith("/dev/") || path.startsWith(DEVICES + "/");
+        return mounted.stream().filter(each -> {
+            String mountPoint = each.mountPoint();
+            return mountPoint.equals(path)
+                || !isDevice && path.startsWith(mountPoint.endsWith("/") ? mountPoint : mountPoint + "/");
+        }).max(Comparator.comparingInt(each -> each.mountPoint().length())).orElse(null);
+    }
+}

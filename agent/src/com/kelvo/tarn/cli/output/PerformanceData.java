@@ -1,0 +1,44 @@
+package com.kelvo.tarn.cli.output;
+
+import com.kelvo.tarn.cli.answers.Asked;
+import com.kelvo.tarn.cli.answers.Check;
+import com.kelvo.tarn.cli.answers.CheckRules;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Objects;
+
+/** What monitoring draws graphs of, in the form of the guidelines for plugins: 'label'=value;warning;critical;min;max. */
+public final class PerformanceData {
+    private final List<String> data = new ArrayList<>();
+
+    /**
+     * Takes what is measured.
+     *
+     * @param check what was found
+     * @param asked of what
+     * @param rules with which limits
+     */
+    public PerformanceData(Check check, Asked asked, CheckRules rules) {
+        data.add("findings=" + check.findings.size() + ";;;0");
+        data.add("critical=" + check.findings.stream().filter(Check.Finding::isCritical).count() + ";;;0");
+        if (asked.fewestPaths() != null) {
+            data.add("paths_min=" + asked.fewestPaths() + ";;;0");
+        }
+        asked.fileSystemUses().forEach((mountPoint, use) -> {
+            double usable = use.usable().doubleValue();
+            double percent = usable == 0 ? 100 : 100 * use.used().doubleValue() / usable;
+            data.add(label(mountPoint) + "=" + Units.decimal(percent, 1) + "%;" + rules.warningPercent(mountPoint) + ";"
+                     + Objects.toString(rules.criticalPercent, "") + ";0;100");
+        });
+    }
+
+    /** A label may hold neither an equals sign nor a bar, which ends it; a quote in it is doubled. */
+    private static String label(String mountPoint) {
+        return "'" + Page.printable(mountPoint).replace("'", "''").replace('=', '_').replace('|', '_') + "'";
+    }
+
+    /** {@return what stands behind the bar} */
+    public String text() {
+        return String.join(" ", data);
+    }
+}
