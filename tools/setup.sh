@@ -121,23 +121,29 @@ announced() {
     done
 }
 
-# Prints where promtool is. It comes in a package whose installation would start a server, so it is only unpacked.
-promtool() {
-    local place=$root/build/promtool
-    [ -x "$place/usr/bin/promtool" ] || locked "$root/build" build unpack_promtool "$place"
-    printf '%s\n' "$place/usr/bin/promtool"
+# unpacked NAME PACKAGE...: prints the folder where packages are whose installation would start a server, and which are only
+# unpacked therefore.
+unpacked() {
+    local place=$root/build/$1
+    shift
+    [ -d "$place" ] || locked "$root/build" build unpack "$place" "$@"
+    printf '%s\n' "$place"
 }
 
-unpack_promtool() {
-    local place=$1 as_root=()
-    if [ ! -x "$place/usr/bin/promtool" ]; then
-        rm -rf "$place"
-        mkdir -p "$place"
+unpack() {
+    local place=$1 as_root=() package
+    shift
+    if [ ! -d "$place" ]; then
+        rm -rf "$place.new"
+        mkdir -p "$place.new"
         [ "$(id -u)" -eq 0 ] || as_root=(sudo)
-        apt-cache show prometheus >/dev/null 2>&1 || run_quietly "${as_root[@]}" apt-get update
+        apt-cache show "$1" >/dev/null 2>&1 || run_quietly "${as_root[@]}" apt-get update
         # Whoever runs the tests owns the folder, not apt's own user.
-        (cd "$place" && run_quietly apt-get download -o APT::Sandbox::User=root prometheus)
-        run_quietly dpkg -x "$place"/prometheus_*.deb "$place"
-        rm "$place"/prometheus_*.deb
+        (cd "$place.new" && run_quietly apt-get download -o APT::Sandbox::User=root "$@")
+        for package in "$place.new"/*.deb; do
+            run_quietly dpkg -x "$package" "$place.new"
+            rm "$package"
+        done
+        mv "$place.new" "$place"
     fi
 }

@@ -56,6 +56,9 @@ def read(path):
 
 RICH = read("hosts/command-line.json")
 LUNS = read("hosts/array-luns.json")
+RILL = read("../hosts/rill.json")
+LUNS["B silent"] = {**LUNS["B"], "scsi": {**LUNS["B"]["scsi"], "LOG SENSE 3B": re.sub(
+    "(?<=0024)[0-9a-f]{72}", "0" * 72, LUNS["B"]["scsi"]["LOG SENSE 3B"])}}
 BARE = {"sysconf": RICH["sysconf"], "kstat": []}  # nothing is wrong with it
 NO_KSTAT = {"sysconf": RICH["sysconf"]}
 
@@ -219,22 +222,40 @@ CASES = [
     picks("report --force-leadville", {"hba." + DEVICE.format(1): "c4t1d0s0"}, RICH, log=DISK_LOG + HBA_LOG),
     shows("hba", "Adapter 0: QLogic Corp., QLA2342, firmware 3.03.02, WWN 200000e08b010203",
           "├─ Port 0: online, 2 Gb/s, N port, WWN 210000e08b010203, FC ID 0x010200, fabric 100000606951abcd",
-          "│ ├─ Frames: - sent, 9223372036854775808 received; !! link failures 3",
+          "│ ├─ Frames: - sent, 9223372036854775808 received; link failures 3",
           "│ ├─ Remote port 0: online, 1 Gb/s, N port, WWN 50060e8000c3a2b1",
-          "│ │ ├─ LUN 5, c2t0d5, bus 2, target 0, exported as LUN 16389",
+          "│ │ ├─ LUN 5, c2t50060E8000C3A2B1d5, bus 2, target 0, exported as LUN 16389",
           "│ └─ !! remote port 1 not readable", "├─ Port 1: !! LINK DOWN", "│ └─ !! counters not readable",
-          "└─ !! port 2 not readable", "!! adapter 1 not readable", "--leadville shows", host=RICH, log=HBA_LOG),
+          "└─ !! port 2 not readable", "!! adapter 1 not readable", host=RICH, log=HBA_LOG),
+    shows("hba --names agent", "LUN 5, c2t0d5, bus 2", host=RICH, log=HBA_LOG),
+    shows(f"hba --baseline {word(RICH)}", "received; link failures 3", host=RICH, log=HBA_LOG),
+    shows(f"hba --baseline {counting(0)}", "0 received; !! CRC errors 7", host=HOSTS[counting(0, port=(0, 0, 7))], log=ANY),
+    shows(f"hba --baseline {counting(0, port=(9, 0, 0))}", "0 received; CRC errors 7",
+          host=HOSTS[counting(0, port=(0, 0, 7))], log=ANY),
+    refuses("hba --names odd", "'odd'"),
     shows("hba", "Adapter 0 └─ Port 0: !! STATE UNKNOWN, speed unknown └─", host=adapter(ports=[{}]), log=ANY),
 
     # Paths
-    shows("paths", f"50000000000000b0 LUN 0 └─ c0t0d0: adapter 0 port 0 21000000000000a0 online → {FAR} online ",
-          host=ports(2)),
-    shows("paths", "50000000000000b0 LUN 0 ├─", host=ports(2, 2)),
-    shows("paths", "LUN 0: !! ONE PATH LEFT ├─", host=ports(2, 3)),
-    shows("paths", "LUN 0: !! NO PATH LEFT ├─ c0t0d0: adapter 0 port 0 21000000000000a0 !! LINK DOWN →",
+    shows("paths", "50000000000000b0 LUN 0, 1 of 1 paths online └─ c1t2d3: adapter 0 port 0 21000000000000a0 online → "
+          f"{FAR} online ", host=ports(2)),
+    shows("paths --names agent", "50000000000000b0 LUN 0, 2 of 2 paths online ├─ c0t0d0:", host=ports(2, 2)),
+    shows("paths", "LUN 0, 1 of 2 paths online: !! ONE PATH LEFT ├─", host=ports(2, 3)),
+    shows("paths", "LUN 0, 0 of 2 paths online: !! NO PATH LEFT ├─ c1t2d3: adapter 0 port 0 21000000000000a0 !! LINK DOWN →",
           host=ports(6, 3)),
-    shows("paths", "unknown array LUN 0 └─ c0t0d0: adapter 0 port 0 unknown !! STATE UNKNOWN → unknown !! STATE",
+    shows("paths", "unknown array LUN 0, 0 of 1 paths online └─ no device: adapter 0 port 0 unknown !! STATE UNKNOWN → unknown !! STATE",
           host=adapter(ports=[{"discovered": [{}]}], targetMapping=[{}])),
+
+    shows("paths", "50060e8000c3a200 LUN 0, 66.1 GiB, /oracle, fabric 100000606950a1c4 and 100000606950a1d8, 2 of 2 paths"),
+    *(picks(f"paths {names}", {"0.node": "50060e8000c3a200", "0.lun": lun, str(count): IndexError})
+      for names, lun, count in (("/oracle", 0, 1), ("C4T50060E8000C3A2B1D2", 2, 1), ("c4t0d2", 2, 1),
+                                ("50060e8000c3a200", 0, 3), ("'50060E8000C3A200 LUN 3'", 3, 1),
+                                ("1000001B320A77E0", 2, 1), ("/dev/rdsk/c4t50060E8000C3A2B1d2s2 /oracle", 0, 2))),
+    picks("paths --only single", {"3.lun": 3, "4": IndexError}),
+    picks("paths --only shared", {"0.lun": 31, "1.mounts": ["/oracle"], "2": IndexError}),
+    gives("paths --only lost", []),
+    picks("paths --only lost", {"0.paths.1.portState": 3}, ports(2, 3)),
+    refuses("paths nowhere", "tarn: no paths of nowhere\n", status=1),
+    refuses("paths --only odd", "'odd'"),
 
     # An array
     gives(ARRAY, REPORT, BOTH),
@@ -259,16 +280,54 @@ CASES = [
     refuses(f"authenticate root '{PASSWORD}'", "the password is asked for", password=PASSWORD),
 
     # What is wrong
-    shows("check", "TARN WARNING - 8 findings: 0 critical, 8 warnings warning file-system-full "
-          "/backup: 91.9% used, 5.4 GiB available warning disk-unreadable c0t0d0", log=ANY, status=1),
-    shows("check", "TARN OK - nothing found", host=BARE),
-    shows("check", "TARN CRITICAL - 2 findings: 2 critical, 0 warnings !! critical port-not-online adapter 0 port 0",
+    shows("check", "TARN WARNING - rill, recorded ", " days ago: 9 findings: 0 critical, 9 warnings; file-system-full /backup "
+          "(c1t3d0) | findings=9;;;0 critical=0;;;0 paths_min=1;;;0 '/'=31.3%;90;;0;100 ",
+          "warning file-system-full /backup (c1t3d0): 91.9% used, 5.4 GiB available warning disk-unreadable c0t0d0: ",
+          "single-path 50060e8000c3a200 LUN 2 (c4t50060E8000C3A2B1d2): 1 of 1 paths online: 1000001b320a77e0 → 5006",
+          "shared-adapter 50060e8000c3a200 LUN 0 (c2t50060E8000C3A2B1d0, c3t50060E8000C3A2B2d0, /oracle): all", log=ANY,
+          status=1),
+    picks("check --ignore 'single-path:*LUN 2' --ignore 'shared-*'", {
+        "host": "rill", "recordedAt": RILL["recordedAt"], "ignored": 3, "findings.0.disks": ["c1t3d0"],
+        "findings.0.mounts": ["/backup"], "findings.5.subject": "50060e8000c3a200 LUN 3", "findings.6": IndexError},
+        log=ANY, status=1),
+    Case("check", BARE, prints="TARN OK - unnamed host: nothing found | findings=0;;;0 critical=0;;;0\n"),
+    shows("check", "TARN CRITICAL - unnamed host: 2 findings: 2 critical, 0 warnings; port-not-online adapter 0 port 0 | f",
           host={**BARE, **adapter(ports=[{"attributes": {"PortState": 6}}] * 2)}, log=ANY, status=2),
+    shows("check", "TARN WARNING - rill, the built-in example: ", environment={"TARN_HOST": ""}, status=1,
+          log=["tarn: the built-in example rill answers; --host FILE or TARN_HOST names another"]),
+    shows("metrics", "# The built-in example answers, not a host. #", environment={"TARN_HOST": ""}, log=ANY),
+    shows("check --full 'a=b|c'\\''d=95' -c 99", "; file-system-full a=b\\x7cc'd | ", "'a_b_c''d'=97.0%;95;99;0;100",
+          host={**BARE, "mnttab": ["d\ta=b|c'd\tufs\trw\t1"],
+                "statvfs": {"a=b|c'd": {"f_frsize": 1, "f_blocks": 100, "f_bfree": 3, "f_bavail": 3}}}, status=1),
+    picks("check -w 100 -c 91", {"state": "CRITICAL", "findings.0.subject": "/backup"}, log=ANY, status=2),
+    picks("check --max-age 9999999d --full 99", {"findings.8": IndexError}, log=ANY, status=1),
+    picks("check --max-age 36h --full 99", {"findings.8.code": "recording-old", "findings.8.subject": "rill"}, log=ANY,
+          status=1),
+    picks(f"check --baseline {counting(0)}", {"findings.1.code": "port-errors", "findings.1.message": "CRC errors up by 7"},
+          HOSTS[counting(0, port=(0, 0, 7))], log=ANY, status=2),
+    shows("check --baseline hosts/rill.json --host hosts/rill-cable-pulled.json", "paths-lost 50060e8000c3a200 LUN 0 "
+          "(c3t50060E8000C3A2B2d0, c2t50060E8000C3A2B1d0, /oracle): 2 paths were online, 1 are; gone: 210000e08b10a3c2 → ",
+          log=ANY, status=2),
+    *(shows("check --baseline hosts/rill.json", found, host=changed, log=ANY, status=2) for found, changed in (
+        ("critical unit-lost 50060e8000c3a200 LUN 0 (c2t50060E8000C3A2B1d0, c3t50060E8000C3A2B2d0, /oracle): it was there",
+         {**RILL, "hba": {"adapters": RILL["hba"]["adapters"][1:]}}),
+        ("critical disk-lost c1t3d0 (/backup): it was there",
+         {**RILL, "disks": [disk for disk in RILL["disks"] if disk["name"] != "c1t3d0"]}))),
+    refuses("check --baseline /no/such", "/no/such", status=3),
+    refuses("check --max-age 1w", "'1w'", status=3),
+    refuses("check --ignore full", "'full'", status=3),
+    refuses("check --ignore-file /no/such", "/no/such", status=3),
+    refuses("check --full / --full 90", "'/'", status=3),
+    refuses("check -w 90 --full 91", "all file systems", status=3),
+    refuses("--host hosts/rill.json check --host hosts/rill.json", "--host", status=3),
+    refuses("--json cpu --json", "--json"),
     shows("check", "section-failed disk-io: kstat open failed.", host=NO_KSTAT, log=ANY, status=2),
     shows(f"check --{ARRAY}",
           "drive-errors tray 0 slot 1: A counts unrecovered errors: 6, request timeouts: 7; B counts",
           host=BOTH, log=ANY, status=2),
     shows(f"check --{ARRAY}", "array-counters A: ", host=NOT_COUNTING, log=ANY, status=2),
+    picks(f"check --{ARRAY}", {"findings.3.code": "array-controller-silent", "findings.3.subject": "B"},
+          array("A", "B silent"), log=ANY, status=2),
     picks(f"check --{ARRAY}", {"findings.0.subject": "A", "findings.1": IndexError}, BARE, status=1),
     picks("check --full 92", {"findings.0.code": "disk-unreadable"}, log=ANY, status=1),
     refuses("check --full 101", "101", status=3),
@@ -277,7 +336,7 @@ CASES = [
     refuses("check", "HOST.json", host="no JSON", status=3),
 
     # One disk
-    shows("disk c4t1d0", "Disk: c4t1d0 Instance: - Drive: !! cannot be opened", "no slices", " LUN 0: ", host=RICH,
+    shows("disk c4t1d0", "Disk: c4t1d0 Instance: - Drive: !! cannot be opened", "no slices", " LUN 0, ", host=RICH,
           log=ANY),
     shows("disk c0t0d0", "Drive: T, capacity unknown", "c0t0d0s0 0 B 77 wm", host=ODD_DISK, log=ANY),
     picks("disk sd9", {"name": "sd9"}, FEW_DISKS, log=ANY),
@@ -285,7 +344,10 @@ CASES = [
     picks("disk /dev/rdsk/c1t3d0s2", {"name": "c1t3d0"}, FEW_DISKS, log=ANY),
     gives("disk nope", None, RICH, log=DISK_LOG + HBA_LOG, status=1),
     refuses("disk nope", "no disk nope\n", host=RICH, status=1),
-    refuses("disk /home", "no disk /home\n", host=RICH, status=1),
+    refuses("disk /home/me", "no disk /home/me: srv:/home (nfs) is mounted there\n", host=RICH, status=1),
+    refuses("disk /md", "the metadevice /dev/md/dsk/d9 (ufs)", host={"mnttab": ["/dev/md/dsk/d9\t/md\tufs\trw\t1"]}, status=1),
+    refuses("disk 50060e8000c3a2b1", "several behind it: c2t50060E8000C3A2B1d0, c4t50060E8000C3A2B1d2\n", status=1),
+    shows("disk /oracle", "Busy: 35988.628 s, 1.0 % busy since boot", " online, 32.3% of the bytes └─ ", log=ANY),
     refuses("disk /dev/dsk/", "no disk /dev/dsk/\n", host=RICH, status=1),
     refuses("disk s0", "no disk s0\n", host=RICH, status=1),
 
@@ -315,12 +377,12 @@ CASES = [
     Case("--csv check --full 99", RICH, log=ANY, status=2),
     Case("--csv logical-disks", {"mnttab": ['a"b\t/x,y\tufs\trw\t1']},
          prints='Mount point,Type,Device\n"/x,y",ufs,"a""b"\n'),
-    Case("--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Remote port,Remote port state,Device,Bus,"
-         "Target,SCSI LUN\n"),
+    Case("--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Fabric,Remote port,Remote port state,Disk,"
+         "Device,Bus,Target,SCSI LUN\n"),
 
     # Help
     shows("--help", "Usage: tarn", "Exit status", *SECTIONS, "array", "authenticate"),
-    shows("help check", "Usage: tarn check", "--full=PERCENT"),
+    shows("help check", "Usage: tarn check", "--full=PERCENT|MOUNT=PERCENT"),
     shows("authenticate --help", "Usage: tarn authenticate"),
     shows("--version", "tarn " + re.search(r"project\(tarnsolaris VERSION ([^ )]+)",
                                            (ROOT / "CMakeLists.txt").read_text())[1]),

@@ -76,7 +76,7 @@ class Exports(unittest.TestCase):
             (self.folder / "host.json").write_text(json.dumps(host), encoding="utf-8")
             words = ["--host", self.folder / "host.json", *words]
         done = subprocess.run([TARN, *words], capture_output=True, timeout=300,
-                              env={**os.environ, "TARN_HOST": "", **environment})
+                              env={**os.environ, "TARN_HOST": str(ROOT / "hosts/rill.json"), **environment})
         self.assertEqual(done.returncode, status, done.stderr)
         self.assertNotIn(b"\tat ", done.stderr)
         return done.stdout.decode("utf-8"), done.stderr.decode("utf-8")

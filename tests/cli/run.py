@@ -1,4 +1,4 @@
-"""Runs the command line on host descriptions with known answers: python3 tests/cli/run.py PATH-TO-TARN"""
+"""Runs the command line on host descriptions with known answers: python3 tests/cli/run.py PATH-TO-TARN CLASS-PATH"""
 
 import json
 import os
@@ -23,6 +23,7 @@ from cases import ANY, CASES, HOSTS, PASSWORD, RICH, ROOT, Case
 sys.path.append(str(Path(__file__).parents[1]))
 import verdict
 
+RANDOM_HOSTS = int(os.environ.get("TARN_RANDOM_HOSTS", "24"))
 TARN = SCRATCH = None  # the command, and where the descriptions are written
 
 
@@ -43,6 +44,15 @@ def run(case):
 
 def ask(command, host=None):
     return json.loads(run(Case(command, host, result=None)).stdout)
+
+
+def in_one_machine(lines):
+    """The document that each command line prints, run in one virtual machine."""
+    done = subprocess.run(["java", f"-Djava.library.path={ROOT}/build/release", "-cp", sys.argv[2],
+                           ROOT / "tests/record/Commands.java"], input="\n".join(lines).encode(),
+                          env={**os.environ, "LC_ALL": "C.UTF-8"}, stdout=subprocess.PIPE, check=True, timeout=600)
+    printed = re.findall(r"(.*?)\0([^\n]*): \d+\n", done.stdout.decode(), re.S)
+    return {line: json.loads(document) for document, line in printed}
 
 
 def pick(value, path):
@@ -130,24 +140,33 @@ class CommandLine(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, b""))
 
     def test_paths_and_check_follow_from_the_single_commands(self):
-        seen = set()
-        for seed in (31, 35, 49):
-            host = questions.random_host(random.Random(seed))
-            with ThreadPoolExecutor(2) as pool:
-                commands = (*questions.SECTIONS, "paths", "check")
-                answers = dict(zip(commands, pool.map(lambda command: ask(command, host), commands)))
-                names = dict.fromkeys(disk["mountPoint"] for disk in answers["logical-disks"]["result"])
-                mounts = dict(zip(names, pool.map(lambda name: ask(f"logical-disks '{name}'", host), names)))
-            found = answers["check"]["result"]
+        seen, asked = set(), []
+        own = "hba --keep-os-device-name"
+        for seed in range(1, 1 + RANDOM_HOSTS):
+            host, was = (questions.random_host(random.Random(each)) for each in (seed, 1000 + seed))
+            paths = [write_host(each) for each in (host, was)]
+            mounts = dict.fromkeys(line.split("\t")[1] for line in host.get("mnttab", []))
+            check = f"check --baseline {paths[1]}"
+            asked += [(check, mounts, *([f"--host {path} --json {command}" for command in commands] for path, commands in
+                                        zip(paths, ([*questions.SECTIONS, "paths", own, check] +
+                                                    [f"logical-disks {mount}" for mount in mounts],
+                                                    ["disks", "hba", "paths"]))))]
+        documents = in_one_machine([line for _, _, now, before in asked for line in now + before])
+        for seed, (check, mounts, now, before) in enumerate(asked, 1):
+            now, before = ({line.split(" ", 3)[3]: documents[line] for line in lines} for lines in (now, before))
+            found = now[check]["result"]
             findings = [(one["severity"], one["code"], one["subject"]) for one in found["findings"]]
             seen.update(findings)
-            self.assertEqual(findings, questions.check(answers, mounts), seed)
-            self.assertEqual(found["state"], findings[0][0].upper(), seed)
-            self.assertEqual(answers["paths"]["result"], questions.paths(answers["hba"]["result"]), seed)
-        self.assertEqual({code for _, code, _ in seen}, set(questions.CODES))
+            told = {mount: now[f"logical-disks {mount}"] for mount in mounts}
+            self.assertEqual(findings, questions.check(now, told, before), seed)
+            self.assertEqual(found["state"], findings[0][0].upper() if findings else "OK", seed)
+            self.assertEqual(now["paths"]["result"], questions.paths(
+                *(now[command]["result"] for command in ("hba", own, "disks", "logical-disks"))), seed)
+        self.assertEqual(set(questions.CODES) - {code for _, code, _ in seen}, set())
 
     def test_a_disk_is_the_same_under_all_its_names(self):
-        names = "c1t0d0 c1t0d0s0 /dev/dsk/c1t0d0s0 /dev/rdsk/c1t0d0s2 sd0 /export/home".split()
+        names = ("c1t0d0 c1t0d0s0 /dev/dsk/c1t0d0s0 /dev/rdsk/c1t0d0s2 sd0 /export/home C1T0D0 /export/home/me/file "
+                 "/devices/pci@1f,700000/scsi@2/sd@0,0:a,raw").split()
         for options in ([], ["--json"]):
             pages = {subprocess.run([TARN, *options, "disk", name], capture_output=True, check=True).stdout
                      for name in names}
@@ -159,7 +178,8 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(disk["mounts"][0]["totalBytes"], 10576969728)
 
     def test_the_ways_to_a_disk(self):
-        for name, count in (("/oracle", 2), ("c4t50060E8000C3A2B1d2", 1), ("c4t0d2", 1)):
+        for name, count in (("/oracle", 2), ("c4t50060E8000C3A2B1d2", 1), ("c4t0d2", 1),
+                            ("50060E8000c3a200 LUN 2", 1), ("1000001b320a77e0", 1)):
             disk = ask(f"disk {name}")["result"]
             self.assertEqual([(way["node"], way["lun"]) for way in disk["paths"]],
                              [("50060e8000c3a200", 2 * (2 - count))] * count)
@@ -172,6 +192,7 @@ class CommandLine(unittest.TestCase):
             for command in re.findall(r"^\$ (.*)", recipe, re.M):
                 done = subprocess.run(["bash", "-c", command], cwd=ROOT, capture_output=True, text=True, timeout=120)
                 shown += f"$ {command}\n{done.stdout}{done.stderr}"
+            shown = re.sub(r"recorded \d+ days ago", "recorded 7653 days ago", shown)
             self.assertEqual(shown, recipe)
 
     def test_the_completion(self):
@@ -223,7 +244,7 @@ class CommandLine(unittest.TestCase):
 
 def main():
     global TARN, SCRATCH
-    os.environ.update(TARN_HOST="", LC_ALL="C")
+    os.environ.update(TARN_HOST=str(ROOT / "hosts/rill.json"), LC_ALL="C")
     with tempfile.TemporaryDirectory(prefix="tarn-cli-") as SCRATCH, ThreadPoolExecutor(2) as pool:
         TARN = os.path.join(SCRATCH, "tarn")  # a link works as well
         os.symlink(os.path.abspath(sys.argv[1]), TARN)

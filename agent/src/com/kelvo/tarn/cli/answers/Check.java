@@ -149,7 +149,9 @@ public final class Check {
             Set<String> subjects = findings.stream().map(finding -> finding.subject).collect(Collectors.toSet());
             asked.warnings.forEach((command, lines) -> lines.stream()
                 .filter(line -> line.subject().isEmpty() || !subjects.contains(line.subject()))
-                .forEach(line -> warn(Code.LIBRARY_WARNING, command, line.text())));
+                .collect(Collectors.groupingBy(LibraryLog.Line::text, LinkedHashMap::new, Collectors.counting()))
+                .forEach((text, times) -> warn(Code.LIBRARY_WARNING, command,
+                                               times == 1 ? text : text + " (" + times + " times)")));
             return findings;
         }
 
@@ -249,8 +251,11 @@ public final class Check {
                 if (now == null) {
                     addUnit(true, Code.UNIT_LOST, before, before, baseline.disks);
                 } else if (now.onlinePaths() < before.onlinePaths()) {
-                    addUnit(2 * now.onlinePaths() < before.onlinePaths(), Code.PATHS_LOST, now,
-                            new LostPaths(before, now), disks);
+                    // What was mounted on it may have been by the path that is gone.
+                    findings.add(new Finding(
+                        2 * now.onlinePaths() < before.onlinePaths(), Code.PATHS_LOST, now.place(),
+                        new LostPaths(before, now), union(now.disks(), before.disks()),
+                        union(disks.mountPointsOn(now.disks()), baseline.disks.mountPointsOn(before.disks()))));
                 }
             }
             for (Fabric.Port port : asked.fabric.ports()) {
@@ -259,6 +264,10 @@ public final class Check {
                     warn(Code.PORT_ERRORS, port.place(), risen);
                 }
             }
+        }
+
+        private static List<String> union(List<String> one, List<String> other) {
+            return Stream.concat(one.stream(), other.stream()).distinct().collect(Collectors.toList());
         }
 
         private void addUnit(boolean critical, Code code, LogicalUnit unit, Object fact, Disks known) {

@@ -210,8 +210,8 @@ public final class Library {
      * @param asAgent whether people are shown these, and not disks
      */
     public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent) {
-        Disks disks = new Disks(orNone("disks", this::disks), List.of(), List.of(),
-                                orNone("logical-disks", this::logicalDisks));
+        Disks disks = new Disks(orNone("disks", () -> log.unheard(this::disks)), List.of(), List.of(),
+                                orNone("logical-disks", () -> log.unheard(this::logicalDisks)));
         return new Fabric(disks, adapters, ownNames ? adapters : log.unheard(() -> hba(true, false, false)),
                           asAgent);
     }

@@ -61,7 +61,7 @@ public enum PortError {
         String wwn = Instances.name(port.instance, HbaPortProvider.permanentAddress);
         TrInstance then = wwn.isEmpty() ? null : before.ports().stream()
             .filter(each -> wwn.equals(Instances.name(each.instance, HbaPortProvider.permanentAddress)))
-            .map(each -> each.statistics).findFirst().orElse(null);
+            .findFirst().map(each -> each.statistics).orElse(null);
         if (then == null || port.statistics == null || COUNTERS.stream().anyMatch(
                 counter -> wentBack(Counter.of(then, counter), Counter.of(port.statistics, counter)))) {
             return risen;

@@ -46,7 +46,7 @@ public abstract class TarnOptions {
         String path = host != null ? host.getPath() : System.getenv().getOrDefault("TARN_HOST", "");
         if (host == null && path.isEmpty()) {
             if (isBuiltInHost()) {
-                command.getErr().println("tarn: the built-in example answers; --host FILE or TARN_HOST names a host");
+                command.getErr().println("tarn: the built-in example rill answers; --host FILE or TARN_HOST names another");
             }
             return;
         }
