@@ -55,8 +55,8 @@ def paths(adapters, own, disks, mounted):
 
 
 def online(unit):
-    """By the names of the two ports; a remote port that is listed twice is there once."""
-    return {(way["portWWN"], way["remotePort"]): way for way in unit["paths"]
+    """By the names of the two ports, or its place for want of one; a remote port that is listed twice is there once."""
+    return {(way["portWWN"] if way["portWWN"] != NO_NAME else (way["adapter"], way["port"]), way["remotePort"]): way for way in unit["paths"]
             if way["portState"] == way["remotePortState"] == ONLINE}.values()
 
 
@@ -162,23 +162,23 @@ def random_host(random):
         return {name: value for name, value in members.items() if value is not None}
 
     def port_attributes(name):
-        return {"PortWWN": name, "NodeWWN": random.choice(arrays), "PortState": random.choice([2] * 9 + [*range(10)]),
-                "FabricName": random.choice(arrays), "PortSpeed": random.choice([0, 1, 2, 4]),
+        return {"PortWWN": name, "NodeWWN": random.choice([arrays[int(name, 16) % 2]] * 9 + arrays),
+                "PortState": random.choice([2] * 40 + [*range(10)]),
+                "FabricName": random.choice(arrays[:2] * 3 + arrays), "PortSpeed": random.choice([0, 1, 2, 4]),
                 "PortSupportedSpeed": random.choice([0, 1, 2, 4])}
 
     arrays = ["50060e8000c3a200", "200400a0b8160a00", "0" * 16]
-    remotes = ["50060e80%08x" % number for number in range(4)]
+    remotes = ["50060e80%08x" % number for number in range(3)]
     disks = [f"c{number % 3}t{number}d0" for number in range(6)]
 
     def port(number):
         name = random.choice(["2100%012x" % number] * 9 + ["2100%012x" % 0, "0" * 16])
         return {"attributes": port_attributes(name),
-                "statistics": {key: random.choice([-1, 0, 1, 7]) for key in ("InvalidCRCCount", "LIPCount") if
-                               random.random() < 0.3},
+                "statistics": {key: random.choice([-1, 0, 1, 7]) for key in ("InvalidCRCCount", "LIPCount")},
                 "discovered": [{"attributes": port_attributes(name),
-                                "status": present(GetDiscoveredPortAttributes=maybe(0.15, 1))}
+                                "status": present(GetDiscoveredPortAttributes=maybe(0.07, 1))}
                                for name in random.choices(remotes, k=random.randrange(1, 5))],
-                "status": present(GetAdapterPortAttributes=maybe(0.15, 1), GetPortStatistics=maybe(0.2, 2))}
+                "status": present(GetAdapterPortAttributes=maybe(0.07, 1), GetPortStatistics=maybe(0.1, 2))}
 
     def mapping():
         return {"ScsiId": {"OSDeviceName": f"/dev/rdsk/{random.choice(disks)}s2", "ScsiOSLun": random.randrange(4),
@@ -207,6 +207,6 @@ def random_host(random):
         hba={"adapters": [present(name=f"hba-{number}", openFailures=maybe(0.2, 2),
                                   attributes={"NodeWWN": "2000%012x" % number},
                                   ports=[port(4 * number + each) for each in range(random.randrange(1, 5))],
-                                  targetMapping=[mapping() for _ in range(random.randrange(12))],
+                                  targetMapping=[mapping() for _ in range(random.randrange(20))],
                                   status=present(GetAdapterAttributes=maybe(0.1, 1)))
                           for number in range(random.randrange(4))]})
