@@ -55,9 +55,9 @@ def paths(adapters, own, disks, mounted):
 
 
 def online(unit):
-    """By the names of the two ports, or its place for want of one; a remote port that is listed twice is there once."""
-    return {(way["portWWN"] if way["portWWN"] != NO_NAME else (way["adapter"], way["port"]), way["remotePort"]): way for way in unit["paths"]
-            if way["portState"] == way["remotePortState"] == ONLINE}.values()
+    """By the names of the two ports, or its place for want of one; of those that are listed twice, the first."""
+    return {(way["portWWN"] if way["portWWN"] != NO_NAME else (way["adapter"], way["port"]), way["remotePort"]): way
+            for way in reversed(unit["paths"]) if way["portState"] == way["remotePortState"] == ONLINE}.values()
 
 
 def told(document, command):
