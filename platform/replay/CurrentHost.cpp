@@ -146,8 +146,11 @@ std::shared_ptr<const Host> currentHost() {
     return host;
 }
 
-void loadHostFile(const std::string &path, std::chrono::milliseconds silence) {
-    setHost(readHostFile(path, silence));
+std::string loadHostFile(const std::string &path, std::chrono::milliseconds silence) {
+    std::shared_ptr<const Host> loaded = readHostFile(path, silence);
+    std::string recordedAt = loaded->recordedAt;
+    setHost(std::move(loaded));
+    return recordedAt;
 }
 
 void loadHostText(const std::string &json) {

@@ -47,9 +47,13 @@ public final class CheckCommand extends TableCommand {
     }
 
     private static Object result(Check check) {
-        return Json.object("state", check.state, "findings", check.findings.stream().map(finding -> Json.object(
-            "severity", finding.severity, "code", finding.code, "subject", finding.subject,
-            "message", FindingWords.message(finding))).collect(Collectors.toList()));
+        return Json.object("state", check.state, "findings",
+                           check.findings.stream().map(CheckCommand::result).collect(Collectors.toList()));
+    }
+
+    static Object result(Check.Finding finding) {
+        return Json.object("severity", finding.severity, "code", finding.code, "subject", finding.subject, "message",
+                           FindingWords.message(finding));
     }
 
     private static void show(Check check, Page out) {
