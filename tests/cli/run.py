@@ -158,6 +158,14 @@ class CommandLine(unittest.TestCase):
             self.assertEqual([(way["node"], way["lun"]) for way in disk["paths"]],
                              [("50060e8000c3a200", 2 * (2 - count))] * count)
 
+    def test_each_description_is_read_once(self):
+        was, now = (str(ROOT / "hosts" / name) for name in ("rill.json", "rill-cable-pulled.json"))
+        script = (f"mkfifo pipe; cat {was} > pipe & %s --json compare pipe <(cat {now})")
+        done = subprocess.run(["bash", "-c", script % TARN], cwd=tempfile.mkdtemp(dir=SCRATCH), capture_output=True,
+                              timeout=120)
+        self.assertEqual((done.returncode, done.stderr), (1, b""))
+        self.assertEqual(json.loads(done.stdout)["result"], ask(f"compare {was} {now}")["result"])
+
     def test_the_cookbook(self):
         recipes = re.findall(r"```console\n(.*?)```", (ROOT / "docs/cookbook.md").read_text(), re.S)
         self.assertGreaterEqual(len(recipes), 12)
