@@ -13,8 +13,9 @@ import java.util.stream.Collectors;
 import java.util.stream.IntStream;
 
 /**
- * How long whole commands take on a large host, as a ratio to the native calls that they make, and how long on one of many
- * paths to one logical unit, as a ratio to as many logical units; in turns in one virtual machine. What the commands print goes to standard output, the ratios to standard error.
+ * How long whole commands take on a large host, as a ratio to the native calls that they make, and how long on one of
+ * many paths to one logical unit, as a ratio to as many logical units; in turns in one virtual machine. What the
+ * commands print goes to standard output, the ratios to standard error.
  */
 final class Printing {
     private static final double BOUND = 2.0;
@@ -57,10 +58,11 @@ final class Printing {
 
     /** A host with one remote port and mappings whose LUN goes up so fast. */
     private static String paths(int step) {
-        return "{\"hba\": {\"adapters\": [{\"name\": \"a\", \"ports\": [{\"discovered\": [{\"attributes\": {\"PortWWN\": "
-            + "\"50060e8000c3a2b1\"}}]}], \"targetMapping\": " + list(PATHS, number -> String.format(
-                "{\"ScsiId\": {\"OSDeviceName\": \"c1t%dd0\"}, \"FcpId\": {\"PortWWN\": \"50060e8000c3a2b1\", \"FcpLun\": %s}}",
-                number, Long.toUnsignedString((long) number * step << 48))) + "}]}}";
+        return "{\"uname\": {}, \"hba\": {\"adapters\": [{\"name\": \"a\", \"ports\": [{\"discovered\": "
+            + "[{\"attributes\": {\"PortWWN\": \"50060e8000c3a2b1\"}}]}], \"targetMapping\": "
+            + list(PATHS, number -> String.format(
+                "{\"ScsiId\": {\"OSDeviceName\": \"c1t%dd0\"}, \"FcpId\": {\"PortWWN\": \"50060e8000c3a2b1\", "
+                + "\"FcpLun\": %s}}", number, Long.toUnsignedString((long) number * step << 48))) + "}]}}";
     }
 
     private static void printAgainstCalls(Method tarn) throws Exception {

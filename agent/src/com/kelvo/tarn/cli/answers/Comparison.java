@@ -143,7 +143,7 @@ public final class Comparison {
         return without;
     }
 
-    /** What makes two findings the same. The library's lines are told apart by what they say, all others by what they are about. */
+    /** What makes two findings the same: what they are about; of lines of the library, also what they say. */
     private static List<String> identity(Check.Finding finding) {
         return List.of(finding.severity, finding.code, finding.subject,
                        finding.code.equals("library-warning") ? String.valueOf(finding.fact) : "");
