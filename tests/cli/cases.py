@@ -175,6 +175,8 @@ MANY_PATHS = word(adapter(  # all of one unit
     ports=[{"discovered": [{"attributes": {"PortWWN": FAR}}]}], targetMapping=[
         {"ScsiId": {"ScsiTargetNumber": number}, "FcpId": {"PortWWN": FAR}} for number in range(65536)]))
 
+STEERING = {"mnttab": ["@\x1b\u202e\t=1+1\t-5\trw\t1"]}
+
 CASES = [
     # Each command, and the report of all
     *(gives(name, result, RICH, log=LOGS.get(name, [])) for name, result in RESULTS.items()),
@@ -367,6 +369,11 @@ CASES = [
     Case("--csv check --full 99", RICH, log=ANY, status=2),
     Case("--csv logical-disks", {"mnttab": ['a"b\t/x,y\tufs\trw\t1']},
          prints='Mount point,Type,Device\n"/x,y",ufs,"a""b"\n'),
+    *(Case(f"{option} logical-disks", STEERING, prints="Mount point,Type,Device\n" + line + "\n") for option, line in (
+        ("--csv", "'=1+1,-5,'@\\x1b\\u202e"), ("--csv-raw", "=1+1,-5,@\x1b\u202e"))),
+    shows("logical-disks", "=1+1 -5 @\\x1b\\u202e", host=STEERING),
+    Case("logical-disks", {"mnttab": ["a\t/\u4e2d\u0301\tufs\trw\t1", "b\t/long\tufs\trw\t1"]},
+         prints="Mount point  Type  Device\n/\u4e2d\u0301          ufs   a\n/long        ufs   b\n"),
     Case("--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Remote port,Remote port state,Device,Bus,"
          "Target,SCSI LUN\n"),
 

@@ -220,6 +220,8 @@ class CommandLine(unittest.TestCase):
         red = "\x1b[31m!! ONE PATH LEFT\x1b[0m\r\n"
         self.assertIn(red, self.on_terminal(["paths"])[1])
         self.assertNotIn("\x1b", self.on_terminal(["paths"], NO_COLOR="1")[1])
+        named = write_host({"mnttab": ["d\t!! x\tufs\trw\t1"]})
+        self.assertNotIn("\x1b", self.on_terminal(["--host", named, "logical-disks"])[1])
         self.assertNotIn("\x1b", self.on_terminal(["--csv", "paths"])[1])
 
 
