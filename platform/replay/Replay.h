@@ -19,8 +19,9 @@ inline constexpr std::chrono::milliseconds usualSilence = std::chrono::seconds(3
 
 /// Make this description the current host, from the next call on. What was opened before keeps the host it was opened
 /// on. Raise HostDescriptionError, and leave the host as it is, when the description cannot be used; a file also when it
-/// is a device, larger than 1 GB, or a pipe from which nothing comes for so long.
-void loadHostFile(const std::string &path, std::chrono::milliseconds silence = usualSilence);
+/// is a device, larger than 1 GB, or a pipe from which nothing comes for so long. A file is read once; the answer is when
+/// the host was recorded, in UTC ("2026-11-24T10:00:00Z"), empty when the description does not say.
+std::string loadHostFile(const std::string &path, std::chrono::milliseconds silence = usualSilence);
 void loadHostText(const std::string &json);
 
 } // namespace replay

@@ -119,35 +119,46 @@ def adapter(**members):
 
 def sizes_compared(old, new, shown):
     command = f"compare {word(file_system(1, *old))} {word(file_system(*new))}"
-    return Case(command, prints=f"changed   file system /u: totalBytes {shown}\n", status=1, log=ANY)
+    return shows(command, f"changed file system /u: totalBytes {shown} ", status=1, log=ANY)
 
 
-def counting(second, disk=(0, 0, 0), cpu=(0, 0, 0, 0), port=(0, 0, 0)):
-    """The word for a host with these counters, recorded at that second; -1 has all bits set."""
+def changed(values, **members):
+    """What compare tells of rill with other members, by its path in the result."""
+    return picks(f"compare hosts/rill.json {word({**RILL, **members})}", values, log=ANY, status=1)
+
+
+def change(subject, name, was, is_):
+    return {"changes": [{"subject": subject, "change": "changed", "property": name, "was": was, "is": is_}]}
+
+
+def counting(second, disk=(0, 0, 0), cpu=(0, 0, 0, 0), port=(0, 0, 0), instance="sd0"):
+    """The word for a host with these counters, recorded at that second or time; -1 has all bits set."""
+    time = f"2026-11-24T10:00:{second:02}Z" if isinstance(second, int) else second
     return word({
-        "kstat": [{"ks_name": "sd0", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
+        "kstat": [{"ks_name": instance, "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
                    "data": dict(zip(("nread", "nwritten", "rtime"), disk))},
                   {"ks_module": "cpu_stat", "ks_name": "cpu_stat0",
                    "data": dict(zip(("user", "kernel", "wait", "idle"), cpu))}],
         **adapter(ports=[{"attributes": {"PortWWN": FAR},
                           "statistics": dict(zip(("TxFrames", "RxFrames", "InvalidCRCCount"), port))}]),
-        **({} if second is None else {"recordedAt": f"2026-11-24T10:00:{second:02}Z"})})
+        **({} if second is None else {"recordedAt": time})})
 
 
 def rates(old, new, disk, cpu, port):
-    """Ten seconds lie between the two; what is per second, and of a processor in per cent."""
+    """Ten seconds lie between the two; what is per second, and of a processor in per cent. No numbers: it was reset."""
     return picks(f"compare {counting(0, *old)} {counting(10, *new)}", {
         "changes": [],
-        "rates.disks": [{"diskName": "", "instanceName": "sd0", **dict(zip(
-            ("bytesReadPerSecond", "bytesWrittenPerSecond", "busyPercent"), disk))}],
+        "rates.disks": [{"diskName": "", "instanceName": "sd0", "reset": not disk, **dict(zip(
+            ("bytesReadPerSecond", "bytesWrittenPerSecond", "busyPercent"), disk or (None,) * 3))}],
         "rates.processors": [{"cpuId": 0, **dict(zip(
             ("userPercent", "kernelPercent", "waitPercent", "idlePercent"), cpu))}],
-        "rates.ports": [{"port": "port " + FAR, **dict(zip(
-            ("framesSentPerSecond", "framesReceivedPerSecond", "errorsPerSecond"), port))}]}, log=ANY)
+        "rates.ports": [{"port": "port " + FAR, "reset": not port, **dict(zip(
+            ("framesSentPerSecond", "framesReceivedPerSecond", "errorsPerSecond"), port or (None,) * 3))}]}, log=ANY)
 
 
-def no_rates(old, new):
-    return gives(f"compare {old} {new}", {"changes": [], "rates": None}, log=ANY)
+def no_rates(old, new, reason):
+    return picks(f"compare {old} {new}", {"changes": [], "rates": {
+        "seconds": None, "reason": reason, "disks": [], "processors": [], "ports": []}}, log=ANY)
 
 
 # ---- Cases ----------------------------------------------------------------------------------------------------------
@@ -160,6 +171,13 @@ FEW_DISKS = {"kstat": [{"ks_name": "sd9", "ks_class": "disk", "ks_type": "KSTAT_
              "mnttab": ["/dev/dsk/c1t3d0s0\t/three\tufs\trw\t1"]}
 BUSY = {"kstat": [{"ks_name": "sd0", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
                    "data": {"rtime": 9223372036854775808, "wlastupdate": -1}}]}
+
+FULL = {**RILL["statvfs"], "/oracle": {**RILL["statvfs"]["/oracle"], "f_bfree": 0, "f_bavail": 0}}
+MANY_PATHS = word(adapter(  # all of one unit
+    ports=[{"discovered": [{"attributes": {"PortWWN": FAR}}]}], targetMapping=[
+        {"ScsiId": {"ScsiTargetNumber": number}, "FcpId": {"PortWWN": FAR}} for number in range(65536)]))
+
+STEERING = {"mnttab": ["@\x1b\u202e\t=1+1\tufs\trw\t1", "b\t-5\tnfs\trw\t1"]}
 
 CASES = [
     # Each command, and the report of all
@@ -352,20 +370,55 @@ CASES = [
     refuses("disk s0", "no disk s0\n", host=RICH, status=1),
 
     # Two descriptions
-    gives("compare hosts/rill.json hosts/rill.json", {"changes": [], "rates": None}, log=ANY),
-    gives("compare hosts/rill.json hosts/rill-cable-pulled.json", read("cli/cable-pulled.json"), log=ANY, status=1),
+    picks("compare hosts/rill.json hosts/rill-cable-pulled.json",
+          read("cli/cable-pulled.json") | {"findings.new.0.code": "port-not-online"}, log=ANY, status=1),
     sizes_compared([2 ** 30], [1, 2 ** 63], "1.0 GiB → 8.0 EiB"),
-    sizes_compared([2 ** 30], [], "1.0 GiB → unknown"),
+    sizes_compared([2 ** 30], [], "1.0 GiB → -"),
     sizes_compared([2 ** 30], [1, 2 ** 30 + 1], "1073741824 → 1073741825"),
     rates([(0, 1, 0), (0, 0, 0, 0), (0, 0, 1)], [(5000, 1, 10 ** 9), (2, 3, 0, 5), (20, 5, 4)],
           (500.0, 0.0, 10.0), (20.0, 30.0, 0.0, 50.0), (2.0, 0.5, 0.3)),
-    rates([(-20, 9, 5), (2 ** 32 - 1, 0, 0, 0), (-1, 0, -1)], [(-10, 8, 5), (0, 0, 0, 3), (5, -1, 4)],
-          (1.0, None, 0.0), (25.0, 0.0, 0.0, 75.0), (None, None, 0.0)),
+    rates([(-20, 9, 5), (2 ** 32 - 1, 0, 0, 0), (-1, 0, -1)], [(-10, 9, 5), (0, 0, 0, 3), (5, -1, 4)],
+          (1.0, 0.0, 0.0), (25.0, 0.0, 0.0, 75.0), (None, None, 0.0)),
+    rates([(0, 9, 0), (0, 0, 0, 0), (0, 0, 5000)], [(10, 8, 9), (0, 0, 0, 0), (50, 50, 900)],
+          (), (None,) * 4, ()),
+    rates([(7, 0, 0), (0, 0, 0, 0), (0, 0, 0)], [(7 + 2 ** 63, 0, 0), (0, 0, 0, 0), (2 ** 63 - 1, 0, 0)],
+          (), (None,) * 4, ((2 ** 63 - 1) / 10, 0.0, 0.0)),
     rates([(0, 0, 0), (9, 9, 9, 9), (0, 0, 0)], [(0, 0, 0), (0, 0, 0, 0), (0, 0, 0)],
           (0.0, 0.0, 0.0), (None,) * 4, (0.0, 0.0, 0.0)),
-    no_rates(counting(10), counting(0)),
-    no_rates(*[counting(10)] * 2),
-    no_rates(counting(None), counting(0)),
+    *(picks(f"compare {counting(0)} {counting(end, cpu=(0, 0, 0, 9))}", {"rates.processors.0.idlePercent": idle}, log=ANY)
+      for end, idle in (("2027-01-12T10:00:00Z", 100.0), ("2027-01-12T10:00:01Z", None))),
+    picks(f"compare {counting(0)} {counting(10, instance='sd1')}", {"rates.disks": []}, log=ANY),
+    no_rates(counting(10), counting(0), "OLD is the newer of the two"),
+    no_rates(*[counting(10)] * 2, "both were recorded at the same time"),
+    no_rates(counting(None), counting(0), "OLD does not say when it was recorded"),
+    no_rates(counting(0), counting(None), "NEW does not say when it was recorded"),
+    no_rates(*[counting(None)] * 2, "neither says when it was recorded"),
+    shows(f"compare {counting(0)} {counting(10, (1, 1, -1))}", "unnamed host, 2026-11-24 10:00:00 to 10:00:10 UTC nothing",
+          "In the 10 seconds", "- sd0 0.1 0.1 -", log=ANY),
+    shows(f"compare {counting(0, (2, 2, 2))} {counting(10, (1, 5, 5))}", "- sd0 reset reset reset CPU", log=ANY),
+    changed(change("host", "hostName", "rill", "creek") | {
+        "to": {"host": "creek", "recordedAt": RILL["recordedAt"]}, "rates.reason": "these are two hosts"},
+        sysinfo={**RILL["sysinfo"], "SI_HOSTNAME": "creek"}),
+    *(changed(change("host", "version", RILL["sysinfo"]["SI_VERSION"] + end, "Generic_118558-39" + end), **{
+        member: {**RILL[member], name: "Generic_118558-39"}}) for member, name, end in
+      (("sysinfo", "SI_VERSION", ""), ("uname", "version", ".5.9"))),
+    changed(change("host", "totalPhysicalKB", 8388608, 4194304), sysconf={**RILL["sysconf"], "_SC_PHYS_PAGES": 524288}),
+    changed(change("processor 0", "state", "online", "offline") | {
+        "findings.new.0.code": "processor-offline", "findings.cleared": []},
+        processors=[{**RILL["processors"][0], "pi_state": "P_OFFLINE"}, *RILL["processors"][1:]]),
+    changed({"changes": [], "findings.new.0": {"severity": "critical", "code": "file-system-full", "subject": "/oracle",
+             "message": "nothing is available"}, "usage.7.mountPoint": "/oracle", "usage.7.usedPercentAfter": 100.0}, statvfs=FULL),
+    shows(f"compare {word({**RILL, 'statvfs': FULL})} {word({**RILL, 'recordedAt': '2005-12-14T09:00:00Z'})}",
+          "rill, 2005-12-12 09:23:41 to 2005-12-14 09:00:00 UTC cleared critical file-system-full /oracle: nothing is "
+          "available File system Used before", "/oracle 100.0% 74.7%", log=ANY, status=1),
+    shows(f"compare {word(adapter(attributes={'Model': 'a'}))} {word(adapter())}", 'model a → ""', "no rates: neither",
+          log=ANY, status=1),
+    Case(f"--csv compare {counting(0, (0, 0, 9))} {counting(10, (5, -1, 8))}", log=ANY, prints="".join(
+        line + "\n" for line in ("Change,Subject,Property,Was,Is", *(f"rate,disk sd0,{name},,reset" for name in (
+            "bytesReadPerSecond", "bytesWrittenPerSecond", "busyPercent")), *(
+            f"rate,processor 0,{name}Percent,," for name in ("user", "kernel", "wait", "idle")), *(
+            f"rate,port {FAR},{name}PerSecond,,0.0" for name in ("framesSent", "framesReceived", "errors"))))),
+    shows(f"compare {MANY_PATHS} {MANY_PATHS}", "recorded at unknown times nothing changed no rates: neither", log=ANY),
     refuses("compare hosts/rill.json", "NEW"),
     refuses("compare hosts/rill.json /no/such", "/no/such"),
     refuses("--host hosts/rill.json compare a b", "--host"),
@@ -377,6 +430,12 @@ CASES = [
     Case("--csv check --full 99", RICH, log=ANY, status=2),
     Case("--csv logical-disks", {"mnttab": ['a"b\t/x,y\tufs\trw\t1']},
          prints='Mount point,Type,Device\n"/x,y",ufs,"a""b"\n'),
+    *(Case(f"{option} logical-disks", STEERING, prints="Mount point,Type,Device\n" + line + "\n") for option, line in (
+        ("--csv", "'=1+1,ufs,'@\\x1b\\u202e\n-5,nfs,b"),
+        ("--csv-raw", "=1+1,ufs,@\x1b\u202e\n-5,nfs,b"))),
+    shows("logical-disks", "=1+1 ufs @\\x1b\\u202e", "-5 nfs b", host=STEERING),
+    Case("logical-disks", {"mnttab": ["a\t/\u4e2d\u0301\tufs\trw\t1", "b\t/long\tufs\trw\t1"]},
+         prints="Mount point  Type  Device\n/\u4e2d\u0301          ufs   a\n/long        ufs   b\n"),
     Case("--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Fabric,Remote port,Remote port state,Disk,"
          "Device,Bus,Target,SCSI LUN\n"),
 

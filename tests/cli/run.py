@@ -184,6 +184,14 @@ class CommandLine(unittest.TestCase):
             self.assertEqual([(way["node"], way["lun"]) for way in disk["paths"]],
                              [("50060e8000c3a200", 2 * (2 - count))] * count)
 
+    def test_each_description_is_read_once(self):
+        was, now = (str(ROOT / "hosts" / name) for name in ("rill.json", "rill-cable-pulled.json"))
+        script = (f"mkfifo pipe; cat {was} > pipe & %s --json compare pipe <(cat {now})")
+        done = subprocess.run(["bash", "-c", script % TARN], cwd=tempfile.mkdtemp(dir=SCRATCH), capture_output=True,
+                              timeout=120)
+        self.assertEqual((done.returncode, done.stderr), (1, b""))
+        self.assertEqual(json.loads(done.stdout)["result"], ask(f"compare {was} {now}")["result"])
+
     def test_the_cookbook(self):
         recipes = re.findall(r"```console\n(.*?)```", (ROOT / "docs/cookbook.md").read_text(), re.S)
         self.assertGreaterEqual(len(recipes), 12)
@@ -239,6 +247,8 @@ class CommandLine(unittest.TestCase):
         red = "\x1b[31m!! ONE PATH LEFT\x1b[0m\r\n"
         self.assertIn(red, self.on_terminal(["paths"])[1])
         self.assertNotIn("\x1b", self.on_terminal(["paths"], NO_COLOR="1")[1])
+        named = write_host({"mnttab": ["d\t!! x\tufs\trw\t1"]})
+        self.assertNotIn("\x1b", self.on_terminal(["--host", named, "logical-disks"])[1])
         self.assertNotIn("\x1b", self.on_terminal(["--csv", "paths"])[1])
 
 

@@ -100,6 +100,7 @@ class RoundTrip(unittest.TestCase):
         for command in held:
             self.assertNotEqual(self.was[command], b"")
             self.assertEqual(self.now[command], self.was[command], command)
+        self.assertIn(b"nothing changed\n", self.was[held[-1]])
 
     def test_no_command_is_left_out(self):
         listed = re.findall(r"^  ([a-z][a-z-]*)", run([TARN, "--help"]).stdout.decode(), re.M)

@@ -38,7 +38,7 @@ std::optional<std::string> toUtf8(JNIEnv *env, jstring text) {
     return characters;
 }
 
-jobject toJava(JNIEnv *env, std::string_view text) {
+jstring toJava(JNIEnv *env, std::string_view text) {
     const auto size = static_cast<jsize>(text.size());
     const JavaMethod string(env, "java/lang/String", "<init>", "([BLjava/lang/String;)V");
     const jstring charset = string.id == nullptr ? nullptr : env->NewStringUTF("UTF-8");
@@ -47,11 +47,11 @@ jobject toJava(JNIEnv *env, std::string_view text) {
         return nullptr;
     }
     env->SetByteArrayRegion(bytes, 0, size, reinterpret_cast<const jbyte *>(text.data()));
-    return env->NewObject(string.cls, string.id, bytes, charset);
+    return static_cast<jstring>(env->NewObject(string.cls, string.id, bytes, charset));
 }
 
 void throwIllegalArgument(JNIEnv *env, std::string_view message) {
-    const jobject text = toJava(env, message);
+    const jstring text = toJava(env, message);
     if (text == nullptr) {
         return;
     }
@@ -66,20 +66,22 @@ void throwIllegalArgument(JNIEnv *env, std::string_view message) {
 
 } // namespace
 
-/// static native void load(String path). Raises IllegalArgumentException when the description cannot be used.
-TARN_EXPORTED_ENTRY void JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(JNIEnv *env, jclass, jstring path) {
+/// static native String load(String path). Raises IllegalArgumentException when the description cannot be used.
+TARN_EXPORTED_ENTRY jstring JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(JNIEnv *env, jclass, jstring path) {
     if (path == nullptr) {
         throwIllegalArgument(env, "no path of a host description");
-        return;
+        return nullptr;
     }
     try {
         const std::optional<std::string> characters = toUtf8(env, path);
         if (characters && characters->find('\0') != std::string::npos) {
             throwIllegalArgument(env, "a path with a NUL character names no host description");
         } else if (characters) {
-            replay::loadHostFile(*characters);
+            const std::string recordedAt = replay::loadHostFile(*characters);
+            return recordedAt.empty() ? nullptr : toJava(env, recordedAt);
         }
     } catch (const std::exception &error) {
         throwIllegalArgument(env, error.what());
     }
+    return nullptr;
 }

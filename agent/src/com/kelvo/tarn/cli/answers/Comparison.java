@@ -1,13 +1,18 @@
 package com.kelvo.tarn.cli.answers;
 
 import java.util.ArrayList;
+import java.util.HashMap;
+import java.util.HashSet;
 import java.util.LinkedHashSet;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
 
-/** What changed on a host between two times. Counters are no change: they are rates. */
+/**
+ * What changed on a host between two times, and what is wrong with it only at one of them. Counters are no change: they
+ * are rates; nor is how much of a file system is used.
+ */
 public final class Comparison {
     /** One thing that is not as it was. */
     public static final class Change {
@@ -31,10 +36,39 @@ public final class Comparison {
         }
     }
 
+    /** How full a file system was and is. */
+    public static final class Usage {
+        /** Where it is mounted. */
+        public final String mountPoint;
+        /** In the old description; null when it was not mounted, or its sizes were not told. */
+        public final Double usedPercentBefore;
+        /** In the new one; null likewise. */
+        public final Double usedPercentAfter;
+
+        private Usage(String mountPoint, Double before, Double after) {
+            this.mountPoint = mountPoint;
+            usedPercentBefore = before;
+            usedPercentAfter = after;
+        }
+    }
+
+    /** The host then. */
+    public final Snapshot from;
+    /** The host now. */
+    public final Snapshot to;
     /** By section, in the order of the report. */
     public final List<Change> changes = new ArrayList<>();
-    /** Null: it is not known how much time lies between the two. */
+    /** What a check finds now and did not find then. */
+    public final List<Check.Finding> added;
+    /** What a check found then and does not find now. */
+    public final List<Check.Finding> cleared;
+    /** Of each file system that tells its sizes in either description. */
+    public final List<Usage> usage = new ArrayList<>();
+    /** What the counters went up by. */
     public final Rates rates;
+
+    /** Two calls may tell the same of a thing. */
+    private final Set<List<String>> told = new HashSet<>();
 
     /**
      * Compares a host with itself at an earlier time.
@@ -43,19 +77,32 @@ public final class Comparison {
      * @param now now
      */
     public Comparison(Snapshot old, Snapshot now) {
-        now.sections.keySet().forEach(command -> compare(command, old, now));
-        rates = Rates.between(old, now);
+        from = old;
+        to = now;
+        now.sections.keySet().forEach(this::compare);
+        added = without(now.findings, old.findings);
+        cleared = without(old.findings, now.findings);
+        Set<String> mountPoints = new LinkedHashSet<>(now.usage.keySet());
+        mountPoints.addAll(old.usage.keySet());
+        mountPoints.stream().filter(name -> old.usage.get(name) != null || now.usage.get(name) != null)
+            .forEach(name -> usage.add(new Usage(name, old.usage.get(name), now.usage.get(name))));
+        rates = new Rates(old, now);
+    }
+
+    /** {@return whether the host is as it was, and nothing else is wrong with it} */
+    public boolean isEmpty() {
+        return changes.isEmpty() && added.isEmpty() && cleared.isEmpty();
     }
 
     /** Of a section that either host refuses, only the refusal can be compared. */
-    private void compare(String command, Snapshot old, Snapshot now) {
-        String failedBefore = old.failures.get(command);
-        String failedNow = now.failures.get(command);
+    private void compare(String command) {
+        String failedBefore = from.failures.get(command);
+        String failedNow = to.failures.get(command);
         if (!Objects.equals(failedBefore, failedNow)) {
             changes.add(new Change(command, "changed", "exception", failedBefore, failedNow));
         }
         if (failedBefore == null && failedNow == null) {
-            compare(old.sections.get(command), now.sections.get(command));
+            compare(from.sections.get(command), to.sections.get(command));
         }
     }
 
@@ -77,9 +124,28 @@ public final class Comparison {
         Set<String> properties = new LinkedHashSet<>(was.keySet());
         properties.addAll(is.keySet());
         for (String property : properties) {
-            if (!Objects.equals(was.get(property), is.get(property))) {
+            if (!Objects.equals(was.get(property), is.get(property)) && told.add(List.of(subject, property))) {
                 changes.add(new Change(subject, "changed", property, was.get(property), is.get(property)));
             }
         }
+    }
+
+    /** The findings that are not among the others; of several alike, those that are more than there. */
+    private static List<Check.Finding> without(List<Check.Finding> findings, List<Check.Finding> others) {
+        Map<List<String>, Integer> left = new HashMap<>();
+        others.forEach(other -> left.merge(identity(other), 1, Integer::sum));
+        List<Check.Finding> without = new ArrayList<>();
+        for (Check.Finding finding : findings) {
+            if (left.merge(identity(finding), -1, Integer::sum) < 0) {
+                without.add(finding);
+            }
+        }
+        return without;
+    }
+
+    /** What makes two findings the same: what they are about; of lines of the library, also what they say. */
+    private static List<String> identity(Check.Finding finding) {
+        return List.of(finding.severity, finding.code, finding.subject,
+                       finding.code.equals("library-warning") ? String.valueOf(finding.fact) : "");
     }
 }

@@ -59,9 +59,13 @@ public final class Counter {
         return isKept() ? Long.toUnsignedString(bits) : null;
     }
 
-    /** Whether it stands lower than at an earlier time, as after the host was started anew. */
+    /**
+     * Whether it stands lower than at an earlier time, as after the host was started anew; or higher by 2^63 or more,
+     * which nothing counts.
+     */
     boolean wentBack(Counter before) {
-        return !goesRound && Long.compareUnsigned(bits, before.bits) < 0;
+        return !goesRound && isKept() && before.isKept()
+            && (Long.compareUnsigned(bits, before.bits) < 0 || bits - before.bits < 0);
     }
 
     /** What it grew by since an earlier time; null when it went back, or is not kept at either time. */

@@ -57,6 +57,11 @@ public final class FileSystemUse {
         return used().add(available());
     }
 
+    /** {@return how many per cent of what is usable are used; null when nothing is usable} */
+    public Double usedPercent() {
+        return usable().signum() == 0 ? null : 100 * used().doubleValue() / usable().doubleValue();
+    }
+
     /**
      * {@return whether at least so many per cent of what is usable are used, or nothing is available}
      *

@@ -1,7 +1,5 @@
 package com.kelvo.tarn.cli.answers;
 
-import com.google.gson.Gson;
-import com.google.gson.JsonParseException;
 import com.kelvo.tarn.InstanceReceiver;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrNamespace;
@@ -20,11 +18,6 @@ import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import com.kelvo.tarn.replay.ReplayHost;
-import java.io.IOException;
-import java.io.Reader;
-import java.nio.file.Files;
-import java.nio.file.Path;
-import java.time.DateTimeException;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
@@ -33,13 +26,9 @@ import java.util.function.Supplier;
 
 /** The one door to the native calls. The log lines are named after the disk that they are about. */
 public final class Library {
-    private static final class Description {
-        private String recordedAt;
-    }
-
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
-    private String description;
+    private Instant recordedAt;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -62,24 +51,13 @@ public final class Library {
      * @throws IllegalArgumentException when it cannot be read; the message names what is wrong
      */
     public void load(String path) {
-        ReplayHost.load(path);
-        description = path;
+        String told = ReplayHost.load(path);
+        recordedAt = told == null ? null : Instant.parse(told);
     }
 
-    /**
-     * {@return when the host that answers was recorded; null when its description does not say} It is the one member
-     * that no native call tells.
-     */
+    /** {@return when the host that was loaded was recorded; null when its description does not say} */
     public Instant recordedAt() {
-        if (description == null) {
-            return null;
-        }
-        try (Reader in = Files.newBufferedReader(Path.of(description))) {
-            String told = new Gson().fromJson(in, Description.class).recordedAt;
-            return told == null ? null : Instant.parse(told);
-        } catch (IOException | JsonParseException | DateTimeException unknown) {
-            return null;
-        }
+        return recordedAt;
     }
 
     /** {@return the host as a computer system} */

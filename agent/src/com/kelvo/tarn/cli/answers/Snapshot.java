@@ -10,6 +10,7 @@ import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import java.time.Instant;
 import java.util.Arrays;
+import java.util.HashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -19,23 +20,33 @@ import java.util.function.Consumer;
 
 /** What a host is made of at one time, and its counters. */
 public final class Snapshot {
+    private static final String HOST = "host";
+
     /** Properties that name or place an instance, or tell of another. */
     private static final Set<String> NOT_COMPARED = Set.of(
         "antecedent", "dependent", "deviceID", "systemName", "systemCreationClassName", "creationClassName", "caption",
         "description", "elementName", "portNumber");
 
+    private String hostName = "";
     /** When the description was recorded; null when it does not say. */
-    final Instant recordedAt;
+    public final Instant recordedAt;
+    /** What a check finds. */
+    final List<Check.Finding> findings;
     /** By the command that asks, by subject, by property. */
     final Map<String, Map<String, Map<String, Object>>> sections = new LinkedHashMap<>();
     /** What the call of a section raised. */
     final Map<String, String> failures = new LinkedHashMap<>();
-    final Map<String, SolarisDiskIOInformation> io = new LinkedHashMap<>();
+    /** How much of a file system is used, in per cent, by mount point; null when that is not told. */
+    final Map<String, Double> usage = new LinkedHashMap<>();
+    /** By the disk's name and its instance: under another of either, counters are another device's. */
+    final Map<List<String>, SolarisDiskIOInformation> io = new LinkedHashMap<>();
     final Map<String, SolarisCpuUtilizationData> cpu = new LinkedHashMap<>();
     /** A port's statistics instance by its world-wide name. */
     final Map<String, TrInstance> ports = new LinkedHashMap<>();
 
     private final Library library;
+    /** The last number that a subject was given, when several have the same. */
+    private final Map<String, Integer> alike = new HashMap<>();
 
     /**
      * Asks the host that answers now.
@@ -45,22 +56,70 @@ public final class Snapshot {
     public Snapshot(Library library) {
         this.library = library;
         recordedAt = library.recordedAt();
+        ask("computer-system", this::addComputerSystem);
+        ask("operating-system", this::addOperatingSystem);
+        ask("processors", this::addProcessors);
         ask("disks", this::addDisks);
         ask("partitions", this::addSlices);
         ask("logical-disks", this::addFileSystems);
         ask("hba", this::addFabric);
-        ask("disk-io", found -> library.diskIo().forEach(counted -> io.put(counted.instanceName(), counted)));
+        ask("disk-io", found -> library.diskIo().forEach(
+            counted -> io.put(List.of(counted.diskName(), counted.instanceName()), counted)));
         ask("cpu", found -> library.cpu().forEach(counted -> cpu.put(String.valueOf(counted.cpuId()), counted)));
+        findings = Check.of(library, FileSystemUse.FULL, List.of()).findings;
+    }
+
+    /** {@return what the host calls itself; blank when it does not say} */
+    public String hostName() {
+        return hostName;
+    }
+
+    /**
+     * {@return whether both call themselves alike, as far as they say}
+     *
+     * @param other the same host, or another
+     */
+    public boolean isSameHost(Snapshot other) {
+        return hostName.isBlank() || other.hostName.isBlank() || hostName.equals(other.hostName);
     }
 
     private void ask(String command, Consumer<Map<String, Map<String, Object>>> section) {
         Map<String, Map<String, Object>> subjects = new LinkedHashMap<>();
         try {
             section.accept(subjects);
-        } catch (RuntimeException failed) {
-            failures.put(command, Objects.toString(failed.getMessage()));
+        } catch (RuntimeException | StackOverflowError | OutOfMemoryError failed) {
+            failures.put(command, Objects.requireNonNullElse(failed.getMessage(), failed.toString()));
         }
         sections.put(command, subjects);
+    }
+
+    private void addComputerSystem(Map<String, Map<String, Object>> found) {
+        var system = library.computerSystem();
+        hostName = system.hostName();
+        Map<String, Object> values = new LinkedHashMap<>();
+        values.put("hostName", system.hostName());
+        values.put("version", system.version());
+        values.put("platform", system.platform());
+        add(found, HOST, values);
+    }
+
+    private void addOperatingSystem(Map<String, Map<String, Object>> found) {
+        var system = library.operatingSystem();
+        Map<String, Object> values = new LinkedHashMap<>();
+        values.put("hostName", system.hostName());
+        values.put("version", system.version());
+        values.put("totalPhysicalKB", system.totalPhysicalKB() == 0 ? null : system.totalPhysicalKB());
+        add(found, HOST, values);
+    }
+
+    private void addProcessors(Map<String, Map<String, Object>> found) {
+        library.processors().forEach(processor -> {
+            Map<String, Object> values = new LinkedHashMap<>();
+            values.put("state", processor.state());
+            values.put("processorType", processor.processorType());
+            values.put("clockMHz", processor.clockMHz());
+            add(found, "processor " + processor.processorId(), values);
+        });
     }
 
     private void addDisks(Map<String, Map<String, Object>> found) {
@@ -82,6 +141,7 @@ public final class Snapshot {
             values.put("fileSystemType", disk.fileSystemType());
             FileSystemUse use = new FileSystemUse(disk);
             values.put("totalBytes", use.isKnown() ? disk.totalBytes() : null);
+            usage.put(disk.mountPoint(), use.isKnown() ? use.usedPercent() : null);
             add(found, "file system " + disk.mountPoint(), values);
         });
     }
@@ -108,8 +168,8 @@ public final class Snapshot {
             values.put("scsiBus", path.scsiBus);
             values.put("targetId", path.targetId);
             values.put("scsiLun", path.scsiLun);
-            add(found, "path to " + unit.place() + " from " + name(path.remote.port) + " over " + name(path.remote),
-                values);
+            found.putIfAbsent( // between the same ports it is the same path, however often it is listed
+                "path to " + unit.place() + " from " + name(path.remote.port) + " over " + name(path.remote), values);
         }));
     }
 
@@ -128,10 +188,10 @@ public final class Snapshot {
     }
 
     /** Under its subject, or the first "SUBJECT (2)" that is free. Answers which. */
-    private static String add(Map<String, Map<String, Object>> found, String subject, Map<String, Object> values) {
+    private String add(Map<String, Map<String, Object>> found, String subject, Map<String, Object> values) {
         String free = subject;
-        for (int i = 2; found.containsKey(free); i++) {
-            free = subject + " (" + i + ")";
+        while (found.containsKey(free)) {
+            free = subject + " (" + alike.merge(subject, 2, (last, first) -> last + 1) + ")";
         }
         found.put(free, values);
         return free;

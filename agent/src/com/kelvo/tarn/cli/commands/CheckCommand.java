@@ -134,10 +134,13 @@ public final class CheckCommand extends TableCommand {
     private static Object result(Check check, Asked asked) {
         return Json.object(
             "state", check.state, "host", asked.host, "recordedAt", Objects.toString(asked.recordedAt, null),
-            "ignored", check.ignored, "findings", check.findings.stream().map(finding -> Json.object(
-                "severity", finding.severity, "code", finding.code, "subject", finding.subject,
-                "message", FindingWords.message(finding), "disks", finding.disks, "mounts", finding.mounts))
-                .collect(Collectors.toList()));
+            "ignored", check.ignored, "findings",
+            check.findings.stream().map(CheckCommand::result).collect(Collectors.toList()));
+    }
+
+    static Object result(Check.Finding finding) {
+        return Json.object("severity", finding.severity, "code", finding.code, "subject", finding.subject, "message",
+                           FindingWords.message(finding), "disks", finding.disks, "mounts", finding.mounts);
     }
 
     private void show(Check check, Asked asked, Page out) {

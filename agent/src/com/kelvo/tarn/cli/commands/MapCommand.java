@@ -5,6 +5,7 @@ import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.frame.Export;
 import com.kelvo.tarn.cli.frame.HbaOptions;
 import com.kelvo.tarn.cli.map.Picture;
+import com.kelvo.tarn.cli.map.Topology;
 import com.kelvo.tarn.cli.map.TopologyBuilder;
 import com.kelvo.tarn.cli.output.FindingWords;
 import java.io.IOException;
@@ -21,16 +22,17 @@ import picocli.CommandLine.Option;
 @Command(name = "map", description = "The storage network as a picture: adapters, ports, fabrics, arrays and their "
          + "logical units.",
          footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with one path "
-             + "left, grey what nothing is reached through. SVG and HTML are drawn by Graphviz (package graphviz).")
+             + "left, grey what nothing is reached through. All but DOT are drawn by Graphviz (package graphviz).")
 public final class MapCommand extends Export {
     private static final Map<String, Picture> ENDINGS = Map.of(
-        ".dot", Picture.DOT, ".gv", Picture.DOT, ".svg", Picture.SVG, ".html", Picture.HTML, ".htm", Picture.HTML);
+        ".dot", Picture.DOT, ".gv", Picture.DOT, ".svg", Picture.SVG, ".html", Picture.HTML, ".htm", Picture.HTML,
+        ".png", Picture.PNG, ".pdf", Picture.PDF);
 
     @Mixin
     private HbaOptions options;
 
-    @Option(names = "--format", paramLabel = "FORMAT", description = "dot, svg or html. Without it, what --output "
-            + "ends in; without that, dot.")
+    @Option(names = "--format", paramLabel = "FORMAT", description = "dot, svg, html, or into a file png or "
+            + "pdf. Without it, what --output ends in; without that, dot.")
     private String format;
 
     @Option(names = "--all", description = "Draw each logical unit, remote port and path, however many there are. "
@@ -40,12 +42,24 @@ public final class MapCommand extends Export {
     @Override
     protected String text() throws IOException {
         Picture picture = picture();
+        if (!picture.isText()) {
+            throw refusal(name(picture) + " is no text: --output names a file for it");
+        }
+        return picture.of(topology(), all);
+    }
+
+    @Override
+    protected byte[] content() throws IOException {
+        Picture picture = picture();
+        return picture.bytes(topology(), all);
+    }
+
+    private Topology topology() {
         HbaOptions names = options.and(tarn().hba());
         Fabric fabric = names.fabric(library(), names.fill(library()));
         Map<String, List<String>> findings = Check.of(fabric).stream().collect(Collectors.groupingBy(
             finding -> finding.subject, Collectors.mapping(FindingWords::message, Collectors.toList())));
-        return picture.of(
-            TopologyBuilder.topology(library().computerSystem(), fabric, findings, all), all);
+        return TopologyBuilder.topology(library().computerSystem(), fabric, findings, all);
     }
 
     private Picture picture() {

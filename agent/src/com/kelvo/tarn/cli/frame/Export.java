@@ -2,13 +2,14 @@ package com.kelvo.tarn.cli.frame;
 
 import com.kelvo.tarn.cli.output.OutputFile;
 import java.io.IOException;
+import java.nio.charset.StandardCharsets;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
 
 /** A command whose answer is a text for other programs: printed as it is, or made a file. */
 public abstract class Export extends InquiryCommand {
     @Option(names = "--output", paramLabel = "FILE", description = "Make or replace this file, in one step, and print "
-            + "nothing. With --json the result is null then, else the text.")
+            + "nothing; - is standard output. With --json the result is null then, else the text.")
     private String output;
 
     /**
@@ -18,9 +19,18 @@ public abstract class Export extends InquiryCommand {
      */
     protected abstract String text() throws IOException;
 
+    /**
+     * {@return what a file is to hold}
+     *
+     * @throws IOException when it cannot be made, saying what keeps it from that
+     */
+    protected byte[] content() throws IOException {
+        return text().getBytes(StandardCharsets.UTF_8);
+    }
+
     /** {@return the file that the text goes to; null for standard output} */
     protected final String output() {
-        return output;
+        return "-".equals(output) ? null : output;
     }
 
     @Override
@@ -29,11 +39,10 @@ public abstract class Export extends InquiryCommand {
             throw refusal("--output: no file named");
         }
         try {
-            String text = text();
-            if (output == null) {
-                return Answer.text(text);
+            if (output() == null) {
+                return Answer.text(text());
             }
-            OutputFile.write(output, text);
+            OutputFile.write(output, content());
             return Answer.text(null);
         } catch (IOException failed) {
             throw new ParameterException(spec().commandLine(), failed.getMessage(), failed);

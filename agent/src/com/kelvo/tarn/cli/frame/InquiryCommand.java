@@ -78,7 +78,7 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
         }
         if (answer.complaint == null) {
             if (tarn.csv()) {
-                answer.table.get().printCsv(out);
+                answer.table.get().printCsv(out, tarn.csvRaw());
             } else {
                 answer.page.accept(out);
             }

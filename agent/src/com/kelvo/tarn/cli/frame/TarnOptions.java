@@ -28,6 +28,11 @@ public abstract class TarnOptions {
             description = "Print the table as comma-separated values, complete and exact.")
     private boolean csv;
 
+    @Option(names = "--csv-raw", scope = ScopeType.INHERIT,
+            description = "The same with each cell as it is: what spreadsheets take for a formula gets no apostrophe, "
+                + "and control characters are not escaped.")
+    private boolean csvRaw;
+
     @Option(names = {"-h", "--help"}, usageHelp = true, scope = ScopeType.INHERIT, description = "Show this help.")
     private boolean help;
 
@@ -118,7 +123,11 @@ public abstract class TarnOptions {
 
     /** {@return whether the answer is to be comma-separated values} */
     public final boolean csv() {
-        return csv;
+        return csv || csvRaw;
+    }
+
+    final boolean csvRaw() {
+        return csvRaw;
     }
 
     /** {@return the description that was named on the command line, or null} */

@@ -17,9 +17,19 @@ final class Graphviz {
      * @throws IOException when it cannot be drawn, saying what would help
      */
     static String svg(String dot) throws IOException {
+        String svg = new String(drawn(dot, "svg"), StandardCharsets.UTF_8);
+        return svg.substring(Math.max(0, svg.indexOf("<svg")));
+    }
+
+    /**
+     * The picture in a form that Graphviz knows, such as "png".
+     *
+     * @throws IOException when it cannot be drawn, saying what would help
+     */
+    static byte[] drawn(String dot, String form) throws IOException {
         Process process;
         try {
-            process = new ProcessBuilder(PROGRAM, "-q", "-Tsvg").start();
+            process = new ProcessBuilder(PROGRAM, "-q", "-T" + form).start();
         } catch (IOException absent) {
             throw new IOException("the picture is drawn by Graphviz's program '" + PROGRAM
                                   + "', which is not here; the package graphviz brings it", absent);
@@ -30,10 +40,10 @@ final class Graphviz {
         } catch (IOException ended) {
             // it says why below
         }
-        String svg = new String(process.getInputStream().readAllBytes(), StandardCharsets.UTF_8);
+        byte[] picture = process.getInputStream().readAllBytes();
         String complaint = new String(process.getErrorStream().readAllBytes(), StandardCharsets.UTF_8).strip();
         try {
-            if (process.waitFor() != 0 || !svg.contains("<svg")) {
+            if (process.waitFor() != 0 || picture.length == 0) {
                 throw new IOException("Graphviz's program '" + PROGRAM + "' failed: "
                                       + (complaint.isEmpty() ? "it said nothing" : complaint));
             }
@@ -41,6 +51,6 @@ final class Graphviz {
             Thread.currentThread().interrupt();
             throw new IOException("interrupted", interrupted);
         }
-        return svg.substring(svg.indexOf("<svg"));
+        return picture;
     }
 }

@@ -1,6 +1,8 @@
 package com.kelvo.tarn.cli.map;
 
 import java.io.IOException;
+import java.nio.charset.StandardCharsets;
+import java.util.Locale;
 
 /** The forms that a picture of the storage network may have. */
 public enum Picture {
@@ -27,7 +29,11 @@ public enum Picture {
         public String of(Topology topology, boolean all) throws IOException {
             return MapPage.of(topology, Graphviz.svg(Dot.of(topology)), all);
         }
-    };
+    },
+    /** The graph as Graphviz draws it, in pixels: bytes, no text. */
+    PNG,
+    /** The graph as Graphviz draws it, to be printed: bytes, no text. */
+    PDF;
 
     /**
      * Draws a storage network.
@@ -37,5 +43,25 @@ public enum Picture {
      * @return the whole picture as text that ends with a newline
      * @throws IOException when it cannot be drawn, saying what would help
      */
-    public abstract String of(Topology topology, boolean all) throws IOException;
+    public String of(Topology topology, boolean all) throws IOException {
+        throw new UnsupportedOperationException(name() + " is no text");
+    }
+
+    /** {@return whether it is a text} */
+    public boolean isText() {
+        return this != PNG && this != PDF;
+    }
+
+    /**
+     * Draws a storage network.
+     *
+     * @param topology what is to be seen
+     * @param all whether a page lists each path
+     * @return the whole picture as a file has it
+     * @throws IOException when it cannot be drawn, saying what would help
+     */
+    public byte[] bytes(Topology topology, boolean all) throws IOException {
+        return isText() ? of(topology, all).getBytes(StandardCharsets.UTF_8)
+            : Graphviz.drawn(Dot.of(topology), name().toLowerCase(Locale.ROOT));
+    }
 }

@@ -38,7 +38,7 @@ public final class Topology {
         /** All that is known, by what it is called; shown when the thing is pointed at. */
         final Map<String, String> facts = new LinkedHashMap<>();
         /** Why the state is not good, the worst first; empty when it is. */
-        final List<String> reasons = new ArrayList<>();
+        final Set<String> reasons = new LinkedHashSet<>();
         State state = State.GOOD;
 
         private Node(int number, Kind kind, String name, String title) {
@@ -65,9 +65,7 @@ public final class Topology {
         /** The worst state counts, each reason once. */
         void is(State found, String reason) {
             state = found == State.UNUSED && state == State.GOOD || found.compareTo(state) > 0 ? found : state;
-            if (!reasons.contains(reason)) {
-                reasons.add(reason);
-            }
+            reasons.add(reason);
         }
     }
 

@@ -162,16 +162,21 @@ public final class TopologyBuilder {
             }
         }
         if (units.size() == 1 && grouping.eachPath) {
-            carried.forEach((end, each) -> each.forEach(path -> drawPath(end, box, path)));
+            int number = 0;
+            for (Map.Entry<Node, List<LogicalUnit.Path>> each : carried.entrySet()) {
+                for (LogicalUnit.Path path : each.getValue()) {
+                    drawPath(each.getKey(), box, path, ++number);
+                }
+            }
         } else {
             carried.forEach((end, each) -> drawPaths(end, box, each));
         }
     }
 
-    private void drawPath(Node end, Node box, LogicalUnit.Path path) {
+    private void drawPath(Node end, Node box, LogicalUnit.Path path, int number) {
         String label = Wording.label(path);
         topology.draw(end, box, "", label, path.isOnline() ? State.GOOD : State.TROUBLE);
-        box.fact("Path " + (box.facts.keySet().stream().filter(fact -> fact.startsWith("Path ")).count() + 1), label);
+        box.fact("Path " + number, label);
     }
 
     /** All paths from there to a box are one line. */

@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.metrics;
 
+import com.kelvo.tarn.cli.output.Page;
 import java.math.BigDecimal;
 import java.util.LinkedHashMap;
 import java.util.Map;
@@ -63,6 +64,6 @@ final class Exposition {
     }
 
     private static String escaped(String value) {
-        return value.replace("\\", "\\\\").replace("\"", "\\\"").replace("\n", "\\n");
+        return Page.printable(value).replace("\\", "\\\\").replace("\"", "\\\"");
     }
 }

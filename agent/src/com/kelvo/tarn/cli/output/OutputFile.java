@@ -1,9 +1,8 @@
 package com.kelvo.tarn.cli.output;
 
 import java.io.IOException;
-import java.io.OutputStream;
-import java.nio.channels.Channels;
-import java.nio.charset.StandardCharsets;
+import java.nio.ByteBuffer;
+import java.nio.channels.FileChannel;
 import java.nio.file.AccessDeniedException;
 import java.nio.file.FileSystemException;
 import java.nio.file.Files;
@@ -11,25 +10,28 @@ import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
 import java.nio.file.StandardCopyOption;
 import java.nio.file.StandardOpenOption;
-import java.nio.file.attribute.PosixFilePermission;
+import java.nio.file.attribute.PosixFileAttributeView;
+import java.nio.file.attribute.PosixFileAttributes;
 import java.nio.file.attribute.PosixFilePermissions;
 import java.util.Set;
 
 /** A file that whoever reads it sees whole: as it was, or as it is now. */
 public final class OutputFile {
+    private static final int MOST_LINKS = 40;
+
     private OutputFile() {
     }
 
     /**
-     * Replaces the file's content in one step; it keeps its rights. What is no plain file, such as a device or a pipe,
-     * is written to.
+     * Replaces the file's content in one step; it keeps its rights and, where this process may set them, its owner and
+     * group. What is no plain file, such as a device or a pipe, is written to. A link that leads nowhere makes what it
+     * leads to.
      *
      * @param name the file's path
-     * @param content what it is to hold
+     * @param bytes what it is to hold
      * @throws IOException when it cannot be; the message names the file, which is then as it was
      */
-    public static void write(String name, String content) throws IOException {
-        byte[] bytes = content.getBytes(StandardCharsets.UTF_8);
+    public static void write(String name, byte[] bytes) throws IOException {
         try {
             Path named = Path.of(name);
             if (Files.exists(named) && !Files.isRegularFile(named)) {
@@ -37,19 +39,22 @@ public final class OutputFile {
                 return;
             }
             boolean isNew = !Files.exists(named);
-            Path file = isNew ? named : named.toRealPath(); // a link stays one
-            Set<PosixFilePermission> rights =
-                isNew ? PosixFilePermissions.fromString("rw-rw-rw-") : Files.getPosixFilePermissions(file);
-            // In the same directory, where it can take the name over.
-            Path whole = file.resolveSibling("." + file.getFileName() + "." + ProcessHandle.current().pid() + ".tmp");
+            Path file = isNew ? end(named) : named.toRealPath(); // a link stays one
+            PosixFileAttributes before = isNew ? null : Files.readAttributes(file, PosixFileAttributes.class);
+            // In the same directory, where it can take the name over. To others it is as open as the file will be.
+            Path whole = file.resolveSibling(".tarn." + ProcessHandle.current().pid() + ".tmp");
             try {
-                try (OutputStream out = Channels.newOutputStream(Files.newByteChannel(
+                try (FileChannel out = FileChannel.open(
                          whole, Set.of(StandardOpenOption.CREATE_NEW, StandardOpenOption.WRITE),
-                         PosixFilePermissions.asFileAttribute(rights)))) {
-                    out.write(bytes);
-                }
-                if (!isNew) {
-                    Files.setPosixFilePermissions(whole, rights); // also what this process keeps from new files
+                         PosixFilePermissions.asFileAttribute(
+                             PosixFilePermissions.fromString(isNew ? "rw-rw-rw-" : "rw-------")))) {
+                    for (ByteBuffer left = ByteBuffer.wrap(bytes); left.hasRemaining();) {
+                        out.write(left);
+                    }
+                    if (!isNew) {
+                        makeLike(before, whole);
+                    }
+                    out.force(true);
                 }
                 Files.move(whole, file, StandardCopyOption.ATOMIC_MOVE);
             } finally {
@@ -58,6 +63,30 @@ public final class OutputFile {
         } catch (IOException | RuntimeException failed) {
             throw new IOException("'" + name + "' cannot be written: " + reason(failed), failed);
         }
+    }
+
+    /** Where a link leads that leads to nothing yet; the file itself when it is no link. */
+    private static Path end(Path named) throws IOException {
+        Path end = named;
+        for (int links = 0; Files.isSymbolicLink(end); links++) {
+            if (links == MOST_LINKS) {
+                throw new FileSystemException(named.toString(), null, "too many levels of symbolic links");
+            }
+            end = end.resolveSibling(Files.readSymbolicLink(end));
+        }
+        return end;
+    }
+
+    /** Only the superuser may give a file away; whoever else may replace it owns it then. */
+    private static void makeLike(PosixFileAttributes before, Path file) throws IOException {
+        PosixFileAttributeView view = Files.getFileAttributeView(file, PosixFileAttributeView.class);
+        try {
+            view.setGroup(before.group());
+            view.setOwner(before.owner());
+        } catch (FileSystemException notAllowed) {
+            // it is written all the same
+        }
+        view.setPermissions(before.permissions()); // also what this process keeps from new files
     }
 
     private static String reason(Exception failed) {

@@ -3,18 +3,23 @@ package com.kelvo.tarn.cli.output;
 import java.io.PrintWriter;
 import java.io.Writer;
 import java.util.Locale;
+import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Lines for people. Control characters in what a host tells would steer the terminal, so they are shown escaped. What
- * stands after two exclamation marks is in trouble, and coloured where there are colours.
+ * Lines for people. Control characters in what a host tells would steer the terminal, and bidirectional controls put
+ * its letters in another order, so they are shown escaped. What stands after two exclamation marks is in trouble, and coloured where there are colours.
  */
 public final class Page extends PrintWriter {
+    /** Which exclamation marks are ours, and not those of a name; never printed. No character. */
+    static final char MARK = '\ufdd0';
+
     /** Stands before what is in trouble. */
-    public static final String TROUBLE = "!! ";
+    public static final String TROUBLE = MARK + "!! ";
 
     /** To the end of the table's cell or of the list's item. */
-    private static final Pattern MARKED = Pattern.compile(TROUBLE + ".*?(?=  |[,;]|$)");
+    private static final Pattern MARKED = Pattern.compile(MARK + "(!! .*?(?=  |[,;]|$))");
+    private static final Pattern STEERING = Pattern.compile("[\\p{Cc}\u061c\u200e\u200f\u2028-\u202e\u2066-\u2069]");
     private static final String RED = "\u001b[31m";
     private static final String PLAIN = "\u001b[0m";
 
@@ -34,7 +39,8 @@ public final class Page extends PrintWriter {
     @Override
     public void print(String text) {
         String shown = printable(text);
-        super.print(terminal.hasColour() ? MARKED.matcher(shown).replaceAll(RED + "$0" + PLAIN) : shown);
+        String coloured = terminal.hasColour() ? MARKED.matcher(shown).replaceAll(RED + "$1" + PLAIN) : shown;
+        super.print(coloured.indexOf(MARK) < 0 ? coloured : coloured.replace(String.valueOf(MARK), ""));
     }
 
     /** {@return how many characters a line has room for} */
@@ -61,10 +67,11 @@ public final class Page extends PrintWriter {
     public void printFolded(String firstMargin, String margin, String text) {
         String rest = printable(text);
         String before = firstMargin;
-        for (int room = width() - before.length(); rest.length() > room; room = width() - before.length()) {
-            int end = rest.lastIndexOf(' ', room);
+        for (int room = width() - before.length(); TerminalWidth.of(rest) > room; room = width() - before.length()) {
+            int fitting = TerminalWidth.fitting(rest, room);
+            int end = rest.lastIndexOf(' ', fitting);
             if (end <= 0) {
-                end = rest.indexOf(' ', Math.max(room, 1));
+                end = rest.indexOf(' ', Math.max(fitting, 1));
             }
             if (end < 0) {
                 break;
@@ -87,19 +94,13 @@ public final class Page extends PrintWriter {
     }
 
     /**
-     * {@return the text with "\x1b" and the like in place of control characters}
+     * {@return the text with "\x1b" and the like in place of control characters, bidirectional ones among them}
      *
      * @param text any
      */
     public static String printable(String text) {
-        if (text.chars().noneMatch(Character::isISOControl)) {
-            return text;
-        }
-        StringBuilder shown = new StringBuilder();
-        for (char character : text.toCharArray()) {
-            shown.append(Character.isISOControl(character)
-                ? String.format(Locale.ROOT, "\\x%02x", (int) character) : character);
-        }
-        return shown.toString();
+        return STEERING.matcher(text).replaceAll(found -> Matcher.quoteReplacement(
+            String.format(Locale.ROOT, found.group().charAt(0) < 0x100 ? "\\x%02x" : "\\u%04x",
+                          (int) found.group().charAt(0))));
     }
 }

@@ -7,6 +7,7 @@ import java.util.Collection;
 import java.util.List;
 import java.util.Objects;
 import java.util.function.Function;
+import java.util.regex.Pattern;
 import java.util.stream.Collectors;
 
 /**
@@ -15,6 +16,9 @@ import java.util.stream.Collectors;
  */
 public final class Table<R> {
     private static final String UNKNOWN = "-";
+    /** What a spreadsheet computes rather than shows begins so. */
+    private static final Pattern FORMULA = Pattern.compile("[=+@\t\r-]");
+    private static final Pattern NUMBER = Pattern.compile("[+-]?(\\d+\\.?\\d*|\\.\\d+)([eE][+-]?\\d+)?");
 
     private static final class Column<R> {
         private final String heading;
@@ -151,7 +155,7 @@ public final class Table<R> {
         int[] widths = new int[columns.size()];
         for (List<String> line : lines) {
             for (int i = 0; i < widths.length; i++) {
-                widths[i] = Math.max(widths[i], line.get(i).length());
+                widths[i] = Math.max(widths[i], TerminalWidth.of(line.get(i)));
             }
         }
         int fitting = fitting(widths, out.width());
@@ -160,7 +164,7 @@ public final class Table<R> {
             text.setLength(0);
             for (int i = 0; i < fitting; i++) {
                 String cell = line.get(i);
-                String blanks = " ".repeat(widths[i] - cell.length());
+                String blanks = " ".repeat(widths[i] - TerminalWidth.of(cell));
                 text.append(columns.get(i).right ? blanks + cell : cell + blanks).append("  ");
             }
             out.println(text.toString().stripTrailing());
@@ -199,12 +203,14 @@ public final class Table<R> {
      * Prints it for programs: comma-separated values as RFC 4180 has them, apart from the lines' ends.
      *
      * @param out where
+     * @param raw whether cells are as they are; else what a spreadsheet would take for a formula has an apostrophe before
+     *     it, and control characters are escaped
      */
-    public void printCsv(PrintWriter out) {
+    public void printCsv(PrintWriter out, boolean raw) {
         List<Column<R>> exact = columns.stream().filter(column -> column.exact != null).collect(Collectors.toList());
         out.print(exact.stream().map(column -> quoted(column.heading)).collect(Collectors.joining(",", "", "\n")));
         for (R row : rows) {
-            out.print(exact.stream().map(column -> quoted(column.exact.apply(row)))
+            out.print(exact.stream().map(column -> quoted(raw ? column.exact.apply(row) : safe(column.exact.apply(row))))
                           .collect(Collectors.joining(",", "", "\n")));
         }
     }
@@ -226,6 +232,11 @@ public final class Table<R> {
     private static <R> String shown(Column<R> column, R row) {
         Object value = column.shown.apply(row);
         return value == null ? UNKNOWN : Page.printable(value.toString());
+    }
+
+    private static String safe(Object value) {
+        String text = value == null ? "" : value.toString();
+        return (FORMULA.matcher(text).lookingAt() && !NUMBER.matcher(text).matches() ? "'" : "") + Page.printable(text);
     }
 
     private static String quoted(Object value) {
