@@ -435,7 +435,8 @@ CASES = [
         ("--csv-raw", "=1+1,ufs,@\x1b\u202e\n-5,nfs,b"))),
     shows("logical-disks", "=1+1 ufs @\\x1b\\u202e", "-5 nfs b", host=STEERING),
     Case("logical-disks", {"mnttab": ["a\t/\u4e2d\u0301\tufs\trw\t1", "b\t/long\tufs\trw\t1"]},
-         prints="Mount point  Type  Device\n/\u4e2d\u0301          ufs   a\n/long        ufs   b\n"),
+         prints="Mount point  Type  Device\n/\u4e2d\u0301          ufs   a\n/long        ufs   b\n"
+         "--sizes shows how large and how full they are\n"),
     Case("--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Fabric,Remote port,Remote port state,Disk,"
          "Device,Bus,Target,SCSI LUN\n"),
 

@@ -66,7 +66,7 @@ public final class Snapshot {
         ask("disk-io", found -> library.diskIo().forEach(
             counted -> io.put(List.of(counted.diskName(), counted.instanceName()), counted)));
         ask("cpu", found -> library.cpu().forEach(counted -> cpu.put(String.valueOf(counted.cpuId()), counted)));
-        findings = Check.of(library, FileSystemUse.FULL, List.of()).findings;
+        findings = Check.of(new Asked(library, List.of()), null, new CheckRules()).findings;
     }
 
     /** {@return what the host calls itself; blank when it does not say} */
