@@ -29,7 +29,7 @@ public:
     virtual void tell(unsigned call, int error, std::span<const std::byte> data = {}, unsigned index = 0) = 0;
 
     /// The most bytes that one call tells.
-    static constexpr std::size_t mostData = 128 * 1024;
+    static constexpr std::size_t mostData = std::size_t{128} * 1024;
 };
 
 /// Bytes as they are told, and back.
