@@ -47,7 +47,6 @@ public final class CheckCommand extends TableCommand {
     private ArrayOption array;
 
     private final CheckRules rules = new CheckRules();
-    private boolean hasLimit;
 
     @Option(names = "--baseline", paramLabel = "FILE", description = "A recording of the host made when all was well: "
             + "also what is gone since, and errors counted since.")
@@ -55,10 +54,25 @@ public final class CheckCommand extends TableCommand {
 
     @Option(names = {"-w", "--full"}, paramLabel = "PERCENT|MOUNT=PERCENT", description = "From how many per cent used "
             + "on a file system is full, each (90) or the one that is mounted there; as often as there are such.")
-    private void setFull(List<String> limits) {
-        rules.warningPercents.clear();
-        hasLimit = false;
-        for (String limit : limits) {
+    private List<String> fullFrom = new ArrayList<>();
+
+    @Option(names = {"-c", "--critical"}, paramLabel = "PERCENT", description = "From how many per cent used on that is "
+            + "critical. Without it, only when nothing is available.")
+    private String criticalFrom;
+
+    @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, 7d.")
+    private String maxAge;
+
+    @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any text. "
+            + "May be repeated.")
+    private List<String> ignored = new ArrayList<>();
+
+    @Option(names = "--ignore-file", paramLabel = "FILE", description = "The same, a line each, with comments after #.")
+    private String ignoreFile;
+
+    private void readLimits() {
+        boolean hasLimit = false;
+        for (String limit : fullFrom) {
             int sign = limit.lastIndexOf('=');
             int percent = percent("--full", limit.substring(sign + 1));
             boolean again = sign < 0 ? hasLimit : rules.warningPercents.put(limit.substring(0, sign), percent) != null;
@@ -71,29 +85,21 @@ public final class CheckCommand extends TableCommand {
                 rules.warningPercent = percent;
             }
         }
+        if (criticalFrom != null) {
+            rules.criticalPercent = percent("--critical", criticalFrom);
+        }
     }
 
-    @Option(names = {"-c", "--critical"}, paramLabel = "PERCENT", description = "From how many per cent used on that is "
-            + "critical. Without it, only when nothing is available.")
-    private void setCritical(String percent) {
-        rules.criticalPercent = percent("--critical", percent);
-    }
-
-    @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, 7d.")
-    private void setMaxAge(String duration) {
-        Matcher told = DURATION.matcher(duration);
+    private void readMaxAge() {
+        if (maxAge == null) {
+            return;
+        }
+        Matcher told = DURATION.matcher(maxAge);
         if (!told.matches()) {
-            throw refusal("--max-age: '" + duration + "' is no duration such as 90m, 36h or 7d");
+            throw refusal("--max-age: '" + maxAge + "' is no duration such as 90m, 36h or 7d");
         }
         rules.maxAge = Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2)));
     }
-
-    @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any text. "
-            + "May be repeated.")
-    private List<String> ignored = new ArrayList<>();
-
-    @Option(names = "--ignore-file", paramLabel = "FILE", description = "The same, a line each, with comments after #.")
-    private String ignoreFile;
 
     private int percent(String option, String given) {
         if (!given.matches("[+-]?\\d+%?")) {
@@ -122,6 +128,8 @@ public final class CheckCommand extends TableCommand {
 
     @Override
     public Answer ask() {
+        readLimits();
+        readMaxAge();
         ignore();
         Asked asked = new Asked(library(), array.arguments());
         Asked before = baseline == null ? null
