@@ -278,9 +278,9 @@ private:
             ::close(nowhere);
         }
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-            std::signal(signal, SIG_IGN);
+            static_cast<void>(std::signal(signal, SIG_IGN));
         }
-        std::signal(SIGCHLD, SIG_DFL);
+        static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
         commands.writer.close();
         bells.reader.close();
         for (Pipe &each : tokens) {
