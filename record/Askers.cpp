@@ -53,7 +53,7 @@ struct Frame {
     std::int32_t error;
 
     std::size_t size() const {
-        return sizeof(Frame) + (dataSize + 7) / 8 * 8;
+        return sizeof(Frame) + (dataSize + std::size_t{7}) / 8 * 8;
     }
 };
 
@@ -399,7 +399,7 @@ public:
         for (Pipe &each : tokens) {
             error = error == 0 ? each.open() : error;
         }
-        if (error == 0) {
+        if (shared != nullptr && error == 0) {
             keeper = ::fork();
             if (keeper == 0) {
                 Keeper(ways, *shared, tokens, commands, bells).run();
