@@ -28,7 +28,7 @@ void addSample(const tarn::KernelChain &chain, kstat_t *source, description::Ker
     record.ks_snaptime = source->ks_snaptime;
     const std::size_t whole = std::visit([](const auto &data) { return sizeof data; }, *sample);
     record.ks_data_size = std::min<std::size_t>(*size, whole);
-    record.samples.push_back(*std::move(sample));
+    record.samples.push_back(*sample);
 }
 
 } // namespace
