@@ -112,6 +112,12 @@ struct Usual<KernelRecord> {
     }
 };
 
+/// The bytes of the structure that its samples are; 0 when it can have none.
+inline std::size_t largestSize(const KernelRecord &record) {
+    const std::optional<KernelSample> blank = blankSample(record);
+    return blank ? std::visit([](const auto &data) { return sizeof data; }, *blank) : 0;
+}
+
 template <>
 inline void complete(const Json &value, const Place &place, KernelRecord &record) {
     if (isGiven(value, {"data"}) && isGiven(value, {"samples"})) {
@@ -119,8 +125,9 @@ inline void complete(const Json &value, const Place &place, KernelRecord &record
     }
     if (!record.samples.empty()) {
         record.ks_ndata = 1;
-        const std::size_t whole = Usual<KernelRecord>::of(record).ks_data_size;
-        record.ks_data_size = record.ks_data_size == 0 ? whole : std::min<std::size_t>(whole, record.ks_data_size);
+        const std::size_t usual = Usual<KernelRecord>::of(record).ks_data_size;
+        record.ks_data_size =
+            record.ks_data_size == 0 ? usual : std::min<std::size_t>(largestSize(record), record.ks_data_size);
     }
 }
 
