@@ -112,10 +112,10 @@ struct Usual<KernelRecord> {
     }
 };
 
-/// The bytes of the structure that its samples are; 0 when it can have none.
-inline std::size_t largestSize(const KernelRecord &record) {
+/// The most bytes that it can be said to have. Paging counters have as many as a newer kernel's, whatever was read of them.
+inline std::size_t largestSize(const KernelRecord &record, std::size_t usual) {
     const std::optional<KernelSample> blank = blankSample(record);
-    return blank ? std::visit([](const auto &data) { return sizeof data; }, *blank) : 0;
+    return blank && std::holds_alternative<PagingCounters>(*blank) ? sizeof(PagingCounters) : usual;
 }
 
 template <>
@@ -127,7 +127,7 @@ inline void complete(const Json &value, const Place &place, KernelRecord &record
         record.ks_ndata = 1;
         const std::size_t usual = Usual<KernelRecord>::of(record).ks_data_size;
         record.ks_data_size =
-            record.ks_data_size == 0 ? usual : std::min<std::size_t>(largestSize(record), record.ks_data_size);
+            record.ks_data_size == 0 ? usual : std::min<std::size_t>(largestSize(record, usual), record.ks_data_size);
     }
 }
 
