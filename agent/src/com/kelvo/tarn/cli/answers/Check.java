@@ -138,8 +138,9 @@ public final class Check {
             if (baseline != null) {
                 compare(asked, baseline);
             }
-            if (rules.maxAge != null && asked.recordedAt != null
-                && asked.recordedAt.isBefore(rules.now.minus(rules.maxAge))) {
+            // Whoever limits the age of a description is not content with one that does not tell it.
+            if (rules.maxAge != null && (asked.recordedAt == null ? asked.isDescribed
+                                         : asked.recordedAt.isBefore(rules.now.minus(rules.maxAge)))) {
                 warn(Code.RECORDING_OLD, asked.host, asked.recordedAt);
             }
             if (asked.array != null) {

@@ -30,8 +30,9 @@ public final class HbaOptions {
 
     private boolean agentNames;
 
-    @Option(names = "--names", paramLabel = "NAMES", description = "hba, paths, map: call a device as disks does, which "
-            + "is \"disks\" (the default), or as the agent does: \"agent\". An option for device names means agent.")
+    @Option(names = "--names", paramLabel = "NAMES", description = "hba, paths, map: call a device as disks does, "
+            + "which is \"disks\" (the default), or as the agent does: \"agent\". An option for device names means "
+            + "agent.")
     private void setNames(String names) {
         if (!List.of("agent", "disks").contains(names)) {
             throw new ParameterException(spec.commandLine(), "--names: '" + names + "' is neither disks nor agent");

@@ -47,7 +47,8 @@ public final class FindingWords {
         Map.entry("shared-fabric", unit -> "all through fabric " + ((LogicalUnit) unit).online().get(0).fabric
                       + ends(((LogicalUnit) unit).online())),
         Map.entry("shared-array-port", unit -> "all to one port of the array" + ends(((LogicalUnit) unit).online())),
-        Map.entry("recording-old", recordedAt -> "it was recorded at " + recordedAt),
+        Map.entry("recording-old", recordedAt -> recordedAt == null
+            ? "it does not say when it was recorded" : "it was recorded at " + recordedAt),
         Map.entry("array-controller-silent", none -> "it counts nothing, and the other controller does"),
         Map.entry("drive-errors", rows -> ((List<?>) rows).stream().map(row -> errors((ArrayReport.Row) row))
                       .collect(Collectors.joining("; "))),
