@@ -321,7 +321,7 @@ CASES = [
     picks("check --max-age 9999999d --full 99", {"findings.8": IndexError}, log=ANY, status=1),
     picks("check --max-age 36h --full 99", {"findings.8.code": "recording-old", "findings.8.subject": "rill"}, log=ANY,
           status=1),
-    picks(f"check --baseline {counting(0)}", {"findings.1.code": "port-errors", "findings.1.message": "CRC errors up by 7"},
+    picks(f"check --baseline {counting(0)}", {"findings.1.code": "port-errors", "findings.1.message": f"CRC errors up by 7, WWN {FAR}"},
           HOSTS[counting(0, port=(0, 0, 7))], log=ANY, status=1),
     shows("check --baseline hosts/rill.json --host hosts/rill-cable-pulled.json", "paths-lost 50060e8000c3a200 LUN 0 "
           "(c3t50060E8000C3A2B2d0, c2t50060E8000C3A2B1d0, /oracle): 2 paths were online, 1 are; gone: 210000e08b10a3c2 → ",

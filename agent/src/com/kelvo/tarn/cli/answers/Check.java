@@ -199,7 +199,7 @@ public final class Check {
                     examinePort(port, byName);
                 }
                 if (port.recorded && port.statistics == null) {
-                    warn(Code.STATISTICS_UNREADABLE, port.place(), null);
+                    warn(Code.STATISTICS_UNREADABLE, port.place(), port.instance);
                 }
             }
             fabric.remotePorts().forEach(remote -> {
@@ -262,7 +262,7 @@ public final class Check {
             for (Fabric.Port port : asked.fabric.ports()) {
                 Map<PortError, Double> risen = PortError.risen(baseline.fabric, port);
                 if (!risen.isEmpty()) {
-                    warn(Code.PORT_ERRORS, port.place(), risen);
+                    warn(Code.PORT_ERRORS, port.place(), Map.entry(port.instance, risen));
                 }
             }
         }
