@@ -143,7 +143,8 @@ public final class OneDisk {
             List<String> behind = paths.units.stream().flatMap(unit -> unit.paths.stream()
                 .filter(path -> unit.isNamed(asked) || path.isAt(asked)).map(this::diskOf)).filter(Objects::nonNull)
                 .distinct().collect(Collectors.toList());
-            boolean oneUnit = paths.units.stream().anyMatch(unit -> unit.place().equalsIgnoreCase(asked));
+            boolean oneUnit = paths.units.stream().anyMatch(
+                unit -> unit.place().equalsIgnoreCase(asked.replace(":", "")));
             if (behind.size() > 1 && !oneUnit) {
                 remark.accept("there are several behind it: " + String.join(", ", behind));
                 return null;
