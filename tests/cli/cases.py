@@ -409,7 +409,8 @@ CASES = [
         "findings.new.0.code": "processor-offline", "findings.cleared": []},
         processors=[{**RILL["processors"][0], "pi_state": "P_OFFLINE"}, *RILL["processors"][1:]]),
     changed({"changes": [], "findings.new.0": {"severity": "critical", "code": "file-system-full", "subject": "/oracle",
-             "message": "nothing is available"}, "usage.7.mountPoint": "/oracle", "usage.7.usedPercentAfter": 100.0}, statvfs=FULL),
+             "message": "nothing is available", "disks": ["c2t50060E8000C3A2B1d0"], "mounts": ["/oracle"]},
+             "usage.7.mountPoint": "/oracle", "usage.7.usedPercentAfter": 100.0}, statvfs=FULL),
     shows(f"compare {word({**RILL, 'statvfs': FULL})} {word({**RILL, 'recordedAt': '2005-12-14T09:00:00Z'})}",
           "rill, 2005-12-12 09:23:41 to 2005-12-14 09:00:00 UTC cleared critical file-system-full /oracle: nothing is "
           "available File system Used before", "/oracle 100.0% 74.7%", log=ANY, status=1),
