@@ -282,7 +282,6 @@ CASES = [
     shows(ARRAY, "? ? B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 ?: the places told are those of A's drives",
           host=ONE_DRIVE_LESS),
     shows(ARRAY, "ask again", host=NOT_COUNTING),
-    shows(ARRAY, "no drive statistics", host={}),
 
     # A password
     gives("authenticate root", True, RICH, password=PASSWORD + "\n"),
