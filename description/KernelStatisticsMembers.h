@@ -112,6 +112,12 @@ struct Usual<KernelRecord> {
     }
 };
 
+/// The most bytes that it can be said to have. Paging counters have as many as a newer kernel's, whatever was read of them.
+inline std::size_t largestSize(const KernelRecord &record, std::size_t usual) {
+    const std::optional<KernelSample> blank = blankSample(record);
+    return blank && std::holds_alternative<PagingCounters>(*blank) ? sizeof(PagingCounters) : usual;
+}
+
 template <>
 inline void complete(const Json &value, const Place &place, KernelRecord &record) {
     if (isGiven(value, {"data"}) && isGiven(value, {"samples"})) {
@@ -119,8 +125,9 @@ inline void complete(const Json &value, const Place &place, KernelRecord &record
     }
     if (!record.samples.empty()) {
         record.ks_ndata = 1;
-        const std::size_t whole = Usual<KernelRecord>::of(record).ks_data_size;
-        record.ks_data_size = record.ks_data_size == 0 ? whole : std::min<std::size_t>(whole, record.ks_data_size);
+        const std::size_t usual = Usual<KernelRecord>::of(record).ks_data_size;
+        record.ks_data_size =
+            record.ks_data_size == 0 ? usual : std::min<std::size_t>(largestSize(record, usual), record.ks_data_size);
     }
 }
 

@@ -282,7 +282,6 @@ CASES = [
     shows(ARRAY, "? ? B 200 2 7 4 !! 5 !! 6 !! 7 !! 4294967295 ?: the places told are those of A's drives",
           host=ONE_DRIVE_LESS),
     shows(ARRAY, "ask again", host=NOT_COUNTING),
-    shows(ARRAY, "no drive statistics", host={}),
 
     # A password
     gives("authenticate root", True, RICH, password=PASSWORD + "\n"),
@@ -319,9 +318,10 @@ CASES = [
                 "statvfs": {"a=b|c'd": {"f_frsize": 1, "f_blocks": 100, "f_bfree": 3, "f_bavail": 3}}}, status=1),
     picks("check -w 100 -c 91", {"state": "CRITICAL", "findings.0.subject": "/backup"}, log=ANY, status=2),
     picks("check --max-age 9999999d --full 99", {"findings.8": IndexError}, log=ANY, status=1),
+    picks("check --max-age 36h", {"findings.0.message": "it does not say when it was recorded"}, BARE, status=1),
     picks("check --max-age 36h --full 99", {"findings.8.code": "recording-old", "findings.8.subject": "rill"}, log=ANY,
           status=1),
-    picks(f"check --baseline {counting(0)}", {"findings.1.code": "port-errors", "findings.1.message": "CRC errors up by 7"},
+    picks(f"check --baseline {counting(0)}", {"findings.1.code": "port-errors", "findings.1.message": f"CRC errors up by 7, WWN {FAR}"},
           HOSTS[counting(0, port=(0, 0, 7))], log=ANY, status=1),
     shows("check --baseline hosts/rill.json --host hosts/rill-cable-pulled.json", "paths-lost 50060e8000c3a200 LUN 0 "
           "(c3t50060E8000C3A2B2d0, c2t50060E8000C3A2B1d0, /oracle): 2 paths were online, 1 are; gone: 210000e08b10a3c2 → ",
@@ -361,6 +361,7 @@ CASES = [
     picks("disk /three", {"name": "c1t3d0"}, FEW_DISKS, log=ANY),
     picks("disk /dev/rdsk/c1t3d0s2", {"name": "c1t3d0"}, FEW_DISKS, log=ANY),
     gives("disk nope", None, RICH, log=DISK_LOG + HBA_LOG, status=1),
+    picks("disk 50:06:0E:80:00:C3:A2:00 LUN 2", {"name": "c4t50060E8000C3A2B1d2"}, log=ANY),
     refuses("disk nope", "no disk nope\n", host=RICH, status=1),
     refuses("disk /home/me", "no disk /home/me: srv:/home (nfs) is mounted there\n", host=RICH, status=1),
     refuses("disk /md", "the metadevice /dev/md/dsk/d9 (ufs)", host={"mnttab": ["/dev/md/dsk/d9\t/md\tufs\trw\t1"]}, status=1),
@@ -407,7 +408,8 @@ CASES = [
         "findings.new.0.code": "processor-offline", "findings.cleared": []},
         processors=[{**RILL["processors"][0], "pi_state": "P_OFFLINE"}, *RILL["processors"][1:]]),
     changed({"changes": [], "findings.new.0": {"severity": "critical", "code": "file-system-full", "subject": "/oracle",
-             "message": "nothing is available"}, "usage.7.mountPoint": "/oracle", "usage.7.usedPercentAfter": 100.0}, statvfs=FULL),
+             "message": "nothing is available", "disks": ["c2t50060E8000C3A2B1d0"], "mounts": ["/oracle"]},
+             "usage.7.mountPoint": "/oracle", "usage.7.usedPercentAfter": 100.0}, statvfs=FULL),
     shows(f"compare {word({**RILL, 'statvfs': FULL})} {word({**RILL, 'recordedAt': '2005-12-14T09:00:00Z'})}",
           "rill, 2005-12-12 09:23:41 to 2005-12-14 09:00:00 UTC cleared critical file-system-full /oracle: nothing is "
           "available File system Used before", "/oracle 100.0% 74.7%", log=ANY, status=1),

@@ -37,7 +37,8 @@ def refusing():
         (call, status) for call in ("GetAdapterName", "GetAdapterAttributes", "GetFcpTargetMapping")
         for status in (1, 7, [7], [7, 7], [0, 1]))]
     return {"mnttab": ["a\t/a\tufs\trw\t1", "b\t/b\tnfs\trw\t1", "c"], "statvfs": {"/a": {"fails": "EIO"}},
-            "kstat": [{"ks_name": "cpu_stat0"}, {"ks_module": "unix", "ks_name": "vminfo", "data": "EINTR"}],
+            "kstat": [{"ks_name": "cpu_stat0"}, {"ks_module": "unix", "ks_name": "vminfo", "data": "EINTR"},
+                      {"ks_name": "vminfo", "ks_instance": 1, "samples": [{}, {"updates": 3}]}],
             "disks": disks, "hba": {"adapters": adapters + [{"name": "shut", "openFailures": 9}]}}
 
 

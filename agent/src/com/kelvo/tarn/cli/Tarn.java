@@ -50,8 +50,8 @@ public final class Tarn extends TarnOptions {
     }
 
     /**
-     * Runs one command, and ends the virtual machine with its exit status, above the property tarn.statusBase where that
-     * is set: then whoever started it can tell the command's own from all others.
+     * Runs one command, and ends the virtual machine with its exit status, above the property tarn.statusBase where
+     * that is set: then whoever started it can tell the command's own from all others.
      *
      * @param arguments the command line's
      */

@@ -15,7 +15,8 @@ public final class ReplayHost {
      * Makes a host description the one that answers from now on. It is read once, and so may come through a pipe.
      *
      * @param path the description's file
-     * @return when the host was recorded, in UTC, such as "2026-11-24T10:00:00Z"; null when the description does not say
+     * @return when the host was recorded, in UTC, such as "2026-11-24T10:00:00Z"; null when the description does
+     *     not say
      * @throws IllegalArgumentException when it cannot be read, naming the file and the member; the host before it stays
      */
     public static native String load(String path);

@@ -24,6 +24,8 @@ public final class Asked {
     /** The logical units of that. */
     public final Paths paths;
 
+    /** Whether a description answered. */
+    final boolean isDescribed;
     final List<SolarisProcessorData> processors;
     final List<SolarisDiskIOInformation> io;
     final List<TrInstance> drives;
@@ -46,10 +48,12 @@ public final class Asked {
      * @param arrayArguments the four arguments of an array report, or none
      */
     public Asked(Library library, List<String> arrayArguments) {
-        host = library.log().unheard(() -> ask(library, "computer-system", () -> library.computerSystem().hostName(), ""));
+        host = library.log().unheard(
+            () -> ask(library, "computer-system", () -> library.computerSystem().hostName(), ""));
         failures.clear(); // the name is no subject of a check
         warnings.clear();
         recordedAt = library.recordedAt();
+        isDescribed = library.isDescribed();
         List<SolarisLogicalDisk> mounted = new ArrayList<>();
         ask(library, "logical-disks", () -> mounted.addAll(askFileSystems(library)), false);
         processors = ask(library, "processors", library::processors, List.of());

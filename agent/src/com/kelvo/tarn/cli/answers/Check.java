@@ -138,8 +138,9 @@ public final class Check {
             if (baseline != null) {
                 compare(asked, baseline);
             }
-            if (rules.maxAge != null && asked.recordedAt != null
-                && asked.recordedAt.isBefore(rules.now.minus(rules.maxAge))) {
+            // Whoever limits the age of a description is not content with one that does not tell it.
+            if (rules.maxAge != null && (asked.recordedAt == null ? asked.isDescribed
+                                         : asked.recordedAt.isBefore(rules.now.minus(rules.maxAge)))) {
                 warn(Code.RECORDING_OLD, asked.host, asked.recordedAt);
             }
             if (asked.array != null) {
@@ -198,7 +199,7 @@ public final class Check {
                     examinePort(port, byName);
                 }
                 if (port.recorded && port.statistics == null) {
-                    warn(Code.STATISTICS_UNREADABLE, port.place(), null);
+                    warn(Code.STATISTICS_UNREADABLE, port.place(), port.instance);
                 }
             }
             fabric.remotePorts().forEach(remote -> {
@@ -261,7 +262,7 @@ public final class Check {
             for (Fabric.Port port : asked.fabric.ports()) {
                 Map<PortError, Double> risen = PortError.risen(baseline.fabric, port);
                 if (!risen.isEmpty()) {
-                    warn(Code.PORT_ERRORS, port.place(), risen);
+                    warn(Code.PORT_ERRORS, port.place(), Map.entry(port.instance, risen));
                 }
             }
         }

@@ -29,6 +29,7 @@ public final class Library {
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
     private Instant recordedAt;
+    private boolean isDescribed;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -53,6 +54,12 @@ public final class Library {
     public void load(String path) {
         String told = ReplayHost.load(path);
         recordedAt = told == null ? null : Instant.parse(told);
+        isDescribed = true;
+    }
+
+    /** {@return whether a host that was loaded answers, and not the one at hand} */
+    boolean isDescribed() {
+        return isDescribed;
     }
 
     /** {@return when the host that was loaded was recorded; null when its description does not say} */

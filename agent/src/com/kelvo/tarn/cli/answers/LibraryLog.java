@@ -9,8 +9,8 @@ import org.apache.log4j.AppenderSkeleton;
 import org.apache.log4j.spi.LoggingEvent;
 
 /**
- * Collects the log lines of the agent, which are the library's: the first {@value #KEPT}. A host on which every call fails
- * has hundreds of thousands of them, and the rest is counted in a line at the end.
+ * Collects the log lines of the agent, which are the library's: the first {@value #KEPT}. A host on which every call
+ * fails has hundreds of thousands of them, and the rest is counted in a line at the end.
  */
 public final class LibraryLog extends AppenderSkeleton {
     /** One line. */

@@ -83,10 +83,11 @@ public final class LogicalUnit {
         /**
          * {@return whether the port at either end has that world-wide name}
          *
-         * @param wwn in letters of any case
+         * @param wwn in letters of any case, with colons or without
          */
         public boolean isAt(String wwn) {
-            return wwn.equalsIgnoreCase(portWWN) || wwn.equalsIgnoreCase(remotePort);
+            String digits = wwn.replace(":", "");
+            return digits.equalsIgnoreCase(portWWN) || digits.equalsIgnoreCase(remotePort);
         }
 
         /** {@return whether the ports at both ends are online} */
@@ -179,10 +180,11 @@ public final class LogicalUnit {
     /**
      * {@return whether that is what it, or its array, is called}
      *
-     * @param name in letters of any case
+     * @param name in letters of any case, with colons or without
      */
     public boolean isNamed(String name) {
-        return name.equalsIgnoreCase(node) || name.equalsIgnoreCase(place());
+        String plain = name.replace(":", "");
+        return plain.equalsIgnoreCase(node) || plain.equalsIgnoreCase(place());
     }
 
     /**

@@ -51,7 +51,7 @@ public final class OneDisk {
         paths = units.stream().flatMap(unit -> unit.namedPaths().stream()).collect(Collectors.toList());
     }
 
-    /** {@return how long the host is known to have been up, in nanoseconds: when I/O was last queued; 0 when unknown} */
+    /** {@return how long the host is known to have been up, in nanoseconds: when I/O was last queued; else 0} */
     public long sinceBoot() {
         return host.io.stream().mapToLong(SolarisDiskIOInformation::waitLastUpdate).filter(last -> last > 0).max()
             .orElse(0);
@@ -70,8 +70,8 @@ public final class OneDisk {
 
     /**
      * Finds a disk by its own name, a slice's or an instance's, with or without a directory, a device's physical path,
-     * the mount point of a file system on it or a path below that, a logical unit's "NODE LUN 2", or the world-wide name
-     * of a port that it alone is behind.
+     * the mount point of a file system on it or a path below that, a logical unit's "NODE LUN 2", or the world-wide
+     * name of a port that it alone is behind.
      *
      * @param asked any of these
      * @param library what is asked; what could not be is said in its log
@@ -143,7 +143,8 @@ public final class OneDisk {
             List<String> behind = paths.units.stream().flatMap(unit -> unit.paths.stream()
                 .filter(path -> unit.isNamed(asked) || path.isAt(asked)).map(this::diskOf)).filter(Objects::nonNull)
                 .distinct().collect(Collectors.toList());
-            boolean oneUnit = paths.units.stream().anyMatch(unit -> unit.place().equalsIgnoreCase(asked));
+            boolean oneUnit = paths.units.stream().anyMatch(
+                unit -> unit.place().equalsIgnoreCase(asked.replace(":", "")));
             if (behind.size() > 1 && !oneUnit) {
                 remark.accept("there are several behind it: " + String.join(", ", behind));
                 return null;

@@ -55,18 +55,20 @@ public final class Snapshot {
      */
     public Snapshot(Library library) {
         this.library = library;
-        recordedAt = library.recordedAt();
+        Asked asked = new Asked(library, List.of());
+        recordedAt = asked.recordedAt;
+        failures.putAll(asked.failures);
         ask("computer-system", this::addComputerSystem);
         ask("operating-system", this::addOperatingSystem);
-        ask("processors", this::addProcessors);
-        ask("disks", this::addDisks);
+        ask("processors", found -> addProcessors(asked, found));
+        ask("disks", found -> addDisks(asked, found));
         ask("partitions", this::addSlices);
-        ask("logical-disks", this::addFileSystems);
-        ask("hba", this::addFabric);
-        ask("disk-io", found -> library.diskIo().forEach(
+        ask("logical-disks", found -> addFileSystems(asked, found));
+        ask("hba", found -> addFabric(asked, found));
+        ask("disk-io", found -> asked.io.forEach(
             counted -> io.put(List.of(counted.diskName(), counted.instanceName()), counted)));
         ask("cpu", found -> library.cpu().forEach(counted -> cpu.put(String.valueOf(counted.cpuId()), counted)));
-        findings = Check.of(new Asked(library, List.of()), null, new CheckRules()).findings;
+        findings = Check.of(asked, null, new CheckRules()).findings;
     }
 
     /** {@return what the host calls itself; blank when it does not say} */
@@ -112,8 +114,8 @@ public final class Snapshot {
         add(found, HOST, values);
     }
 
-    private void addProcessors(Map<String, Map<String, Object>> found) {
-        library.processors().forEach(processor -> {
+    private void addProcessors(Asked asked, Map<String, Map<String, Object>> found) {
+        asked.processors.forEach(processor -> {
             Map<String, Object> values = new LinkedHashMap<>();
             values.put("state", processor.state());
             values.put("processorType", processor.processorType());
@@ -122,9 +124,9 @@ public final class Snapshot {
         });
     }
 
-    private void addDisks(Map<String, Map<String, Object>> found) {
-        library.disks().forEach(drive -> add(found, "disk " + drive.get(SolarisDiskDriveProvider.name),
-                                             properties(drive, SolarisDiskDriveProvider.name)));
+    private void addDisks(Asked asked, Map<String, Map<String, Object>> found) {
+        asked.drives.forEach(drive -> add(found, "disk " + drive.get(SolarisDiskDriveProvider.name),
+                                          properties(drive, SolarisDiskDriveProvider.name)));
     }
 
     private void addSlices(Map<String, Map<String, Object>> found) {
@@ -134,20 +136,20 @@ public final class Snapshot {
     }
 
     /** How much of a file system is used is a counter; how large it is, is not. */
-    private void addFileSystems(Map<String, Map<String, Object>> found) {
-        library.logicalDisks().stream().map(library::withSizes).forEach(disk -> {
+    private void addFileSystems(Asked asked, Map<String, Map<String, Object>> found) {
+        asked.disks.mounted.forEach(disk -> {
             Map<String, Object> values = new LinkedHashMap<>();
             values.put("device", disk.device());
             values.put("fileSystemType", disk.fileSystemType());
-            FileSystemUse use = new FileSystemUse(disk);
-            values.put("totalBytes", use.isKnown() ? disk.totalBytes() : null);
-            usage.put(disk.mountPoint(), use.isKnown() ? use.usedPercent() : null);
+            FileSystemUse use = asked.fileSystems.get(disk.mountPoint());
+            values.put("totalBytes", use == null ? null : use.total().longValue());
+            usage.put(disk.mountPoint(), use == null ? null : use.usedPercent());
             add(found, "file system " + disk.mountPoint(), values);
         });
     }
 
-    private void addFabric(Map<String, Map<String, Object>> found) {
-        Fabric fabric = library.fabric();
+    private void addFabric(Asked asked, Map<String, Map<String, Object>> found) {
+        Fabric fabric = asked.fabric;
         fabric.adapters.forEach(adapter -> add(
             found, named("adapter ", adapter.instance, HostBusAdapterProvider.name, adapter.place()),
             properties(adapter.instance, HostBusAdapterProvider.name)));
@@ -160,9 +162,8 @@ public final class Snapshot {
         fabric.remotePorts().forEach(remote -> add(
             found, name(remote) + " at " + name(remote.port),
             properties(remote.instance, HbaPortProvider.permanentAddress)));
-        Paths paths = new Paths(fabric);
-        paths.units.forEach(unit -> add(found, "logical unit " + unit.place(), Map.of()));
-        paths.units.forEach(unit -> unit.paths.forEach(path -> {
+        asked.paths.units.forEach(unit -> add(found, "logical unit " + unit.place(), Map.of()));
+        asked.paths.units.forEach(unit -> unit.paths.forEach(path -> {
             Map<String, Object> values = new LinkedHashMap<>();
             values.put("osDeviceName", path.osDeviceName);
             values.put("scsiBus", path.scsiBus);

@@ -56,15 +56,16 @@ public final class CheckCommand extends TableCommand {
             + "on a file system is full, each (90) or the one that is mounted there; as often as there are such.")
     private List<String> fullFrom = new ArrayList<>();
 
-    @Option(names = {"-c", "--critical"}, paramLabel = "PERCENT", description = "From how many per cent used on that is "
-            + "critical. Without it, only when nothing is available.")
+    @Option(names = {"-c", "--critical"}, paramLabel = "PERCENT", description = "From how many per cent used on that "
+            + "is critical. Without it, only when nothing is available.")
     private String criticalFrom;
 
-    @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, 7d.")
+    @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, "
+            + "7d. One that does not say is too old.")
     private String maxAge;
 
-    @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any text. "
-            + "May be repeated.")
+    @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any "
+            + "text. May be repeated.")
     private List<String> ignored = new ArrayList<>();
 
     @Option(names = "--ignore-file", paramLabel = "FILE", description = "The same, a line each, with comments after #.")
@@ -115,7 +116,8 @@ public final class CheckCommand extends TableCommand {
         List<String> patterns = new ArrayList<>(ignored);
         if (ignoreFile != null) {
             try {
-                Files.readAllLines(Path.of(ignoreFile)).stream().map(line -> line.replaceFirst("(^|\\s)#.*", "").strip())
+                Files.readAllLines(Path.of(ignoreFile)).stream()
+                    .map(line -> line.replaceFirst("(^|\\s)#.*", "").strip())
                     .filter(line -> !line.isEmpty()).forEach(patterns::add);
             } catch (IOException | InvalidPathException unreadable) {
                 throw refusal("--ignore-file: " + ignoreFile + " cannot be read");

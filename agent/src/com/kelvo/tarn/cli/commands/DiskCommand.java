@@ -27,8 +27,8 @@ import picocli.CommandLine.Parameters;
          footer = "The ways are all those to the logical unit, under whichever device name.")
 public final class DiskCommand extends TableCommand {
     @Parameters(arity = "1..*", paramLabel = "NAME", description = "Any of its names: c1t0d0, c1t0d0s0, "
-                + "/dev/dsk/c1t0d0s0, /devices/..., sd0, a mount point or a path below one, NODE LUN number, the WWN of a "
-                + "port that it alone is behind.")
+                + "/dev/dsk/c1t0d0s0, /devices/..., sd0, a mount point or a path below one, NODE LUN number, the WWN "
+                + "of a port that it alone is behind.")
     private List<String> names;
 
     @Override
@@ -68,7 +68,8 @@ public final class DiskCommand extends TableCommand {
         return new Table<>(List.of(disk))
             .text("Disk", found -> found.name)
             .text("Instance", found -> found.instance)
-            .text("Drive", DiskCommand::drive)
+            .text("Drive", found -> found.drive == null ? null : found.drive.get(SolarisDiskDriveProvider.diskType),
+                  DiskCommand::drive)
             .text("Geometry", found -> DisksCommand.geometry(found.drive))
             .text("Device", found -> found.drive == null ? null
                 : found.drive.get(SolarisDiskDriveProvider.deviceIdentifier))

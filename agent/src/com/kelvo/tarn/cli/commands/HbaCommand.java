@@ -26,8 +26,8 @@ public final class HbaCommand extends TableCommand {
     @Mixin
     private HbaOptions options;
 
-    @Option(names = "--baseline", paramLabel = "FILE", description = "A recording made when all was well: error counters "
-            + "that rose since are marked.")
+    @Option(names = "--baseline", paramLabel = "FILE", description = "A recording made when all was well: error "
+            + "counters that rose since are marked.")
     private String baseline;
 
     @Override

@@ -27,9 +27,9 @@ import picocli.CommandLine.Option;
 /** {@code map}: a {@link Picture} of what {@code fillHbaCache} sees, and of what is wrong with it. */
 @Command(name = "map", description = "The storage network as a picture: adapters, ports, fabrics, arrays and their "
          + "logical units.",
-         footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with a warning, grey "
-             + "what nothing is reached through; blue and violet are the fabrics. All but DOT are drawn by Graphviz "
-             + "(package graphviz).")
+         footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with a warning, "
+             + "grey what nothing is reached through; blue and violet are the fabrics. All but DOT are drawn by "
+             + "Graphviz (package graphviz).")
 public final class MapCommand extends Export {
     private static final Map<String, Picture> ENDINGS = Map.of(
         ".dot", Picture.DOT, ".gv", Picture.DOT, ".svg", Picture.SVG, ".html", Picture.HTML, ".htm", Picture.HTML,
@@ -50,8 +50,9 @@ public final class MapCommand extends Export {
         }
     }
 
-    @Option(names = "--format", paramLabel = "FORMAT", completionCandidates = Formats.class, description = "dot, svg, html, or into a file png or "
-            + "pdf. Without it, what --output ends in; without that, dot.")
+    @Option(names = "--format", paramLabel = "FORMAT", completionCandidates = Formats.class,
+            description = "dot, svg, html, or into a file png or pdf. Without it, what --output ends in; without that, "
+                + "dot.")
     private String format;
 
     @Option(names = "--all", description = "Draw each logical unit, remote port and path, however many there are. "
@@ -86,11 +87,12 @@ public final class MapCommand extends Export {
         Asked before = baseline == null ? null
             : tarn().at(baseline, spec().commandLine(), () -> new Asked(library(), List.of()));
         Check check = Check.of(asked, null, new CheckRules());
-        Topology topology = TopologyBuilder.topology(system, fabric, check.findings, before == null ? null : before.fabric,
-                                                     all);
+        Topology topology = TopologyBuilder.topology(system, fabric, check.findings,
+                                                     before == null ? null : before.fabric, all);
         topology.origin(check, (isExample ? "built-in example"
             : asked.recordedAt == null ? "no recording time told" : "recorded " + time(asked.recordedAt))
-            + (before == null ? "" : "; compared with " + (before.recordedAt == null ? baseline : time(before.recordedAt)))
+            + (before == null ? ""
+                : "; compared with " + (before.recordedAt == null ? baseline : time(before.recordedAt)))
             + "; drawn by " + spec().root().version()[0]);
         return topology;
     }

@@ -11,6 +11,7 @@ import picocli.CommandLine.Command;
 public final class MetricsCommand extends Export {
     @Override
     protected String text() {
-        return (tarn().isBuiltInHost() ? "# The built-in example answers, not a host.\n" : "") + HostMetrics.text(library());
+        return (tarn().isBuiltInHost() ? "# The built-in example answers, not a host.\n" : "")
+            + HostMetrics.text(library());
     }
 }

@@ -35,12 +35,22 @@ public final class PathsCommand extends TableCommand {
     @Mixin
     private HbaOptions options;
 
-    @Parameters(arity = "0..*", paramLabel = "NODE|WWN|DISK|MOUNT", description = "Only the units of this array or this "
-            + "unit (\"NODE LUN 2\"), behind a port of this WWN, or on this disk or mount point; any of several.")
+    @Parameters(arity = "0..*", paramLabel = "NODE|WWN|DISK|MOUNT", description = "Only the units of this array or "
+            + "this unit (\"NODE LUN 2\"), behind a port of this WWN, or on this disk or mount point; any of several.")
     private List<String> wanted = new ArrayList<>();
 
-    @Option(names = "--only", paramLabel = "KIND", description = "single: units with less than two paths online; shared: "
-            + "with paths that share an adapter, a fabric or a port of the array; lost: with a path that is not online.")
+    /** What the shell completes. */
+    static final class Kinds extends ArrayList<String> {
+        private static final long serialVersionUID = 1;
+
+        Kinds() {
+            super(List.of("single", "shared", "lost"));
+        }
+    }
+
+    @Option(names = "--only", paramLabel = "KIND", completionCandidates = Kinds.class,
+            description = "single: units with less than two paths online; shared: with paths that share an adapter, a "
+                + "fabric or a port of the array; lost: with a path that is not online.")
     private String only;
 
     @Override

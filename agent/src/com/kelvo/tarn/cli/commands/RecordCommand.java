@@ -16,8 +16,9 @@ import picocli.CommandLine.Spec;
 
 /** Hands over to tarn-record, which asks the host itself and needs no Java where a host is recorded. */
 @Command(name = "record", description = "The host's description, for --host of another machine.",
-         footer = "Standard error tells what was recorded, and what could not be read. Passwords are never recorded. Exit "
-             + "status: 0 done, 1 the description cannot be written or is not whole, 2 bad usage or no usable host.")
+         footer = "Standard error tells what was recorded, and what could not be read. Passwords are never recorded. "
+             + "Exit status: 0 done, 1 the description cannot be written or is not whole, 2 bad usage or no "
+             + "usable host.")
 public final class RecordCommand implements Callable<Integer> {
     @ParentCommand
     private TarnOptions tarn;
@@ -31,8 +32,8 @@ public final class RecordCommand implements Callable<Integer> {
 
     private final List<String> arrays = new ArrayList<>();
 
-    @Option(names = "--timeout", paramLabel = "SECONDS", description = "How long a call to a disk, an adapter or a file "
-            + "system has to answer; without it, 10.")
+    @Option(names = "--timeout", paramLabel = "SECONDS", description = "How long a call to a disk, an adapter or a "
+            + "file system has to answer; without it, 10.")
     private String timeout;
 
     @Option(names = "--array-pages", description = "Ask every disk for the page 0xC0 of an array's disks; one that has "
@@ -54,7 +55,8 @@ public final class RecordCommand implements Callable<Integer> {
     public Integer call() throws IOException, InterruptedException {
         if (tarn.csv() || tarn.json() || tarn.hba().any()) {
             throw new ParameterException(spec.commandLine(),
-                                         "A recording is JSON as it is; --json, --csv and device names do not go with it");
+                                         "A recording is JSON as it is; --json, --csv and device names do not "
+                                              + "go with it");
         }
         tarn.refuseRepeated(spec.commandLine());
         tarn.chooseHost(spec.commandLine());

@@ -3,6 +3,7 @@ package com.kelvo.tarn.cli.frame;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.providers.hba.HbaCache;
+import java.util.ArrayList;
 import java.util.List;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Option;
@@ -12,6 +13,7 @@ import picocli.CommandLine.Spec;
 /** How the device names of target mappings are made: what the agent's objects answer when the library asks them. */
 public final class HbaOptions {
     static final String LEADVILLE = "--leadville";
+    private static final List<String> NAMES = List.of("agent", "disks");
 
     @Spec(Spec.Target.MIXEE)
     private CommandSpec spec;
@@ -30,10 +32,20 @@ public final class HbaOptions {
 
     private boolean agentNames;
 
-    @Option(names = "--names", paramLabel = "NAMES", description = "hba, paths, map: call a device as disks does, which "
-            + "is \"disks\" (the default), or as the agent does: \"agent\". An option for device names means agent.")
+    /** What the shell completes. */
+    static final class Names extends ArrayList<String> {
+        private static final long serialVersionUID = 1;
+
+        Names() {
+            super(NAMES);
+        }
+    }
+
+    @Option(names = "--names", paramLabel = "NAMES", completionCandidates = Names.class,
+            description = "hba, paths, map: call a device as disks does, which is \"disks\" (the default), or as the "
+                + "agent does: \"agent\". An option for device names means agent.")
     private void setNames(String names) {
-        if (!List.of("agent", "disks").contains(names)) {
+        if (!NAMES.contains(names)) {
             throw new ParameterException(spec.commandLine(), "--names: '" + names + "' is neither disks nor agent");
         }
         agentNames = names.equals("agent");

@@ -51,7 +51,8 @@ public abstract class TarnOptions {
         String path = host != null ? host.getPath() : System.getenv().getOrDefault("TARN_HOST", "");
         if (host == null && path.isEmpty()) {
             if (isBuiltInHost()) {
-                command.getErr().println("tarn: the built-in example rill answers; --host FILE or TARN_HOST names another");
+                command.getErr().println(
+                    "tarn: the built-in example rill answers; --host FILE or TARN_HOST names another");
             }
             return;
         }

@@ -26,14 +26,12 @@ public final class FindingWords {
         Map.entry("processor-offline", state -> "its state is " + state),
         Map.entry("disk-unreadable", none -> "it has I/O counters, but cannot be opened"),
         Map.entry("disk-unlabelled", none -> "its geometry or its label cannot be read"),
-        Map.entry("statistics-unreadable", none -> "its counters cannot be read"),
+        Map.entry("statistics-unreadable", port -> "its counters cannot be read" + wwn((TrInstance) port)),
         Map.entry("port-not-online", port -> state((TrInstance) port)),
         Map.entry("remote-port-not-online", port -> state((TrInstance) port)),
         Map.entry("port-slow", port -> PortWords.of((TrInstance) port, HbaPortProvider.speed) + ", and could run at "
                       + PortWords.of((TrInstance) port, HbaPortProvider.maxSpeed) + wwn((TrInstance) port)),
-        Map.entry("port-errors", risen -> ((Map<?, ?>) risen).entrySet().stream()
-                      .map(each -> PortWords.errors((PortError) each.getKey()) + " up by "
-                          + Units.decimal((Double) each.getValue(), 0)).collect(Collectors.joining(", "))),
+        Map.entry("port-errors", port -> risen((Map.Entry<?, ?>) port)),
         Map.entry("duplicate-wwn", port -> ((Fabric.Port) port).place() + " has the same"
                       + wwn(((Fabric.Port) port).instance)),
         Map.entry("unit-lost", unit -> "it was there when all was well" + ends(((LogicalUnit) unit).distinctPaths())),
@@ -47,7 +45,8 @@ public final class FindingWords {
         Map.entry("shared-fabric", unit -> "all through fabric " + ((LogicalUnit) unit).online().get(0).fabric
                       + ends(((LogicalUnit) unit).online())),
         Map.entry("shared-array-port", unit -> "all to one port of the array" + ends(((LogicalUnit) unit).online())),
-        Map.entry("recording-old", recordedAt -> "it was recorded at " + recordedAt),
+        Map.entry("recording-old", recordedAt -> recordedAt == null
+            ? "it does not say when it was recorded" : "it was recorded at " + recordedAt),
         Map.entry("array-controller-silent", none -> "it counts nothing, and the other controller does"),
         Map.entry("drive-errors", rows -> ((List<?>) rows).stream().map(row -> errors((ArrayReport.Row) row))
                       .collect(Collectors.joining("; "))),
@@ -89,6 +88,14 @@ public final class FindingWords {
         List<String> names = Stream.concat(finding.disks.stream(), finding.mounts.stream())
             .filter(name -> !name.equals(finding.subject)).collect(Collectors.toList());
         return finding.subject + (names.isEmpty() ? "" : " (" + String.join(", ", names) + ")");
+    }
+
+    /** Of a port and its errors. */
+    private static String risen(Map.Entry<?, ?> port) {
+        return ((Map<?, ?>) port.getValue()).entrySet().stream()
+            .map(each -> PortWords.errors((PortError) each.getKey()) + " up by "
+                + Units.decimal((Double) each.getValue(), 0)).collect(Collectors.joining(", "))
+            + wwn((TrInstance) port.getKey());
     }
 
     private static String state(TrInstance port) {

@@ -8,7 +8,8 @@ import java.util.regex.Pattern;
 
 /**
  * Lines for people. Control characters in what a host tells would steer the terminal, and bidirectional controls put
- * its letters in another order, so they are shown escaped. What stands after two exclamation marks is in trouble, and coloured where there are colours.
+ * its letters in another order, so they are shown escaped. What stands after two exclamation marks is in trouble, and
+ * coloured where there are colours.
  */
 public final class Page extends PrintWriter {
     /** Which exclamation marks are ours, and not those of a name; never printed. No character. */

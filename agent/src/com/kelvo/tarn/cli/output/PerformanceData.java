@@ -7,7 +7,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Objects;
 
-/** What monitoring draws graphs of, in the form of the guidelines for plugins: 'label'=value;warning;critical;min;max. */
+/** What monitoring draws graphs of, as the guidelines for plugins have it: 'label'=value;warning;critical;min;max. */
 public final class PerformanceData {
     private final List<String> data = new ArrayList<>();
 

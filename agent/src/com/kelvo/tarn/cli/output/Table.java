@@ -203,15 +203,15 @@ public final class Table<R> {
      * Prints it for programs: comma-separated values as RFC 4180 has them, apart from the lines' ends.
      *
      * @param out where
-     * @param raw whether cells are as they are; else what a spreadsheet would take for a formula has an apostrophe before
-     *     it, and control characters are escaped
+     * @param raw whether cells are as they are; else what a spreadsheet would take for a formula has an apostrophe
+     *     before it, and control characters are escaped
      */
     public void printCsv(PrintWriter out, boolean raw) {
         List<Column<R>> exact = columns.stream().filter(column -> column.exact != null).collect(Collectors.toList());
         out.print(exact.stream().map(column -> quoted(column.heading)).collect(Collectors.joining(",", "", "\n")));
         for (R row : rows) {
-            out.print(exact.stream().map(column -> quoted(raw ? column.exact.apply(row) : safe(column.exact.apply(row))))
-                          .collect(Collectors.joining(",", "", "\n")));
+            out.print(exact.stream().map(column -> column.exact.apply(row))
+                          .map(value -> quoted(raw ? value : safe(value))).collect(Collectors.joining(",", "", "\n")));
         }
     }
 
