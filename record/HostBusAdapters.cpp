@@ -98,7 +98,6 @@ struct MappingCounts {
 
 /// Makes the calls, in an asker.
 class LibraryAsker {
-
 public:
     explicit LibraryAsker(Teller &toTell) : teller(toTell) {
     }
