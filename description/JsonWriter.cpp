@@ -1,6 +1,7 @@
 #include "description/JsonWriter.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 #include <nlohmann/json.hpp>
@@ -66,11 +67,13 @@ void JsonWriter::separate() {
     }
     Level &level = levels.back();
     const bool isFirst = std::exchange(level.isEmpty, false);
+    if (!isFirst) {
+        document += ',';
+    }
     if (level.layout == Layout::lines) {
-        document += isFirst ? "" : ",";
         newLine();
-    } else {
-        document += isFirst ? "" : ", ";
+    } else if (!isFirst) {
+        document += ' ';
     }
 }
 
@@ -85,10 +88,17 @@ void JsonWriter::name(std::string_view text) {
     isNamed = true;
 }
 
+void JsonWriter::identifier(std::string_view text) {
+    separate();
+    quote(text);
+    document += ": ";
+    isNamed = true;
+}
+
 void JsonWriter::text(std::string_view bytes) {
     if (isPlain(bytes)) {
         separate();
-        document.append("\"").append(bytes).append("\"");
+        quote(bytes);
     } else if (const std::optional<std::string> string = escaped(bytes)) {
         separate();
         document += *string;
@@ -100,11 +110,22 @@ void JsonWriter::text(std::string_view bytes) {
     }
 }
 
+void JsonWriter::quote(std::string_view plain) {
+    document += '"';
+    document += plain;
+    document += '"';
+}
+
 void JsonWriter::hexBytes(std::span<const unsigned char> bytes, std::string_view separator) {
     separate();
     document += '"';
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        document.append(i == 0 ? "" : separator).append(tarn::hexDigits(bytes[i]).data(), 2);
+        if (i != 0 && !separator.empty()) {
+            document += separator;
+        }
+        const std::array<char, 2> digits = tarn::hexDigits(bytes[i]);
+        document += digits[0];
+        document += digits[1];
     }
     document += '"';
 }

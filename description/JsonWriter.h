@@ -41,6 +41,9 @@ public:
     /// Of the member whose value comes next: a text that `isText` takes.
     void name(std::string_view text);
 
+    /// Likewise an identifier, which needs no look: of a large host's text half is the names of its members.
+    void identifier(std::string_view text);
+
     /// A string, or {"hex": ...} of what is no UTF-8 text.
     void text(std::string_view bytes);
 
@@ -80,6 +83,8 @@ private:
 
     /// Before a member or an element.
     void separate();
+
+    void quote(std::string_view plain);
 
     TextSink sink;
     std::string document;                                  // what of it is not handed over

@@ -225,7 +225,7 @@ private:
     static void writeMember(JsonWriter &writer, const T &value, const T &usual) {
         constexpr const Member<T> &member = members<T>[row];
         if (!member.isSame(value, usual)) {
-            writer.name(member.name);
+            writer.identifier(member.name);
             member.write(writer, value, usual);
         }
     }

@@ -438,25 +438,14 @@ public:
     }
 
     void finish(std::size_t item) override {
-        const std::string path = pathOf(item);
         isKept[item] = true;
-        const bool isPlain = isPlainFile();
+        if (isPlainFile()) {
+            host.entries.push_back({pathOf(item), std::nullopt, description::positionLast});
+        } else {
+            addDevice(item);
+        }
+        entry = {};
         isRegular = false;
-        SeenEntry seen = std::exchange(entry, {});
-        if (isPlain) {
-            host.entries.push_back({path, std::nullopt, description::positionLast});
-            return;
-        }
-        if (seen.answers.outcomes[isRaw ? Question::openForRequests : Question::stat] == Outcomes::notAsked) {
-            notAsked(item, seen);
-        }
-        const Answers answers = choices.empty() ? Answers() : seen.answers;
-        const std::size_t group = groups.add(std::move(seen));
-        for (ArrayChoice &choice : choices) {
-            if (answers.outcomes[Question::inquiry] == 0 && answers.outcomes[Question::inquiryC0] == 0) {
-                choice.consider(answers, path, group, groups.groups[group].slices.size() - 1);
-            }
-        }
     }
 
     /// Keeps the directory's order when it is not that in which the description has its entries.
@@ -496,15 +485,29 @@ private:
         return directory + "/" + (*names)[item];
     }
 
+    void addDevice(std::size_t item) {
+        const Outcomes outcomes = entry.answers.outcomes;
+        if (outcomes[isRaw ? Question::openForRequests : Question::stat] == Outcomes::notAsked) {
+            notAsked(item);
+        }
+        const std::size_t index = groups.add(std::move(entry));
+        if (outcomes[Question::inquiry] == 0 && outcomes[Question::inquiryC0] == 0) {
+            const Group &group = groups.groups[index]; // whose answers to both are the entry's
+            for (ArrayChoice &choice : choices) {
+                choice.consider(group.answers, pathOf(item), index, group.slices.size() - 1);
+            }
+        }
+    }
+
     /// Told once for each disk.
-    void notAsked(std::size_t item, SeenEntry &seen) {
+    void notAsked(std::size_t item) {
         const auto hang = hanging.find(subject(item));
         if (hang == hanging.end() || hang->second.item == item) {
             return;
         }
-        seen.name = (*names)[item]; // of which nothing may have been told
+        entry.name = (*names)[item]; // of which nothing may have been told
         if (hang->second.isOfLink) {
-            seen.answers.outcomes[Question::readlink] = ETIMEDOUT;
+            entry.answers.outcomes[Question::readlink] = ETIMEDOUT;
         }
         if (!std::exchange(hang->second.isTold, true)) {
             report.notRead("disks", std::string(subject(item)) + " other slices",

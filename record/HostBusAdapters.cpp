@@ -99,7 +99,6 @@ struct MappingCounts {
 
 /// Makes the calls, in an asker.
 class LibraryAsker {
-
 public:
     explicit LibraryAsker(Teller &toTell) : teller(toTell) {
     }

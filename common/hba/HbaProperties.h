@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <utility>
 
 #include "common/hba/HbaCacheImpl.h"
 #include "common/jni/LocalFrame.h"
@@ -68,14 +69,14 @@ public:
     Values(HbaCacheImpl &cacheImpl, jobject valuesArray) : hba(cacheImpl), array(valuesArray) {
     }
 
-    /// Sets the properties of the table, in its order; `fields` has as many slots.
-    template <std::size_t rows, class Subject>
-    void set(const StaticFields<rows> &fields, const std::array<Property<Subject>, rows> &table,
-             Subject &subject) const {
-        for (std::size_t row = 0; row < rows; ++row) {
-            const jobject descriptor = needed(fields.value(row, table[row].name));
-            set(descriptor, table[row].value(hba, subject));
+    /// Sets the properties of the table, in its order, row by row as code of its own; `fields` has as many slots.
+    template <const auto &table, std::size_t rows, class Subject>
+    void set(const StaticFields<rows> &fields, Subject &subject) const {
+        static_assert(table.size() == rows);
+        [&]<std::size_t... row>(std::index_sequence<row...>) {
+            (setRow<table, row>(fields, subject), ...);
         }
+        (std::make_index_sequence<rows>());
     }
 
     /// Sets one property. A null value says that it has none.
@@ -97,6 +98,12 @@ public:
     }
 
 private:
+    template <const auto &table, std::size_t row, class Fields, class Subject>
+    void setRow(const Fields &fields, Subject &subject) const {
+        const jobject descriptor = needed(fields.value(row, table[row].name));
+        set(descriptor, table[row].value(hba, subject));
+    }
+
     HbaCacheImpl &hba;
     jobject array;
 };

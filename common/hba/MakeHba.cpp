@@ -37,7 +37,7 @@ jobject HbaCacheImpl::MakeHba(int adapterIndex, hba_AdapterAttributes &attribute
     });
     return makeInstance(48, &HbaClassNames::getHostBusAdapterClass, [&](jobject cimClass, const Values &values) {
         Adapter adapter{attributes, adapterIndex, cimClass};
-        values.set(hostBusAdapterProvider.field_properties, table, adapter);
+        values.set<table>(hostBusAdapterProvider.field_properties, adapter);
         values.setCaptions(hostBusAdapterProvider.field_captions, "Adapter " + std::to_string(adapterIndex));
     });
 }

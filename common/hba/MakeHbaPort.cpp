@@ -35,7 +35,7 @@ void HbaCacheImpl::PopulateHbaPortValues(jobject valuesArray, HBA_PortAttributes
     });
     const LocalFrame frame(env, portValuesCapacity);
     if (frame.isOpen()) {
-        Values(*this, valuesArray).set(hbaPortProvider.field_properties, table, port);
+        Values(*this, valuesArray).set<table>(hbaPortProvider.field_properties, port);
     }
 }
 

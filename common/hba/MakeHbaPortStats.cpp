@@ -28,7 +28,7 @@ jobject HbaCacheImpl::MakeHbaPortStats(HBA_PortAttributes &attributes, HBA_PortS
         {"crcErrors", Kind::counter<&Record::InvalidCRCCount>},
     });
     return makeInstance(44, &HbaClassNames::getFCPortStatisticsClass, [&](jobject, const Values &values) {
-        values.set(fcPortStatisticsProvider.field_properties, table, counters);
+        values.set<table>(fcPortStatisticsProvider.field_properties, counters);
     });
 }
 

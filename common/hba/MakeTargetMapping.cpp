@@ -32,7 +32,7 @@ jobject HbaCacheImpl::MakeTargetMapping(jobject hbaPort, jobject discoveredPort,
         values.set(needed(targetMappingProvider.field_antecedent.value()), hbaPort);
         values.set(needed(targetMappingProvider.field_dependent.value()), discoveredPort);
         Mapping mapping{entry.ScsiId, entry.FcpId, divineScsiBusNumber(entry)};
-        values.set(targetMappingProvider.field_properties, table, mapping);
+        values.set<table>(targetMappingProvider.field_properties, mapping);
     });
 }
 

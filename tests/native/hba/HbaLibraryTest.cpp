@@ -15,7 +15,6 @@
 #include "common/hba/RemotePortIndex.h"
 #include "common/hba/library/LibraryGuards.h"
 #include "common/hba/library/Limits.h"
-#include "common/hba/library/Messages.h"
 #include "common/hba/library/TargetMappingTable.h"
 #include "platform/replay/Replay.h"
 #include "tests/WrappedCalls.h"
