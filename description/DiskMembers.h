@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
+#include "common/system/DiskDevices.h"
 #include "description/Members.h"
 #include "description/ScsiCommands.h"
 
 // Disks, their slices and what else stands in the device directories.
 
 namespace description {
-
-inline constexpr std::size_t mostSlices = 26; // they are the minor nodes "a" to "z"
 
 inline constexpr NamedValue positions[] = {{"first", positionFirst}, {"last", positionLast}};
 
@@ -20,7 +19,7 @@ inline constexpr std::string_view callsByDescriptor[] = {"open",       "close", 
 inline constexpr std::string_view openModes[] = {"", " O_RDWR", " O_RDONLY", " O_RDWR|O_NDELAY", " O_RDONLY|O_NDELAY"};
 
 inline bool isCommand(std::string_view name) {
-    return std::ranges::find(scsiCommands, name, &ScsiCommand::name) != scsiCommands.end();
+    return std::ranges::find(scsiCommandNames, name, &ScsiCommandName::name) != scsiCommandNames.end();
 }
 
 inline bool isFailingCall(std::string_view call) {
@@ -115,7 +114,7 @@ struct SlicesForm {
 
     static void read(const Json &value, const Place &place, Slices &slices) {
         const Json::array_t &list = listOf(value, place);
-        requireRoom(list.size(), mostSlices, "slices", place);
+        requireRoom(list.size(), tarn::mostSlices, "slices", place);
         slices = std::vector<Slice>(list.size());
         std::vector<Slice> &into = slices.edit();
         for (std::size_t i = 0; i < list.size(); ++i) {
@@ -183,7 +182,7 @@ template <>
 inline void complete(const Json &, const Place &place, Disk &disk) {
     const Place slices = place.member("slices");
     for (std::size_t i = 0; i < disk.slices->size(); ++i) {
-        if (disk.place(i) >= mostSlices) {
+        if (disk.place(i) >= tarn::mostSlices) {
             const Place slice = slices.element(i);
             slice.member("place").refuse(std::to_string(disk.place(i)) + " is not in 0 to 25");
         }

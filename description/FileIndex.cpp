@@ -39,9 +39,9 @@ bool areSame(auto one, auto other) {
 FileIndex::FileIndex(const Host &host) : described(host) {
     for (std::uint32_t i = 0; i < host.disks.size(); ++i) {
         const Disk &disk = host.disks[i];
-        for (std::uint8_t slice = 0; slice < disk.slices->size(); ++slice) {
+        for (std::size_t slice = 0; slice < disk.slices->size(); ++slice) {
             for (const std::string &directory : *disk.directories) {
-                if (!add({i, slice, directory == rawDirectory ? rawDevice : blockDevice})) {
+                if (!add({i, static_cast<std::uint8_t>(slice), directory == rawDirectory ? rawDevice : blockDevice})) {
                     return;
                 }
             }

@@ -13,6 +13,7 @@
 #include <variant>
 #include <vector>
 
+#include "common/system/DiskDevices.h"
 #include "description/JsonWriter.h"
 #include "description/Sparse.h"
 #include "platform/solaris.h"
@@ -101,8 +102,8 @@ struct Slice {
     std::optional<Link> rawLink; // in /dev/rdsk
 };
 
-inline constexpr std::string_view blockDirectory = "/dev/dsk";
-inline constexpr std::string_view rawDirectory = "/dev/rdsk";
+inline constexpr std::string_view blockDirectory = tarn::dev_dsk;
+inline constexpr std::string_view rawDirectory = tarn::s_dev_rdsk;
 
 /// "s0" to "s7", and both directories.
 const std::vector<Slice> &usualSlices();

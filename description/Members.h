@@ -225,8 +225,7 @@ private:
     static void writeMember(JsonWriter &writer, const T &value, const T &usual) {
         constexpr const Member<T> &member = members<T>[row];
         if (!member.isSame(value, usual)) {
-            static constexpr PlainName name(member.name);
-            writer.name(name);
+            writer.name(member.name);
             member.write(writer, value, usual);
         }
     }
@@ -310,7 +309,7 @@ struct Form<HBA_WWN> {
         return std::ranges::equal(value.wwn, usual.wwn);
     }
     static void write(JsonWriter &writer, const HBA_WWN &value, const HBA_WWN &) {
-        writer.hexDigits(value.wwn);
+        writer.hexBytes(value.wwn, "");
     }
 };
 

@@ -52,6 +52,7 @@ struct ProcessorsForm {
     static void write(JsonWriter &writer, const std::map<processorid_t, Processor> &value,
                       const std::map<processorid_t, Processor> &) {
         std::vector<Processor> processors;
+        processors.reserve(value.size());
         for (const auto &[id, processor] : value) {
             processors.push_back(processor);
         }

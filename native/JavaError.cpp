@@ -1,6 +1,6 @@
 #include "native/JavaError.h"
 
-#include "common/jni/Jni.h"
+#include "common/jni/ClassProxy.h"
 #include "common/jni/LogLine.h"
 
 namespace tarn {
@@ -12,9 +12,8 @@ void ThrowJavaError(JNIEnv *env, const std::string &message) {
 void ThrowJavaError(JNIEnv *env, const char *message) {
     try {
         const jstring text = jni::newString(env, message);
-        const jclass runtimeException = jni::findClass(env, "java/lang/RuntimeException");
-        const jmethodID constructor = jni::methodId(env, runtimeException, "<init>", "(Ljava/lang/String;)V");
-        env->Throw(static_cast<jthrowable>(jni::newObject(env, runtimeException, constructor, text)));
+        const MadeClass runtimeException(env, "java/lang/RuntimeException", "(Ljava/lang/String;)V", Binding::atOnce);
+        env->Throw(static_cast<jthrowable>(runtimeException.make(text)));
     } catch (const JavaExceptionPending &) {
         // The exception that stopped this one is pending in its place.
     }

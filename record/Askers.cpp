@@ -432,10 +432,9 @@ public:
     Pool(const Pool &) = delete;
     Pool &operator=(const Pool &) = delete;
 
-    void run(const char *inquiryName, std::size_t itemCount, Inquiry &asked) {
-        name = inquiryName;
-        items = itemCount;
-        inquiry = &asked;
+    void gather(const std::vector<Part> &asked) {
+        parts = asked;
+        items = parts.empty() ? 0 : parts.back().first + parts.back().count;
         nextNew = 0;
         nextItem = 0;
         returned.clear();
@@ -474,8 +473,17 @@ private:
         writeWhole(commands.writer.descriptor, Command{true, static_cast<std::uint32_t>(slot), slots[slot].generation});
     }
 
+    const Part &partOf(std::size_t item) const {
+        return *std::ranges::find_if(parts, [&](const Part &part) { return item - part.first < part.count; });
+    }
+
+    std::string_view subjectOf(std::size_t item) const {
+        const Part &part = partOf(item);
+        return part.inquiry->subject(item - part.first);
+    }
+
     bool isOfBusySubject(std::size_t item) const {
-        const std::string_view subject = inquiry->subject(item);
+        const std::string_view subject = subjectOf(item);
         return !subject.empty() && std::ranges::find(busySubjects, subject) != busySubjects.end();
     }
 
@@ -484,7 +492,7 @@ private:
         busySubjects.clear();
         for (const Slot &slot : slots) {
             if (slot.state == Slot::busy && slot.finished < slot.batch.size()) {
-                busySubjects.push_back(inquiry->subject(slot.batch[slot.finished]));
+                busySubjects.push_back(subjectOf(slot.batch[slot.finished]));
             }
         }
     }
@@ -554,7 +562,8 @@ private:
             if (!item) {
                 break;
             }
-            const Request request = inquiry->request(*item);
+            const Part &part = partOf(*item);
+            const Request request = part.inquiry->request(*item - part.first);
             if (request.text.size() > region.texts.size()) {
                 fail(*item, "its name is too long to ask");
                 continue;
@@ -570,7 +579,7 @@ private:
             at += size;
             slot.batch.push_back(*item);
             if (most == 1) {
-                busySubjects.push_back(inquiry->subject(*item));
+                busySubjects.push_back(subjectOf(*item));
             }
         }
         if (slot.batch.empty()) {
@@ -705,8 +714,11 @@ private:
         }
         if (longest) {
             const Region &region = shared->regions[*longest];
-            report.waiting(name, nextItem, items, [&] {
-                return inquiry->nameOf(region.item.load(), region.call.load(), region.index.load());
+            const std::size_t item = region.item.load();
+            const Part &part = partOf(item);
+            const std::size_t done = nextItem > part.first ? nextItem - part.first : 0;
+            report.waiting(part.name, done, part.count, [&] {
+                return part.inquiry->nameOf(item - part.first, region.call.load(), region.index.load());
             });
         }
     }
@@ -718,7 +730,8 @@ private:
         slot.state = Slot::ending;
         slot.isStuck = false;
         writeWhole(commands.writer.descriptor, Command{false, static_cast<std::uint32_t>(index), slot.generation});
-        inquiry->hangs(item, call);
+        const Part &part = partOf(item);
+        part.inquiry->hangs(item - part.first, call);
         deliver({0, Frame::givenUp, static_cast<std::uint32_t>(item), call, region.index.load(), 0}, {});
     }
 
@@ -786,26 +799,29 @@ private:
     }
 
     void hand(const Frame &frame, std::span<const std::byte> data) {
+        const Part &part = partOf(frame.item);
+        Inquiry &inquiry = *part.inquiry;
+        const std::size_t item = frame.item - part.first;
         switch (frame.kind) {
         case Frame::answer:
-            inquiry->take(frame.item, {frame.call, frame.index, frame.error, data});
+            inquiry.take(item, {frame.call, frame.index, frame.error, data});
             return;
         case Frame::givenUp:
-            inquiry->giveUp(frame.item, frame.call, frame.index);
-            inquiry->finish(frame.item);
+            inquiry.giveUp(item, frame.call, frame.index);
+            inquiry.finish(item);
             break;
         case Frame::failed:
-            inquiry->fail(frame.item, {reinterpret_cast<const char *>(data.data()), data.size()});
+            inquiry.fail(item, {reinterpret_cast<const char *>(data.data()), data.size()});
             break;
         case Frame::finished:
-            inquiry->finish(frame.item);
+            inquiry.finish(item);
             break;
         }
         nextItem = frame.item + std::size_t{1};
         if (!kept.empty()) {
             kept.pop_front();
         }
-        report.progress(name, nextItem, items);
+        report.progress(part.name, item + 1, part.count);
     }
 
     /// Hands over what is known: who takes it drops what is not whole.
@@ -829,10 +845,9 @@ private:
     std::size_t deathsAtBirth = 0;
     std::array<Slot, mostAskers> slots;
 
-    // Of the inquiry that is being made.
-    const char *name = nullptr;
+    // Of the inquiries that are being made.
+    std::vector<Part> parts;
     std::size_t items = 0;
-    Inquiry *inquiry = nullptr;
     std::size_t nextNew = 0;                    // the first item that nobody was asked for
     std::deque<std::size_t> returned;           // items before it that nobody is asked for any more
     std::vector<std::string_view> busySubjects; // of which nothing is to be asked now
@@ -849,17 +864,25 @@ Askers::Askers(std::vector<Ask> waysToAsk, unsigned limit, Report &toReport)
 
 Askers::~Askers() = default;
 
-void Askers::run(const char *name, std::size_t items, Inquiry &inquiry) {
+void Askers::add(const char *name, std::size_t items, Inquiry &inquiry) {
+    const std::size_t first = parts.empty() ? 0 : parts.back().first + parts.back().count;
+    parts.push_back({name, first, items, &inquiry});
+}
+
+void Askers::gather() {
+    const std::vector<Part> asked = std::exchange(parts, {});
     if (pool != nullptr) {
-        pool->run(name, items, inquiry);
+        pool->gather(asked);
         return;
     }
-    for (std::size_t i = 0; i < items && !isStopped(); ++i) {
-        report.progress(name, i, items);
-        const Request request = inquiry.request(i);
-        DirectTeller teller(inquiry, i);
-        ways[request.kind](request.text, teller);
-        inquiry.finish(i);
+    for (const Part &part : asked) {
+        for (std::size_t i = 0; i < part.count && !isStopped(); ++i) {
+            report.progress(part.name, i, part.count);
+            const Request request = part.inquiry->request(i);
+            DirectTeller teller(*part.inquiry, i);
+            ways[request.kind](request.text, teller);
+            part.inquiry->finish(i);
+        }
     }
 }
 

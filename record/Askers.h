@@ -29,7 +29,7 @@ public:
     virtual void tell(unsigned call, int error, std::span<const std::byte> data = {}, unsigned index = 0) = 0;
 
     /// The most bytes that one call tells.
-    static constexpr std::size_t mostData = 128 * 1024;
+    static constexpr std::size_t mostData = std::size_t{128} * 1024;
 };
 
 /// Bytes as they are told, and back.
@@ -101,18 +101,30 @@ public:
     Askers(const Askers &) = delete;
     Askers &operator=(const Askers &) = delete;
 
-    /// Asks for that many items. `name` is that of the inquiry for the report's counts.
-    void run(const char *name, std::size_t items, Inquiry &inquiry);
+    /// That many items are to be asked for. `name` is that of the inquiry for the report's counts. Both last until all is
+    /// gathered.
+    void add(const char *name, std::size_t items, Inquiry &inquiry);
+
+    /// Asks for what was added, side by side; hands the answers over one inquiry after the other.
+    void gather();
 
     // Of what is asked, so that every module asks in its own way.
-    static constexpr std::size_t rawEntry = 0, rawLink = 1, blockEntry = 2, arrayPages = 3, adapters = 4,
-                                 fileSystem = 5;
+    static constexpr std::size_t rawEntry = 0, link = 1, blockEntry = 2, arrayPages = 3, nothing = 4, adapters = 5,
+                                 fileSystem = 6;
 
 private:
     class Pool;
 
+    struct Part {
+        const char *name;
+        std::size_t first; // item, of all that is asked for
+        std::size_t count;
+        Inquiry *inquiry;
+    };
+
     std::vector<Ask> ways;
     Report &report;
+    std::vector<Part> parts;
     std::unique_ptr<Pool> pool; // null without a limit
 };
 

@@ -6,14 +6,15 @@
 #include <iterator>
 #include <utility>
 
+#include "common/system/DiskDevices.h"
+#include "description/ScsiCommands.h"
+
 namespace record {
 namespace {
 
-constexpr std::size_t mostSlices = 26; // minor nodes "a" to "z"
 constexpr std::size_t usualSlices = 8;
 constexpr std::string_view deviceTree = "../../devices";
 constexpr std::string_view rawNode = ",raw";
-constexpr std::string_view powerPathPrefix = "emcpower";
 
 /// An entry's name, taken apart as names of disks are made: "c1t0d0" "s3", or "emcpower7" "d".
 struct NameParts {
@@ -37,9 +38,10 @@ NameParts takeApart(std::string_view name) {
         for (const char digit : number) {
             place = place * 10 + static_cast<unsigned>(digit - '0');
         }
-        return {name.substr(0, at - 1), name.substr(at - 1), place < mostSlices ? std::optional(place) : std::nullopt};
+        return {name.substr(0, at - 1), name.substr(at - 1),
+                place < tarn::mostSlices ? std::optional(place) : std::nullopt};
     }
-    if (name.starts_with(powerPathPrefix) && name.back() >= 'a' && name.back() <= 'z') {
+    if (name.starts_with(tarn::powerPathPrefix) && name.back() >= 'a' && name.back() <= 'z') {
         return {name.substr(0, name.size() - 1), name.substr(name.size() - 1), name.back() - 'a'};
     }
     return {name, {}, std::nullopt};
@@ -167,28 +169,15 @@ void describeAnswers(Answers &&answers, description::Disk &disk) {
     for (std::size_t i = 0; i < askedCommands.size(); ++i) {
         const auto question = static_cast<Question>(static_cast<std::size_t>(Question::inquiry) + i);
         if (!isUsual(outcome[question])) {
-            single(askedCommands[i], question);
+            single(description::nameOf(*askedCommands[i]), question);
         }
         if (outcome[question] == 0) {
-            disk.scsi.emplace(askedCommands[i], std::move(answers.commands[i]));
+            disk.scsi.emplace(description::nameOf(*askedCommands[i]), std::move(answers.commands[i]));
         }
     }
 }
 
 } // namespace
-
-std::string_view TextStore::keep(std::string_view text) {
-    constexpr std::size_t blockSize = 65536;
-    if (text.size() > room) {
-        room = std::max(blockSize, text.size());
-        end = blocks.emplace_back(std::make_unique_for_overwrite<char[]>(room)).get();
-    }
-    std::ranges::copy(text, end);
-    const std::string_view kept(end, text.size());
-    end += text.size();
-    room -= text.size();
-    return kept;
-}
 
 std::optional<description::Link> SeenLink::describe() const {
     switch (kind) {
@@ -199,7 +188,7 @@ std::optional<description::Link> SeenLink::describe() const {
     case link:
         break;
     }
-    return std::optional<description::Link>(std::in_place, std::string(text));
+    return std::optional<description::Link>(std::in_place, text);
 }
 
 bool Outcomes::agreesWith(const Outcomes &other) const {
@@ -269,7 +258,7 @@ void DiskGroups::reserve(std::size_t entries) {
 std::size_t DiskGroups::add(SeenEntry &&entry) {
     const NameParts parts = takeApart(entry.name);
     const auto fits = [&](const Group &group) {
-        return group.slices.size() < mostSlices && hasMajorOf(group, entry.device) &&
+        return group.slices.size() < tarn::mostSlices && hasMajorOf(group, entry.device) &&
                group.answers.agreesWith(entry.answers);
     };
     std::size_t chosen = groups.size();
@@ -295,7 +284,7 @@ std::size_t DiskGroups::add(SeenEntry &&entry) {
     SeenSlice &slice = group.slices.emplace_back();
     slice.suffix = parts.suffix;
     slice.place = parts.place;
-    (raw ? slice.rawLink : slice.link) = entry.link;
+    (raw ? slice.rawLink : slice.link) = std::move(entry.link);
     slice.device = entry.device;
     slice.partition = entry.partition;
     slice.isMounted = entry.isMounted;
@@ -307,7 +296,7 @@ std::size_t DiskGroups::add(SeenEntry &&entry) {
 std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDisks) {
     const auto putInOrder = [](Group &group) {
         const auto placeOf = [](const SeenSlice &slice) {
-            return slice.place.value_or(static_cast<unsigned>(mostSlices));
+            return slice.place.value_or(static_cast<unsigned>(tarn::mostSlices));
         };
         if (!std::ranges::is_sorted(group.slices, {}, placeOf)) {
             std::ranges::stable_sort(group.slices, {}, placeOf);
@@ -337,7 +326,7 @@ std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDis
         partner.isBlock = true;
         partner.answers.add(std::move(block.answers));
         for (std::size_t i = 0; i < block.slices.size(); ++i) {
-            partner.slices[i].link = block.slices[i].link;
+            partner.slices[i].link = std::move(block.slices[i].link);
             partner.slices[i].asked |= block.slices[i].asked;
             addTo(partner.slices[i].device, std::move(block.slices[i].device));
         }

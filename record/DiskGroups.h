@@ -2,13 +2,13 @@
 
 #include <array>
 #include <bitset>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "common/system/ScsiCommands.h"
 #include "description/Host.h"
 
 // What was seen of single directory entries, gathered into disks with slices.
@@ -36,9 +36,8 @@ enum class Question {
 };
 inline constexpr std::size_t questions = static_cast<std::size_t>(Question::logSense3B) + 1;
 
-/// The names of the commands that answer.
-inline constexpr std::array<std::string_view, 4> askedCommands = {"INQUIRY", "INQUIRY C0", "RECEIVE DIAGNOSTIC A0",
-                                                                  "LOG SENSE 3B"};
+inline constexpr std::array<const tarn::ScsiCommand *, 4> askedCommands = {
+    &tarn::standardInquiry, &tarn::inquiryC0, &tarn::receiveDiagnosticA0, &tarn::logSense3B};
 
 /// How the calls came out: 0, an errno, or not asked.
 class Outcomes {
@@ -84,23 +83,12 @@ struct Answers {
     void add(Answers &&other);
 };
 
-/// Keeps texts in one place for as long as it lives: a large host has tens of thousands of links.
-class TextStore {
-public:
-    std::string_view keep(std::string_view text);
-
-private:
-    std::vector<std::unique_ptr<char[]>> blocks;
-    std::size_t room = 0; // at the end of the last block
-    char *end = nullptr;
-};
-
 /// What readlink tells of an entry.
 struct SeenLink {
     enum Kind { unknown, none, link };
 
     Kind kind = unknown;
-    std::string_view text = {};
+    std::string text = {};
 
     /// Nothing when it is unknown.
     std::optional<description::Link> describe() const;
@@ -150,7 +138,7 @@ struct Group {
 /// The part of an entry's name that names its disk.
 std::string_view diskNameOf(std::string_view entryName);
 
-/// The entries of one directory. Their names and links have to stay as long as the groups.
+/// The entries of one directory. Their names have to stay as long as the groups.
 class DiskGroups {
 public:
     explicit DiskGroups(bool isRawDirectory) : raw(isRawDirectory) {

@@ -1,8 +1,5 @@
 #include <algorithm>
-#include <bit>
 #include <cstring>
-#include <deque>
-#include <functional>
 #include <iterator>
 #include <memory>
 #include <span>
@@ -13,7 +10,6 @@
 #include "common/system/Directory.h"
 #include "common/system/DiskDevices.h"
 #include "common/system/FileDescriptor.h"
-#include "description/ScsiCommands.h"
 #include "record/DiskGroups.h"
 #include "record/Recorder.h"
 
@@ -23,50 +19,23 @@ namespace record {
 namespace {
 
 constexpr std::size_t longestLink = 8192; // of what is kept of a link; the library takes less
-constexpr std::size_t longestName = 99;   // of an entry that the library opens to put requests to
-constexpr std::size_t inquirySize = 255;
-constexpr std::size_t pageSize = 65535;
 
-using Names = std::deque<std::string>;
+using Names = std::vector<std::string>;
 
-/// Whether two of the names have one hash.
-bool mayRepeat(const Names &names) {
-    std::vector<std::size_t> table(std::bit_ceil(2 * names.size() + 1)); // by hash; 0 is free
-    for (const std::string &name : names) {
-        const std::size_t hash = std::max<std::size_t>(std::hash<std::string>()(name), 1);
-        std::size_t at = hash & (table.size() - 1);
-        while (table[at] != 0) {
-            if (table[at] == hash) {
-                return true;
-            }
-            at = (at + 1) & (table.size() - 1);
-        }
-        table[at] = hash;
-    }
-    return false;
-}
-
-/// A directory that changes while it is read may show a name twice.
-void dropRepeated(Names &names) {
-    if (mayRepeat(names)) {
-        std::unordered_set<std::string> kept;
-        std::erase_if(names, [&](const std::string &name) { return !kept.insert(name).second; });
-    }
-}
-
-/// The names in a directory in its order, without "." and "..". Nothing when it cannot be opened.
+/// The names in a directory in its order, without "." and "..", and each once: one that changes while it is read may show
+/// a name twice. Nothing when it cannot be opened.
 std::optional<Names> namesIn(const char *path) {
     tarn::Directory directory(path);
     if (!directory.isOpen()) {
         return std::nullopt;
     }
     Names names;
+    std::unordered_set<std::string> seen = {".", ".."};
     while (const char *const name = directory.next()) {
-        if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) {
+        if (seen.insert(name).second) {
             names.emplace_back(name);
         }
     }
-    dropRepeated(names);
     return names;
 }
 
@@ -101,7 +70,7 @@ public:
     void askRaw(const std::string &path, Teller &teller) {
         askLink(path, teller);
         const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
-        if (name.size() <= longestName) {
+        if (tarn::fitsNameField(name)) {
             askRequests(path, name.ends_with(tarn::wholeDiskSlice), teller);
         }
         if (name.find(tarn::wholeDiskSlice) != std::string_view::npos && path.size() < tarn::scsiPathSize) {
@@ -120,8 +89,8 @@ public:
     void askPages(const std::string &path, Teller &teller) {
         tarn::FileDescriptor device = open(Question::openForCommands, path, tarn::openForCommands, teller);
         if (device.isOpen()) {
-            ask(device, Question::receiveDiagnosticA0, pageSize, teller);
-            ask(device, Question::logSense3B, pageSize, teller);
+            ask(device, Question::receiveDiagnosticA0, teller);
+            ask(device, Question::logSense3B, teller);
             close(device, teller);
         }
     }
@@ -192,36 +161,34 @@ private:
         if (!device.isOpen()) {
             return;
         }
-        const bool isAnswered = ask(device, Question::inquiry, inquirySize, teller);
+        const bool isAnswered = ask(device, Question::inquiry, teller);
         const bool isOfArray = isAnswered && std::ranges::any_of(arrays, [&](const tarn::ArrayNames &names) {
                                    return tarn::lunKind(names, data.data()).has_value();
                                });
         if (isOfArray || arrayPages) {
-            ask(device, Question::inquiryC0, inquirySize, teller);
+            ask(device, Question::inquiryC0, teller);
         }
         close(device, teller);
     }
 
     /// Tells the answer without the zeros at its end: what a command does not answer reads as zeros.
-    bool ask(const tarn::FileDescriptor &device, Question question, std::size_t size, Teller &teller) {
+    bool ask(const tarn::FileDescriptor &device, Question question, Teller &teller) {
         const std::size_t index = static_cast<std::size_t>(question) - static_cast<std::size_t>(Question::inquiry);
-        const description::ScsiCommand &known =
-            *std::ranges::find(description::scsiCommands, askedCommands[index], &description::ScsiCommand::name);
-        std::array<unsigned char, 10> cdb = known.cdb;
-        cdb[known.countAt] = static_cast<unsigned char>(size >> 8);
-        cdb[known.countAt + 1] = static_cast<unsigned char>(size);
-        std::fill_n(data.begin(), size, static_cast<unsigned char>(0));
+        const tarn::ScsiCommand &asked = *askedCommands[index];
+        std::array<unsigned char, 10> block = asked.block();
+        std::fill_n(data.begin(), asked.count, static_cast<unsigned char>(0));
         uscsi_cmd command{};
         command.uscsi_flags = USCSI_READ;
         command.uscsi_timeout = tarn::scsiTimeout;
-        command.uscsi_cdb = reinterpret_cast<char *>(cdb.data());
-        command.uscsi_cdblen = static_cast<uchar_t>(known.length);
+        command.uscsi_cdb = reinterpret_cast<char *>(block.data());
+        command.uscsi_cdblen = static_cast<uchar_t>(asked.length);
         command.uscsi_bufaddr = reinterpret_cast<char *>(data.data());
         command.uscsi_buflen = data.size();
         begin(question, teller);
         const int error = errorOf(solaris::ioctl(device.get(), USCSICMD, &command));
-        const auto last = std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(size)),
-                                       data.rend(), [](unsigned char byte) { return byte != 0; });
+        const auto last =
+            std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(asked.count)),
+                         data.rend(), [](unsigned char byte) { return byte != 0; });
         tell(question, error, std::as_bytes(std::span(data.begin(), last.base())), teller);
         return error == 0;
     }
@@ -229,7 +196,7 @@ private:
     std::span<const tarn::ArrayNames> arrays;
     bool arrayPages;
     std::array<char, longestLink> link;
-    std::array<unsigned char, pageSize> data;
+    std::array<unsigned char, tarn::dataBufferSize> data;
 };
 
 // A call as the report names it.
@@ -297,7 +264,7 @@ struct ArrayChoice {
 
     void consider(const Answers &answers, const std::string &path, std::size_t group, std::size_t slice) {
         const auto whole = [&](Question question) { // filled up with zeros
-            std::array<unsigned char, inquirySize> bytes{};
+            std::array<unsigned char, tarn::inquirySize> bytes{};
             std::ranges::copy(answers.command(question), bytes.begin());
             return bytes;
         };
@@ -320,8 +287,8 @@ public:
         }
     }
 
-    void run(Askers &askers) {
-        askers.run("array pages", luns.size(), *this);
+    void begin(Askers &askers) {
+        askers.add("array pages", luns.size(), *this);
     }
 
     Request request(std::size_t item) override {
@@ -371,7 +338,7 @@ public:
         }
     }
 
-    void walk(Askers &askers) {
+    void begin(Askers &askers) {
         names = namesIn(directory.c_str());
         if (!names) {
             report.notRead("disks", directory, errnoText(errno));
@@ -379,9 +346,16 @@ public:
         }
         groups.reserve(names->size());
         isKept.resize(names->size());
-        askers.run(directory.c_str(), names->size(), *this);
-        if (!isStopped()) {
-            ArrayPages(choices, groups.groups, report).run(askers);
+        askers.add(directory.c_str(), names->size(), *this);
+    }
+
+    void askForPages(Askers &askers) {
+        pages.emplace(choices, groups.groups, report).begin(askers);
+    }
+
+    void list() {
+        if (!names) {
+            return;
         }
         for (std::size_t i = 0; i < names->size(); ++i) {
             if (isKept[i]) {
@@ -392,8 +366,11 @@ public:
     }
 
     Request request(std::size_t item) override {
-        const bool isLinkOnly = isRaw && hanging.contains(subject(item));
-        return {isLinkOnly ? Askers::rawLink : isRaw ? Askers::rawEntry : Askers::blockEntry, pathOf(item)};
+        const auto hang = hanging.find(subject(item));
+        if (hang != hanging.end()) {
+            return {hang->second.isOfLink ? Askers::nothing : Askers::link, pathOf(item)};
+        }
+        return {isRaw ? Askers::rawEntry : Askers::blockEntry, pathOf(item)};
     }
 
     std::string_view subject(std::size_t item) const override {
@@ -407,7 +384,7 @@ public:
     /// A disk that hangs for one slice is not asked for the others.
     void hangs(std::size_t item, unsigned call) override {
         if (!isCommand(call)) {
-            hanging.try_emplace(subject(item), Hang{item});
+            hanging.try_emplace(subject(item), Hang{item, call == static_cast<unsigned>(Question::readlink)});
         }
     }
 
@@ -470,8 +447,8 @@ public:
             host.entries.push_back({path, std::nullopt, description::positionLast});
             return;
         }
-        if (isRaw && seen.answers.outcomes[Question::openForRequests] == Outcomes::notAsked) {
-            tellOfHang(item);
+        if (seen.answers.outcomes[isRaw ? Question::openForRequests : Question::stat] == Outcomes::notAsked) {
+            notAsked(item, seen);
         }
         const Answers answers = choices.empty() ? Answers() : seen.answers;
         const std::size_t group = groups.add(std::move(seen));
@@ -484,8 +461,8 @@ public:
 
     /// Keeps the directory's order when it is not that in which the description has its entries.
     void describeOrder() {
-        if (!names) {
-            return;
+        if (!names || (listed.empty() && !names->empty())) {
+            return; // nobody could be asked
         }
         auto next = listed.begin();
         const auto isNext = [&](std::string_view disk, std::string_view slice) {
@@ -519,19 +496,26 @@ private:
         return directory + "/" + (*names)[item];
     }
 
-    /// Once for each disk.
-    void tellOfHang(std::size_t item) {
+    /// Told once for each disk.
+    void notAsked(std::size_t item, SeenEntry &seen) {
         const auto hang = hanging.find(subject(item));
-        if (hang != hanging.end() && hang->second.item != item && !std::exchange(hang->second.isTold, true)) {
+        if (hang == hanging.end() || hang->second.item == item) {
+            return;
+        }
+        seen.name = (*names)[item]; // of which nothing may have been told
+        if (hang->second.isOfLink) {
+            seen.answers.outcomes[Question::readlink] = ETIMEDOUT;
+        }
+        if (!std::exchange(hang->second.isTold, true)) {
             report.notRead("disks", std::string(subject(item)) + " other slices",
-                           "not asked, since " + (*names)[hang->second.item] + " hangs");
+                           "not asked, since " + pathOf(hang->second.item) + " hangs");
         }
     }
 
     void takeLink(const Answer &answer, int &outcome) {
         if (answer.error == 0) {
             entry.link = {SeenLink::link,
-                          links.keep({reinterpret_cast<const char *>(answer.data.data()), answer.data.size()})};
+                          std::string(reinterpret_cast<const char *>(answer.data.data()), answer.data.size())};
         } else if (answer.error == EINVAL) {
             entry.link = {SeenLink::none};
             outcome = 0;
@@ -557,9 +541,10 @@ private:
     std::vector<std::string_view> listed; // the names of what is known
     DiskGroups groups;
     std::vector<ArrayChoice> choices;
-    TextStore links;
+    std::optional<ArrayPages> pages;
     struct Hang {
         std::size_t item; // that was asked for
+        bool isOfLink;
         bool isTold = false;
     };
     std::unordered_map<std::string_view, Hang> hanging; // by disk
@@ -591,6 +576,42 @@ void reportFailures(const Group &group, Report &report) {
     }
 }
 
+class Disks : public AskedSection {
+public:
+    Disks(const std::vector<tarn::ArrayNames> &arrays, description::Host &described, Report &toReport)
+        : host(described), report(toReport), raw(tarn::s_dev_rdsk, arrays, described, toReport),
+          block(tarn::dev_dsk, {}, described, toReport) {
+    }
+
+    void begin(Askers &askers) override {
+        raw.begin(askers);
+    }
+
+    void goOn(Askers &askers) override {
+        raw.askForPages(askers);
+        block.begin(askers);
+    }
+
+    void finish() override {
+        raw.list();
+        block.list();
+        std::vector<Group> groups = DiskGroups::join(std::move(raw.found()), std::move(block.found()));
+        host.disks.reserve(groups.size());
+        for (Group &group : groups) {
+            reportFailures(group, report);
+            host.disks.push_back(std::move(group).describe());
+        }
+        raw.describeOrder();
+        block.describeOrder();
+    }
+
+private:
+    description::Host &host;
+    Report &report;
+    Walk raw;
+    Walk block;
+};
+
 } // namespace
 
 Ask wayToAskDisk(std::size_t kind, const Options &options) {
@@ -600,31 +621,21 @@ Ask wayToAskDisk(std::size_t kind, const Options &options) {
         switch (kind) {
         case Askers::rawEntry:
             return asker->askRaw(path, teller);
-        case Askers::rawLink:
+        case Askers::link:
             return asker->askLink(path, teller);
         case Askers::blockEntry:
             return asker->askBlock(path, teller);
-        default:
+        case Askers::arrayPages:
             return asker->askPages(path, teller);
+        default:
+            return;
         }
     };
 }
 
-void recordDisks(const std::vector<tarn::ArrayNames> &arrays, Askers &askers, description::Host &host, Report &report) {
-    Walk raw(tarn::s_dev_rdsk, arrays, host, report);
-    raw.walk(askers);
-    Walk block(tarn::dev_dsk, {}, host, report);
-    if (!isStopped()) {
-        block.walk(askers);
-    }
-    std::vector<Group> groups = DiskGroups::join(std::move(raw.found()), std::move(block.found()));
-    host.disks.reserve(groups.size());
-    for (Group &group : groups) {
-        reportFailures(group, report);
-        host.disks.push_back(std::move(group).describe());
-    }
-    raw.describeOrder();
-    block.describeOrder();
+std::unique_ptr<AskedSection> diskSection(const std::vector<tarn::ArrayNames> &arrays, description::Host &host,
+                                          Report &report) {
+    return std::make_unique<Disks>(arrays, host, report);
 }
 
 } // namespace record

@@ -25,10 +25,20 @@ std::vector<std::string> mountPointsOf(const description::Host &host) {
     return mountPoints;
 }
 
-class Sizes : public Inquiry {
+class Sizes : public Inquiry, public AskedSection {
 public:
-    Sizes(const std::vector<std::string> &mounted, description::Host &described, Report &toReport)
-        : mountPoints(mounted), host(described), report(toReport) {
+    Sizes(description::Host &described, Report &toReport) : host(described), report(toReport) {
+    }
+
+    void begin(Askers &askers) override {
+        mountPoints = mountPointsOf(host);
+        askers.add("statvfs", mountPoints.size(), *this);
+    }
+
+    void finish() override {
+        if (!isStopped()) {
+            report.section("statvfs", std::to_string(told) + " of " + counted(mountPoints.size(), "file system"));
+        }
     }
 
     Request request(std::size_t item) override {
@@ -57,8 +67,6 @@ public:
     void finish(std::size_t) override {
     }
 
-    std::size_t told = 0;
-
 private:
     void refuse(std::size_t item, int error) {
         report.notRead("statvfs", mountPoints[item], errnoText(error));
@@ -67,7 +75,8 @@ private:
         }
     }
 
-    const std::vector<std::string> &mountPoints;
+    std::vector<std::string> mountPoints;
+    std::size_t told = 0;
     description::Host &host;
     Report &report;
 };
@@ -83,11 +92,8 @@ Ask wayToAskFileSystem() {
     };
 }
 
-void recordFileSystems(Askers &askers, description::Host &host, Report &report) {
-    const std::vector<std::string> mountPoints = mountPointsOf(host);
-    Sizes sizes(mountPoints, host, report);
-    askers.run("statvfs", mountPoints.size(), sizes);
-    report.section("statvfs", std::to_string(sizes.told) + " of " + counted(mountPoints.size(), "file system"));
+std::unique_ptr<AskedSection> fileSystemSection(description::Host &host, Report &report) {
+    return std::make_unique<Sizes>(host, report);
 }
 
 } // namespace record

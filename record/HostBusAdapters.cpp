@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "common/hba/library/AdapterWalk.h"
 #include "common/hba/library/LibraryGuards.h"
 #include "common/hba/library/Messages.h"
 #include "common/hba/library/TargetMappingTable.h"
@@ -97,6 +98,7 @@ struct MappingCounts {
 
 /// Makes the calls, in an asker.
 class LibraryAsker {
+
 public:
     explicit LibraryAsker(Teller &toTell) : teller(toTell) {
     }
@@ -167,7 +169,7 @@ private:
             return;
         }
         fetchTargetMapping(index);
-        const HBA_UINT32 ports = attributes.NumberOfPorts <= tarn::maximumPorts ? attributes.NumberOfPorts : 0;
+        const HBA_UINT32 ports = tarn::believed(attributes.NumberOfPorts, tarn::maximumPorts);
         for (HBA_UINT32 p = 0; p < ports; ++p) {
             askPort(p);
         }
@@ -202,8 +204,8 @@ private:
         HBA_PORTSTATISTICS statistics{};
         begin(Call::statistics, p);
         tell(Call::statistics, HBA_GetPortStatistics(handle, p, &statistics), bytesOf(statistics), p);
-        const HBA_UINT32 remotePorts = attributes.NumberofDiscoveredPorts;
-        for (HBA_UINT32 d = 0; d < (remotePorts <= tarn::maximumDiscoveredPorts ? remotePorts : 0); ++d) {
+        const HBA_UINT32 remotePorts = tarn::believed(attributes.NumberofDiscoveredPorts, tarn::maximumDiscoveredPorts);
+        for (HBA_UINT32 d = 0; d < remotePorts; ++d) {
             HBA_PORTATTRIBUTES remote{};
             begin(Call::discovered, d);
             tell(Call::discovered, HBA_GetDiscoveredPortAttributes(handle, p, d, &remote), bytesOf(remote), d);
@@ -220,19 +222,29 @@ constexpr HBA_STATUS timedOut = HBA_STATUS_ERROR_UNAVAILABLE;
 
 /// Puts together what is told. First one item is the walk over all adapters; where that ends in a call that hangs, each
 /// adapter behind it is an item, asked for by itself.
-class Adapters : public Inquiry {
+class Adapters : public Inquiry, public AskedSection, tarn::AdapterWalk<Adapters> {
+    friend AdapterWalk;
+
 public:
     Adapters(std::optional<description::Hba> &recorded, Report &toReport) : hba(recorded), report(toReport) {
     }
 
-    void run(Askers &askers) {
-        askers.run("hba", 1, *this);
-        if (isEnded && hba && !isStopped() && index + 1 < hba->adapters.size()) {
+    void begin(Askers &askers) override {
+        askers.add("hba", 1, *this);
+    }
+
+    void goOn(Askers &askers) override {
+        if (isEnded && hba && index + 1 < hba->adapters.size()) {
             firstSingle = index + std::size_t{1};
-            askers.run("hba", hba->adapters.size() - firstSingle, *this);
+            askers.add("hba", hba->adapters.size() - firstSingle, *this);
         }
+    }
+
+    void finish() override {
         if (hba) {
             settleAll();
+            report.section("hba", counted(hba->adapters.size(), "adapter") + ", " + counted(ports, "port") + ", " +
+                                      counted(remotePorts, "remote port") + ", " + counted(mappings, "mapping"));
         }
     }
 
@@ -240,7 +252,7 @@ public:
         return {Askers::adapters, firstSingle == 0 ? std::string() : std::to_string(firstSingle + item)};
     }
 
-    std::string nameOf(std::size_t, unsigned number, unsigned at) const override {
+    std::string nameOf(std::size_t item, unsigned number, unsigned at) const override {
         const auto call = static_cast<Call>(number);
         std::string name = callNames[number];
         if (call == Call::port || call == Call::statistics) {
@@ -248,8 +260,11 @@ public:
         } else if (call == Call::discovered) {
             name += " port " + std::to_string(portIndex) + " remote port " + std::to_string(at);
         }
-        return call <= Call::count || call == Call::free ? name
-                                                         : place(call < Call::port ? HBA_UINT32{at} : index, name);
+        if (call <= Call::count || call == Call::free || !hba) {
+            return name;
+        }
+        const HBA_UINT32 current = firstSingle == 0 ? index : static_cast<HBA_UINT32>(firstSingle + item);
+        return place(call < Call::port ? HBA_UINT32{at} : current, name);
     }
 
     void take(std::size_t item, const Answer &answer) override {
@@ -336,10 +351,6 @@ public:
 
     void finish(std::size_t) override {
     }
-
-    std::size_t ports = 0;
-    std::size_t remotePorts = 0;
-    std::size_t mappings = 0;
 
 private:
     void takeLoad(std::size_t item, HBA_STATUS status) {
@@ -453,15 +464,15 @@ private:
             if (call == Call::statistics) {
                 refuse(port.status.GetPortStatistics);
             }
-            const HBA_UINT32 discovered = port.attributes->NumberofDiscoveredPorts;
-            for (HBA_UINT32 d = call == Call::discovered ? at : 0;
-                 d < discovered && discovered <= tarn::maximumDiscoveredPorts; ++d) {
+            const HBA_UINT32 discovered =
+                tarn::believed(port.attributes->NumberofDiscoveredPorts, tarn::maximumDiscoveredPorts);
+            for (HBA_UINT32 d = call == Call::discovered ? at : 0; d < discovered; ++d) {
                 refuse(elementAt(port.discovered, d).status.GetDiscoveredPortAttributes);
             }
             firstPort = portIndex + 1;
         }
-        const HBA_UINT32 count = adapter->attributes->NumberOfPorts;
-        for (HBA_UINT32 p = firstPort; p < count && count <= tarn::maximumPorts; ++p) {
+        const HBA_UINT32 count = tarn::believed(adapter->attributes->NumberOfPorts, tarn::maximumPorts);
+        for (HBA_UINT32 p = firstPort; p < count; ++p) {
             refuse(elementAt(adapter->ports, p).status.GetAdapterPortAttributes);
         }
     }
@@ -469,19 +480,17 @@ private:
     /// Keeps the answer. Whether it is a refusal, which is reported.
     bool refuses(const Answer &answer, HBA_STATUS status, HbaAnswers &answers) {
         answers.statuses.push_back(status);
-        if (status != HBA_STATUS_OK && status != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
-            report.notRead("hba", nameOf(0, answer.call, answer.index), tarn::StatusString(status));
-        }
-        return status != HBA_STATUS_OK;
+        return AdapterWalk::refuses(answer, status);
     }
 
-    /// The count, or none, which is reported, when it is out of all reason.
-    HBA_UINT32 believed(const std::string &what, HBA_UINT32 count, HBA_UINT32 maximum) {
-        if (count <= maximum) {
-            return count;
+    void tellRefused(const Answer &answer, HBA_STATUS status) {
+        if (status != HBA_STATUS_ERROR_ILLEGAL_INDEX) {
+            report.notRead("hba", nameOf(index - firstSingle, answer.call, answer.index), tarn::StatusString(status));
         }
+    }
+
+    void tellTooMany(const std::string &what, HBA_UINT32 count, HBA_UINT32) {
         report.notRead("hba", place(index, what), "there cannot be " + std::to_string(count));
-        return 0;
     }
 
     static std::string place(HBA_UINT32 ofAdapter, const std::string &what) {
@@ -528,8 +537,11 @@ private:
     bool isCut = false;              // because the recorder was asked to stop
     std::vector<HBA_UINT32> unknown; // adapters of which the recorder learned nothing
 
+    std::size_t ports = 0;
+    std::size_t remotePorts = 0;
+    std::size_t mappings = 0;
+
     // What the walk has come to.
-    HBA_UINT32 index = 0;
     HbaAdapter *adapter = nullptr; // where its answers go
     HBA_UINT32 portIndex = 0;
     HBA_UINT32 claimedEntries = 0;
@@ -546,14 +558,8 @@ Ask wayToAskAdapters() {
     };
 }
 
-void recordHostBusAdapters(Askers &askers, description::Host &host, Report &report) {
-    Adapters adapters(host.hba, report);
-    adapters.run(askers);
-    if (host.hba) {
-        report.section("hba", counted(host.hba->adapters.size(), "adapter") + ", " + counted(adapters.ports, "port") +
-                                  ", " + counted(adapters.remotePorts, "remote port") + ", " +
-                                  counted(adapters.mappings, "mapping"));
-    }
+std::unique_ptr<AskedSection> hostBusAdapterSection(description::Host &host, Report &report) {
+    return std::make_unique<Adapters>(host.hba, report);
 }
 
 } // namespace record

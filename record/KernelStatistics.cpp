@@ -1,4 +1,3 @@
-#include "common/system/FieldText.h"
 #include "common/system/KernelChain.h"
 #include "record/Recorder.h"
 
@@ -6,19 +5,6 @@
 
 namespace record {
 namespace {
-
-/// Whether the libraries look at the record, even if it turns out not to be readable.
-bool isOfInterest(const kstat_t &record) {
-    const std::string_view name = tarn::fieldText(record.ks_name);
-    return (record.ks_type == KSTAT_TYPE_IO && tarn::fieldText(record.ks_class) == "disk") ||
-           (record.ks_type == KSTAT_TYPE_NAMED && tarn::fieldText(record.ks_class) == "device_error") ||
-           tarn::fieldText(record.ks_module) == "cpu_stat" || name.starts_with("cpu_stat") || name == "vminfo";
-}
-
-std::string nameOf(const kstat_t &record) {
-    return std::string(tarn::fieldText(record.ks_module)) + ":" + std::to_string(record.ks_instance) + ":" +
-           std::string(tarn::fieldText(record.ks_name));
-}
 
 /// The bytes that the record has; nothing when it cannot be read, with errno.
 template <class Data>
@@ -42,7 +28,7 @@ std::optional<std::size_t> readInto(const tarn::KernelChain &chain, kstat_t *sou
 /// that they cannot be read.
 void addSample(const tarn::KernelChain &chain, kstat_t *source, description::KernelRecord &record, Report &report) {
     const auto refuse = [&](int error) {
-        report.notRead("kstat", nameOf(*source), errnoText(error));
+        report.notRead("kstat", tarn::nameOf(*source), errnoText(error));
         record.samples.emplace_back(description::KernelReadFailure{error});
     };
     std::optional<description::KernelSample> sample = description::blankSample(*source);
@@ -77,7 +63,7 @@ void recordKernelStatistics(description::Host &host, Report &report) {
     kstat_t *const pagingCounters = chain.pagingCounters();
     std::optional<std::size_t> pagingRecord;
     for (kstat_t *source = chain.first(); source != nullptr; source = source->ks_next) {
-        if (!isOfInterest(*source)) {
+        if (!tarn::isOfInterest(*source)) {
             continue;
         }
         if (source == pagingCounters) {

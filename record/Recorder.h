@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include "common/system/ArrayLuns.h"
@@ -19,7 +20,7 @@ struct Options {
     unsigned timeout = 10;                // seconds that a call has; 0: no limit, and no other process asks
 };
 
-/// Everything, in an order that puts last what may hang; what is known so far when the recorder is asked to stop.
+/// Everything; what is known so far when the recorder is asked to stop.
 description::Host recordHost(const Options &options, Report &report);
 
 // The sections.
@@ -27,16 +28,32 @@ description::Host recordHost(const Options &options, Report &report);
 void recordSystem(description::Host &host, Report &report);
 void recordKernelStatistics(description::Host &host, Report &report);
 void recordMountTable(description::Host &host, Report &report);
-void recordDisks(const std::vector<tarn::ArrayNames> &arrays, Askers &askers, description::Host &host, Report &report);
-void recordHostBusAdapters(Askers &askers, description::Host &host, Report &report);
+
+/// A section that askers are asked for, beside others, so that what hangs in several is waited for once.
+class AskedSection {
+public:
+    virtual ~AskedSection() = default;
+    virtual void begin(Askers &askers) = 0;
+
+    /// Adds what is to be asked since the first answers are known.
+    virtual void goOn(Askers &) {
+    }
+
+    /// Describes what is known.
+    virtual void finish() = 0;
+};
+
+std::unique_ptr<AskedSection> diskSection(const std::vector<tarn::ArrayNames> &arrays, description::Host &host,
+                                          Report &report);
+std::unique_ptr<AskedSection> hostBusAdapterSection(description::Host &host, Report &report);
 
 /// The sizes of each UFS and NFS file system of the mount table.
-void recordFileSystems(Askers &askers, description::Host &host, Report &report);
+std::unique_ptr<AskedSection> fileSystemSection(description::Host &host, Report &report);
 
 // How askers ask.
 
-/// An entry of a device directory by its path: all of one in /dev/rdsk, its link, all of one in /dev/dsk, or a LUN's two
-/// large pages. `options` stay as they are.
+/// An entry of a device directory by its path: all of one in /dev/rdsk, its link, all of one in /dev/dsk, a LUN's two
+/// large pages, or nothing. `options` stay as they are.
 Ask wayToAskDisk(std::size_t kind, const Options &options);
 
 /// The HBA library: from an adapter on, or a single one.

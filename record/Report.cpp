@@ -43,14 +43,14 @@ void Report::finish(bool isStopped) {
 
 void Report::showProgress(const char *name, std::size_t done, std::size_t all, const std::string &more) {
     std::fprintf(stderr, "\r%s: %zu of %zu%s\033[K", name, done, all, tarn::printable(more).c_str());
-    std::fflush(stderr);
+    static_cast<void>(std::fflush(stderr));
     progressIsShown = true;
     lastShown = Clock::now();
 }
 
 void Report::clearProgress() {
     if (progressIsShown) {
-        std::fputs("\r\033[K", stderr);
+        static_cast<void>(std::fputs("\r\033[K", stderr));
         progressIsShown = false;
     }
 }

@@ -2,6 +2,7 @@
 #include <array>
 #include <ctime>
 #include <limits>
+#include <memory>
 #include <utility>
 
 #include "common/system/FieldText.h"
@@ -81,13 +82,9 @@ void recordSystem(description::Host &host, Report &report) {
 namespace {
 
 /// The whole text, without zeros, which no line holds, and with an end to its last line.
-std::string mountTableText(FILE *file, Report &report) {
+std::string mountTableText(tarn::MountTable &table, Report &report) {
     std::string text;
-    std::array<char, 4096> part;
-    while (const std::size_t size = std::fread(part.data(), 1, part.size(), file)) {
-        text.append(part.data(), size);
-    }
-    if (std::ferror(file) != 0) {
+    if (!table.readText(text)) {
         report.notRead("mnttab", "its end", errnoText(errno));
     }
     std::erase(text, '\0');
@@ -136,22 +133,34 @@ bool isTold(std::string_view line, const ToldEntry &told) {
 
 std::vector<ToldEntry> toldEntries() {
     std::vector<ToldEntry> told;
-    FILE *const file = solaris::fopen(tarn::mountTablePath, "r");
-    if (file == nullptr) {
-        return told;
-    }
-    struct mnttab entry {};
-    int result = 0;
-    while ((result = solaris::getmntent(file, &entry)) != -1) {
+    tarn::MountTable table;
+    const mnttab *entry = nullptr;
+    for (int result = 0; table.isOpen() && (result = table.next(entry)) != -1;) {
         told.push_back({result, {}});
         if (result == 0) {
             const auto text = [](const char *field) { return std::string(field == nullptr ? "" : field); };
-            told.back().fields = {text(entry.mnt_special), text(entry.mnt_mountp), text(entry.mnt_fstype),
-                                  text(entry.mnt_mntopts), text(entry.mnt_time)};
+            told.back().fields = {text(entry->mnt_special), text(entry->mnt_mountp), text(entry->mnt_fstype),
+                                  text(entry->mnt_mntopts), text(entry->mnt_time)};
         }
     }
-    solaris::fclose(file);
     return told;
+}
+
+/// The lines of the table's text. Nothing when it cannot be opened.
+std::optional<description::MountTable> mountTableLines(Report &report) {
+    tarn::MountTable table;
+    if (!table.isOpen()) {
+        report.notRead("mnttab", tarn::mountTablePath, errnoText(errno));
+        return std::nullopt;
+    }
+    const std::string text = mountTableText(table, report);
+    description::MountTable lines;
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t end = rest.find('\n');
+        lines.emplace_back(std::string(rest.substr(0, end)));
+        rest.remove_prefix(end + 1);
+    }
+    return lines;
 }
 
 } // namespace
@@ -159,29 +168,20 @@ std::vector<ToldEntry> toldEntries() {
 /// The lines of the text, which may be malformed; entries where getmntent tells more than they do, such as a kernel's
 /// table with a tab in a name.
 void recordMountTable(description::Host &host, Report &report) {
-    FILE *const file = solaris::fopen(tarn::mountTablePath, "r");
-    if (file == nullptr) {
-        report.notRead("mnttab", tarn::mountTablePath, errnoText(errno));
+    std::optional<description::MountTable> lines = mountTableLines(report);
+    if (!lines) {
         return;
-    }
-    const std::string text = mountTableText(file, report);
-    solaris::fclose(file);
-    description::MountTable lines;
-    for (std::string_view rest = text; !rest.empty();) {
-        const std::size_t end = rest.find('\n');
-        lines.emplace_back(std::string(rest.substr(0, end)));
-        rest.remove_prefix(end + 1);
     }
     std::vector<ToldEntry> told = toldEntries();
     const auto isOwnLine = [&](std::size_t i) {
-        return lines.size() == told.size() && isTold(std::get<std::string>(lines[i]), told[i]);
+        return lines->size() == told.size() && isTold(std::get<std::string>((*lines)[i]), told[i]);
     };
     description::MountTable table;
     for (std::size_t i = 0; i < told.size(); ++i) {
         ToldEntry &entry = told[i];
         const std::string line = lineOf(entry.fields);
         if (isOwnLine(i)) {
-            table.push_back(std::move(lines[i]));
+            table.push_back(std::move((*lines)[i]));
         } else if (entry.result != 0) {
             report.notRead("mnttab", "entry " + std::to_string(i + 1), "malformed");
         } else if (line.find('\n') == line.npos && isTold(line, entry)) {
@@ -198,7 +198,8 @@ namespace {
 
 std::vector<Ask> waysToAsk(const Options &options) {
     std::vector<Ask> ways;
-    for (const std::size_t kind : {Askers::rawEntry, Askers::rawLink, Askers::blockEntry, Askers::arrayPages}) {
+    for (const std::size_t kind :
+         {Askers::rawEntry, Askers::link, Askers::blockEntry, Askers::arrayPages, Askers::nothing}) {
         ways.push_back(wayToAskDisk(kind, options));
     }
     ways.push_back(wayToAskAdapters());
@@ -219,9 +220,20 @@ description::Host recordHost(const Options &options, Report &report) {
     };
     unlessStopped([&] { recordKernelStatistics(host, report); });
     unlessStopped([&] { recordMountTable(host, report); });
-    unlessStopped([&] { recordDisks(options.arrays, askers, host, report); });
-    unlessStopped([&] { recordHostBusAdapters(askers, host, report); });
-    unlessStopped([&] { recordFileSystems(askers, host, report); });
+    const std::unique_ptr<AskedSection> sections[] = {diskSection(options.arrays, host, report),
+                                                      hostBusAdapterSection(host, report),
+                                                      fileSystemSection(host, report)};
+    for (const auto step : {&AskedSection::begin, &AskedSection::goOn}) {
+        unlessStopped([&] {
+            for (const auto &section : sections) {
+                ((*section).*step)(askers);
+            }
+            askers.gather();
+        });
+    }
+    for (const auto &section : sections) {
+        section->finish();
+    }
     return host;
 }
 

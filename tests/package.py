@@ -22,7 +22,7 @@ TOOLS = "bash cksum cut dirname env find ls mkdir mktemp mv readlink rm sed sync
 
 
 def run(*command, **options):
-    return subprocess.run(command, capture_output=True, text=True, timeout=120, **options)
+    return subprocess.run(command, **{"capture_output": True, "text": True, "timeout": 120, **options})
 
 
 def must(*command, **options):
@@ -91,7 +91,28 @@ class Package(unittest.TestCase):
             self.assertIn(f".B {option}", explained)
         self.assertIn(built, must(recorder[0], "--version"))
         self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], [f"tarn-{VERSION}.jar"])
-        self.assertIn(f"\n## {VERSION} - ", must("head", "-n3", SOURCE / "CHANGELOG.md"))
+        self.assertEqual(re.search(r"^## (\S+) - ", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1], VERSION)
+
+    def test_another_clone_makes_the_same_bytes(self):
+        if not (SOURCE / ".git").exists() or must("git", "status", "--porcelain", cwd=SOURCE):
+            self.skipTest("this is no clone, or not as it was committed")
+        # Always in one place, where the compiler cache knows what was compiled there before, and nothing from here.
+        clone = BUILD.parent / "another-clone/of-this-tree"
+        shutil.rmtree(clone, ignore_errors=True)
+        must("git", "clone", "--quiet", "--shared", SOURCE, clone)
+        must("git", "checkout", "--quiet", must("git", "rev-parse", "HEAD", cwd=SOURCE).strip(), cwd=clone)
+        elsewhere = {"env": {name: value for name, value in os.environ.items() if not name.startswith("CCACHE_")} |
+                     {"TZ": "Asia/Tokyo"}, "cwd": clone, "umask": 0o077, "timeout": 1800}
+        must("cmake", "--preset", "release", **elsewhere)
+        must("cmake", "--build", "--preset", "release", "--target", "installable", **elsewhere)
+        must("cpack", "--config", "build/release/CPackConfig.cmake", "-G", "DEB", "-B", clone / "package", **elsewhere)
+        (deb,) = (clone / "package").glob("*.deb")
+        must("dpkg-deb", "-x", deb, SCRATCH / "another")
+        for path in tree(ROOT):
+            if (ROOT / path).is_file():
+                self.assertTrue((ROOT / path).read_bytes() == (SCRATCH / "another" / path).read_bytes(), path)
+        self.assertEqual(tree(ROOT), tree(SCRATCH / "another"))
+        self.assertEqual((deb.name, deb.read_bytes() == DEB.read_bytes()), (DEB.name, True), "the packages")
 
     def test_it_runs_from_anywhere(self):
         here = must(SOURCE / "tarn", "report", env={**os.environ, "TARN_HOST": ""})
@@ -235,7 +256,7 @@ class Package(unittest.TestCase):
 
     def test_the_class_data_archive(self):
         home = java_home("seventeen", "17.0.1")
-        cache, calls = SCRATCH / "cache", Path(home, "calls")
+        cache = SCRATCH / "cache"
         usr = SCRATCH / "archived"
         shutil.copytree(ROOT / "usr", usr, symlinks=True)
 

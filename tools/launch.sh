@@ -3,7 +3,8 @@
 #   jar            the agent's jar
 #   library_dir    the folder with the native library
 #   recorder       the program that records a host
-#   jar_dirs       where to look for the jars that the agent needs, first to last
+#   library_jars   the jars that the agent needs, without the ending
+#   jar_dirs       where to look for them, first to last
 #   archive_dir    where the class-data archive may be put; empty: none is used
 #   training       the commands whose classes belong into the archive, each a word of the array
 
@@ -56,7 +57,7 @@ find_jars() {
     local name dir found
     jars=("$jar")
     class_path=$jar
-    for name in picocli gson log4j-1.2-api log4j-api log4j-core; do
+    for name in "${library_jars[@]}"; do
         found=
         for dir in "${jar_dirs[@]}"; do
             if [ -f "$dir/$name.jar" ]; then

@@ -7,14 +7,15 @@ build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcry
                 openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java graphviz
                 node-d3)
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
-               libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck
+               libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck pyflakes3 eslint
                librust-libc-dev golang-golang-x-sys-dev libjna-platform-java
                chromium chromium-driver python3-selenium)
 bench_packages=(libbenchmark-dev)
 
 # What a virtual machine that runs the agent is to find, once it is built.
 class_path=$root/build/release/tarn.jar
-for jar in picocli gson log4j-1.2-api log4j-api log4j-core; do
+mapfile -t library_jars <"$root/tools/jars"
+for jar in "${library_jars[@]}"; do
     class_path+=:/usr/share/java/$jar.jar
 done
 

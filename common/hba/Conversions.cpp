@@ -1,16 +1,17 @@
 #include "common/hba/Conversions.h"
 
+#include <algorithm>
 #include <cstring>
+
+#include "common/system/Hexadecimal.h"
 
 namespace tarn {
 
 const char *toString(const HBA_wwn &wwn) {
-    static constexpr const char *digits = "0123456789abcdef";
     thread_local char text[2 * sizeof wwn.wwn + 1];
     char *next = text;
     for (const HBA_UINT8 byte : wwn.wwn) {
-        *next++ = digits[byte >> 4];
-        *next++ = digits[byte & 0x0f];
+        next = std::ranges::copy(hexDigits(byte), next).out;
     }
     *next = '\0';
     return text;

@@ -7,6 +7,7 @@
 #include "common/hba/HbaCacheImpl.h"
 #include "common/hba/LocalRoom.h"
 #include "common/hba/RemotePortIndex.h"
+#include "common/hba/library/AdapterWalk.h"
 #include "common/hba/library/Messages.h"
 #include "common/hba/library/TargetMappingTable.h"
 
@@ -14,14 +15,16 @@ namespace tarn {
 
 /// One walk over every adapter, port, remote port and target mapping. What the HBA library refuses becomes a line in the
 /// log and a hole in the result. A record goes into the result before its own arrays are filled.
-class HbaCacheImpl::Fill {
+class HbaCacheImpl::Fill : AdapterWalk<Fill> {
+    friend AdapterWalk;
+
 public:
     Fill(HbaCacheImpl &cacheImpl, jint grantedReferences)
         : cache(cacheImpl), env(cacheImpl.env), room(cacheImpl.env, grantedReferences, referencesBefore) {
     }
 
-    jobjectArray walkAdapters(jsize count) {
-        const jobjectArray result = jni::newObjectArray(env, count, cache.hbaRecord.cls);
+    jobjectArray walkAdapters(HBA_UINT32 count) {
+        const jobjectArray result = jni::newObjectArray(env, static_cast<jsize>(count), cache.hbaRecord.cls);
         for (index = 0; index < count; ++index) {
             walkAdapter(result);
         }
@@ -30,7 +33,7 @@ public:
 
 private:
     void walkAdapter(jobjectArray result) {
-        const WithAdapterHandle adapter(cache.library, static_cast<HBA_UINT32>(index), adapterName.data());
+        const WithAdapterHandle adapter(cache.library, index, adapterName.data());
         shownName = adapterName;
         terminateString(shownName.data(), adapterNameSize);
         handle = adapter.handle;
@@ -43,11 +46,11 @@ private:
             return;
         }
         room.take(3);
-        const jobject hba = cache.MakeHba(index, adapterAttributes);
-        const jsize portCount =
-            believed([] { return std::string("ports"); }, adapterAttributes.NumberOfPorts, maximumPorts);
+        const jobject hba = cache.MakeHba(place(), adapterAttributes);
+        const auto portCount = static_cast<jsize>(
+            believed([] { return std::string("ports"); }, adapterAttributes.NumberOfPorts, maximumPorts));
         const jobjectArray ports = jni::newObjectArray(env, portCount, cache.hbaPortRecord.cls);
-        jni::setElement(env, result, index, cache.hbaRecord.constructor.make(hba, ports));
+        jni::setElement(env, result, place(), cache.hbaRecord.make(hba, ports));
 
         fetchTargetMapping();
         room.reserve(std::int64_t{referencesPerPort} * portCount);
@@ -78,14 +81,14 @@ private:
             return;
         }
         room.take(referencesPerPort);
-        const jobject portInstance = cache.MakeHbaPort(index, p, portAttributes);
+        const jobject portInstance = cache.MakeHbaPort(place(), p, portAttributes);
         jobject statistics = nullptr;
         if (!refuses("GetPortStatistics", HBA_GetPortStatistics(handle, port, &portStatistics))) {
             statistics = cache.MakeHbaPortStats(portAttributes, portStatistics);
         }
         const jsize discoveredCount = believedDiscoveredPorts(port);
         const jobjectArray discovered = jni::newObjectArray(env, discoveredCount, cache.hbaDiscoveredPortRecord.cls);
-        jni::setElement(env, ports, p, cache.hbaPortRecord.constructor.make(portInstance, statistics, discovered));
+        jni::setElement(env, ports, p, cache.hbaPortRecord.make(portInstance, statistics, discovered));
 
         room.reserve(std::int64_t{referencesPerDiscoveredPort} * discoveredCount);
         for (jsize d = 0; d < discoveredCount; ++d) {
@@ -100,10 +103,10 @@ private:
             return;
         }
         room.take(referencesPerDiscoveredPort);
-        const jobject remote = cache.MakeHbaDiscoPort(index, p, discoveredAttributes);
+        const jobject remote = cache.MakeHbaDiscoPort(place(), p, discoveredAttributes);
         const auto matches = remotePorts.find(discoveredAttributes.PortWWN);
         const jobjectArray targets = jni::newObjectArray(env, static_cast<jsize>(matches.size()), cache.trInstance.cls);
-        jni::setElement(env, discovered, d, cache.hbaDiscoveredPortRecord.constructor.make(remote, targets));
+        jni::setElement(env, discovered, d, cache.hbaDiscoveredPortRecord.make(remote, targets));
 
         room.reserve(static_cast<std::int64_t>(matches.size()));
         jsize k = 0;
@@ -115,35 +118,28 @@ private:
         }
     }
 
-    /// Whether the call failed, which is logged.
-    bool refuses(const char *callName, HBA_STATUS status) {
-        if (status == HBA_STATUS_OK) {
-            return false;
-        }
-        warn([&] { return BadStatus(callName, status, index, shownName.data()); });
-        return true;
+    /// Of the adapter, in Java's arrays.
+    jsize place() const {
+        return static_cast<jsize>(index);
     }
 
-    /// The count, or none, which is logged, when it is out of all reason.
+    void tellRefused(const char *callName, HBA_STATUS status) {
+        warn([&] { return BadStatus(callName, status, index, shownName.data()); });
+    }
+
     template <class What>
-    jsize believed(What what, HBA_UINT32 count, HBA_UINT32 maximum) {
-        if (count <= maximum) {
-            return static_cast<jsize>(count);
-        }
+    void tellTooMany(What what, HBA_UINT32 count, HBA_UINT32 maximum) {
         warn([&] { return tooMany(what(), count, adapterText(index, shownName.data()), maximum); });
-        return 0;
     }
 
     /// The port's, or none when it says too many, or together with the ports before it.
     jsize believedDiscoveredPorts(HBA_UINT32 port) {
-        const jsize count = believed([port] { return discoveredPortsOf(port); }, portAttributes.NumberofDiscoveredPorts,
-                                     maximumDiscoveredPorts);
+        const HBA_UINT32 count = believed([port] { return discoveredPortsOf(port); },
+                                          portAttributes.NumberofDiscoveredPorts, maximumDiscoveredPorts);
         const auto complain = [&] {
-            warn([&] {
-                return tooManyTogether(port, static_cast<HBA_UINT32>(count), adapterText(index, shownName.data()));
-            });
+            warn([&] { return tooManyTogether(port, count, adapterText(index, shownName.data())); });
         };
-        return discoveredPorts.add(static_cast<HBA_UINT32>(count), complain) ? count : 0;
+        return discoveredPorts.add(count, complain) ? static_cast<jsize>(count) : 0;
     }
 
     /// A string, not the thread's one line of BadStatus: Java, asked for the log's class, may come back for a walk of its
@@ -167,8 +163,6 @@ private:
     LocalRoom room;
 
     // The adapter that the walk has come to.
-    jsize index = 0;
-    HBA_HANDLE handle = 0;
     std::array<char, adapterNameSize> adapterName{};
     std::array<char, adapterNameSize> shownName{}; // without what a Java string cannot hold
     HBA_ADAPTERATTRIBUTES adapterAttributes{};
@@ -184,17 +178,18 @@ private:
 constexpr std::size_t HbaCacheImpl::fillStack = sizeof(HbaCacheImpl) + sizeof(Fill);
 
 jobjectArray HbaCacheImpl::FillCache() {
-    constexpr jint referencesPerAdapter = 10;
+    constexpr HBA_UINT32 referencesPerAdapter = 10;
     const HBA_UINT32 count = HBA_GetNumberOfAdapters();
     if (count > maximumAdapters) {
         warn(tooMany("adapters", count, "the HBA library", maximumAdapters).c_str());
     }
-    const auto adapters = static_cast<jsize>(count <= maximumAdapters ? count : 0);
-    if (env->EnsureLocalCapacity(referencesPerAdapter * adapters) < 0) {
+    const HBA_UINT32 adapters = believed(count, maximumAdapters);
+    const auto references = static_cast<jint>(referencesPerAdapter * adapters);
+    if (env->EnsureLocalCapacity(references) < 0) {
         return nullptr;
     }
     try {
-        return Fill(*this, std::max(entryCapacity, referencesPerAdapter * adapters)).walkAdapters(adapters);
+        return Fill(*this, std::max(entryCapacity, references)).walkAdapters(adapters);
     } catch (const NoLocalRoom &) {
         return nullptr;
     }

@@ -30,14 +30,6 @@ void HbaCacheImpl::log(const char *level, const char *message) {
     });
 }
 
-HbaCacheImpl::Values HbaCacheImpl::defaultValues(jobject cimClass) {
-    return {trProperty, needed(jni::callObject(env, needed(cimClass), trClass.meth_getDefaultValues()))};
-}
-
-jobject HbaCacheImpl::makeInstance(jobject cimClass, const Values &values) {
-    return trInstance.constructor.make(needed(cimClass), values.object());
-}
-
 jobject HbaCacheImpl::nameOf(jobject cimClass) {
     return jni::callObject(env, needed(cimClass), trClass.meth_getName());
 }
@@ -47,7 +39,7 @@ jobject HbaCacheImpl::wwnText(const HBA_wwn &wwn) {
 }
 
 jobject HbaCacheImpl::uint32(HBA_UINT32 value) {
-    return unsignedInt32.constructor.make(jlong{value});
+    return unsignedInt32.make(jlong{value});
 }
 
 jobject HbaCacheImpl::uint64(long long value) {
@@ -59,7 +51,7 @@ jobject HbaCacheImpl::uint64(long long value) {
         buffer[k + 1] = static_cast<jbyte>(static_cast<unsigned long long>(value) >> (7 - k) * 8);
     }
     env->SetByteArrayRegion(bytes, 0, size, buffer.data());
-    return unsignedInt64.constructor.make(bytes);
+    return unsignedInt64.make(bytes);
 }
 
 jobject HbaCacheImpl::string(char *text, int size) {

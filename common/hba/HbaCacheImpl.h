@@ -70,11 +70,18 @@ private:
 
     class Fill;
     class SelfTest;
+
+    // See HbaProperties.h.
+    template <class Subject>
+    struct Property;
+    struct Kind;
     class Values;
 
-    /// A fresh values array of that CIM class, to be filled by property.
-    Values defaultValues(jobject cimClass);
-    jobject makeInstance(jobject cimClass, const Values &values);
+    /// Makes an instance of the class that `getClass` answers, in a local frame of that capacity. `setValues` gets the
+    /// class and its default values.
+    template <class SetValues>
+    jobject makeInstance(jint capacity, jobject (HbaClassNames::*getClass)() const, SetValues setValues);
+
     jobject nameOf(jobject cimClass);
     jobject wwnText(const HBA_wwn &wwn);
     jobject uint32(HBA_UINT32 value);
@@ -106,45 +113,6 @@ private:
     HbaClassNames hbaClassNames;
 
     WithHbaLibrary library; // loaded last, freed first
-};
-
-/// The values of an instance in the making.
-///
-///     values.at(provider.field_caption).set(caption);     // reads the descriptor, which knows the value's place
-class HbaCacheImpl::Values {
-public:
-    Values(TrProperty::Static &propertyClass, jobject valuesArray) : trProperty(propertyClass), array(valuesArray) {
-    }
-
-    class Property {
-    public:
-        /// A null value says that the property has none.
-        void set(jobject value) const {
-            jni::callVoid(trProperty.env, descriptor, trProperty.meth_set(), array, value);
-        }
-
-    private:
-        friend class Values;
-        Property(TrProperty::Static &propertyClass, jobject descriptorObject, jobject valuesArray)
-            : trProperty(propertyClass), descriptor(descriptorObject), array(valuesArray) {
-        }
-        TrProperty::Static &trProperty;
-        jobject descriptor;
-        jobject array;
-    };
-
-    /// Throws NoInstance when Java has no descriptor there.
-    Property at(PropertyField &field) const {
-        return {trProperty, needed(field.value()), array};
-    }
-
-    jobject object() const {
-        return array;
-    }
-
-private:
-    TrProperty::Static &trProperty;
-    jobject array;
 };
 
 } // namespace tarn

@@ -7,9 +7,6 @@
 
 namespace tarn {
 
-/// Room for local references is refused. Java may hold an exception that says so.
-class NoLocalRoom {};
-
 /// Keeps account of the room for local references in the current frame. The references stay until the native call ends,
 /// so a walk that leaves one for everything it finds asks for room as it goes, and ahead for a whole array. Requests grow
 /// by doubling, and count what was used before: some virtual machines take a capacity as what is to come, others, when

@@ -1,59 +1,63 @@
 #include <string>
 
-#include "common/hba/HbaCacheImpl.h"
-#include "common/jni/LocalFrame.h"
+#include "common/hba/HbaProperties.h"
 
 namespace tarn {
 
 void HbaCacheImpl::PopulateHbaPortValues(jobject valuesArray, HBA_PortAttributes &attributes) {
     const WithTracing tracing("PopulateHbaPortValues");
+    using Record = HBA_PortAttributes;
+    struct Port {
+        Record &record;
+    } port{attributes};
+    static constexpr auto table = std::to_array<Property<Port>>({
+        {"nodeWWN", Kind::wwn<&Record::NodeWWN>},
+        {"permanentAddress", Kind::wwn<&Record::PortWWN>},
+        {"portFcId", Kind::number<&Record::PortFcId>},
+        {"portType", Kind::code<&HbaCacheImpl::GetPortType, &Record::PortType>},
+        {"portState", Kind::code<&HbaCacheImpl::GetPortState, &Record::PortState>},
+        {"supportedCOS", Kind::code<&HbaCacheImpl::GetCOS, &Record::PortSupportedClassofService>},
+        {"name", Kind::text<&Record::PortSymbolicName>},
+        {"osDeviceName", Kind::text<&Record::OSDeviceName>},
+        {"maxSpeed", Kind::code<&HbaCacheImpl::GetPortSpeed, &Record::PortSupportedSpeed>},
+        {"speed", Kind::code<&HbaCacheImpl::GetPortSpeed, &Record::PortSpeed>},
+        {"supportedMaximumTransmissionUnit", Kind::counter<&Record::PortMaxFrameSize>},
+        {"fabricName", Kind::wwn<&Record::FabricName>},
+        {"deviceID", Kind::wwn<&Record::PortWWN>},
+        {"systemName", Kind::systemName},
+        {"systemCreationClassName", Kind::systemClassName},
+        {"operationalStatus",
+         [](HbaCacheImpl &hba, Port &of) -> jobject {
+             const jobjectArray statuses = jni::newObjectArray(hba.env, 1, hba.unsignedInt16.cls);
+             jni::setElement(hba.env, statuses, 0, hba.GetOperationalStatus(of.record.PortState));
+             return statuses;
+         }},
+    });
     const LocalFrame frame(env, portValuesCapacity);
-    if (!frame.isOpen()) {
-        return;
+    if (frame.isOpen()) {
+        Values(*this, valuesArray).set(hbaPortProvider.field_properties, table, port);
     }
-    const auto operationalStatus = [&] {
-        const jobjectArray statuses = jni::newObjectArray(env, 1, unsignedInt16.cls);
-        jni::setElement(env, statuses, 0, GetOperationalStatus(attributes.PortState));
-        return statuses;
-    };
-
-    const Values values(trProperty, valuesArray);
-    HbaPortProvider::Static &of = hbaPortProvider;
-    values.at(of.field_nodeWWN).set(wwnText(attributes.NodeWWN));
-    values.at(of.field_permanentAddress).set(wwnText(attributes.PortWWN));
-    values.at(of.field_portFcId).set(uint32(attributes.PortFcId));
-    values.at(of.field_portType).set(GetPortType(attributes.PortType));
-    values.at(of.field_portState).set(GetPortState(attributes.PortState));
-    values.at(of.field_supportedCOS).set(GetCOS(attributes.PortSupportedClassofService));
-    values.at(of.field_name).set(string(attributes.PortSymbolicName, 256));
-    values.at(of.field_osDeviceName).set(string(attributes.OSDeviceName, 256));
-    values.at(of.field_maxSpeed).set(GetPortSpeed(attributes.PortSupportedSpeed));
-    values.at(of.field_speed).set(GetPortSpeed(attributes.PortSpeed));
-    values.at(of.field_supportedMaximumTransmissionUnit).set(uint64(attributes.PortMaxFrameSize));
-    values.at(of.field_fabricName).set(wwnText(attributes.FabricName));
-    values.at(of.field_deviceID).set(wwnText(attributes.PortWWN));
-    values.at(of.field_systemName).set(hbaClassNames.getSystemName());
-    values.at(of.field_systemCreationClassName).set(nameOf(hbaClassNames.getComputerSystemClass()));
-    values.at(of.field_operationalStatus).set(operationalStatus());
 }
 
 jobject HbaCacheImpl::MakeHbaPort(int adapterIndex, int portIndex, HBA_PortAttributes &attributes) {
     const WithTracing tracing("MakeHbaPort");
-    return makeInLocalFrame(env, 20, [&] {
-        const jobject cimClass = hbaClassNames.getHbaPortClass();
-        const Values values = defaultValues(cimClass);
+    return makeInstance(20, &HbaClassNames::getHbaPortClass, [&](jobject cimClass, const Values &values) {
         PopulateHbaPortValues(values.object(), attributes);
+        const jobject creationClassName = needed(hbaPortProvider.field_creationClassName.value());
+        values.set(creationClassName, nameOf(cimClass));
+        values.setCaptions(hbaPortProvider.field_captions,
+                           "Adapter " + std::to_string(adapterIndex) + " Port " + std::to_string(portIndex));
+        const jobject portNumber = needed(hbaPortProvider.field_portNumber.value());
+        values.set(portNumber, unsignedInt16.make(jint{portIndex}));
+    });
+}
 
-        HbaPortProvider::Static &of = hbaPortProvider;
-        values.at(of.field_creationClassName).set(nameOf(cimClass));
-        const std::string text = "Adapter " + std::to_string(adapterIndex) + " Port " + std::to_string(portIndex);
-        const jobject caption = jni::newString(env, text.c_str());
-        values.at(of.field_caption).set(caption);
-        values.at(of.field_description).set(caption);
-        values.at(of.field_elementName).set(caption);
-        values.at(of.field_portNumber).set(unsignedInt16.constructor.make(jint{portIndex}));
-
-        return makeInstance(hbaClassNames.getHbaPortClass(), values);
+jobject HbaCacheImpl::MakeHbaDiscoPort(int, int, HBA_PortAttributes &attributes) {
+    const WithTracing tracing("MakeHbaDiscoPort");
+    return makeInstance(9, &HbaClassNames::getHbaDiscoveredPortClass, [&](jobject cimClass, const Values &values) {
+        PopulateHbaPortValues(values.object(), attributes);
+        const jobject className = nameOf(cimClass);
+        values.set(needed(hbaPortProvider.field_creationClassName.value()), className);
     });
 }
 

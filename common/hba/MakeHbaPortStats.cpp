@@ -1,32 +1,34 @@
-#include "common/hba/HbaCacheImpl.h"
-#include "common/jni/LocalFrame.h"
+#include "common/hba/HbaProperties.h"
 
 namespace tarn {
 
+/// A counter that the adapter does not keep has all bits set, and is passed on so.
 jobject HbaCacheImpl::MakeHbaPortStats(HBA_PortAttributes &attributes, HBA_PortStatistics &statistics) {
     const WithTracing tracing("MakeHbaPortStats");
-    return makeInLocalFrame(env, 44, [&] {
-        const jobject cimClass = hbaClassNames.getFCPortStatisticsClass();
-        const Values values = defaultValues(cimClass);
-
-        // A counter that the adapter does not keep has all bits set, and is passed on so.
-        FCPortStatisticsProvider::Static &of = fcPortStatisticsProvider;
-        values.at(of.field_elementName).set(wwnText(attributes.PortWWN));
-        values.at(of.field_instanceID).set(wwnText(attributes.PortWWN));
-        values.at(of.field_packetsTransmitted).set(uint64(statistics.TxFrames));
-        values.at(of.field_packetsReceived).set(uint64(statistics.RxFrames));
-        values.at(of.field_lipCount).set(uint64(statistics.LIPCount));
-        values.at(of.field_nosCount).set(uint64(statistics.NOSCount));
-        values.at(of.field_errorFrames).set(uint64(statistics.ErrorFrames));
-        values.at(of.field_dumpedFrames).set(uint64(statistics.DumpedFrames));
-        values.at(of.field_linkFailures).set(uint64(statistics.LinkFailureCount));
-        values.at(of.field_lossOfSyncCounter).set(uint64(statistics.LossOfSyncCount));
-        values.at(of.field_lossOfSignalCounter).set(uint64(statistics.LossOfSignalCount));
-        values.at(of.field_primitiveSeqProtocolErrCount).set(uint64(statistics.PrimitiveSeqProtocolErrCount));
-        values.at(of.field_invalidTransmissionWords).set(uint64(statistics.InvalidTxWordCount));
-        values.at(of.field_crcErrors).set(uint64(statistics.InvalidCRCCount));
-
-        return makeInstance(hbaClassNames.getFCPortStatisticsClass(), values);
+    using Record = HBA_PortStatistics;
+    struct PortCounters {
+        Record &record;
+        HBA_PortAttributes &port;
+    } counters{statistics, attributes};
+    constexpr auto portWWN = [](HbaCacheImpl &hba, PortCounters &of) { return hba.wwnText(of.port.PortWWN); };
+    static constexpr auto table = std::to_array<Property<PortCounters>>({
+        {"elementName", portWWN},
+        {"instanceID", portWWN},
+        {"packetsTransmitted", Kind::counter<&Record::TxFrames>},
+        {"packetsReceived", Kind::counter<&Record::RxFrames>},
+        {"lipCount", Kind::counter<&Record::LIPCount>},
+        {"nosCount", Kind::counter<&Record::NOSCount>},
+        {"errorFrames", Kind::counter<&Record::ErrorFrames>},
+        {"dumpedFrames", Kind::counter<&Record::DumpedFrames>},
+        {"linkFailures", Kind::counter<&Record::LinkFailureCount>},
+        {"lossOfSyncCounter", Kind::counter<&Record::LossOfSyncCount>},
+        {"lossOfSignalCounter", Kind::counter<&Record::LossOfSignalCount>},
+        {"primitiveSeqProtocolErrCount", Kind::counter<&Record::PrimitiveSeqProtocolErrCount>},
+        {"invalidTransmissionWords", Kind::counter<&Record::InvalidTxWordCount>},
+        {"crcErrors", Kind::counter<&Record::InvalidCRCCount>},
+    });
+    return makeInstance(44, &HbaClassNames::getFCPortStatisticsClass, [&](jobject, const Values &values) {
+        values.set(fcPortStatisticsProvider.field_properties, table, counters);
     });
 }
 

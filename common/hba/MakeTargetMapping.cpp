@@ -1,6 +1,5 @@
 #include "common/hba/DeviceNames.h"
-#include "common/hba/HbaCacheImpl.h"
-#include "common/jni/LocalFrame.h"
+#include "common/hba/HbaProperties.h"
 #include "common/system/FieldText.h"
 
 namespace tarn {
@@ -16,22 +15,24 @@ long long firstLevelLun(HBA_UINT64 fcpLun) {
 jobject HbaCacheImpl::MakeTargetMapping(jobject hbaPort, jobject discoveredPort, HBA_FcpScsiEntry &entry,
                                         hba_AdapterAttributes &) {
     const WithTracing tracing("MakeTargetMapping");
-    return makeInLocalFrame(env, 26, [&] {
-        const Values values = defaultValues(hbaClassNames.getTargetMappingClass());
-        HBA_SCSIID &scsi = entry.ScsiId;
-
-        TargetMappingProvider::Static &of = targetMappingProvider;
-        values.at(of.field_antecedent).set(hbaPort);
-        values.at(of.field_dependent).set(discoveredPort);
-        const HBA_UINT32 bus = divineScsiBusNumber(entry);
-        values.at(of.field_scsiBus).set(uint32(bus));
-        values.at(of.field_targetId).set(uint32(scsi.ScsiTargetNumber));
-        values.at(of.field_scsiLun).set(uint32(scsi.ScsiOSLun));
-        values.at(of.field_osDeviceName).set(osDeviceName(scsi, bus));
-        values.at(of.field_exportedLUN).set(uint64(firstLevelLun(entry.FcpId.FcpLun)));
-        values.at(of.field_discoveredPortWWN).set(wwnText(entry.FcpId.PortWWN));
-
-        return makeInstance(hbaClassNames.getTargetMappingClass(), values);
+    struct Mapping {
+        HBA_SCSIID &record;
+        HBA_FCPID &fcp;
+        HBA_UINT32 bus;
+    };
+    static constexpr auto table = std::to_array<Property<Mapping>>({
+        {"scsiBus", [](HbaCacheImpl &hba, Mapping &of) { return hba.uint32(of.bus); }},
+        {"targetId", Kind::number<&HBA_SCSIID::ScsiTargetNumber>},
+        {"scsiLun", Kind::number<&HBA_SCSIID::ScsiOSLun>},
+        {"osDeviceName", [](HbaCacheImpl &hba, Mapping &of) { return hba.osDeviceName(of.record, of.bus); }},
+        {"exportedLUN", [](HbaCacheImpl &hba, Mapping &of) { return hba.uint64(firstLevelLun(of.fcp.FcpLun)); }},
+        {"discoveredPortWWN", [](HbaCacheImpl &hba, Mapping &of) { return hba.wwnText(of.fcp.PortWWN); }},
+    });
+    return makeInstance(26, &HbaClassNames::getTargetMappingClass, [&](jobject, const Values &values) {
+        values.set(needed(targetMappingProvider.field_antecedent.value()), hbaPort);
+        values.set(needed(targetMappingProvider.field_dependent.value()), discoveredPort);
+        Mapping mapping{entry.ScsiId, entry.FcpId, divineScsiBusNumber(entry)};
+        values.set(targetMappingProvider.field_properties, table, mapping);
     });
 }
 

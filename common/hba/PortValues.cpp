@@ -1,4 +1,6 @@
+#include <array>
 #include <bit>
+#include <cstddef>
 
 #include "common/hba/HbaCacheImpl.h"
 #include "common/jni/LocalFrame.h"
@@ -6,98 +8,98 @@
 namespace tarn {
 namespace {
 
+constexpr unsigned int anyOther = ~0U; // code of a table's last row
+
+/// A code of the HBA API, and the static field of HbaPortProvider with the CIM value.
+struct Code {
+    unsigned int code;
+    const char *field;
+    unsigned int status = anyOther; ///< operational, of a port in that state
+};
+
 constexpr unsigned int portTypeEPort = 9; // which some releases of the published header leave unnamed
+
+constexpr auto portTypes = std::to_array<Code>({
+    {HBA_PORTTYPE_OTHER, "PORT_TYPE_OTHER"},
+    {HBA_PORTTYPE_NPORT, "PORT_TYPE_N"},
+    {HBA_PORTTYPE_NLPORT, "PORT_TYPE_NL"},
+    {HBA_PORTTYPE_FLPORT, "PORT_TYPE_FL"},
+    {HBA_PORTTYPE_FPORT, "PORT_TYPE_F"},
+    {portTypeEPort, "PORT_TYPE_E"},
+    {anyOther, "PORT_TYPE_UNKNOWN"},
+});
+
+enum Status : unsigned int { ok, inService, error };
+
+constexpr auto statuses = std::to_array<Code>({
+    {ok, "OPERATIONAL_STATUS_OK"},
+    {inService, "OPERATIONAL_STATUS_IN_SERVICE"},
+    {error, "OPERATIONAL_STATUS_ERROR"},
+    {anyOther, "OPERATIONAL_STATUS_UNKNOWN"},
+});
+
+constexpr auto portStates = std::to_array<Code>({
+    {HBA_PORTSTATE_ONLINE, "PORT_STATE_ONLINE", ok},
+    {HBA_PORTSTATE_OFFLINE, "PORT_STATE_OFFLINE", inService},
+    {HBA_PORTSTATE_BYPASSED, "PORT_STATE_BYPASSED", inService},
+    {HBA_PORTSTATE_DIAGNOSTICS, "PORT_STATE_DIAGNOSTICS", inService},
+    {HBA_PORTSTATE_LINKDOWN, "PORT_STATE_LINK_DOWN", error},
+    {HBA_PORTSTATE_ERROR, "PORT_STATE_ERROR", error},
+    {HBA_PORTSTATE_LOOPBACK, "PORT_STATE_LOOPBACK", inService},
+    {anyOther, "PORT_STATE_UNKNOWN"},
+});
+
+/// By the number of the bit.
+constexpr auto classesOfBits = std::to_array<Code>({
+    {0, "SUPPORTED_COS_F"},
+    {1, "SUPPORTED_COS_1"},
+    {2, "SUPPORTED_COS_2"},
+    {3, "SUPPORTED_COS_3"},
+    {4, "SUPPORTED_COS_4"},
+    {6, "SUPPORTED_COS_6"},
+    {anyOther, "SUPPORTED_COS_UNKNOWN"},
+});
 
 // Classes of service that the API names are provided for in the frame of the port's values; a mask of undefined bits
 // brings up to 32 elements.
 constexpr jsize namedClasses = 6;
 
+template <std::size_t rows>
+std::size_t rowOf(const std::array<Code, rows> &table, unsigned int code) {
+    std::size_t row = 0;
+    while (row < rows - 1 && table[row].code != code) {
+        ++row;
+    }
+    return row;
+}
+
+/// The CIM value of a code; `fields` has a slot for each row of the table.
+template <std::size_t rows>
+jobject valueOf(const StaticFields<rows> &fields, const std::array<Code, rows> &table, unsigned int code) {
+    const std::size_t row = rowOf(table, code);
+    return fields.value(row, table[row].field);
+}
+
 } // namespace
 
 jobject HbaCacheImpl::GetPortType(unsigned int portType) {
     const WithTracing tracing("GetPortType");
-    HbaPortProvider::Static &of = hbaPortProvider;
-    switch (portType) {
-    case HBA_PORTTYPE_OTHER:
-        return of.field_PORT_TYPE_OTHER.value();
-    case HBA_PORTTYPE_NPORT:
-        return of.field_PORT_TYPE_N.value();
-    case HBA_PORTTYPE_NLPORT:
-        return of.field_PORT_TYPE_NL.value();
-    case HBA_PORTTYPE_FLPORT:
-        return of.field_PORT_TYPE_FL.value();
-    case HBA_PORTTYPE_FPORT:
-        return of.field_PORT_TYPE_F.value();
-    case portTypeEPort:
-        return of.field_PORT_TYPE_E.value();
-    default:
-        return of.field_PORT_TYPE_UNKNOWN.value();
-    }
+    return valueOf(hbaPortProvider.field_PORT_TYPE, portTypes, portType);
 }
 
 jobject HbaCacheImpl::GetPortState(unsigned int portState) {
     const WithTracing tracing("GetPortState");
-    HbaPortProvider::Static &of = hbaPortProvider;
-    switch (portState) {
-    case HBA_PORTSTATE_ONLINE:
-        return of.field_PORT_STATE_ONLINE.value();
-    case HBA_PORTSTATE_OFFLINE:
-        return of.field_PORT_STATE_OFFLINE.value();
-    case HBA_PORTSTATE_BYPASSED:
-        return of.field_PORT_STATE_BYPASSED.value();
-    case HBA_PORTSTATE_DIAGNOSTICS:
-        return of.field_PORT_STATE_DIAGNOSTICS.value();
-    case HBA_PORTSTATE_LINKDOWN:
-        return of.field_PORT_STATE_LINK_DOWN.value();
-    case HBA_PORTSTATE_ERROR:
-        return of.field_PORT_STATE_ERROR.value();
-    case HBA_PORTSTATE_LOOPBACK:
-        return of.field_PORT_STATE_LOOPBACK.value();
-    default:
-        return of.field_PORT_STATE_UNKNOWN.value();
-    }
+    return valueOf(hbaPortProvider.field_PORT_STATE, portStates, portState);
 }
 
 jobject HbaCacheImpl::GetOperationalStatus(unsigned int portState) {
     const WithTracing tracing("GetOperationalStatus");
-    HbaPortProvider::Static &of = hbaPortProvider;
-    switch (portState) {
-    case HBA_PORTSTATE_ONLINE:
-        return of.field_OPERATIONAL_STATUS_OK.value();
-    case HBA_PORTSTATE_OFFLINE:
-    case HBA_PORTSTATE_BYPASSED:
-    case HBA_PORTSTATE_DIAGNOSTICS:
-    case HBA_PORTSTATE_LOOPBACK:
-        return of.field_OPERATIONAL_STATUS_IN_SERVICE.value();
-    case HBA_PORTSTATE_LINKDOWN:
-    case HBA_PORTSTATE_ERROR:
-        return of.field_OPERATIONAL_STATUS_ERROR.value();
-    default:
-        return of.field_OPERATIONAL_STATUS_UNKNOWN.value();
-    }
+    const Code &state = portStates[rowOf(portStates, portState)];
+    return valueOf(hbaPortProvider.field_OPERATIONAL_STATUS, statuses, state.status);
 }
 
 jobject HbaCacheImpl::GetCOS(unsigned int classesOfService) {
     const WithTracing tracing("GetCOS");
-    HbaPortProvider::Static &of = hbaPortProvider;
-    const auto classOfBit = [&](int bit) -> EnumerationField & {
-        switch (bit) {
-        case 0:
-            return of.field_SUPPORTED_COS_F;
-        case 1:
-            return of.field_SUPPORTED_COS_1;
-        case 2:
-            return of.field_SUPPORTED_COS_2;
-        case 3:
-            return of.field_SUPPORTED_COS_3;
-        case 4:
-            return of.field_SUPPORTED_COS_4;
-        case 6:
-            return of.field_SUPPORTED_COS_6;
-        default:
-            return of.field_SUPPORTED_COS_UNKNOWN;
-        }
-    };
     const jsize count = std::popcount(classesOfService);
     if (count > namedClasses && env->EnsureLocalCapacity(count + portValuesCapacity) < 0) {
         env->ExceptionClear();
@@ -107,7 +109,9 @@ jobject HbaCacheImpl::GetCOS(unsigned int classesOfService) {
     jsize next = 0;
     for (int bit = 0; bit < 32; ++bit) {
         if ((classesOfService >> bit & 1U) != 0) {
-            jni::setElement(env, classes, next++, classOfBit(bit).value());
+            jni::setElement(
+                env, classes, next++,
+                valueOf(hbaPortProvider.field_SUPPORTED_COS, classesOfBits, static_cast<unsigned int>(bit)));
         }
     }
     return classes;

@@ -4,17 +4,23 @@
 
 #include "common/hba/Conversions.h"
 #include "common/hba/HbaCacheImpl.h"
+#include "common/hba/library/AdapterWalk.h"
 #include "common/hba/library/Messages.h"
 #include "common/hba/library/TargetMappingTable.h"
 
 namespace tarn {
 
+struct ListMembers : NamedClass<"java/util/List"> {
+    using NamedClass::NamedClass;
+    InstanceMethod meth_add{*this, "add", "(Ljava/lang/Object;)Z", Binding::atOnce};
+};
+
 /// One walk over all that the HBA library reports, as lines of a Java list. Whatever it refuses is a line like any other.
-class HbaCacheImpl::SelfTest {
+class HbaCacheImpl::SelfTest : AdapterWalk<SelfTest> {
+    friend AdapterWalk;
+
 public:
-    SelfTest(HbaCacheImpl &cacheImpl, jobject lines)
-        : library(cacheImpl.library), env(cacheImpl.env), list(lines),
-          listAdd(jni::methodId(env, jni::findClass(env, "java/util/List"), "add", "(Ljava/lang/Object;)Z")) {
+    SelfTest(HbaCacheImpl &cacheImpl, jobject lines) : library(cacheImpl.library), env(cacheImpl.env), list(lines) {
     }
 
     void walkAdapters() {
@@ -23,15 +29,14 @@ public:
             addLine("%s", tooMany("adapters", count, "the HBA library", maximumAdapters).c_str());
             return;
         }
-        for (HBA_UINT32 i = 0; i < count; ++i) {
-            index = static_cast<int>(i);
+        for (index = 0; index < count; ++index) {
             walkAdapter();
         }
     }
 
 private:
     void walkAdapter() {
-        const WithAdapterHandle adapter(library, static_cast<HBA_UINT32>(index), name.data());
+        const WithAdapterHandle adapter(library, index, name.data());
         handle = adapter.handle;
         const bool isRefreshed = handle != 0 && refreshInformation(handle, name.data());
         terminateString(name.data(), adapterNameSize); // what a Java string cannot hold is not shown
@@ -43,7 +48,7 @@ private:
         if (refuses("GetAdapterAttributes", HBA_GetAdapterAttributes(handle, &attributes))) {
             return;
         }
-        addLine("HBA %d name(%s) NWWN=%s", index, name.data(), toString(attributes.NodeWWN));
+        addLine("HBA %u name(%s) NWWN=%s", index, name.data(), toString(attributes.NodeWWN));
         addLine("  manufacturer(%s) serial(%s) model(%s) descr(%s)", terminateString(attributes.Manufacturer, 64),
                 terminateString(attributes.SerialNumber, 64), terminateString(attributes.Model, 256),
                 terminateString(attributes.ModelDescription, 256));
@@ -99,23 +104,13 @@ private:
         mapping.release();
     }
 
-    /// Whether the call failed, which gets its line.
-    bool refuses(const char *callName, HBA_STATUS status) {
-        if (status == HBA_STATUS_OK) {
-            return false;
-        }
+    void tellRefused(const char *callName, HBA_STATUS status) {
         addLine("%s", BadStatus(callName, status, index, name.data()));
-        return true;
     }
 
-    /// The count, or none, which gets its line, when it is out of all reason.
     template <class What>
-    HBA_UINT32 believed(What what, HBA_UINT32 count, HBA_UINT32 maximum) {
-        if (count <= maximum) {
-            return count;
-        }
+    void tellTooMany(What what, HBA_UINT32 count, HBA_UINT32 maximum) {
         addLine("%s", tooMany(what(), count, adapterText(index, name.data()), maximum).c_str());
-        return 0;
     }
 
     __attribute__((format(printf, 2, 3))) void addLine(const char *format, ...) {
@@ -125,18 +120,16 @@ private:
         // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the line above has initialised it
         static_cast<void>(std::vsnprintf(line.data(), line.size(), format, arguments));
         va_end(arguments);
-        const jni::LocalRef<jstring> text(env, jni::newString(env, line.data()));
-        jni::callBoolean(env, list, listAdd, text.get());
+        const jni::LocalString text(env, line.data());
+        jni::callBoolean(env, list, listClass.meth_add(), text.get());
     }
 
     WithHbaLibrary &library;
     JNIEnv *const env;
     const jobject list;
-    const jmethodID listAdd;
+    ListMembers listClass{env};
 
     // The adapter that the walk has come to.
-    int index = 0;
-    HBA_HANDLE handle = 0;
     std::array<char, adapterNameSize> name{};
     TargetMappingTable mapping;
     DiscoveredPortSum discoveredPorts;

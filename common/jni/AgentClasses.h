@@ -8,70 +8,60 @@
 
 namespace tarn {
 
-struct TrClass {
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "com/kelvo/tarn/TrClass") {
-        }
-        InstanceMethod meth_getDefaultValues{*this, "getDefaultValues", "()[Ljava/lang/Object;"};
-        InstanceMethod meth_getName{*this, "getName", "()Ljava/lang/String;"};
-        InstanceMethod meth_getNamespace{*this, "getNamespace", "()Lcom/kelvo/tarn/TrNamespace;"};
-    };
+struct TrClassMembers : NamedClass<"com/kelvo/tarn/TrClass"> {
+    using NamedClass::NamedClass;
+    InstanceMethod meth_getDefaultValues{*this, "getDefaultValues", "()[Ljava/lang/Object;"};
+    InstanceMethod meth_getName{*this, "getName", "()Ljava/lang/String;"};
+    InstanceMethod meth_getNamespace{*this, "getNamespace", "()Lcom/kelvo/tarn/TrNamespace;"};
 };
+using TrClass = JavaClass<TrClassMembers>;
 
-struct TrProperty {
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "com/kelvo/tarn/TrProperty") {
-        }
-        InstanceMethod meth_set{*this, "set", "([Ljava/lang/Object;Ljava/lang/Object;)V"};
-    };
+struct TrPropertyMembers : NamedClass<"com/kelvo/tarn/TrProperty"> {
+    using NamedClass::NamedClass;
+    InstanceMethod meth_set{*this, "set", "([Ljava/lang/Object;Ljava/lang/Object;)V"};
 };
+using TrProperty = JavaClass<TrPropertyMembers>;
 
-struct TrInstance {
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "com/kelvo/tarn/TrInstance") {
-        }
-        Constructor constructor{*this, "(Lcom/kelvo/tarn/TrClass;[Ljava/lang/Object;)V"};
-    };
+struct InstanceReceiverMembers : NamedClass<"com/kelvo/tarn/InstanceReceiver"> {
+    using NamedClass::NamedClass;
+    InstanceMethod meth_test{*this, "test", "(Lcom/kelvo/tarn/TrInstance;)V"};
 };
+using InstanceReceiver = JavaClass<InstanceReceiverMembers>;
 
-struct InstanceReceiver {
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "com/kelvo/tarn/InstanceReceiver") {
-        }
-        InstanceMethod meth_test{*this, "test", "(Lcom/kelvo/tarn/TrInstance;)V"};
-    };
+using TrInstance =
+    JavaClass<NamedMadeClass<"com/kelvo/tarn/TrInstance", "(Lcom/kelvo/tarn/TrClass;[Ljava/lang/Object;)V">>;
+using UnsignedInt64 = JavaClass<NamedMadeClass<"javax/wbem/cim/UnsignedInt64", "([B)V">>;
+using UnsignedInt32 = JavaClass<NamedMadeClass<"javax/wbem/cim/UnsignedInt32", "(J)V">>;
+using UnsignedInt16 = JavaClass<NamedMadeClass<"javax/wbem/cim/UnsignedInt16", "(I)V">>;
+
+struct HbaClassNamesMembers : NamedClass<"com/kelvo/tarn/providers/hba/HbaClassNames"> {
+    using NamedClass::NamedClass;
+    InstanceMethod meth_getHostBusAdapterClass{*this, "getHostBusAdapterClass", "()Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_getHbaPortClass{*this, "getHbaPortClass", "()Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_getHbaDiscoveredPortClass{*this, "getHbaDiscoveredPortClass", "()Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_getFCPortStatisticsClass{*this, "getFCPortStatisticsClass", "()Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_getTargetMappingClass{*this, "getTargetMappingClass", "()Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_getComputerSystemClass{*this, "getComputerSystemClass", "()Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_getSystemName{*this, "getSystemName", "()Ljava/lang/String;"};
+    InstanceMethod meth_isKeepOsDeviceName{*this, "isKeepOsDeviceName", "()Z"};
+    InstanceMethod meth_getNativeMethodClassName{*this, "getNativeMethodClassName", "()Ljava/lang/String;"};
+    StaticMethod meth_get{*this, "get", "(Lcom/kelvo/tarn/TrNamespace;)Lcom/kelvo/tarn/providers/hba/HbaClassNames;"};
+
+    /// The class names of that namespace's schema, or null.
+    jobject get(jobject nameSpace) const {
+        const jmethodID method = meth_get();
+        const jobject result = env->CallStaticObjectMethod(cls, method, nameSpace);
+        jni::check(env);
+        return result;
+    }
 };
 
 /// Object proxy of the agent's class-name provider; its member functions are named after the Java methods. Without an
 /// object they end with NoInstance.
-class HbaClassNames {
+class HbaClassNames : JavaClass<HbaClassNamesMembers> {
 public:
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "com/kelvo/tarn/providers/hba/HbaClassNames") {
-        }
-        InstanceMethod meth_getHostBusAdapterClass{*this, "getHostBusAdapterClass", "()Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_getHbaPortClass{*this, "getHbaPortClass", "()Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_getHbaDiscoveredPortClass{*this, "getHbaDiscoveredPortClass", "()Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_getFCPortStatisticsClass{*this, "getFCPortStatisticsClass", "()Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_getTargetMappingClass{*this, "getTargetMappingClass", "()Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_getComputerSystemClass{*this, "getComputerSystemClass", "()Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_getSystemName{*this, "getSystemName", "()Ljava/lang/String;"};
-        InstanceMethod meth_isKeepOsDeviceName{*this, "isKeepOsDeviceName", "()Z"};
-        InstanceMethod meth_getNativeMethodClassName{*this, "getNativeMethodClassName", "()Ljava/lang/String;"};
-        StaticMethod meth_get{*this, "get",
-                              "(Lcom/kelvo/tarn/TrNamespace;)Lcom/kelvo/tarn/providers/hba/HbaClassNames;"};
-
-        /// The class names of that namespace's schema, or null.
-        jobject get(jobject nameSpace) {
-            const jmethodID method = meth_get();
-            const jobject result = env->CallStaticObjectMethod(cls, method, nameSpace);
-            jni::check(env);
-            return result;
-        }
-    };
-
-    HbaClassNames(Static &classProxy, jobject object) : proxy(&classProxy), obj(object) {
-    }
+    using JavaClass::JavaClass;
+    using JavaClass::Static;
 
     /// CIM classes (TrClass).
     jobject getHostBusAdapterClass() const {
@@ -107,36 +97,9 @@ public:
     }
 
 private:
-    jobject call(InstanceMethod &method) const {
+    jobject call(const InstanceMethod &method) const {
         return jni::callObject(proxy->env, needed(obj), method());
     }
-
-    Static *proxy;
-    jobject obj;
-};
-
-struct UnsignedInt64 {
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "javax/wbem/cim/UnsignedInt64") {
-        }
-        Constructor constructor{*this, "([B)V"};
-    };
-};
-
-struct UnsignedInt32 {
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "javax/wbem/cim/UnsignedInt32") {
-        }
-        Constructor constructor{*this, "(J)V"};
-    };
-};
-
-struct UnsignedInt16 {
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment) : ClassProxy(environment, "javax/wbem/cim/UnsignedInt16") {
-        }
-        Constructor constructor{*this, "(I)V"};
-    };
 };
 
 } // namespace tarn

@@ -1,15 +1,19 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
 #include "common/jni/Jni.h"
 
-// A class proxy stands for one Java class during one native call and owns the lookups of its members:
+// A class proxy stands for one Java class during one native call and owns the lookups of its members. This is the one
+// way in which native code comes by a Java class, method, field or constructor:
 //
-//     struct TrClass {
-//         struct Static : ClassProxy {
-//             explicit Static(JNIEnv *env) : ClassProxy(env, "com/kelvo/tarn/TrClass") {}
-//             InstanceMethod meth_getName{*this, "getName", "()Ljava/lang/String;"};
-//         };
+//     struct TrClassMembers : NamedClass<"com/kelvo/tarn/TrClass"> {
+//         using NamedClass::NamedClass;
+//         InstanceMethod meth_getName{*this, "getName", "()Ljava/lang/String;"};
 //     };
+//     using TrClass = JavaClass<TrClassMembers>;
 //
 //     TrClass::Static trClass(env);                                      // FindClass, once
 //     jni::callObject(env, object, trClass.meth_getName());              // GetMethodID at the first use only
@@ -21,27 +25,43 @@ namespace tarn {
 class ClassProxy {
 public:
     /// `name` is slash-separated. Throws JavaExceptionPending when the virtual machine does not find the class.
-    ClassProxy(JNIEnv *environment, const char *name) : env(environment), cls(jni::findClass(environment, name)) {
+    ClassProxy(JNIEnv *environment, const char *name) : env(environment), cls(jni::required(env->FindClass(name))) {
     }
     ClassProxy(const ClassProxy &) = delete;
     ClassProxy &operator=(const ClassProxy &) = delete;
+
+    /// Leaves an exception of this class pending, or that of a virtual machine which refuses to make it.
+    void throwNew(const char *message) const {
+        env->ThrowNew(cls, message);
+    }
 
     JNIEnv *const env;
     const jclass cls;
 };
 
-/// The identifier slot of one member: empty at first, looked up at most once.
+/// When a member is looked up.
+enum class Binding {
+    atFirstUse,
+    atOnce, ///< with the slot, for members that Java is to be asked for before other work begins
+};
+
+/// The identifier slot of one member: looked up at most once.
 template <class Id, Id (JNIEnv::*lookUp)(jclass, const char *, const char *)>
 class MemberSlot {
 public:
-    constexpr MemberSlot(const ClassProxy &ownerProxy, const char *memberName, const char *memberSignature)
+    /// Throws JavaExceptionPending when the member is bound at once and the class has none such.
+    MemberSlot(const ClassProxy &ownerProxy, const char *memberName, const char *memberSignature,
+               Binding binding = Binding::atFirstUse)
         : owner(ownerProxy), name(memberName), signature(memberSignature) {
+        if (binding == Binding::atOnce) {
+            (*this)();
+        }
     }
     MemberSlot(const MemberSlot &) = delete;
     MemberSlot &operator=(const MemberSlot &) = delete;
 
     /// Throws JavaExceptionPending when the class has no such member.
-    Id operator()() {
+    Id operator()() const {
         if (id == nullptr) {
             id = jni::required((owner.env->*lookUp)(owner.cls, name, signature));
         }
@@ -54,7 +74,7 @@ protected:
 private:
     const char *name;
     const char *signature;
-    Id id = nullptr;
+    mutable Id id = nullptr;
 };
 
 using InstanceMethod = MemberSlot<jmethodID, &JNIEnv::GetMethodID>;
@@ -66,24 +86,88 @@ public:
     using MemberSlot::MemberSlot;
 
     /// Null when Java holds null there.
-    jobject value() {
+    jobject value() const {
         const jfieldID field = (*this)();
         return owner.env->GetStaticObjectField(owner.cls, field);
     }
 };
 
-/// A constructor with the class it makes.
-class Constructor : public InstanceMethod {
+/// Static fields of one reference type, with a slot for each row of the table that names them.
+template <std::size_t rows>
+class StaticFields {
 public:
-    constexpr Constructor(const ClassProxy &ownerProxy, const char *constructorSignature)
-        : MemberSlot(ownerProxy, "<init>", constructorSignature) {
+    StaticFields(const ClassProxy &ownerProxy, const char *fieldSignature)
+        : owner(ownerProxy), signature(fieldSignature) {
+    }
+    StaticFields(const StaticFields &) = delete;
+    StaticFields &operator=(const StaticFields &) = delete;
+
+    /// That of the field which the row names. Null when Java holds null there.
+    jobject value(std::size_t row, const char *name) const {
+        jfieldID &id = ids[row];
+        if (id == nullptr) {
+            id = jni::required(owner.env->GetStaticFieldID(owner.cls, name, signature));
+        }
+        return owner.env->GetStaticObjectField(owner.cls, id);
+    }
+
+private:
+    const ClassProxy &owner;
+    const char *signature;
+    mutable std::array<jfieldID, rows> ids{};
+};
+
+/// A class of which native code makes objects.
+struct MadeClass : ClassProxy {
+    MadeClass(JNIEnv *environment, const char *name, const char *constructorSignature,
+              Binding binding = Binding::atFirstUse)
+        : ClassProxy(environment, name), constructor(*this, "<init>", constructorSignature, binding) {
     }
 
     template <class... Values>
-    jobject make(Values... values) {
-        const jmethodID constructor = (*this)();
-        return jni::newObject(owner.env, owner.cls, constructor, values...);
+    jobject make(Values... values) const {
+        const jmethodID id = constructor();
+        return jni::required(env->NewObject(cls, id, values...));
     }
+
+    const InstanceMethod constructor;
+};
+
+/// A name or a signature as a template's argument.
+template <std::size_t size>
+struct Literal {
+    consteval Literal(const char (&literal)[size]) {
+        std::copy_n(literal, size, text);
+    }
+    char text[size];
+};
+
+/// The proxy of the class of that name; those with members derive from it.
+template <Literal name>
+struct NamedClass : ClassProxy {
+    explicit NamedClass(JNIEnv *environment) : ClassProxy(environment, name.text) {
+    }
+};
+
+template <Literal name, Literal constructorSignature>
+struct NamedMadeClass : MadeClass {
+    explicit NamedMadeClass(JNIEnv *environment) : MadeClass(environment, name.text, constructorSignature.text) {
+    }
+};
+
+/// What goes in C++ by the name of a Java class: its class proxy, `Static`, and, as an object of this type, the object
+/// proxy, one Java object of the class with that class proxy.
+template <class Members>
+class JavaClass {
+public:
+    using Static = Members;
+
+    JavaClass(Static &classProxy, jobject object) : proxy(&classProxy), obj(object) {
+    }
+
+protected:
+    Static *proxy;
+    jobject obj;
 };
 
 } // namespace tarn

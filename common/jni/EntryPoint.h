@@ -1,6 +1,6 @@
 #pragma once
 
-#include "common/jni/Jni.h"
+#include "common/jni/ClassProxy.h"
 #include "common/jni/LocalFrame.h"
 #include "platform/ExportedEntry.h"
 
@@ -10,7 +10,7 @@ namespace tarn {
 inline void throwOutOfMemory(JNIEnv *env) {
     try {
         const LocalFrame frame(env, 1, LocalFrame::Refusal::isFailure); // the entry may have used up its room
-        env->ThrowNew(jni::findClass(env, "java/lang/OutOfMemoryError"), "no memory for the native call");
+        ClassProxy(env, "java/lang/OutOfMemoryError").throwNew("no memory for the native call");
     } catch (const JavaExceptionPending &) {
         // It is raised as the entry returns.
     }

@@ -5,13 +5,10 @@
 #include <optional>
 #include <string>
 
+#include "common/jni/ControlExceptions.h"
 #include "common/system/Utf8.h"
 
 namespace tarn {
-
-/// The virtual machine holds a pending Java exception, so native work stops here. Thrown by the functions below and
-/// caught only by the entry point, which returns to Java and lets the exception be raised there.
-class JavaExceptionPending {};
 
 /// JNI calls whose failure cannot be overlooked: each throws JavaExceptionPending when the virtual machine refuses.
 namespace jni {
@@ -32,27 +29,10 @@ inline void check(JNIEnv *env) {
     }
 }
 
-inline jclass findClass(JNIEnv *env, const char *name) {
-    return required(env->FindClass(name));
-}
-
-inline jmethodID methodId(JNIEnv *env, jclass cls, const char *name, const char *signature) {
-    return required(env->GetMethodID(cls, name, signature));
-}
-
-inline jmethodID staticMethodId(JNIEnv *env, jclass cls, const char *name, const char *signature) {
-    return required(env->GetStaticMethodID(cls, name, signature));
-}
-
 /// Of a text in UTF-8; of one that is not, what the virtual machine makes of it.
 inline jstring newString(JNIEnv *env, const char *text) {
     const std::optional<std::string> modified = toModifiedUtf8(text);
     return required(env->NewStringUTF(modified ? modified->c_str() : text));
-}
-
-template <class... Values>
-jobject newObject(JNIEnv *env, jclass cls, jmethodID constructor, Values... values) {
-    return required(env->NewObject(cls, constructor, values...));
 }
 
 inline jobjectArray newObjectArray(JNIEnv *env, jsize length, jclass elementClass) {
@@ -104,6 +84,14 @@ public:
 private:
     JNIEnv *env;
     Reference ref;
+};
+
+/// The like of newString.
+struct LocalString : LocalRef<jstring> {
+    LocalString(JNIEnv *environment, const char *text) : LocalRef(environment, newString(environment, text)) {
+    }
+    LocalString(JNIEnv *environment, const std::string &text) : LocalString(environment, text.c_str()) {
+    }
 };
 
 } // namespace jni

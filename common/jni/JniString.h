@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <optional>
 #include <string>
 
@@ -26,13 +27,17 @@ public:
     JniString &operator=(const JniString &) = delete;
 
     /// Modified UTF-8, NUL-terminated, never null; a null Java string counts as an empty one. Throws
-    /// JavaExceptionPending when the virtual machine has no memory for the characters.
+    /// JavaExceptionPending, or std::bad_alloc, when the virtual machine has no memory for the characters.
     const char *get() const {
         if (str == nullptr) {
             return "";
         }
         if (chars == nullptr) {
-            chars = jni::required(env->GetStringUTFChars(str, nullptr));
+            chars = env->GetStringUTFChars(str, nullptr);
+            if (chars == nullptr) {
+                jni::check(env);
+                throw std::bad_alloc(); // not every virtual machine leaves an exception for it
+            }
         }
         return chars;
     }

@@ -45,9 +45,6 @@ private:
     bool open;
 };
 
-/// Something that Java had to provide for an instance is null, so the instance cannot be made.
-class NoInstance {};
-
 /// Passes on what an instance cannot be made without.
 template <class Reference>
 Reference needed(Reference reference) {

@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "common/jni/Jni.h"
+#include "common/jni/ClassProxy.h"
 #include "common/jni/LocalFrame.h"
 
 namespace tarn {
@@ -23,7 +23,7 @@ void logInFrame(JNIEnv *env, Deliver deliver) {
     } catch (const JavaExceptionPending &) {
         const jthrowable exception = env->ExceptionOccurred();
         env->ExceptionClear();
-        if (env->IsInstanceOf(exception, jni::findClass(env, "java/lang/VirtualMachineError")) == JNI_TRUE) {
+        if (env->IsInstanceOf(exception, ClassProxy(env, "java/lang/VirtualMachineError").cls) == JNI_TRUE) {
             env->Throw(exception);
             throw;
         }
@@ -33,9 +33,9 @@ void logInFrame(JNIEnv *env, Deliver deliver) {
 /// Hands one line to the static method `level` ("info", "warn") of the Java class `className` (slash-separated), which
 /// takes one string. Throws JavaExceptionPending.
 inline void deliverLogLine(JNIEnv *env, const char *className, const char *message, const char *level) {
-    const jclass target = jni::findClass(env, className);
-    const jmethodID method = jni::staticMethodId(env, target, level, "(Ljava/lang/String;)V");
-    env->CallStaticVoidMethod(target, method, jni::newString(env, message));
+    const ClassProxy target(env, className);
+    const StaticMethod method(target, level, "(Ljava/lang/String;)V", Binding::atOnce);
+    env->CallStaticVoidMethod(target.cls, method(), jni::newString(env, message));
     jni::check(env);
 }
 

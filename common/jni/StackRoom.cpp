@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "common/jni/Jni.h"
+#include "common/jni/ClassProxy.h"
 #include "platform/solaris.h"
 
 namespace tarn {
@@ -21,7 +21,7 @@ std::size_t stackLeft() {
 
 void requireStack(JNIEnv *env, std::size_t buffers) {
     if (stackLeft() < buffers + stackReserve) {
-        env->ThrowNew(jni::findClass(env, "java/lang/StackOverflowError"), "too little stack for the native buffers");
+        ClassProxy(env, "java/lang/StackOverflowError").throwNew("too little stack for the native buffers");
         throw JavaExceptionPending{};
     }
 }

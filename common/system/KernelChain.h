@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "common/system/KernelRecords.h"
 #include "platform/solaris.h"
 
 namespace tarn {
@@ -38,7 +39,7 @@ public:
 
     /// The kernel's paging counters. Null when it keeps none.
     kstat_t *pagingCounters() const {
-        return lookup("unix", 0, "vminfo");
+        return lookup(pagingModule, 0, pagingRecord);
     }
 
     /// Null when the kernel keeps no such record. A null name means any.

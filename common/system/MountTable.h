@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstdio>
+#include <string>
 #include <string_view>
 
 #include "platform/solaris.h"
@@ -23,6 +26,21 @@ public:
 
     bool isOpen() const {
         return file != nullptr;
+    }
+
+    /// The next entry, valid until the next call. getmntent's result: 0, -1 at the end, or what is wrong with a line.
+    int next(const mnttab *&read) {
+        read = &entry;
+        return solaris::getmntent(file, &entry);
+    }
+
+    /// What is left of it, as text. False when its end cannot be read, with errno.
+    bool readText(std::string &text) {
+        std::array<char, 4096> part;
+        while (const std::size_t size = std::fread(part.data(), 1, part.size(), file)) {
+            text.append(part.data(), size);
+        }
+        return std::ferror(file) == 0;
     }
 
     /// The next UFS or NFS entry, valid until the next call; null at the end, which a malformed entry is too.

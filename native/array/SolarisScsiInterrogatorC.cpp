@@ -10,14 +10,12 @@
 #include "common/system/Directory.h"
 #include "common/system/DiskDevices.h"
 #include "common/system/FileDescriptor.h"
+#include "native/array/SolarisScsiInterrogatorCTrace.h"
 #include "platform/solaris.h"
 
 using namespace tarn;
 
 namespace {
-
-constexpr std::size_t inquiryRevisionAt = 32;
-constexpr std::size_t revisionSize = 4;
 
 using Path = std::array<char, scsiPathSize>;
 
@@ -68,22 +66,6 @@ bool read(Scan &scan, const FileDescriptor &device, int (*command)(int, uscsi_cm
     return command(device.get(), &scan.command) == 0;
 }
 
-void traceCharacters(const unsigned char *characters, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        standalonePrintf("%c", characters[i]);
-    }
-}
-
-void traceInquiry(const unsigned char *inquiry) {
-    standalonePrintf("INQ:\"");
-    traceCharacters(inquiry + inquiryVendorAt, vendorSize);
-    standalonePrintf("\" \"");
-    traceCharacters(inquiry + inquiryProductAt, productSize);
-    standalonePrintf("\" \"");
-    traceCharacters(inquiry + inquiryRevisionAt, revisionSize);
-    standalonePrintf("\" ");
-}
-
 /// Forms the path of the directory's entry. False when there is no room for it.
 bool makePath(Path &path, const char *name) {
     constexpr std::size_t nameAt = std::char_traits<char>::length(s_dev_rdsk) + 1; // behind the directory and a slash
@@ -97,25 +79,25 @@ bool makePath(Path &path, const char *name) {
     return true;
 }
 
-/// Learns kind and owner of the LUN behind a directory entry. Returns null, or why it is none of the array's LUNs.
+/// Learns kind and owner of the LUN behind a directory entry. Null then, or what it lacks to be one of the array's.
 const char *identifyLun(Scan &scan, const char *name, Lun &lun) {
     if (!makePath(lun.path, name)) {
-        return "No open.";
+        return missing::lun;
     }
     const FileDescriptor device = openToRead(lun.path);
     if (!device.isOpen()) {
-        return "No open.";
+        return missing::lun;
     }
     if (!read(scan, device, scsiStandardInquiry, inquirySize)) {
-        return "No SCSI Standard Inquiry.";
+        return missing::standardInquiry;
     }
     traceInquiry(scan.data.data());
     const std::optional<LunKind> kind = lunKind(scan.names, scan.data.data());
     if (!kind) {
-        return "not a recognized LSI-derived LUN - skipping. ";
+        return missing::arrayLun;
     }
     if (!read(scan, device, scsiInquiryVPDC0, inquirySize)) {
-        return "scsiInquiryVPDC0 failed - skipping. ";
+        return missing::pageC0;
     }
     lun.kind = *kind;
     lun.controller = lunController(scan.names, scan.data.data());
@@ -123,14 +105,10 @@ const char *identifyLun(Scan &scan, const char *name, Lun &lun) {
 }
 
 void assignLun(Scan &scan, const Lun &lun) {
-    standalonePrintf("C0:\"");
-    traceCharacters(scan.data.data() + pageC0ControllerAt, controllerIdSize);
-    standalonePrintf("\"");
+    traceOwner(scan.data.data(), lun.controller);
     if (!lun.controller) {
-        standalonePuts("");
         return;
     }
-    standalonePuts(*lun.controller == 0 ? "1" : "2");
     Controller &controller = scan.controllers[*lun.controller];
     if (isChosen(controller.chosenKind, lun.kind)) {
         controller.chosenLun = lun.path;
@@ -145,15 +123,15 @@ void discoverLuns(Scan &scan) {
         if (std::string_view(name).find(wholeDiskSlice) == std::string_view::npos) {
             continue;
         }
-        standalonePrintf("%s: ", name);
+        traceEntry(name);
         Lun lun;
-        if (const char *const failure = identifyLun(scan, name, lun)) {
-            standalonePuts(failure);
+        if (const char *const why = identifyLun(scan, name, lun)) {
+            traceMissing(why);
             continue;
         }
         assignLun(scan, lun);
         if (scan.controllers[0].chosenKind == LunKind::access && scan.controllers[1].chosenKind == LunKind::access) {
-            standalonePuts("GOT UTM LUN from each Controller - ending scan.");
+            traceEndOfDiscovery();
             return;
         }
     }
@@ -162,34 +140,32 @@ void discoverLuns(Scan &scan) {
 void traceChosenLuns(const Scan &scan) {
     for (std::size_t i = 0; i < scan.controllers.size(); ++i) {
         const Controller &controller = scan.controllers[i];
-        // The digit within the name belongs to the line's fixed text.
-        standalonePrintf("Chosen Lun from Contro1ler%u\"%.16s\": %s (%sUTM)\n", static_cast<unsigned>(i + 1),
-                         scan.names.controllers[i].data(), controller.chosenLun.data(),
-                         controller.chosenKind == LunKind::access ? "" : "NON-");
+        traceChosenLun(i, scan.names.controllers[i].data(), controller.chosenLun.data(),
+                       controller.chosenKind == LunKind::access);
     }
 }
 
 void sendLogSelect(Scan &scan, const FileDescriptor &device) {
     scan.command.uscsi_flags = USCSI_WRITE;
     if (scsiLogSelect30(device.get(), &scan.command) != 0) {
-        standalonePuts("scsiLogSelect30 failed - ignoring");
+        traceMissing(missing::logSelect);
     }
     directToDataBuffer(scan);
 }
 
-/// Reads and decodes both pages of a controller through its chosen LUN. Returns null, or why there is nothing of it.
+/// Reads and decodes both pages of a controller through its chosen LUN. Null then, or which of it is missing.
 const char *readStatistics(Scan &scan, std::size_t index) {
     Controller &controller = scan.controllers[index];
     const FileDescriptor device = openToRead(controller.chosenLun);
     if (!device.isOpen()) {
-        return "No open during inbanding.";
+        return missing::chosenLun;
     }
     if (!read(scan, device, scsiReceiveDiagnosticA0, dataBufferSize)) {
-        return "scsiReceiveDiagnosticA0 failed - skipping.";
+        return missing::pageA0;
     }
     processReceiveDiagnosticA0buffer(scan.data.data());
     if (!read(scan, device, scsiLogSense3B, dataBufferSize)) {
-        return "scsiLogSense3B failed - skipping.";
+        return missing::page3B;
     }
     processLogSense3Bbuffer(scan.data.data(), &controller.numberOfDrivesOut, scan.commonReturnString[index],
                             scan.uncommonReturnString[index], &controller.logSelect);
@@ -204,9 +180,9 @@ void readAllStatistics(Scan &scan) {
         if (scan.controllers[i].chosenLun[0] == '\0') {
             continue;
         }
-        standalonePrintf("GETTING STATS FROM %s\n", scan.controllers[i].chosenLun.data());
-        if (const char *const failure = readStatistics(scan, i)) {
-            standalonePuts(failure);
+        traceStatisticsOf(scan.controllers[i].chosenLun.data());
+        if (const char *const why = readStatistics(scan, i)) {
+            traceMissing(why);
         }
     }
 }
@@ -243,7 +219,7 @@ int scsiInterrogatorC(char *returnString, const char *controller1Id, const char 
     readAllStatistics(scan);
     composeResult(scan);
 
-    standalonePrintf("returnString:%s\n", scan.result);
+    traceResult(scan.result);
     std::memcpy(returnString, scan.result, std::strlen(scan.result) + 1);
     return 0;
 }

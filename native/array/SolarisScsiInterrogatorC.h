@@ -3,22 +3,17 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "common/system/ScsiCommands.h"
 #include "platform/solaris.h"
 
 // The array interrogator: finds one LUN per controller of a two-controller array, reads over SCSI pass-through the
 // statistics that the controllers keep of their drives, and returns them as one string of fixed-width numbers.
 // docs/array-report.md describes that string. Nothing here knows of Java.
 //
-// The modules, in the order they build on each other: ...CCommands (SCSI commands, trace), ...CPages (page decoding),
-// ...CReport (the string), ...C (discovery and scan).
+// The modules, in the order they build on each other: ...CTrace (for debugging), ...CCommands (SCSI commands), ...CPages
+// (page decoding), ...CReport (the string), ...C (discovery and scan).
 
 namespace tarn {
-
-/// Size of the buffer of every read command, and what the commands for the two large pages ask for.
-constexpr std::size_t dataBufferSize = 65535;
-
-/// What the INQUIRY commands ask for.
-constexpr std::size_t inquirySize = 255;
 
 /// Drives that one controller's report has room for; those beyond, in the order of the walk, are not reported.
 constexpr unsigned maximumDrives = 448;
@@ -69,10 +64,13 @@ constexpr std::uint8_t unknownPlace = 0xFF;
 /// How the value of a controller statistic is read. The bytes are read wherever the parameter's own length ends.
 enum class ParaKind : std::uint8_t {
     number,                   ///< 4 bytes, big-endian
-    sourceDeviceIdentifier,   ///< 10 characters
-    errorCountByInitiator,    ///< 32 entries of 4 bytes, of which the low 16 bits count
-    logicalUnitDriverVersion, ///< 10 characters
+    sourceDeviceIdentifier,   ///< text of `controllerTextSize`
+    errorCountByInitiator,    ///< a big-endian count for each of the `initiators`, of which the low 16 bits are kept
+    logicalUnitDriverVersion, ///< text of `controllerTextSize`
 };
+constexpr std::size_t controllerTextSize = 10;
+constexpr std::size_t initiators = 32;
+constexpr std::size_t initiatorEntrySize = 4;
 
 /// One controller statistic: its parameter code in the page, its name, the form of its value.
 struct ParaCode {
@@ -99,13 +97,10 @@ static_assert(sizeof driveStatistics == 163840);
 extern tarn::TraySlot driveChIdtoTraySlot[tarn::translationChannels][tarn::driveIdentifiers];
 static_assert(sizeof driveChIdtoTraySlot == 131072);
 
-/// The latest numbers of the controller statistics, by index of `paraCode`; only the first `paraCodes` are used.
-extern std::uint32_t paraValue[100];
-
 /// The controller statistics, in ascending order of their codes.
 extern const tarn::ParaCode paraCode[tarn::paraCodes];
 
-// ---- Commands and trace ------------------------------------------------------------------------------------------
+// ---- Commands ----------------------------------------------------------------------------------------------------
 
 /// Sends the command of `cdbLength` bytes (6 or 10) to an open raw-disk device. Returns 0, or 1 when the request
 /// failed; a command that the device ended with an error status has not failed in this sense.
@@ -122,12 +117,6 @@ int scsiReceiveDiagnosticA0(int descriptor, uscsi_cmd *command); ///< enclosure 
 /// LOG SELECT of page 0x30 with one parameter. The caller sets `uscsi_flags` to 0 (data to the device) before, and
 /// afterwards puts back the flags and its own buffer and length, which this call has replaced.
 int scsiLogSelect30(int descriptor, uscsi_cmd *command);
-
-/// Trace of what the interrogator does and decodes. Both discard what they are given, and cost nothing.
-[[gnu::format(printf, 1, 2)]] inline void standalonePrintf(const char *, ...) {
-}
-inline void standalonePuts(const char *) {
-}
 
 // ---- Pages. Nothing outside `dataBufferSize` bytes from `page` is read, whatever the lengths in it say -----------
 

@@ -2,13 +2,14 @@
 #include <array>
 #include <cstring>
 
+#include "native/array/BigEndian.h"
 #include "native/array/SolarisScsiInterrogatorC.h"
+#include "native/array/SolarisScsiInterrogatorCTrace.h"
 
 using namespace tarn;
 
 DriveStatistics driveStatistics[driveChannels][driveIdentifiers];
 TraySlot driveChIdtoTraySlot[translationChannels][driveIdentifiers];
-std::uint32_t paraValue[100];
 
 constexpr ParaCode paraCode[paraCodes] = {
     {0x0030, "CumulativeTime", ParaKind::number},
@@ -94,29 +95,11 @@ constexpr unsigned driveChannelMask = 0x0F;
 
 constexpr std::size_t counterSize = 4;
 constexpr std::size_t driveValueSize = counterSize * driveCounters;
-constexpr std::size_t textSize = 10;
-constexpr std::size_t initiators = 32;
-constexpr std::size_t initiatorEntrySize = 4; // of which the last two bytes count
-
-constexpr std::uint32_t big16(const unsigned char *bytes) {
-    return std::uint32_t{bytes[0]} << 8 | bytes[1];
-}
-
-constexpr std::uint32_t big32(const unsigned char *bytes) {
-    return big16(bytes) << 16 | big16(bytes + 2);
-}
 
 /// Offset behind the page, which may lie a little outside the buffer.
 std::size_t pageEnd(const unsigned char *page) {
     return big16(page + pageLengthAt) + pageHeaderSize;
 }
-
-/// The controller statistics that are not numbers; they only reach the trace.
-struct ControllerTexts {
-    char sourceDeviceIdentifier[textSize + 1] = {};
-    char logicalUnitDriverVersion[textSize + 1] = {};
-    std::uint16_t errorCountByInitiator[initiators] = {};
-};
 
 bool isDrive(const unsigned char *parameter) {
     return (parameter[parameterCodeAt] & driveCodeMask) == driveCode;
@@ -130,7 +113,7 @@ std::size_t bytesRead(const unsigned char *parameter, int index) {
     switch (paraCode[index].kind) {
     case ParaKind::sourceDeviceIdentifier:
     case ParaKind::logicalUnitDriverVersion:
-        return textSize;
+        return controllerTextSize;
     case ParaKind::errorCountByInitiator:
         return initiators * initiatorEntrySize;
     case ParaKind::number:
@@ -148,25 +131,6 @@ void decodeDrive(const unsigned char *parameter) {
     }
 }
 
-void decodeControllerStatistic(const unsigned char *value, int index, ControllerTexts &texts) {
-    switch (paraCode[index].kind) {
-    case ParaKind::number:
-        paraValue[index] = big32(value);
-        break;
-    case ParaKind::sourceDeviceIdentifier:
-        std::memcpy(texts.sourceDeviceIdentifier, value, textSize);
-        break;
-    case ParaKind::logicalUnitDriverVersion:
-        std::memcpy(texts.logicalUnitDriverVersion, value, textSize);
-        break;
-    case ParaKind::errorCountByInitiator:
-        for (std::size_t i = 0; i < initiators; ++i) {
-            texts.errorCountByInitiator[i] = static_cast<std::uint16_t>(big16(value + i * initiatorEntrySize + 2));
-        }
-        break;
-    }
-}
-
 /// Decodes the parameters that begin inside the page. One that would reach outside the buffer, by its own length or by
 /// the bytes to be read of it, ends the decoding: nothing sound can follow it.
 void decodeParameters(const unsigned char *page, ControllerTexts &texts) {
@@ -181,7 +145,7 @@ void decodeParameters(const unsigned char *page, ControllerTexts &texts) {
             return;
         }
         if (index >= 0) {
-            decodeControllerStatistic(parameter + parameterValueAt, index, texts);
+            keepControllerStatistic(parameter + parameterValueAt, index, texts);
         } else if (isDrive(parameter)) {
             decodeDrive(parameter);
         }
@@ -248,18 +212,8 @@ private:
     bool anyIOs = false;
 };
 
-void traceDrive(unsigned channel, unsigned identifier, TraySlot place, const DriveStatistics &drive) {
-    const std::uint32_t *const counters = drive.counters;
-    standalonePrintf(
-        "%2u%3u%3u%3u %9u %9u %7u %9u %5u %5u %5u %5u %5u\n", channel, identifier, place.tray, place.slot,
-        counters[TotalDriveReadRequests], counters[TotalDriveWriteRequests], counters[TotalDriveBlocksRequested],
-        counters[TotalDriveIOsRequested], counters[TotalDriveRecoveredErrors], counters[TotalDriveUnrecoveredErrors],
-        counters[TotalDriveRequestTimeouts], counters[TotalDriveRetriedRequests], counters[TotalDriveRBusResets]);
-}
-
 void listDrives(DriveList &list) {
-    standalonePuts("\nDRIVE STATISTICS...");
-    standalonePuts("ChDriTraSlo ReadReque WriteRequ BlocksR IOsReques Recov Unrec Timeo Retri BusRe");
+    traceDrivesHeading();
     for (unsigned channel = 0; channel < driveChannels; ++channel) {
         for (unsigned identifier = 0; identifier < driveIdentifiers; ++identifier) {
             const DriveStatistics &drive = driveStatistics[channel][identifier];
@@ -276,28 +230,6 @@ void listDrives(DriveList &list) {
     }
 }
 
-void traceControllerStatistics(const ControllerTexts &texts) {
-    standalonePuts("\nCONTROLLER STATISTICS...");
-    bool secondOfPair = false;
-    for (int index = 0; index < paraCodes; ++index) {
-        if (paraCode[index].kind != ParaKind::number) {
-            continue;
-        }
-        standalonePrintf("%-28.28s:%10u", paraCode[index].name, paraValue[index]);
-        standalonePrintf("%s", secondOfPair ? "\n" : " ");
-        secondOfPair = !secondOfPair;
-    }
-    const auto name = [](ParaKind kind) { return std::ranges::find(paraCode, kind, &ParaCode::kind)->name; };
-    standalonePrintf("%-28.28s:%-10.10s ", name(ParaKind::sourceDeviceIdentifier), texts.sourceDeviceIdentifier);
-    standalonePrintf("%-28.28s:%-10.10s\n", name(ParaKind::logicalUnitDriverVersion), texts.logicalUnitDriverVersion);
-    standalonePrintf("%s...\n", name(ParaKind::errorCountByInitiator));
-    for (unsigned i = 0; i < initiators; ++i) {
-        standalonePrintf("  %2u:%10u", i, texts.errorCountByInitiator[i]);
-        standalonePrintf("%s", i % 5 == 4 ? "\n" : " ");
-    }
-    standalonePuts("");
-}
-
 } // namespace
 
 void processReceiveDiagnosticA0buffer(const unsigned char *page) {
@@ -311,7 +243,7 @@ void processReceiveDiagnosticA0buffer(const unsigned char *page) {
             driveChIdtoTraySlot[channel][entry[entryIdentifierAt]] = {entry[entryTrayAt], entry[entrySlotAt]};
         }
     }
-    standalonePuts("");
+    traceEndOfTranslation();
 }
 
 int enumerateParaCode(const unsigned char *parameter) {

@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "native/array/SolarisScsiInterrogatorC.h"
+#include "native/array/SolarisScsiInterrogatorCTrace.h"
 
 using namespace tarn;
 
@@ -34,12 +35,7 @@ int buildReturnString(char *returnString, const char *commonReturnString, const 
                       unsigned numberOfDrivesOut1, unsigned numberOfDrivesOut2) {
     const char *const common[] = {commonReturnString, commonReturnString + commonStringSize};
     const char *const uncommon[] = {uncommonReturnString, uncommonReturnString + uncommonStringSize};
-    standalonePrintf("commonReturnString[0]:%s\n", common[0]);
-    standalonePrintf("commonReturnString[1]:%s\n", common[1]);
-    standalonePrintf("uncommonReturnString[0]:%s\n", uncommon[0]);
-    standalonePrintf("uncommonReturnString[1]:%s\n", uncommon[1]);
-    standalonePrintf("numberOfDrivesOut1:%u\n", numberOfDrivesOut1);
-    standalonePrintf("numberOfDrivesOut2:%u\n", numberOfDrivesOut2);
+    traceStrings(common, uncommon, numberOfDrivesOut1, numberOfDrivesOut2);
 
     const char *const places = common[0][0] != '\0' ? common[0] : common[1][0] != '\0' ? common[1] : noDataReport;
     char *at = put(returnString, places);

@@ -18,12 +18,6 @@
 
 namespace tarn {
 
-inline constexpr std::size_t nameFieldSize = 100; // of an entry's or a disk's name, terminator included
-
-inline bool fitsNameField(std::string_view entryName) {
-    return entryName.size() < nameFieldSize;
-}
-
 inline std::string devicePath(std::string_view entryName) {
     return std::string(s_dev_rdsk).append("/").append(entryName);
 }

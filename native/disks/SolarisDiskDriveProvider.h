@@ -18,21 +18,19 @@ std::string deviceIdentifier(std::string_view linkTarget);
 /// than 128 characters.
 std::string diskType(std::string_view label);
 
-/// Object proxy of the provider's Java object.
-class SolarisDiskDriveProvider {
-public:
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment)
-            : ClassProxy(environment, "com/kelvo/tarn/providers/solaris/SolarisDiskDriveProvider") {
-        }
-        StaticField field__class{*this, "_class", "Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_makeDisk1{*this, "makeDisk1",
-                                      "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJJ)"
-                                      "Lcom/kelvo/tarn/TrInstance;"};
-    };
+struct SolarisDiskDriveProviderMembers : NamedClass<"com/kelvo/tarn/providers/solaris/SolarisDiskDriveProvider"> {
+    using NamedClass::NamedClass;
+    StaticField field__class{*this, "_class", "Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_makeDisk1{*this, "makeDisk1",
+                                  "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJJ)"
+                                  "Lcom/kelvo/tarn/TrInstance;"};
+};
 
-    SolarisDiskDriveProvider(Static &classProxy, jobject object) : proxy(&classProxy), obj(object) {
-    }
+/// Object proxy of the provider's Java object.
+class SolarisDiskDriveProvider : JavaClass<SolarisDiskDriveProviderMembers> {
+public:
+    using JavaClass::JavaClass;
+    using JavaClass::Static;
 
     /// The finished instance, or null.
     jobject makeDisk1(jstring name, jstring diskType, jstring deviceId, long long heads, long long sectors,
@@ -41,10 +39,6 @@ public:
                                jlong{sectors}, jlong{physicalCylinders}, jlong{dataCylinders},
                                jlong{alternateCylinders});
     }
-
-private:
-    Static *proxy;
-    jobject obj;
 };
 
 /// Serves one native call of the disk-drive provider.

@@ -6,7 +6,6 @@
 namespace tarn {
 namespace {
 
-constexpr std::string_view powerPathPrefix = "emcpower";
 constexpr jint frameCapacity = 50;
 
 } // namespace

@@ -26,20 +26,19 @@ struct PartitionData {
 /// Asks an open device for its slice. Nothing when a request fails or the table has no such partition.
 std::optional<PartitionData> readPartition(int descriptor);
 
-/// Object proxy of the provider's Java object.
-class SolarisDiskPartitionProvider {
-public:
-    struct Static : ClassProxy {
-        explicit Static(JNIEnv *environment)
-            : ClassProxy(environment, "com/kelvo/tarn/providers/solaris/SolarisDiskPartitionProvider") {
-        }
-        StaticField field__class{*this, "_class", "Lcom/kelvo/tarn/TrClass;"};
-        InstanceMethod meth_makePartition1{*this, "makePartition1",
-                                           "(Ljava/lang/String;Ljava/lang/String;IISSZ)Lcom/kelvo/tarn/TrInstance;"};
-    };
+struct SolarisDiskPartitionProviderMembers
+    : NamedClass<"com/kelvo/tarn/providers/solaris/SolarisDiskPartitionProvider"> {
+    using NamedClass::NamedClass;
+    StaticField field__class{*this, "_class", "Lcom/kelvo/tarn/TrClass;"};
+    InstanceMethod meth_makePartition1{*this, "makePartition1",
+                                       "(Ljava/lang/String;Ljava/lang/String;IISSZ)Lcom/kelvo/tarn/TrInstance;"};
+};
 
-    SolarisDiskPartitionProvider(Static &classProxy, jobject object) : proxy(&classProxy), obj(object) {
-    }
+/// Object proxy of the provider's Java object.
+class SolarisDiskPartitionProvider : JavaClass<SolarisDiskPartitionProviderMembers> {
+public:
+    using JavaClass::JavaClass;
+    using JavaClass::Static;
 
     /// The finished instance, or null.
     jobject makePartition1(jstring name, jstring diskName, jint partition, jint size, jshort tag, jshort flag,
@@ -47,10 +46,6 @@ public:
         return jni::callObject(proxy->env, obj, proxy->meth_makePartition1(), name, diskName, partition, size, tag,
                                flag, mounted);
     }
-
-private:
-    Static *proxy;
-    jobject obj;
 };
 
 /// Serves one native call of the disk-partition provider.
@@ -73,8 +68,8 @@ public:
                            bool mounted);
 
 private:
-    ClassProxy unsignedInt8{env, "javax/wbem/cim/UnsignedInt8"};
-    ClassProxy booleanClass{env, "java/lang/Boolean"};
+    NamedClass<"javax/wbem/cim/UnsignedInt8"> unsignedInt8{env};
+    NamedClass<"java/lang/Boolean"> booleanClass{env};
     SolarisDiskPartitionProvider::Static providerClass{env};
     HbaClassNames::Static hbaClassNamesClass{env};
     SolarisDiskPartitionProvider providerObject;

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "common/jni/ClassProxy.h"
 #include "common/jni/EntryPoint.h"
 #include "common/jni/Jni.h"
 #include "native/JavaError.h"
@@ -12,31 +13,16 @@
 
 namespace tarn {
 
-/// A result class and its constructor, looked up anew for every call.
-struct ResultClass {
-    jclass cls;
-    jmethodID constructor;
-};
-
-/// `name` is slash-separated. Throws JavaExceptionPending when Java has no such class or constructor.
-inline ResultClass bindResultClass(JNIEnv *env, const char *name, const char *constructorSignature) {
-    const jclass cls = jni::findClass(env, name);
-    return {cls, jni::methodId(env, cls, "<init>", constructorSignature)};
-}
-
 /// A java.util.Vector under construction.
-class JavaVector {
+class JavaVector : MadeClass {
 public:
-    explicit JavaVector(JNIEnv *environment) : env(environment) {
-        const jclass vectorClass = jni::findClass(env, "java/util/Vector");
-        list = jni::newObject(env, vectorClass, jni::methodId(env, vectorClass, "<init>", "()V"));
-        addElement = jni::methodId(env, vectorClass, "addElement", "(Ljava/lang/Object;)V");
+    explicit JavaVector(JNIEnv *environment) : MadeClass(environment, "java/util/Vector", "()V") {
     }
 
     /// Adds the object and gives its local reference back, so that a list may be of any length.
     void add(jobject object) {
         const jni::LocalRef<jobject> element(env, object);
-        jni::callVoid(env, list, addElement, object);
+        jni::callVoid(env, list, meth_addElement(), object);
     }
 
     jobject get() const {
@@ -44,9 +30,8 @@ public:
     }
 
 private:
-    JNIEnv *env;
-    jobject list = nullptr;
-    jmethodID addElement = nullptr;
+    const jobject list = make();
+    const InstanceMethod meth_addElement{*this, "addElement", "(Ljava/lang/Object;)V", Binding::atOnce};
 };
 
 /// Runs an entry point whose failures reach Java: a NativeError as a RuntimeException with its message, any other native
@@ -70,14 +55,17 @@ jobject runThrowingEntry(JNIEnv *env, Body body) {
     });
 }
 
-/// The body of an enumerate entry: the vector, then the whole native list, then one object per record.
-template <class Gather, class Make>
-jobject enumerateRecords(JNIEnv *env, Gather gather, Make make) {
-    JavaVector list(env);
-    for (const auto &record : gather()) {
-        list.add(make(record));
-    }
-    return list.get();
+/// An enumerate entry: the result class and the vector, then the whole native list, then one object per record.
+template <class Bind, class Gather, class Make>
+jobject enumerateRecords(JNIEnv *env, Bind bind, Gather gather, Make make) {
+    return runThrowingEntry(env, [&] {
+        const MadeClass result = bind(env);
+        JavaVector list(env);
+        for (const auto &record : gather()) {
+            list.add(make(record, result));
+        }
+        return list.get();
+    });
 }
 
 } // namespace tarn

@@ -11,14 +11,16 @@ constexpr const char *computerSystemClassName =
 
 constexpr std::size_t infoSize = 128; // of the buffer that receives one system-information text
 
-ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, computerSystemClassName,
-                           "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;"
-                           "Ljava/lang/String;)V");
+MadeClass GetClassAndMethod(JNIEnv *env) {
+    return {env, computerSystemClassName,
+            "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;"
+            "Ljava/lang/String;)V",
+            Binding::atOnce};
 }
 
 /// The five texts of the result. A value that the system does not tell stays a blank; no host tells its serial number.
-struct ComputerSystem {
+class ComputerSystem {
+public:
     explicit ComputerSystem(JNIEnv *env)
         : systemName(jni::newString(env, " ")), hostName(jni::newString(env, " ")), platform(jni::newString(env, " ")),
           version(jni::newString(env, " ")), serialNumber(jni::newString(env, "unknown")) {
@@ -31,16 +33,9 @@ struct ComputerSystem {
         readInfo(env, SI_VERSION, version);
     }
 
-    jobject makeObject(JNIEnv *env, const ResultClass &result) const {
-        return jni::newObject(env, result.cls, result.constructor, systemName, hostName, serialNumber, platform,
-                              version);
+    jobject makeObject(const MadeClass &result) const {
+        return result.make(systemName, hostName, serialNumber, platform, version);
     }
-
-    jstring systemName;
-    jstring hostName;
-    jstring platform;
-    jstring version;
-    jstring serialNumber;
 
 private:
     void readInfo(JNIEnv *env, int command, jstring &value) {
@@ -50,6 +45,11 @@ private:
         }
     }
 
+    jstring systemName;
+    jstring hostName;
+    jstring platform;
+    jstring version;
+    jstring serialNumber;
     std::array<char, infoSize> info{};
 };
 
@@ -61,7 +61,7 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getComputerSystem(JNIE
     using namespace tarn;
     return runEntry(env, [&]() -> jobject {
         ComputerSystem computerSystem(env);
-        const ResultClass result = GetClassAndMethod(env);
+        const MadeClass result = GetClassAndMethod(env);
         try {
             computerSystem.readFrom(env);
         } catch (const JavaExceptionPending &) {
@@ -69,6 +69,6 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getComputerSystem(JNIE
         } catch (...) {
             // What was learned so far is still true.
         }
-        return computerSystem.makeObject(env, result);
+        return computerSystem.makeObject(result);
     });
 }

@@ -2,7 +2,6 @@
 
 #include <optional>
 
-#include "common/system/FieldText.h"
 #include "native/host/HostInformation.h"
 #include "native/host/KernelStatistics.h"
 #include "platform/solaris.h"
@@ -15,7 +14,6 @@ constexpr const char *cpuUtilInformationClassName =
     "SolarisCpuUtilizationInformationProvider$SolarisCpuUtilizationData";
 
 constexpr const char *openFailure = "kstat open failed.";
-constexpr const char *cpuRecords = "cpu_stat"; // their module, and what their names begin with
 
 std::optional<CpuUtilInfo> readTicks(const KernelStatistics &statistics, kstat_t *record) {
     constexpr std::size_t used = offsetof(cpu_stat_t, cpu_sysinfo.cpu) + sizeof(cpu_sysinfo_t::cpu);
@@ -29,13 +27,13 @@ std::optional<CpuUtilInfo> readTicks(const KernelStatistics &statistics, kstat_t
                        static_cast<std::int32_t>(ticks[CPU_IDLE])};
 }
 
-ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, cpuUtilInformationClassName, "(IJJJJ)V");
+MadeClass GetClassAndMethod(JNIEnv *env) {
+    return {env, cpuUtilInformationClassName, "(IJJJJ)V", Binding::atOnce};
 }
 
-jobject makeCpuUtilInfo(CpuUtilInfo info, JNIEnv *env, const ResultClass &result) {
-    return jni::newObject(env, result.cls, result.constructor, jint{info.cpuId}, jlong{info.userTicks},
-                          jlong{info.kernelTicks}, jlong{info.waitTicks}, jlong{info.idleTicks});
+jobject makeCpuUtilInfo(CpuUtilInfo info, const MadeClass &result) {
+    return result.make(jint{info.cpuId}, jlong{info.userTicks}, jlong{info.kernelTicks}, jlong{info.waitTicks},
+                       jlong{info.idleTicks});
 }
 
 } // namespace
@@ -44,7 +42,7 @@ std::vector<CpuUtilInfo> getCpuUtilInfos() {
     const KernelStatistics statistics(openFailure);
     std::vector<CpuUtilInfo> infos;
     for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
-        if (!fieldText(record->ks_name).starts_with(cpuRecords)) {
+        if (!isOfProcessor(*record)) {
             continue;
         }
         if (const std::optional<CpuUtilInfo> info = readTicks(statistics, record)) {
@@ -72,18 +70,14 @@ CpuUtilInfo getCpuUtilInfo(std::int32_t id) {
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateCpuUtilizationInfo(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runThrowingEntry(env, [&] {
-        const ResultClass result = GetClassAndMethod(env);
-        return enumerateRecords(env, getCpuUtilInfos,
-                                [&](const CpuUtilInfo &info) { return makeCpuUtilInfo(info, env, result); });
-    });
+    return enumerateRecords(env, GetClassAndMethod, getCpuUtilInfos, makeCpuUtilInfo);
 }
 
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getCpuUtilizationInfo(JNIEnv *env, jobject, jint id) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {
-        const ResultClass result = GetClassAndMethod(env);
-        return makeCpuUtilInfo(getCpuUtilInfo(id), env, result);
+        const MadeClass result = GetClassAndMethod(env);
+        return makeCpuUtilInfo(getCpuUtilInfo(id), result);
     });
 }

@@ -16,31 +16,25 @@ namespace {
 constexpr const char *diskIOInformationClassName =
     "com/kelvo/tarn/providers/solaris/SolarisDiskIOInformationProvider$SolarisDiskIOInformation";
 
-bool isDisk(const kstat_t &record) {
-    return record.ks_type == KSTAT_TYPE_IO && fieldText(record.ks_class) == "disk";
+MadeClass GetClassAndMethod(JNIEnv *env) {
+    return {env, diskIOInformationClassName, "(Ljava/lang/String;Ljava/lang/String;JJJJ)V", Binding::atOnce};
 }
 
-ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, diskIOInformationClassName, "(Ljava/lang/String;Ljava/lang/String;JJJJ)V");
+jobject newDiskIOInformation(const diskIOData &data, jstring kstatName, jstring deviceName, const MadeClass &result) {
+    return result.make(kstatName, deviceName, static_cast<jlong>(data.bytesRead), static_cast<jlong>(data.bytesWritten),
+                       jlong{data.waitLastUpdate}, jlong{data.runTime});
 }
 
-jobject newDiskIOInformation(const diskIOData &data, jstring kstatName, jstring deviceName, JNIEnv *env,
-                             const ResultClass &result) {
-    return jni::newObject(env, result.cls, result.constructor, kstatName, deviceName,
-                          static_cast<jlong>(data.bytesRead), static_cast<jlong>(data.bytesWritten),
-                          jlong{data.waitLastUpdate}, jlong{data.runTime});
-}
-
-jobject makeDiskIOInfo(const diskIOData &data, JNIEnv *env, const ResultClass &result) {
-    const jni::LocalRef<jstring> kstatName(env, jni::newString(env, data.kstatName.c_str()));
-    const jni::LocalRef<jstring> deviceName(env, jni::newString(env, data.deviceName.c_str()));
-    return newDiskIOInformation(data, kstatName.get(), deviceName.get(), env, result);
+jobject makeDiskIOInfo(const diskIOData &data, const MadeClass &result) {
+    const jni::LocalString kstatName(result.env, data.kstatName);
+    const jni::LocalString deviceName(result.env, data.deviceName);
+    return newDiskIOInformation(data, kstatName.get(), deviceName.get(), result);
 }
 
 /// With the caller's own string as the disk name.
-jobject makeDiskIOInfo(const diskIOData &data, jstring name, JNIEnv *env, const ResultClass &result) {
-    const jni::LocalRef<jstring> kstatName(env, jni::newString(env, data.kstatName.c_str()));
-    return newDiskIOInformation(data, kstatName.get(), name, env, result);
+jobject makeDiskIOInfo(const diskIOData &data, jstring name, const MadeClass &result) {
+    const jni::LocalString kstatName(result.env, data.kstatName);
+    return newDiskIOInformation(data, kstatName.get(), name, result);
 }
 
 } // namespace
@@ -52,7 +46,7 @@ std::vector<diskIOData> getDiskIOData() {
     std::vector<diskIOData> disks;
     for (kstat_t *record = statistics.first(); record != nullptr; record = record->ks_next) {
         const std::optional<kstat_io_t> counters =
-            isDisk(*record) ? statistics.read<kstat_io_t>(record, used) : std::nullopt;
+            isOfDisk(*record) ? statistics.read<kstat_io_t>(record, used) : std::nullopt;
         if (!counters) {
             continue;
         }
@@ -92,20 +86,17 @@ TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getDiskIOInformation(JNIEnv *env, jobject, jstring diskName) {
     using namespace tarn;
     return runThrowingEntry(env, [&]() -> jobject {
-        const ResultClass result = GetClassAndMethod(env);
+        const MadeClass result = GetClassAndMethod(env);
         const JniString name(env, diskName);
         const std::optional<diskIOData> data = findDiskIOData(name.utf8());
-        return data ? makeDiskIOInfo(*data, diskName, env, result) : nullptr;
+        return data ? makeDiskIOInfo(*data, diskName, result) : nullptr;
     });
 }
 
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateDiskIOInformation(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runThrowingEntry(env, [&] {
-        const ResultClass result = GetClassAndMethod(env);
-        return enumerateRecords(
-            env, [] { return getDiskIOData(); },
-            [&](const diskIOData &data) { return makeDiskIOInfo(data, env, result); });
-    });
+    return enumerateRecords(
+        env, GetClassAndMethod, [] { return getDiskIOData(); },
+        [](const diskIOData &data, const MadeClass &result) { return makeDiskIOInfo(data, result); });
 }

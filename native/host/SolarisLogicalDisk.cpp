@@ -23,18 +23,19 @@ void readSizes(const char *mountPoint, LogicalDisk &disk) {
     disk.blockSize = status.f_bsize;
 }
 
-ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, logicalDiskClassName, "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V");
+MadeClass GetClassAndMethod(JNIEnv *env) {
+    return {env, logicalDiskClassName, "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V",
+            Binding::atOnce};
 }
 
-jobject makeDisk(const char *name, JNIEnv *env, const ResultClass &result, bool withSizes) {
+jobject makeDisk(const char *name, const MadeClass &result, bool withSizes) {
     const LogicalDisk disk = GetLogicalDisk(name, withSizes);
-    const jni::LocalRef<jstring> device(env, jni::newString(env, disk.device.c_str()));
-    const jni::LocalRef<jstring> mountPoint(env, jni::newString(env, disk.mountPoint.c_str()));
-    const jni::LocalRef<jstring> fileSystemType(env, jni::newString(env, disk.fileSystemType.c_str()));
-    return jni::newObject(env, result.cls, result.constructor, device.get(), mountPoint.get(), fileSystemType.get(),
-                          static_cast<jlong>(disk.totalBytes), static_cast<jlong>(disk.availableBytes),
-                          static_cast<jlong>(disk.freeBytes), static_cast<jlong>(disk.blockSize));
+    const jni::LocalString device(result.env, disk.device);
+    const jni::LocalString mountPoint(result.env, disk.mountPoint);
+    const jni::LocalString fileSystemType(result.env, disk.fileSystemType);
+    return result.make(device.get(), mountPoint.get(), fileSystemType.get(), static_cast<jlong>(disk.totalBytes),
+                       static_cast<jlong>(disk.availableBytes), static_cast<jlong>(disk.freeBytes),
+                       static_cast<jlong>(disk.blockSize));
 }
 
 } // namespace
@@ -78,11 +79,11 @@ TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateLogicalDiskNames(JNIEnv *env, jobject) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {
-        const ResultClass result = GetClassAndMethod(env);
+        const MadeClass result = GetClassAndMethod(env);
         JavaVector list(env);
         for (const std::string &mountPoint : ListLogicalDisks()) {
             try {
-                list.add(makeDisk(mountPoint.c_str(), env, result, false));
+                list.add(makeDisk(mountPoint.c_str(), result, false));
                 // NOLINTNEXTLINE(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
             } catch (NativeError error) {
                 // Unmounted since it was listed; the others are still there.
@@ -97,8 +98,8 @@ TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_Solari
     JNIEnv *env, jobject, jstring mountPoint) {
     using namespace tarn;
     return runThrowingEntry(env, [&] {
-        const ResultClass result = GetClassAndMethod(env);
+        const MadeClass result = GetClassAndMethod(env);
         const JniString name(env, mountPoint);
-        return makeDisk(name.utf8(), env, result, true);
+        return makeDisk(name.utf8(), result, true);
     });
 }

@@ -17,9 +17,9 @@ constexpr const char *operatingSystemClassName =
 
 constexpr std::size_t textLimit = 99; // characters of one reported text
 
-ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, operatingSystemClassName,
-                           "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V");
+MadeClass GetClassAndMethod(JNIEnv *env) {
+    return {env, operatingSystemClassName, "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJJ)V",
+            Binding::atOnce};
 }
 
 /// A system-configuration value; 0 when the system does not tell it.
@@ -33,32 +33,32 @@ std::optional<vminfo_t> readPagingCounters(const KernelStatistics &statistics) {
     return record == nullptr ? std::nullopt : statistics.read<vminfo_t>(record, offsetof(vminfo_t, swap_free));
 }
 
-jobject makeOperatingSystem(JNIEnv *env, const ResultClass &result, jstring name, jstring hostName, jstring version,
+jobject makeOperatingSystem(const MadeClass &result, jstring name, jstring hostName, jstring version,
                             const OsMemoryInfo &memory) {
-    return jni::newObject(env, result.cls, result.constructor, name, hostName, version, jlong{memory.totalPhysicalKB},
-                          jlong{memory.freePhysicalKB}, jlong{memory.totalSwapKB}, jlong{memory.freeSwapKB});
+    return result.make(name, hostName, version, jlong{memory.totalPhysicalKB}, jlong{memory.freePhysicalKB},
+                       jlong{memory.totalSwapKB}, jlong{memory.freeSwapKB});
 }
 
-jobject describeOperatingSystem(JNIEnv *env, const ResultClass &result) {
+jobject describeOperatingSystem(const MadeClass &result) {
     struct utsname names {}; // a system may have a variable of that name beside the structure
     if (solaris::uname(&names) == -1) {
         throw NativeError("uname failed in getOperatingSystem");
     }
-    const auto text = [env](std::string full) {
+    const auto text = [&](std::string full) {
         full.resize(std::min(full.size(), textLimit));
-        return jni::newString(env, full.c_str());
+        return jni::newString(result.env, full.c_str());
     };
     const jstring name = text(std::string(fieldText(names.sysname)));
     const jstring hostName = text(std::string(fieldText(names.nodename)));
     const jstring version = text(std::string(fieldText(names.version)).append(".").append(fieldText(names.release)));
-    return makeOperatingSystem(env, result, name, hostName, version, GetOSMemoryInfo());
+    return makeOperatingSystem(result, name, hostName, version, GetOSMemoryInfo());
 }
 
-jobject makeBlankOperatingSystem(JNIEnv *env, const ResultClass &result) {
-    const jstring name = jni::newString(env, " ");
-    const jstring hostName = jni::newString(env, " ");
-    const jstring version = jni::newString(env, " ");
-    return makeOperatingSystem(env, result, name, hostName, version, OsMemoryInfo{});
+jobject makeBlankOperatingSystem(const MadeClass &result) {
+    const jstring name = jni::newString(result.env, " ");
+    const jstring hostName = jni::newString(result.env, " ");
+    const jstring version = jni::newString(result.env, " ");
+    return makeOperatingSystem(result, name, hostName, version, OsMemoryInfo{});
 }
 
 } // namespace
@@ -100,10 +100,10 @@ TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getOperatingSystem(JNIEnv *env, jobject) {
     using namespace tarn;
     return runEntry(env, [&]() -> jobject {
-        const ResultClass result = GetClassAndMethod(env);
+        const MadeClass result = GetClassAndMethod(env);
         try {
             try {
-                return describeOperatingSystem(env, result);
+                return describeOperatingSystem(result);
             } catch (
                 NativeError error) { // NOLINT(cert-err09-cpp,cert-err61-cpp): by value, a subclass arrives as its base
                 LogMessage(env, error.getMessage(), "warn");
@@ -113,6 +113,6 @@ Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getOperatingSystem(JNI
         } catch (...) {
             // The blank object says that nothing could be learned.
         }
-        return makeBlankOperatingSystem(env, result);
+        return makeBlankOperatingSystem(result);
     });
 }

@@ -15,15 +15,14 @@ constexpr const char *processorClassName =
 
 constexpr long processorLimit = 128;
 
-ResultClass GetClassAndMethod(JNIEnv *env) {
-    return bindResultClass(env, processorClassName, "(ILjava/lang/String;Ljava/lang/String;J)V");
+MadeClass GetClassAndMethod(JNIEnv *env) {
+    return {env, processorClassName, "(ILjava/lang/String;Ljava/lang/String;J)V", Binding::atOnce};
 }
 
-jobject makeProcessor(const ProcessorInfo &info, JNIEnv *env, const ResultClass &result) {
-    const jni::LocalRef<jstring> processorType(env, jni::newString(env, info.processorType.c_str()));
-    const jni::LocalRef<jstring> state(env, jni::newString(env, info.state.c_str()));
-    return jni::newObject(env, result.cls, result.constructor, jint{info.processorId}, processorType.get(), state.get(),
-                          jlong{info.clockMHz});
+jobject makeProcessor(const ProcessorInfo &info, const MadeClass &result) {
+    const jni::LocalString processorType(result.env, info.processorType);
+    const jni::LocalString state(result.env, info.state);
+    return result.make(jint{info.processorId}, processorType.get(), state.get(), jlong{info.clockMHz});
 }
 
 } // namespace
@@ -48,11 +47,7 @@ std::optional<ProcessorInfo> GetProcessorInfo(std::int32_t id) {
 TARN_EXPORTED_ENTRY jobject JNICALL
 Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_enumerateProcessors(JNIEnv *env, jobject) {
     using namespace tarn;
-    return runThrowingEntry(env, [&] {
-        const ResultClass result = GetClassAndMethod(env);
-        return enumerateRecords(env, GetProcessors,
-                                [&](const ProcessorInfo &info) { return makeProcessor(info, env, result); });
-    });
+    return enumerateRecords(env, GetClassAndMethod, GetProcessors, makeProcessor);
 }
 
 TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_getProcessor(JNIEnv *env,
@@ -60,8 +55,8 @@ TARN_EXPORTED_ENTRY jobject JNICALL Java_com_kelvo_tarn_providers_solaris_Solari
                                                                                                            jint id) {
     using namespace tarn;
     return runThrowingEntry(env, [&]() -> jobject {
-        const ResultClass result = GetClassAndMethod(env);
+        const MadeClass result = GetClassAndMethod(env);
         const std::optional<ProcessorInfo> info = GetProcessorInfo(id);
-        return info ? makeProcessor(*info, env, result) : nullptr;
+        return info ? makeProcessor(*info, result) : nullptr;
     });
 }

@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/replay/Host.h"
-#include "platform/replay/PlatformCall.h"
-
 namespace replay {
 namespace {
 
@@ -26,27 +23,6 @@ bool isLinkOfSlice(const Disk &disk, unsigned slice, bool raw) {
 }
 
 } // namespace
-
-namespace {
-
-/// An entry of the mount table as its text shows it.
-std::string textOf(const description::MountEntry &entry) {
-    return entry.mnt_special + "\t" + entry.mnt_mountp + "\t" + entry.mnt_fstype + "\t" + entry.mnt_mntopts + "\t" +
-           entry.mnt_time;
-}
-
-} // namespace
-
-Host::Host(description::Host read) : description::Host(std::move(read)), files(*this) {
-    if (mnttab) {
-        for (const auto &line : *mnttab) {
-            const auto *const text = std::get_if<std::string>(&line);
-            mountTableText +=
-                (text != nullptr ? *text : textOf(*std::get<description::Sparse<description::MountEntry>>(line))) +
-                "\n";
-        }
-    }
-}
 
 dev_t Device::number() const {
     return makedev(disk->major, (*disk->slices)[slice].minor.value_or(disk->minor + disk->place(slice)));
@@ -151,46 +127,6 @@ const std::vector<std::uint32_t> *FileTree::directory(std::string_view path) con
 const Disk *FileTree::mountedFrom(dev_t device) const {
     const auto found = mounted.find(device);
     return found == mounted.end() ? nullptr : found->second;
-}
-
-namespace {
-
-/// What is said of the call; 0 when nothing is.
-template <class Value>
-Value saidOf(const description::ByText<Value> &said, std::string_view call) {
-    const auto found = said.find(call);
-    return found == said.end() ? 0 : found->second;
-}
-
-/// The same for a call on a descriptor of these open flags.
-template <class Value>
-Value saidOf(const description::ByText<Value> &said, std::string_view call, int openFlags) {
-    if (said.empty()) {
-        return 0;
-    }
-    const int mode = openFlags & O_ACCMODE;
-    if (mode == O_RDWR || mode == O_RDONLY) {
-        const std::string inMode = std::string(call) + (mode == O_RDWR ? " O_RDWR" : " O_RDONLY");
-        const std::string withFlag = (openFlags & O_NDELAY) != 0 ? inMode + "|O_NDELAY" : inMode;
-        for (const std::string &name : {withFlag, inMode}) {
-            if (const auto found = said.find(name); found != said.end()) {
-                return found->second;
-            }
-        }
-    }
-    return saidOf(said, call);
-}
-
-} // namespace
-
-int failureOf(const Disk &disk, std::string_view call) {
-    pass(saidOf(disk.seconds, call));
-    return saidOf(disk.fails, call);
-}
-
-int failureOf(const Disk &disk, std::string_view call, int openFlags) {
-    pass(saidOf(disk.seconds, call, openFlags));
-    return saidOf(disk.fails, call, openFlags);
 }
 
 } // namespace replay

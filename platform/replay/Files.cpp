@@ -1,17 +1,28 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
+#include <memory>
 #include <mutex>
+#include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/replay/Descriptors.h"
+#include "platform/replay/Host.h"
 #include "platform/replay/PlatformCall.h"
+#include "platform/replay/Scsi.h"
 
 // Files, directories and devices.
 
 namespace replay {
 namespace {
+
+/// An open device, on the host it was opened on.
+struct OpenDevice {
+    std::shared_ptr<const Host> host;
+    Device device;
+    int flags; // of open
+    std::string path;
+};
 
 /// Open devices by descriptor: the lowest free number, after those of the standard streams.
 class DescriptorTable {

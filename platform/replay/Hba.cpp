@@ -115,12 +115,13 @@ void soilBehindTexts(Fields &...fields) {
     };
     (soil(fields), ...);
 }
-void soilBehindTexts(HBA_ADAPTERATTRIBUTES &of) {
-    soilBehindTexts(of.Manufacturer, of.SerialNumber, of.Model, of.ModelDescription, of.NodeSymbolicName,
-                    of.HardwareVersion, of.DriverVersion, of.OptionROMVersion, of.FirmwareVersion, of.DriverName);
+void soilBehindTexts(HBA_ADAPTERATTRIBUTES &attributes) {
+    soilBehindTexts(attributes.Manufacturer, attributes.SerialNumber, attributes.Model, attributes.ModelDescription,
+                    attributes.NodeSymbolicName, attributes.HardwareVersion, attributes.DriverVersion,
+                    attributes.OptionROMVersion, attributes.FirmwareVersion, attributes.DriverName);
 }
-void soilBehindTexts(HBA_PORTATTRIBUTES &of) {
-    soilBehindTexts(of.PortSymbolicName, of.OSDeviceName);
+void soilBehindTexts(HBA_PORTATTRIBUTES &attributes) {
+    soilBehindTexts(attributes.PortSymbolicName, attributes.OSDeviceName);
 }
 void soilBehindTexts(HBA_PORTSTATISTICS &) {
 }

@@ -27,7 +27,9 @@ struct Host : description::Host {
 int failureOf(const Disk &disk, std::string_view call);
 int failureOf(const Disk &disk, std::string_view call, int openFlags);
 
-/// The host that calls are answered from.
+/// The host that calls are answered from: the one that was made so last; until one is, that of TARN_HOST or the built-in
+/// one.
 std::shared_ptr<const Host> currentHost();
+void makeCurrent(std::shared_ptr<const Host> loaded);
 
 } // namespace replay

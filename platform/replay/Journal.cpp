@@ -2,9 +2,6 @@
 
 #include <mutex>
 #include <utility>
-#include <vector>
-
-#include "platform/replay/Replay.h"
 
 namespace replay {
 

@@ -3,12 +3,21 @@
 #include <atomic>
 #include <cerrno>
 #include <string>
+#include <vector>
 
 #include "description/Names.h"
 
 namespace replay {
 
 using description::errnoName;
+
+/// Begin an empty journal: from now on every platform call leaves a line, its name and then its salient arguments.
+/// When the call failed and set errno, the name of that error ends the line. readdir and getmntent, which only
+/// move within what was opened, leave none.
+void startJournal();
+
+/// The lines since the start, in the order of the calls; nothing more is kept after it.
+std::vector<std::string> stopJournal();
 
 extern std::atomic<bool> journalIsOn;
 

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "common/system/KernelRecords.h"
 #include "platform/replay/Host.h"
 #include "platform/replay/PlatformCall.h"
 
@@ -48,16 +49,6 @@ struct Chain : kstat_ctl_t {
         }
     }
 };
-
-template <std::size_t size>
-std::string_view textOf(const char (&field)[size]) {
-    return {field, strnlen(field, size)};
-}
-
-std::string nameOf(const kstat_t &record) {
-    return std::string(textOf(record.ks_module)) + ":" + std::to_string(record.ks_instance) + ":" +
-           std::string(textOf(record.ks_name));
-}
 
 void *placeOf(auto &data) {
     return &data;
@@ -120,7 +111,7 @@ int kstat_close(kstat_ctl_t *control) {
 }
 
 kid_t kstat_read(kstat_ctl_t *control, kstat_t *record, void *buffer) {
-    return answerCall([&] { return "kstat_read " + nameOf(*record); },
+    return answerCall([&] { return "kstat_read " + tarn::nameOf(*record); },
                       [&] { return readRecord(*static_cast<Chain *>(control), record, buffer); });
 }
 
@@ -148,9 +139,9 @@ kstat_t *kstat_lookup(kstat_ctl_t *control, const char *module, int instance, co
     };
     return answerCall(line, [&] {
         kstat_t *record = control->kc_chain;
-        while (record != nullptr && !((module == nullptr || textOf(record->ks_module) == module) &&
+        while (record != nullptr && !((module == nullptr || tarn::fieldText(record->ks_module) == module) &&
                                       (instance == -1 || record->ks_instance == instance) &&
-                                      (name == nullptr || textOf(record->ks_name) == name))) {
+                                      (name == nullptr || tarn::fieldText(record->ks_name) == name))) {
             record = record->ks_next;
         }
         return record == nullptr ? failWith<kstat_t *>(ENOENT) : record;

@@ -4,8 +4,6 @@
 #include <chrono>
 #include <thread>
 
-#include "platform/replay/Replay.h"
-
 namespace replay {
 namespace {
 

@@ -10,6 +10,23 @@
 
 namespace replay {
 
+/// Refuse the n-th platform call from now on (from 1), whatever the host has to say, the way the platform refuses it: -1
+/// or null with EIO, an HBA status, a handle or a count of 0. It leaves a line that ends with "refused", readdir and
+/// getmntent too. A call that gives something back does so all the same, and only its answer is a failure.
+void refuseCall(int n);
+
+/// Refuse none any more. Whether the chosen one has come.
+bool stopRefusing();
+
+/// Whether the calling thread is inside of a platform call.
+bool isInPlatform();
+
+/// Whether an answer leaves 0xA5 in what it does not set, as a platform may that promises nothing of it: the rest of a
+/// SCSI command's buffer, a structure or a name of the HBA library when its call fails, what stands behind the end of a
+/// text in them. Off until it is asked for; members that a description leaves out are told as the format says, dirt or
+/// not.
+void leaveDirt(bool isLeft);
+
 /// Marks the calling thread as inside of the platform for as long as it lives: what is allocated then is the replay's, not
 /// the caller's.
 class InPlatform {

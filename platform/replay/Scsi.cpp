@@ -1,17 +1,20 @@
+#include "platform/replay/Scsi.h"
+
 #include <algorithm>
 #include <cstring>
 #include <span>
 
+#include "common/system/Hexadecimal.h"
 #include "description/ScsiCommands.h"
-#include "platform/replay/Descriptors.h"
+#include "platform/replay/Host.h"
 #include "platform/replay/PlatformCall.h"
 
 namespace replay {
 namespace {
 
-using description::logSelectPage;
-using description::ScsiCommand;
-using description::scsiCommands;
+using description::ScsiCommandName;
+using description::scsiCommandNames;
+using tarn::ScsiCommand;
 
 constexpr short checkCondition = 2; // SCSI status
 
@@ -25,17 +28,17 @@ bool isCommand(const ScsiCommand &command, std::span<const unsigned char> cdb) {
         return false;
     }
     for (std::size_t i = 0; i < cdb.size(); ++i) {
-        if (cdb[i] != command.cdb[i] && i != command.countAt && i != command.countAt + 1) {
+        if (cdb[i] != command.fixed[i] && i != command.countAt && i != command.countAt + 1) {
             return false;
         }
     }
     return true;
 }
 
-const ScsiCommand *recognise(std::span<const unsigned char> cdb) {
-    const auto found =
-        std::ranges::find_if(scsiCommands, [&](const ScsiCommand &command) { return isCommand(command, cdb); });
-    return found == scsiCommands.end() ? nullptr : &*found;
+const ScsiCommandName *recognise(std::span<const unsigned char> cdb) {
+    const auto found = std::ranges::find_if(
+        scsiCommandNames, [&](const ScsiCommandName &known) { return isCommand(*known.command, cdb); });
+    return found == scsiCommandNames.end() ? nullptr : &*found;
 }
 
 /// Bytes that the descriptor block asks for or announces.
@@ -44,11 +47,10 @@ std::size_t countOf(const ScsiCommand &command, std::span<const unsigned char> c
 }
 
 std::string hexText(std::span<const unsigned char> bytes) {
-    constexpr const char *digits = "0123456789abcdef";
     std::string text;
     for (const unsigned char byte : bytes) {
         text += text.empty() ? "" : " ";
-        text += {digits[byte >> 4], digits[byte & 15]};
+        text.append(tarn::hexDigits(byte).data(), 2);
     }
     return text;
 }
@@ -77,13 +79,13 @@ int refuseCommand(uscsi_cmd &command) {
 
 int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
     const std::span<const unsigned char> cdb = descriptorBlock(command);
-    const ScsiCommand *known = recognise(cdb);
+    const ScsiCommandName *known = recognise(cdb);
     if (known == nullptr) {
         return refuseCommand(command);
     }
-    const std::size_t count = countOf(*known, cdb);
+    const std::size_t count = countOf(*known->command, cdb);
     const bool fromDevice = (command.uscsi_flags & USCSI_READ) != 0;
-    if (fromDevice == known->sendsData || (known->sendsData && command.uscsi_buflen < count)) {
+    if (fromDevice == known->command->sendsData || (known->command->sendsData && command.uscsi_buflen < count)) {
         return EINVAL;
     }
     if (command.uscsi_bufaddr == nullptr && command.uscsi_buflen != 0) {
@@ -97,7 +99,7 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
         return refuseCommand(command);
     }
     std::size_t moved = count;
-    if (!known->sendsData) {
+    if (!known->command->sendsData) {
         if (leavesDirt()) {
             std::memset(command.uscsi_bufaddr, dirt, command.uscsi_buflen);
         }
@@ -105,7 +107,7 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
         std::copy_n(answer->second.data(), moved, command.uscsi_bufaddr);
     } else {
         const std::span list(reinterpret_cast<const unsigned char *>(command.uscsi_bufaddr), count);
-        if (list.empty() || list.front() != logSelectPage) {
+        if (list.empty() || list.front() != tarn::logSelectPage) {
             return refuseCommand(command);
         }
         if (!isWellFormed(list)) {
@@ -119,12 +121,12 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
 
 std::string scsiCommandText(const uscsi_cmd &command) {
     const std::span<const unsigned char> cdb = descriptorBlock(command);
-    const ScsiCommand *known = recognise(cdb);
+    const ScsiCommandName *known = recognise(cdb);
     std::string text = hexText(cdb) + " flags " + std::to_string(command.uscsi_flags) + " timeout " +
                        std::to_string(command.uscsi_timeout);
-    if (known != nullptr && known->sendsData && command.uscsi_bufaddr != nullptr) {
+    if (known != nullptr && known->command->sendsData && command.uscsi_bufaddr != nullptr) {
         const auto *data = reinterpret_cast<const unsigned char *>(command.uscsi_bufaddr);
-        text += " data " + hexText({data, std::min(countOf(*known, cdb), command.uscsi_buflen)});
+        text += " data " + hexText({data, std::min(countOf(*known->command, cdb), command.uscsi_buflen)});
     }
     return text;
 }

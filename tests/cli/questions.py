@@ -83,7 +83,9 @@ def check(documents, mounts, full=90):
     for command in SECTIONS:
         lines = documents[command]["log"] + (
             [line for document in mounts.values() for line in document["log"]] if command == "logical-disks" else [])
-        found += [("warning", "library-warning", command) for line in lines if line["level"] == "warn"]
+        told = [line["message"] for line in lines if line["level"] == "warn"]
+        # Lines that say the same are one finding; those of disks are told apart by their disks.
+        found += [("warning", "library-warning", command)] * len(told if command == "disks" else set(told))
     return sorted(found, key=lambda finding: (finding[0] != "critical", CODES.index(finding[1])))
 
 

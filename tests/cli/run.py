@@ -117,6 +117,12 @@ class CommandLine(unittest.TestCase):
                          [65536] * 4 + [0] * 60)
         self.assertEqual((len(document["log"]), document["log"][10000]["message"]), (10001, "and 252145 lines more"))
         self.assertEqual((tested.count(b"HBA_GetDiscovered"), tested.count(b"Ignoring")), (4 * 65536, 1))
+        ports = [{"attributes": {"NumberofDiscoveredPorts": 3}}]
+        host = write_host({"hba": {"adapters": [{"name": "a", "ports": ports}]}})
+        checked = subprocess.run([TARN, "--host", host, "--json", "check"], capture_output=True, timeout=120).stdout
+        self.assertEqual([finding["message"] for finding in json.loads(checked)["result"]["findings"]
+                          if finding["code"] == "library-warning"],
+                         ["HBA_GetDiscoveredPortAttributes call returned 6 (Illegal index) for adapter 0 (a) (3 times)"])
 
     def test_a_reader_who_has_read_enough(self):
         done = subprocess.run(["bash", "-c", f"{TARN} partitions | head -1; exit ${{PIPESTATUS[0]}}"], timeout=120,

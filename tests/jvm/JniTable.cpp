@@ -321,7 +321,7 @@ JniTable::JniTable(JNIEnv *environment, bool withJournal)
     Overlay::lay<&T::GetStaticMethodID>(table, {"GetStaticMethodID", "java/lang/NoSuchMethodError", false, false});
     Overlay::lay<&T::GetStaticFieldID>(table, {"GetStaticFieldID", "java/lang/NoSuchFieldError", false, false});
     Overlay::lay<&T::GetStaticObjectField>(table, {"GetStaticObjectField", nullptr, true, false});
-    Overlay::lay<&T::GetStringUTFChars>(table, {"GetStringUTFChars", outOfMemory, false, false});
+    Overlay::lay<&T::GetStringUTFChars>(table, {"GetStringUTFChars", outOfMemory, true, false});
     Overlay::lay<&T::ReleaseStringUTFChars>(table, {"ReleaseStringUTFChars", nullptr, false, true});
     Overlay::lay<&T::NewObjectV>(table, {"NewObject", outOfMemory, false, false});
     Overlay::lay<&T::NewStringUTF>(table, {"NewStringUTF", outOfMemory, false, false});

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <functional>
 #include <new>
+#include <nlohmann/json.hpp>
 
 #include "common/hba/DeviceNames.h"
 #include "common/hba/RemotePortIndex.h"
@@ -81,15 +82,14 @@ TEST(Allocations, GiveEverythingBackWhicheverIsRefused) {
         EXPECT_EQ(allocation.kept(), 0) << text;
         return text;
     };
-    std::string mapping = R"({"hba": {"adapters": [{"name": "a", "targetMapping": [{})";
-    for (int i = 0; i < 512; ++i) { // more than there is room for without an allocation
-        mapping += ", {}";
-    }
+    nlohmann::json adapter = {{"name", "a"}};
+    adapter["targetMapping"] =
+        nlohmann::json(513, nlohmann::json::object()); // more than there is room for without an allocation
     for (std::size_t i = 0; i < std::size(functions); ++i) {
         if (i + 1 < std::size(functions)) {
             tests::loadHost("small");
         } else {
-            replay::loadHostText(mapping + "]}]}}");
+            replay::loadHostText(nlohmann::json{{"hba", {{"adapters", nlohmann::json::array({adapter})}}}}.dump());
         }
         int made = 0, all = 0;
         const std::string whole = outcome(functions[i], 0, all);

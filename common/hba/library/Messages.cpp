@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdio>
 
+#include "common/hba/library/Limits.h"
+
 namespace tarn {
 
 const char *StatusString(HBA_STATUS status) {
@@ -24,15 +26,15 @@ const char *StatusString(HBA_STATUS status) {
     return status < texts.size() ? texts[status] : "";
 }
 
-const char *BadStatus(const char *callName, HBA_STATUS status, int adapterIndex, const char *adapterName) {
+const char *BadStatus(const char *callName, HBA_STATUS status, HBA_UINT32 adapterIndex, const char *adapterName) {
     thread_local std::array<char, 500> line;
-    static_cast<void>(std::snprintf(line.data(), line.size(), "HBA_%s call returned %d (%s) for adapter %d (%s)",
+    static_cast<void>(std::snprintf(line.data(), line.size(), "HBA_%s call returned %d (%s) for adapter %u (%s)",
                                     callName, static_cast<int>(status), StatusString(status), adapterIndex,
                                     adapterName)); // the longest fits
     return line.data();
 }
 
-std::string unableToOpen(int adapterIndex, const char *adapterName, HBA_STATUS status) {
+std::string unableToOpen(HBA_UINT32 adapterIndex, const char *adapterName, HBA_STATUS status) {
     return "Unable to open HBA adapter " + std::to_string(adapterIndex) + " (" + adapterName + ") -- status is " +
            std::to_string(static_cast<int>(status)) + " (" + StatusString(status) + ") (check ownership)";
 }
@@ -52,7 +54,7 @@ std::string tooManyTogether(HBA_UINT32 port, HBA_UINT32 count, const std::string
            std::to_string(maximumDiscoveredPortsTogether) + " in all cannot be right";
 }
 
-std::string adapterText(int adapterIndex, const char *adapterName) {
+std::string adapterText(HBA_UINT32 adapterIndex, const char *adapterName) {
     return "HBA adapter " + std::to_string(adapterIndex) + " (" + adapterName + ")";
 }
 

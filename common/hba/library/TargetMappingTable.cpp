@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "common/hba/library/Messages.h"
+#include "common/hba/library/Limits.h"
 
 namespace tarn {
 

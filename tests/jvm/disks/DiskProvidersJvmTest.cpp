@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "platform/replay/Replay.h"
 #include "tests/Expected.h"
 #include "tests/jvm/Entries.h"
@@ -11,15 +13,19 @@
 namespace {
 
 using namespace tests;
+using nlohmann::json;
 
 /// A disk with a geometry and a slice 2, and with a label unless it is `bare`.
-std::string disk(const std::string &name, bool isBare, const std::string &slices = R"("s2")") {
-    return R"({"name": ")" + name + R"(", "slices": [)" + slices + R"(], "geometry": {})" +
-           (isBare ? "}" : R"(, "vtoc": {"v_part": []}})");
+json disk(const std::string &name, bool isBare, const Lines &slices = {"s2"}) {
+    json disk = {{"name", name}, {"slices", slices}, {"geometry", json::object()}};
+    if (!isBare) {
+        disk["vtoc"] = {{"v_part", json::array()}};
+    }
+    return disk;
 }
 
-void loadDisks(const Lines &disks) {
-    replay::loadHostText(R"({"disks": [)" + joined(disks, ", ") + "]}");
+void loadDisks(const std::vector<json> &disks) {
+    replay::loadHostText(json{{"disks", disks}}.dump());
 }
 
 class DiskProvidersTest : public jvm::JvmTest {
@@ -92,7 +98,7 @@ TEST_F(DiskProvidersTest, WhatCouldBeReadIsTold) {
 TEST_F(DiskProvidersTest, NamesThatDoNotFitAreNotOpened) {
     for (const std::size_t length : {97u, 98u, 99u, 100u, 1100u}) {
         const std::string name(length, 'd');
-        loadDisks({disk(name, false, R"("", "s2")")});
+        loadDisks({disk(name, false, {"", "s2"})});
         replay::startJournal();
         EXPECT_EQ(get(true, newString(name.c_str())) != nullptr, length <= 97) << length;
         EXPECT_EQ(get(false, newString(name.c_str())) != nullptr, length <= 99) << length;
@@ -101,7 +107,7 @@ TEST_F(DiskProvidersTest, NamesThatDoNotFitAreNotOpened) {
 }
 
 TEST_F(DiskProvidersTest, AThrowingReceiverEndsTheWalk) {
-    Lines disks;
+    std::vector<json> disks;
     for (int i = 0; i < 200; ++i) { // the first hundred are a log line each, and no slice
         disks.push_back(disk("c" + std::to_string(i), i < 100));
     }

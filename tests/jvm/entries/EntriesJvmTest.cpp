@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <functional>
+#include <nlohmann/json.hpp>
 
 #include "platform/replay/Replay.h"
 #include "tests/Allocations.h"
@@ -254,11 +255,10 @@ TEST_F(EntriesTest, ThrowOrLackSomethingForEachAllocationThatIsRefused) {
             refuseEach(entry, host);
         }
     }
-    std::string mapping = "{}";
-    for (int i = 0; i < 512; ++i) { // more than there is room for without an allocation
-        mapping += ", {}";
-    }
-    replay::loadHostText(R"({"hba": {"adapters": [{"name": "a", "targetMapping": [)" + mapping + "]}]}}");
+    nlohmann::json adapter = {{"name", "a"}};
+    adapter["targetMapping"] =
+        nlohmann::json(513, nlohmann::json::object()); // more than there is room for without an allocation
+    replay::loadHostText(nlohmann::json{{"hba", {{"adapters", nlohmann::json::array({adapter})}}}}.dump());
     refuseEach(*std::ranges::find(entries, "fillHbaCache", &Entry::name), "with 513 mappings");
     tests::expectFile("jvm/entries/allocation-refusals.txt", text);
 }

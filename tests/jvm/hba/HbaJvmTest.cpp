@@ -164,6 +164,12 @@ TEST_F(HbaTest, FieldsFullToTheirLastByteLoseIt) {
     const std::string port = tree.values("100/9/port");
     EXPECT_NE(port.find("|" + symbolicName.substr(1) + "|" + device.substr(1) + "|"), std::string::npos) << port;
     EXPECT_TRUE(port.ends_with("|Kelvo_HbaPort|Adapter 100 Port 9|Adapter 100 Port 9|Adapter 100 Port 9|9")) << port;
+    choose(false, true, false);
+    const std::string disk(244, 'n');
+    loadOneAdapter(json::array({remotePort(wwnA)}),
+                   json::array({target(wwnA, {{"OSDeviceName", "/dev/rdsk/" + disk + "s2"}})}));
+    const std::string mapping = fill().values("0/0/0/0/mapping");
+    EXPECT_NE(mapping.find("|" + disk + "|"), std::string::npos) << mapping;
 }
 
 TEST_F(HbaTest, CodesAndNamesBecomeWhatJavaKnows) {
@@ -375,19 +381,26 @@ TEST_F(HbaTest, HostsAreToldLetterForLetter) {
     tests::expectFile("jvm/hba/hba-hosts.txt", text);
 }
 
-TEST_F(HbaTest, SelfTestBelievesWhatMayBe) {
+TEST_F(HbaTest, CountsThatMayBeAreBelieved) {
     const auto linesOf = [&](const json &adapters) {
         loadAdapters(adapters);
         return selfTest();
     };
+    const auto fillIgnores = [&] {
+        fill();
+        return beginning(logLines(calls), {"warn \"Ignoring"});
+    };
     const json nameless{{"status", {{"GetAdapterName", 1}}}};
     EXPECT_EQ(linesOf(std::vector<json>(4096, nameless)).size(), 4096U);
+    EXPECT_EQ(fillIgnores(), Lines());
     wrapped.moreAdapters = 1;
     EXPECT_EQ(linesOf(std::vector<json>(4096, nameless)),
               Lines{"Ignoring the 4097 adapters that the HBA library reports -- more than 4096 cannot be right"});
     wrapped.moreAdapters = 0;
     // Two lines of the adapter, two of each port that is there, one of each that is not, two of each mapping entry.
     EXPECT_EQ(linesOf(twoAdapters("/0/attributes/NumberOfPorts", 4096)).size(), 2 + 8 + 2 + 4094 + 6 + 3 + 4U + 6);
+    EXPECT_EQ(fillIgnores(), Lines());
+    EXPECT_EQ(beginning(calls, {"EnsureLocalCapacity 16406"}).size(), 1U); // before the first of them: 19, 3 and 4 each
     EXPECT_EQ(linesOf(twoAdapters("/0/ports/1/attributes/NumberofDiscoveredPorts", 65536)).size(),
               2 + 6 + 4 + 65535 + 6 + 3 + 4U + 6);
     loadOneAdapter(json::array(), std::vector<json>(700, target(wwnA)));

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <new>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "common/jni/JniString.h"
@@ -16,6 +17,7 @@
 
 namespace {
 
+using nlohmann::json;
 using tests::Lines;
 
 class HostFactsTest : public jvm::JvmTest {};
@@ -23,21 +25,21 @@ class HostFactsTest : public jvm::JvmTest {};
 TEST_F(HostFactsTest, WhatTheSystemDoesNotTellIsBlankAndWhatIsTooLongIsCut) {
     const std::string p(200, 'p'), v(257, 'v'); // longer than what is read of it, and filling its field
     const std::string noMemory = "totalPhysicalKB=0, freePhysicalKB=0, totalSwapKB=0, freeSwapKB=0]";
-    const std::string uname = R"("uname": {"sysname": ")" + v + R"(", "nodename": ")" + v + R"(", "release": ")" + v +
-                              R"(", "version": ")" + v + R"("})";
+    const json uname = {{"sysname", v}, {"nodename", v}, {"release", v}, {"version", v}};
     const std::string cut = v.substr(0, 99);
     const struct {
-        std::string host, computerSystem, operatingSystem;
+        json host;
+        std::string computerSystem, operatingSystem;
     } cases[] = {
-        {R"({"uname": {}, "sysinfo": {"SI_HOSTNAME": "rill", "SI_VERSION": "G"}})",
+        {{{"uname", json::object()}, {"sysinfo", {{"SI_HOSTNAME", "rill"}, {"SI_VERSION", "G"}}}},
          "systemName= , hostName=rill, serialNumber=unknown, platform= , version=G]",
          "name= , hostName= , version= , " + noMemory},
-        {R"({"kstat": [], "sysinfo": {"SI_PLATFORM": ")" + p + "\"}, " + uname + "}",
+        {{{"kstat", json::array()}, {"sysinfo", {{"SI_PLATFORM", p}}}, {"uname", uname}},
          "systemName= , hostName= , serialNumber=unknown, platform=" + p.substr(0, 127) + ", version= ]",
          "name=" + cut + ", hostName=" + cut + ", version=" + cut + ", " + noMemory},
     };
     for (const auto &[host, computerSystem, operatingSystem] : cases) {
-        replay::loadHostText(host);
+        replay::loadHostText(host.dump());
         EXPECT_EQ(jvm::toText(env, HOST_FACT(getComputerSystem)(env, nullptr)),
                   "SolarisComputerSystem[" + computerSystem);
         EXPECT_EQ(jvm::toText(env, HOST_FACT(getOperatingSystem)(env, nullptr)),
@@ -77,7 +79,7 @@ TEST_F(HostFactsTest, TextReachesJavaAndComesBack) {
           "\xed\xa0\xbd\U0001f600", "\xc1\xbf\U0001f600", "\xe0\x9f\xbf\U0001f600", "\x80\U0001f600"}) {
         EXPECT_EQ(jvm::toText(env, tarn::jni::newString(env, text)), jvm::toText(env, newString(text)));
     }
-    replay::loadHostText("{\"mnttab\": [\"d\\t/\U0001f600\\tufs\\trw\\t1\"]}");
+    replay::loadHostText(json{{"mnttab", json::array({"d\t/\U0001f600\tufs\trw\t1"})}}.dump());
     const std::string there =
         jvm::toText(env, HOST_FACT(getLogicalDiskByName)(env, nullptr, newString("/\xed\xa0\xbd\xed\xb8\x80")));
     EXPECT_NE(there.find("mountPoint=/\xed\xa0\xbd\xed\xb8\x80,"), std::string::npos) << there;
@@ -91,11 +93,14 @@ TEST_F(HostFactsTest, AMountThatVanishesIsOneWarning) {
         replay::loadHostText(hostAfterwards);
         real->CallVoidMethodV(e, list, method, arguments);
     };
-    const std::string first = R"({"mnttab": ["d0\t/\tufs\trw\t1")", last = R"(, "d1\t/var\tufs\trw\t1"]})";
-    const std::string gone = R"(, "far:/\t/gone\tnfs\trw\t1")";
-    const Lines manyGone(100, gone);
-    hostAfterwards = first + last;
-    replay::loadHostText(first + tests::joined(manyGone, "") + last);
+    const auto hostWithGone = [](std::size_t gone) {
+        Lines mounted(gone + 2, "far:/\t/gone\tnfs\trw\t1");
+        mounted.front() = "d0\t/\tufs\trw\t1";
+        mounted.back() = "d1\t/var\tufs\trw\t1";
+        return json{{"mnttab", mounted}}.dump();
+    };
+    hostAfterwards = hostWithGone(0);
+    replay::loadHostText(hostWithGone(100));
     env->functions = &unmounting;
     {
         const jvm::LocalFrame frame(env);
@@ -106,26 +111,23 @@ TEST_F(HostFactsTest, AMountThatVanishesIsOneWarning) {
         EXPECT_EQ(jvm::elementTexts(env, disks).size(), 2U);
     }
     jvm::refuseEveryCall(env, jvm::Refusal::withException, [&](JNIEnv *e) {
-        replay::loadHostText(first + gone + last);
+        replay::loadHostText(hostWithGone(1));
         return HOST_FACT(enumerateLogicalDiskNames)(e, nullptr);
     });
     env->functions = real;
 }
 
 TEST_F(HostFactsTest, LongListsNeedNoRoomForReferences) {
-    const auto listOf128 = [](const std::string &beforeNumber, const std::string &afterNumber) {
-        Lines list;
-        for (int i = 0; i < 128; ++i) {
-            list.push_back(beforeNumber + std::to_string(i) + afterNumber);
-        }
-        return "[" + tests::joined(list, ", ") + "]";
-    };
-    replay::loadHostText(R"({"sysconf": {"_SC_NPROCESSORS_CONF": 128, "_SC_CPUID_MAX": 127}, "processors": )" +
-                         listOf128(R"({"id": )", "}") + R"(, "mnttab": )" + listOf128(R"("d\t/)", R"(\tufs\trw\t1")") +
-                         R"(, "kstat": )" +
-                         listOf128(R"({"ks_name": "cpu_stat)", R"(", "data": {}}, {"ks_name": "sd", "ks_class": "disk",
-                                                                  "ks_type": "KSTAT_TYPE_IO", "data": {}})") +
-                         "}");
+    json host = {{"sysconf", {{"_SC_NPROCESSORS_CONF", 128}, {"_SC_CPUID_MAX", 127}}}};
+    for (int i = 0; i < 128; ++i) {
+        const std::string number = std::to_string(i);
+        host["processors"].push_back({{"id", i}});
+        host["mnttab"].push_back("d\t/" + number + "\tufs\trw\t1");
+        host["kstat"].push_back({{"ks_name", "cpu_stat" + number}, {"data", json::object()}});
+        host["kstat"].push_back(
+            {{"ks_name", "sd"}, {"ks_class", "disk"}, {"ks_type", "KSTAT_TYPE_IO"}, {"data", json::object()}});
+    }
+    replay::loadHostText(host.dump());
     for (const auto enumerate : {HOST_FACT(enumerateLogicalDiskNames), HOST_FACT(enumerateProcessors),
                                  HOST_FACT(enumerateCpuUtilizationInfo), HOST_FACT(enumerateDiskIOInformation)}) {
         const jvm::LocalFrame frame(env);

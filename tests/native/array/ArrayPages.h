@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
@@ -146,15 +148,15 @@ inline std::string padded(std::string text, std::size_t size) {
 }
 
 /// The disk of a host description that stands for the LUN.
-inline std::string describeLun(const ArrayLun &lun) {
-    std::vector<std::string> answers;
+inline nlohmann::json describeLun(const ArrayLun &lun) {
+    nlohmann::json disk = {{"name", lun.name}, {"slices", lun.slices}, {"scsi", nlohmann::json::object()}};
     const auto answer = [&](const std::string &command, const auto &bytes) {
         if (command != lun.failing) {
             std::string hex;
             for (const auto byte : bytes) {
                 hex += {"0123456789abcdef"[byte >> 4 & 0xF], "0123456789abcdef"[byte & 0xF]};
             }
-            answers.push_back('"' + command + R"(": ")" + hex + '"');
+            disk["scsi"][command] = hex;
         }
     };
     const std::string inquiry = padded("", 8) + padded(lun.vendor, 8) + padded(lun.product, 16) + "0710";
@@ -164,16 +166,17 @@ inline std::string describeLun(const ArrayLun &lun) {
     answer("RECEIVE DIAGNOSTIC A0", lun.translation);
     answer("LOG SENSE 3B", lun.statistics);
     answer("LOG SELECT 30", Bytes());
-    return R"({"name": ")" + lun.name + R"(", "slices": [")" + tests::joined(lun.slices, R"(", ")") +
-           R"("], "scsi": {)" + tests::joined(answers, ", ") +
-           (lun.failing == "open" ? R"(}, "fails": {"open": "EBUSY"}})" : "}}");
+    if (lun.failing == "open") {
+        disk["fails"] = {{"open", "EBUSY"}};
+    }
+    return disk;
 }
 
 /// The description of a host that has these LUNs, in this order.
 inline std::string describeHost(const std::vector<ArrayLun> &luns) {
-    std::vector<std::string> disks(luns.size());
-    std::ranges::transform(luns, disks.begin(), describeLun);
-    return R"({"disks": [)" + tests::joined(disks, ",\n") + "]}";
+    auto disks = nlohmann::json::array();
+    std::ranges::transform(luns, std::back_inserter(disks), describeLun);
+    return nlohmann::json{{"disks", disks}}.dump();
 }
 
 /// The records of a report that stand for a controller without any.

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "native/array/SolarisScsiInterrogatorC.h"
+#include "native/array/SolarisScsiInterrogatorCTrace.h"
 #include "tests/native/array/ArrayPages.h"
 
 // Runs the page decoding on memory of exactly the promised sizes, and a slow, checked second opinion beside it.

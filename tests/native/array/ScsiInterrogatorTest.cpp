@@ -35,8 +35,11 @@ TEST(ScsiCommands, SendTheirBytesAndReportFailedRequests) {
     for (const auto &[name, send, sent] : commands) {
         const bool reads = send != scsiLogSelect30;
         for (const bool answered : {true, false}) {
-            replay::loadHostText(R"({"disks": [{"name": "c1", "scsi": {)" +
-                                 (answered ? '"' + name + (reads ? R"(": "a1b2c3")" : R"(": "")") : "") + "}}]}");
+            auto scsi = nlohmann::json::object();
+            if (answered) {
+                scsi[name] = reads ? "a1b2c3" : "";
+            }
+            replay::loadHostText(nlohmann::json{{"disks", {{{"name", "c1"}, {"scsi", scsi}}}}}.dump());
             const tarn::FileDescriptor device(solaris::open("/dev/rdsk/c1s2", O_RDONLY | O_NDELAY));
             Bytes data(bufferSize);
             uscsi_cmd command{};

@@ -8,11 +8,13 @@
 #include <random>
 #include <span>
 #include <stdexcept>
+#include <tuple>
 
 #include "common/hba/Conversions.h"
 #include "common/hba/LocalRoom.h"
 #include "common/hba/RemotePortIndex.h"
 #include "common/hba/library/LibraryGuards.h"
+#include "common/hba/library/Limits.h"
 #include "common/hba/library/Messages.h"
 #include "common/hba/library/TargetMappingTable.h"
 #include "platform/replay/Replay.h"
@@ -46,14 +48,16 @@ TEST(DiscoveredPorts, AreBelievedUpToASumAndComplainedOfOnce) {
     EXPECT_EQ(complaints, 1);
 }
 
-TEST(HbaGuards, EndANameThatFillsItsField) {
-    replay::loadHostText(R"({"hba": {"adapters": [{}]}})");
-    for (const std::size_t length : {255U, 256U}) {
+TEST(HbaGuards, EndANameThatFillsItsFieldAndTakeNoneFromAFailedCall) {
+    for (const auto &[status, length, kept] : {std::tuple(0, 255U, 255U), {0, 256U, 255U}, {1, 255U, 0U}}) {
+        replay::loadHostText(R"({"hba": {"adapters": [{"status": {"GetAdapterName": )" + std::to_string(status) +
+                             "}}]}}");
         tests::wrapped.adapterName = std::string(length, 'n');
         std::string field(257, 'x');
         WithHbaLibrary library;
         const WithAdapterHandle adapter(library, 0, field.data());
-        EXPECT_EQ(field, std::string(255, 'n') + '\0' + 'x');
+        EXPECT_EQ(field.c_str(), std::string(kept, 'n'));
+        EXPECT_EQ(field.back(), 'x');
     }
     tests::wrapped.adapterName.clear();
 }

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <optional>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <tuple>
@@ -25,6 +25,7 @@
 namespace tarn {
 namespace {
 
+using nlohmann::json;
 using tests::Lines;
 
 template <class... Values>
@@ -140,8 +141,8 @@ TEST(HostFactsTest, NothingIsAskedForThatIsNotWanted) {
 
 TEST(HostFactsTest, AMalformedLineEndsTheMountTable) {
     for (const std::string &malformed :
-         Lines{R"(d7\t/7\tufs\trw)", R"(d7\t/7\tufs\trw\t1\tmore)", std::string(1024, 'x') + R"(\t/7\tufs\trw\t1)"}) {
-        replay::loadHostText(R"({"mnttab": ["d0\t/\tufs\trw\t1", ")" + malformed + R"(", "d8\t/8\tufs\trw\t1"]})");
+         Lines{"d7\t/7\tufs\trw", "d7\t/7\tufs\trw\t1\tmore", std::string(1024, 'x') + "\t/7\tufs\trw\t1"}) {
+        replay::loadHostText(json{{"mnttab", {"d0\t/\tufs\trw\t1", malformed, "d8\t/8\tufs\trw\t1"}}}.dump());
         EXPECT_EQ(answerOf(ListLogicalDisks), "/|");
         EXPECT_EQ(answerOf([] { return GetLogicalDisk("/8", true); }), "Logical Disk Not Found: /8");
     }
@@ -151,13 +152,14 @@ TEST(HostFactsTest, RecordsNeedHoldNoMoreThanWhatIsUsed) {
     // Up to the idle, user, kernel and wait ticks, the run time and the available swap.
     for (const auto &[ticks, io, paging, holds] :
          {std::tuple{24, 56, 32, true}, {23, 55, 31, false}, {1000, 1000, 1000, true}}) {
-        const auto size = [](int bytes) {
-            return R"("ks_type": "KSTAT_TYPE_RAW", "ks_data_size": )" + std::to_string(bytes);
-        };
-        replay::loadHostText(R"({"kstat": [{"ks_name": "cpu_stat0", "data": {"wait": 3}, )" + size(ticks) +
-                             R"(}, {"ks_module": "unix", "ks_name": "vminfo", "data": {}, )" + size(paging) +
-                             R"(}, {"ks_name": "sd0", "ks_class": "disk", "data": {"rtime": 7}, )" +
-                             std::regex_replace(size(io), std::regex("RAW"), "IO") + "}]}");
+        json records = json::parse(R"([
+            {"ks_name": "cpu_stat0", "ks_type": "KSTAT_TYPE_RAW", "data": {"wait": 3}},
+            {"ks_module": "unix", "ks_name": "vminfo", "ks_type": "KSTAT_TYPE_RAW", "data": {}},
+            {"ks_name": "sd0", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO", "data": {"rtime": 7}}])");
+        records[0]["ks_data_size"] = ticks;
+        records[1]["ks_data_size"] = paging;
+        records[2]["ks_data_size"] = io;
+        replay::loadHostText(json{{"kstat", records}}.dump());
         EXPECT_EQ(answerOf(getCpuUtilInfos), holds ? "0 0 0 3 0 |" : "");
         EXPECT_EQ(answerOf([] { return getDiskIOData(); }), holds ? "sd0  0 0 7 0 |" : "");
         replay::startJournal();
@@ -188,13 +190,11 @@ TEST(ProcessorTest, IdsAreProbedUntilAllOr128HaveAnswered) {
     };
     for (const auto &[configured, largest, present, found, lastProbed] : cases) {
         SCOPED_TRACE(lastProbed);
-        std::string list;
+        json host = {{"sysconf", {{"_SC_CPUID_MAX", largest}, {"_SC_NPROCESSORS_CONF", configured}}}};
         for (const int id : present) {
-            list += (list.empty() ? R"({"id": )" : R"(, {"id": )") + std::to_string(id) + "}";
+            host["processors"].push_back({{"id", id}});
         }
-        replay::loadHostText(R"({"processors": [)" + list + R"(], "sysconf": {"_SC_CPUID_MAX": )" +
-                             std::to_string(largest) + R"(, "_SC_NPROCESSORS_CONF": )" + std::to_string(configured) +
-                             "}}");
+        replay::loadHostText(host.dump());
         Ids ids;
         replay::startJournal();
         std::ranges::transform(GetProcessors(), std::back_inserter(ids), &ProcessorInfo::processorId);

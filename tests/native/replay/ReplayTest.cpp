@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <thread>
 #include <vector>
@@ -64,14 +65,15 @@ std::string looksOf(const std::string &path) {
 
 TEST(ReplayedFiles, DirectoriesLinksAndDevices) {
     const std::string longName = "c" + std::string(300, '7') + "s2";
-    replay::loadHostText(R"({
+    auto host = nlohmann::json::parse(R"({
         "disks": [{"name": "c1", "slices": ["s0", "s2"], "path": "/sd@0,0", "major": 32, "minor": 8},
                   {"name": "emcpower0", "slices": ["a"], "major": 5000, "minor": 70000}],
         "entries": [{"path": "/dev/rdsk/z", "link": "../../devices/sd@0,0:b,raw"},
                     {"path": "/dev/rdsk/lost", "link": "../../devices/nowhere:c,raw", "position": "first"},
-                    {"path": "/dev/rdsk/)" +
-                         longName + R"(", "position": "first"},
+                    {"position": "first"},
                     {"path": "/dev/dsk/z", "link": "../../devices/sd@0,0:b"}]})");
+    host["entries"][2]["path"] = "/dev/rdsk/" + longName;
+    replay::loadHostText(host.dump());
     EXPECT_EQ(namesIn("/dev/rdsk"), ". .. lost " + longName + " c1s0 c1s2 emcpower0a z");
     EXPECT_EQ(namesIn("/dev/dsk"), ". .. c1s0 c1s2 emcpower0a z");
     EXPECT_EQ(namesIn("/dev/md"), "ENOENT");
@@ -155,9 +157,9 @@ TEST(ReplayedScsi, CommandsLengthsAndDirections) {
 }
 
 TEST(ReplayedMountTable, LinesHaveFiveFieldsAndALimit) {
-    const std::string longest = R"("a\tb\tc\td\t)" + std::string(MNT_LINE_MAX - 8, 'x');
-    replay::loadHostText(R"({"mnttab": [)" + longest + "\", " + longest +
-                         R"(x", "/dev/dsk/c1\t/\tufs\trw,nosuid\t113"]})");
+    const std::string longest = "a\tb\tc\td\t" + std::string(MNT_LINE_MAX - 8, 'x');
+    replay::loadHostText(
+        nlohmann::json{{"mnttab", {longest, longest + "x", "/dev/dsk/c1\t/\tufs\trw,nosuid\t113"}}}.dump());
     std::FILE *table = solaris::fopen("/etc/mnttab", "r");
     replay::loadHostText("{}"); // the open table goes on
     struct mnttab entry = {};

@@ -120,8 +120,10 @@ public final class Check {
                 add(true, Code.SECTION_FAILED, command,
                     Objects.requireNonNullElse(thrown.getMessage(), thrown.toString()));
             }
-            library.log().since(mark).stream().filter(LibraryLog.Line::isWarning)
-                .forEach(line -> warn(Code.LIBRARY_WARNING, command, line.text()));
+            library.log().since(mark).stream().filter(LibraryLog.Line::isWarning).map(LibraryLog.Line::text)
+                .collect(Collectors.groupingBy(text -> text, LinkedHashMap::new, Collectors.counting()))
+                .forEach((text, times) -> warn(Code.LIBRARY_WARNING, command,
+                                               times == 1 ? text : text + " (" + times + " times)"));
         }
 
         private void examineFileSystems(List<SolarisLogicalDisk> listed) {

@@ -1,39 +1,22 @@
+#include "platform/replay/HostFile.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <mutex>
-#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "common/system/Printable.h"
-#include "platform/HasHost.h"
-#include "platform/replay/BuiltInHost.h"
-#include "platform/replay/Host.h"
-#include "platform/replay/Replay.h"
-
-// Which host answers: the one that was loaded last; until one is, that of TARN_HOST or the built-in one.
+#include "description/HostDescriptionError.h"
 
 namespace replay {
 namespace {
 
-std::mutex hostMutex;
-std::shared_ptr<const Host> host; // null until first use
-bool firstHostIsUsable = true;
-
-void setHost(std::shared_ptr<const Host> loaded) {
-    const std::lock_guard lock(hostMutex);
-    host.swap(loaded); // the old one goes away after the lock
-}
+using description::HostDescriptionError;
 
 /// A file from which a description is read part by part: a pipe as well, but neither a device nor what never ends.
 class HostFile {
@@ -110,9 +93,7 @@ private:
     std::array<char, 65536> buffer;
 };
 
-std::shared_ptr<const Host> makeHost(const std::string &json) {
-    return std::make_shared<const Host>(description::readHost(json));
-}
+} // namespace
 
 std::shared_ptr<const Host> readHostFile(const std::string &path, std::chrono::milliseconds silence) {
     try {
@@ -123,41 +104,4 @@ std::shared_ptr<const Host> readHostFile(const std::string &path, std::chrono::m
     }
 }
 
-/// A host that cannot be read leaves one on which every facility is absent: the program is told, and goes on.
-std::shared_ptr<const Host> firstHost() {
-    const char *path = std::getenv("TARN_HOST");
-    try {
-        return path == nullptr || *path == '\0' ? makeHost(std::string(builtInHostText))
-                                                : readHostFile(path, usualSilence);
-    } catch (const HostDescriptionError &error) {
-        std::fprintf(stderr, "TARN_HOST: %s\n", tarn::printable(error.what()).c_str());
-        firstHostIsUsable = false;
-        return std::make_shared<const Host>();
-    }
-}
-
-} // namespace
-
-std::shared_ptr<const Host> currentHost() {
-    const std::lock_guard lock(hostMutex);
-    if (host == nullptr) {
-        host = firstHost();
-    }
-    return host;
-}
-
-void loadHostFile(const std::string &path, std::chrono::milliseconds silence) {
-    setHost(readHostFile(path, silence));
-}
-
-void loadHostText(const std::string &json) {
-    setHost(makeHost(json));
-}
-
 } // namespace replay
-
-bool platform::hasHost() {
-    replay::currentHost();
-    const std::lock_guard lock(replay::hostMutex);
-    return replay::firstHostIsUsable;
-}
