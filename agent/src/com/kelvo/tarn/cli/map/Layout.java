@@ -33,6 +33,8 @@ final class Layout {
     }
 
     private static final double FONT = 11;
+    /** So much wider is what some systems have in place of Helvetica. */
+    private static final double SUBSTITUTE = 1.13;
     private static final double LINE = 13.4;
     private static final double MARGIN = 12;
     private static final double BETWEEN = 11;
@@ -45,7 +47,7 @@ final class Layout {
     /** So far apart things in a column of few may stand. */
     private static final double FAR = 46;
 
-    /** Of the characters from the blank on in thousandths of the size, as Helvetica and all that stand in for it have. */
+    /** Of the characters from the blank on in thousandths of the size, as Helvetica has. */
     private static final short[] WIDTHS = {
         278, 278, 355, 556, 556, 889, 667, 191, 333, 333, 389, 584, 278, 333, 278, 278, 556, 556, 556, 556, 556, 556, 556,
         556, 556, 556, 278, 278, 584, 584, 584, 556, 1015, 667, 667, 722, 722, 667, 611, 778, 722, 278, 500, 667, 556, 833,
@@ -85,7 +87,7 @@ final class Layout {
     /** The width of a text at the size that boxes have. */
     static double width(String text) {
         return text.codePoints().map(character -> character - 32 >= 0 && character - 32 < WIDTHS.length
-            ? WIDTHS[character - 32] : character < 0x1100 ? 600 : 1000).sum() * FONT / 1000;
+            ? WIDTHS[character - 32] : character < 0x1100 ? 600 : 1000).sum() * FONT * SUBSTITUTE / 1000;
     }
 
     /** A row of texts below everything, each in a box. */

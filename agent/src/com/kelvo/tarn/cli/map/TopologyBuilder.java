@@ -60,7 +60,7 @@ public final class TopologyBuilder {
         for (String each : names) {
             int number = hues.size();
             hues.put(each, number % 2 == 0 ? Palette.FABRIC_A : Palette.FABRIC_B);
-            titles.put(each, "Fabric " + (names.size() <= LETTERS ? (char) ('A' + number) : number + 1));
+            titles.put(each, "Fabric " + (names.size() <= LETTERS ? String.valueOf((char) ('A' + number)) : number + 1));
         }
     }
 
