@@ -1,7 +1,9 @@
 """Opens the map's page in a real browser: python3 tests/browser/run.py PATH-TO-TARN"""
 
+import base64
 import json
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -89,36 +91,59 @@ class Browser(unittest.TestCase):
     def facts(self):
         return self.browser.find_element(By.ID, "facts").text
 
+    def hits(self):
+        return [thing.get_attribute("aria-label").split(",")[0] for thing in self.all(".node:not(.dim):not(.legend)")]
+
+    def filter(self, text):
+        box = self.browser.find_element(By.ID, "filter")
+        box.clear()
+        box.send_keys(text, " ", Keys.BACKSPACE)
+        return self.browser.find_element(By.ID, "matches").text
+
     def test_rill(self):
-        self.open(None, "--leadville")
-        paths = json.loads(self.tarn("--json", "paths", "--leadville"))["result"]
-        things = {element.get_attribute("aria-label").split(",")[0]: element for element in self.all(".node")}
+        self.open()
+        paths = json.loads(self.tarn("--json", "paths"))["result"]
+        things = {element.get_attribute("aria-label").split(",")[0]: element for element in self.all(".node:not(.legend)")}
         self.assertLessEqual(set(names(paths)), set(things))
         self.assertTrue(all(element.is_displayed() for element in things.values()))
-        devices = {path["osDeviceName"] for unit in paths for path in unit["paths"]}
-        self.assertLessEqual(devices, {text.text for text in self.all(".node text")})
-        rows = self.all("tbody tr")
-        self.assertEqual(len(rows), sum(len(unit["paths"]) for unit in paths))
-        self.assertIn("c2t50060E8000C3A2B1d0", "".join(row.text for row in rows))
+        shown = {text.text for text in self.all(".node text")}
+        self.assertLessEqual({path["disk"] for unit in paths for path in unit["paths"]} | {"66.1 GiB", "/oracle", "Port 1/0",
+                             "Array port", "Fabric B", "fabric B alone", "over Fabric A alone", "in trouble"}, shown)
+        findings = json.loads(subprocess.run([sys.argv[1], "--json", "check"], capture_output=True).stdout)["result"]["findings"]
+        self.assertEqual(len(self.all("#troubles li")), len(findings))
+        header = self.browser.find_element(By.TAG_NAME, "header").text
+        for told in ("WARNING: ", "drawn by tarn ", "built-in example", "/backup (c1t3d0): 91.9% used"):
+            self.assertIn(told, header)
 
-        box = self.browser.find_element(By.ID, "filter")
-        box.send_keys("c2t50060e8000c3a2b1d0")
-        clear = [name for name, element in things.items() if "dim" not in element.get_attribute("class")]
-        self.assertEqual((clear, sum(row.is_displayed() for row in rows)), (["50060e8000c3a200 LUN 0"], 1))
-        box.clear()
-        box.send_keys(" ", Keys.BACKSPACE)
-        self.assertEqual(self.all(".dim"), [])
+        # The order is fixed: what comes first stands higher.
+        for column in (["adapter 0 port 0", "adapter 0 port 1", "adapter 1 port 0", "adapter 1 port 1"],
+                       ["fabric 100000606950a1c4", "fabric 100000606950a1d8"],
+                       [f"{unit['node']} LUN {unit['lun']}" for unit in paths]):
+            heights = [things[name].rect["y"] for name in column]
+            self.assertEqual(heights, sorted(heights), column)
 
-        # By keyboard: the picture, then its things in order; the ways through a thing stand out.
-        self.script("document.querySelector('#picture').focus()")
-        before = self.scale()
+        # The filter: colons, mount points, facts behind a question mark.
+        unit = "50060e8000c3a200 LUN 0"
+        for text, found, told in (("/oracle", [unit], "1 of 19 things, 2 of 8 paths"), ("FX02-118734", [], "nothing found"),
+                                  ("?FX02-118734", ["adapter 1"], "1 of 19 things, 0 of 8 paths"),
+                                  ("10:00:00:1b:32:0a:77:e0", ["adapter 1 port 0", "50060e8000c3a200 LUN 2"],
+                                   "2 of 19 things, 1 of 8 paths"), ("", list(things), "")):
+            self.assertEqual((self.filter(text), sorted(self.hits())), (told, sorted(found)), text)
+        self.filter(unit)
+        self.assertEqual(self.script("getComputedStyle(document.querySelector('.dim')).opacity"), "0.35")
+        self.filter("")
+
+        # By keyboard: the picture is one stop, arrows go from thing to thing; the ways through a thing stand out.
+        self.assertEqual(len(self.all("#picture [tabindex='0']")), 1)
+        self.script("document.querySelector('#picture [tabindex=\"0\"]').focus()")
+        self.assertTrue(self.facts().startswith("host"))
+        fitted = self.scale()
+        self.press("-")
+        self.assertAlmostEqual(self.scale(), fitted, 3)
         self.press("+")
-        self.assertGreater(self.scale(), before)
-        self.press("0")
-        for _ in range(len(things)):
-            self.press(Keys.TAB)
-            if self.facts().startswith("50060e8000c3a200 LUN 2"):
-                break
+        self.assertGreater(self.scale(), fitted)
+        self.press("0", *[Keys.ARROW_RIGHT] * 5, *[Keys.ARROW_DOWN] * 9, Keys.ARROW_UP)
+        self.assertTrue(self.facts().startswith("50060e8000c3a200 LUN 2"), self.facts())
         self.assertIn("one path left", self.facts())
         self.assertIn("adapter 1 port 0 to 50060e8000c3a2b1", self.facts())
         on_way = {name for name, element in things.items() if "off" not in element.get_attribute("class").split()}
@@ -127,18 +152,41 @@ class Browser(unittest.TestCase):
         self.press(Keys.ESCAPE)
         self.assertEqual(self.all(".off"), [])
 
-        # By mouse: pointing tells, the wheel zooms, dragging moves.
+        # By mouse: pointing tells, the wheel is the page's unless Ctrl is held, dragging moves.
         chain = webdriver.ActionChains(self.browser)
         chain.move_to_element(things["adapter 1"]).perform()
         self.assertIn("FX02-118734", self.facts())
+        origin = webdriver.common.actions.wheel_input.ScrollOrigin.from_element(things["adapter 1"])
         before = self.scale()
-        chain.scroll_from_origin(webdriver.common.actions.wheel_input.ScrollOrigin.from_element(things["adapter 1"]),
-                                 0, -240).perform()
+        chain.scroll_from_origin(origin, 0, -240).perform()
+        self.assertEqual(self.scale(), before)
+        chain.key_down(Keys.CONTROL).scroll_from_origin(origin, 0, -240).key_up(Keys.CONTROL).perform()
         self.assertGreater(self.scale(), before)
         place = things["host"].rect["x"]
         chain.move_to_element(self.browser.find_element(By.ID, "picture")).click_and_hold().move_by_offset(80, 0)
         chain.release().perform()
         self.assertAlmostEqual(things["host"].rect["x"] - place, 80, delta=3)
+
+        # The table sorts by its heads, and keeps a unit's rows together.
+        head = self.all("thead button")[10]
+        for falling in (False, True):
+            self.script("arguments[0].click()", head)
+            units = [tuple(cell.text for cell in row.find_elements(By.TAG_NAME, "td")[:2]) for row in self.all("tbody tr")]
+            runs = [unit for i, unit in enumerate(units) if i == 0 or units[i - 1] != unit]
+            self.assertEqual(len(runs), len(set(runs)))
+            self.assertEqual(units[0 if falling else -1], ("50060e8000c3a200", "0"))
+
+    def test_what_was_lost_and_what_is_new(self):
+        pulled = json.loads((ROOT / "hosts/rill-cable-pulled.json").read_text(encoding="utf-8"))
+        self.open(pulled, "--baseline", ROOT / "hosts/rill.json")
+        styles = "[...document.querySelectorAll('.edge path:not(.near)')].map(path => path.getAttribute('stroke') + " \
+            "(path.hasAttribute('stroke-dasharray') ? ' dashed' : ''))"
+        drawn = self.script(styles)
+        self.assertEqual((drawn.count("#b3201b dashed"), drawn.count("#1b7a3a")), (5, 1))
+        self.assertIn("3 paths lost, 1 new since the baseline", self.browser.find_element(By.TAG_NAME, "header").text)
+        self.doCleanups()
+        self.open(pulled, "--baseline", ROOT / "hosts/rill-cable-pulled.json")
+        self.assertFalse([style for style in self.script(styles) if "dashed" in style or style == "#1b7a3a"])
 
     def test_a_thing_that_is_reached_comes_into_view(self):
         self.browser.set_window_size(500, 900)
@@ -146,21 +194,49 @@ class Browser(unittest.TestCase):
         self.open(json.loads((ROOT / "hosts/rill-cable-pulled.json").read_text(encoding="utf-8")))
         for sideways in ("document.documentElement", "document.querySelector('#troubles')"):
             self.assertLessEqual(self.script(sideways + ".scrollWidth"), self.script(sideways + ".clientWidth"), sideways)
+        frame = self.browser.find_element(By.ID, "picture").rect
+        for thing in self.all(".node:not(.legend)"):  # it opens fitted
+            self.assertLessEqual(thing.rect["x"] + thing.rect["width"], frame["x"] + frame["width"])
+        self.script("d3.select('#picture svg').call(d3.zoom().transform, d3.zoomIdentity)")
         self.all("#troubles a")[0].click()
         frame = self.browser.find_element(By.ID, "picture").rect
         thing = self.browser.switch_to.active_element.rect
         self.assertTrue(frame["x"] <= thing["x"] and thing["x"] + thing["width"] <= frame["x"] + frame["width"])
 
-    def test_the_filter_looks_into_boxes(self):
-        node, wwn = "50" * 8, "51" * 8
-        self.open({"hba": {"adapters": [{
+    @staticmethod
+    def array(units, ports=1):
+        node, wwns = "50" * 8, [f"{i:016x}" for i in range(0x51, 0x51 + ports)]
+        return node, {"hba": {"adapters": [{
             "name": "a", "ports": [{"attributes": {"PortWWN": "21" * 8, "PortState": 2}, "discovered": [
-                {"attributes": {"PortWWN": wwn, "NodeWWN": node, "PortState": 2}}]}],
+                {"attributes": {"PortWWN": wwn, "NodeWWN": node, "PortState": 2}} for wwn in wwns]}],
             "targetMapping": [{"ScsiId": {"OSDeviceName": f"c1t0d{lun}", "ScsiOSLun": lun},
-                               "FcpId": {"PortWWN": wwn, "FcpLun": lun << 48}} for lun in range(40)]}]}})
-        self.browser.find_element(By.ID, "filter").send_keys("c1t0d37")
-        self.assertEqual([thing.get_attribute("aria-label") for thing in self.all(".node:not(.dim)")],
-                         [f"{node} LUN 0 to {node} LUN 39"])
+                               "FcpId": {"PortWWN": wwn, "FcpLun": lun << 48}} for lun in units for wwn in wwns]}]}}
+
+    def test_a_box_that_many_share_opens_and_is_searched(self):
+        node, host = self.array([*range(3, 40), 50, 58])
+        self.open(host)
+        self.assertIn("LUN 3 to 39, 50, 58", [text.text for text in self.all(".node text")])
+        self.filter("c1t0d37")
+        self.assertEqual(self.hits(), [f"{node} LUN 3 to {node} LUN 58"])
+        box = self.all(".node:not(.dim):not(.legend)")[0]
+        box.click()
+        self.assertEqual(box.get_attribute("aria-expanded"), "true")
+        self.assertEqual([text.text for text in self.all(".opened .name")], [f"LUN {lun}" for lun in [*range(3, 40), 50, 58]])
+        box.click()
+        self.assertEqual(self.all(".opened"), [])
+
+    def test_paper(self):
+        """How many pages there are, and that the picture stands whole on one."""
+        for units, most, hidden in ((None, 3, 0), (range(300), 2, 300)):
+            self.doCleanups()
+            self.open(None if units is None else self.array(units)[1], *([] if units is None else ["--all"]))
+            self.script("window.addEventListener('beforeprint', () => { const box = document.querySelector('#picture svg')"
+                        ".getBoundingClientRect(); window.printed = [box.width, box.height, document.querySelector('.node')"
+                        ".getBoundingClientRect().x]; })")
+            pdf = base64.b64decode(self.browser.print_page())
+            self.assertLessEqual(len(re.findall(rb"/Type\s*/Page\b", pdf)), most)
+            self.assertEqual(self.script("document.querySelectorAll('#table.many tbody tr').length"), hidden)
+            self.assertEqual(self.script("document.querySelector('#picture svg').hasAttribute('viewBox')"), False)
 
     def test_light_and_dark_are_the_reader_s(self):
         self.open()

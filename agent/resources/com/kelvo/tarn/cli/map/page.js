@@ -3,21 +3,25 @@
   const data = JSON.parse(document.getElementById("data").textContent);
   const picture = d3.select("#picture");
   const svg = picture.select("svg");
-  const {width: fullWidth, height: fullHeight} = svg.node().viewBox.baseVal;
   const things = data.things.map((thing, number) => Object.assign(
-    thing, {number, group: svg.select("#thing-" + number), search: searchText(thing)}));
+    thing, {number, group: svg.select("#thing-" + number), search: searchText(thing), facts: thing.facts,
+            known: Object.values(thing.facts).join(" ").toLowerCase()}));
   const lines = data.lines.map(([from, to], number) => ({from, to, group: svg.select("#line-" + number)}));
-  const rows = d3.selectAll("tbody tr").nodes().map(row => (
-    {row, thing: Number(row.dataset.thing), search: [...row.cells].map(cell => cell.textContent).join(" ").toLowerCase()}));
+  const rows = d3.selectAll("tbody tr").nodes().map(row => {
+    const cells = [...row.cells].map(cell => cell.textContent);
+    return {row, cells, unit: cells[0] + " " + cells[1], thing: Number(row.dataset.thing),
+            search: cells.join(" ").toLowerCase()};
+  });
 
   function searchText(thing) {
-    const texts = [thing.name, thing.text, thing.state, ...thing.reasons, ...Object.values(thing.facts)];
+    const texts = [thing.name, thing.text, thing.state, ...thing.reasons, ...thing.members.flat()];
     return texts.join(" ").toLowerCase();
   }
 
   // ---- Moving and zooming ----
 
   picture.classed("live", true);
+  const wholeBox = svg.attr("viewBox");
   svg.attr("viewBox", null).attr("width", null).attr("height", null);
   svg.selectAll("title").remove();
   svg.selectAll(".node a, .cluster a").attr("xlink:title", null);
@@ -31,45 +35,49 @@
   layer.node().append(svg.select(".graph").node());
   // The picture's own paper is no thing of the page's.
   layer.select(".graph > polygon").remove();
-  const zoom = d3.zoom().scaleExtent([0.05, 8]).on("zoom", () => layer.attr("transform", d3.event.transform));
-  svg.call(zoom).on("dblclick.zoom", null);
-
-  const hostHeight = middle(things[0]); // all else lies to the right of the host, around its height
   const margin = 12;
   const roomiest = 1.3; // a scale beyond which nothing reads better
+  // The wheel is the page's, until Ctrl makes it the picture's.
+  const zoom = d3.zoom().filter(() => d3.event.type === "wheel" ? d3.event.ctrlKey : !d3.event.ctrlKey && !d3.event.button)
+    .on("zoom", () => layer.attr("transform", d3.event.transform));
+  svg.call(zoom).on("dblclick.zoom", null);
 
-  function middle(thing) {
-    const box = thing.group.node().getBBox();
-    return box.y + box.height / 2 + fullHeight;
-  }
-
-  /** Shows all, no smaller than the scale. */
-  function fit(smallest) {
+  /** The scale at which all of a box is seen. */
+  function scaleOf(box) {
     const {width, height} = svg.node().getBoundingClientRect();
-    const spare = scale => [width - fullWidth * scale, height - fullHeight * scale];
-    const whole = Math.min((width - 2 * margin) / fullWidth, (height - 2 * margin) / fullHeight);
-    const scale = Math.max(smallest, Math.min(roomiest, whole));
-    const [right, down] = spare(scale);
-    svg.call(zoom.transform, d3.zoomIdentity.translate(
-      Math.max(margin, right / 2), down >= 0 ? down / 2 : height / 2 - hostHeight * scale).scale(scale));
+    return Math.min((width - 2 * margin) / box.width, (height - 2 * margin) / box.height);
   }
 
-  /** Shows all; where that would be too small to read, what there is room for. The frame is no higher than it takes. */
+  function showBox(box, scale) {
+    const {width, height} = svg.node().getBoundingClientRect();
+    svg.call(zoom.transform, d3.zoomIdentity.translate(
+      width / 2 - (box.x + box.width / 2) * scale, height / 2 - (box.y + box.height / 2) * scale).scale(scale));
+  }
+
+  /** Nothing is seen from farther away than all. */
+  function fit() {
+    const box = layer.node().getBBox();
+    const scale = Math.min(roomiest, scaleOf(box));
+    zoom.scaleExtent([scale, 8]);
+    showBox(box, scale);
+  }
+
+  /** Shows all; of what is far higher than wide, the whole width. The frame is no higher than it takes. */
   function begin() {
-    const legible = 0.8;
-    const width = svg.node().getBoundingClientRect().width - 2 * margin;
-    const height = fullHeight * Math.min(roomiest, Math.max(legible, width / fullWidth)) + 2 * margin;
-    picture.style("height", Math.max(240, Math.min(height, window.innerHeight * 0.75)) + "px");
-    fit(legible);
+    const box = layer.node().getBBox();
+    const across = Math.min(roomiest, (svg.node().getBoundingClientRect().width - 2 * margin) / box.width);
+    picture.style("height", Math.max(200, Math.min(box.height * across + 2 * margin, window.innerHeight * 0.75)) + "px");
+    fit();
+    if (scaleOf(box) < across / 3) {
+      showBox(box, across);
+    }
   }
 
   const keys = {
     "+": () => svg.call(zoom.scaleBy, 1.25), "=": () => svg.call(zoom.scaleBy, 1.25),
-    "-": () => svg.call(zoom.scaleBy, 0.8), "0": () => fit(0),
-    "ArrowLeft": () => move(60, 0), "ArrowRight": () => move(-60, 0),
-    "ArrowUp": () => move(0, 60), "ArrowDown": () => move(0, -60), "Escape": () => show(null)
+    "-": () => svg.call(zoom.scaleBy, 0.8), "0": fit, "Escape": () => { close(); show(null); }
   };
-  const buttons = {in: keys["+"], out: keys["-"], fit: keys["0"]};
+  const buttons = {in: keys["+"], out: keys["-"], fit};
 
   /** By so many pixels of the screen. */
   function move(right, down) {
@@ -77,12 +85,6 @@
     svg.call(zoom.translateBy, right / scale, down / scale);
   }
 
-  picture.on("keydown", () => {
-    if (keys[d3.event.key] && !d3.event.ctrlKey && !d3.event.metaKey && !d3.event.altKey) {
-      d3.event.preventDefault();
-      keys[d3.event.key]();
-    }
-  });
   d3.selectAll("[data-zoom]").on("click", function () { buttons[this.dataset.zoom](); });
   let width = window.innerWidth;
   window.addEventListener("resize", () => { // a height changes with the keyboard of a telephone
@@ -92,6 +94,18 @@
     }
   });
   begin();
+
+  // Paper shows all, whatever the screen does.
+  window.addEventListener("beforeprint", () => {
+    document.getElementById("findings").open = true;
+    close();
+    layer.attr("transform", null);
+    svg.attr("viewBox", wholeBox);
+  });
+  window.addEventListener("afterprint", () => {
+    svg.attr("viewBox", null);
+    layer.attr("transform", d3.zoomTransform(svg.node()));
+  });
 
   // ---- A thing's facts, and the ways through it ----
 
@@ -118,10 +132,10 @@
     }
   }
 
-  /** Moves the picture until the thing is within it. */
-  function reveal(thing) {
+  /** Moves the picture until the element is within it. */
+  function reveal(element) {
     const frame = picture.node().getBoundingClientRect();
-    const box = thing.group.node().getBoundingClientRect();
+    const box = element.getBoundingClientRect();
     const past = (low, high, from, to) => low < from ? from - low : high > to ? Math.max(to - high, from - low) : 0;
     const right = past(box.left, box.right, frame.left + 12, frame.right - 12);
     const down = past(box.top, box.bottom, frame.top + 12, frame.bottom - 12);
@@ -130,11 +144,116 @@
     }
   }
 
-  things.forEach(thing => thing.group
-    .attr("tabindex", 0).attr("role", "img").attr("aria-label", [thing.name, ...thing.reasons].join(", "))
-    .on("mouseenter", () => show(thing)).on("mouseleave", () => show(kept))
-    .on("focus", () => { kept = thing; show(thing); reveal(thing); })
-    .on("blur", () => { kept = null; show(null); }));
+  // ---- A box that many share opens ----
+
+  let opened = null;
+
+  function close() {
+    svg.select(".opened").remove();
+    if (opened !== null) {
+      opened.group.attr("aria-expanded", "false");
+      opened = null;
+    }
+  }
+
+  /** Lays those that share the box out beside it. */
+  function toggle(thing) {
+    const again = opened === thing;
+    close();
+    if (again || thing.members.length === 0) {
+      return;
+    }
+    opened = thing;
+    thing.group.attr("aria-expanded", "true");
+    const most = 96;
+    const members = thing.members.slice(0, most);
+    if (thing.members.length > most) {
+      members.push([`${thing.members.length - most} more`, "in the table below"]);
+    }
+    const across = Math.max(1, Math.round(Math.sqrt(members.length / 6)));
+    const [wide, high] = [210, 40];
+    const box = thing.group.node().getBBox();
+    const graph = d3.select(thing.group.node().parentNode);
+    const below = Math.ceil(members.length / across);
+    const group = graph.append("g").attr("class", "opened").attr(
+      "transform", `translate(${box.x + box.width + 14},${box.y + box.height / 2 - below * high / 2})`).on("click", close);
+    group.append("rect").attr("class", "paper").attr("x", -6).attr("y", -6).attr("rx", 6)
+      .attr("width", across * wide + 6).attr("height", below * high + 6);
+    const each = group.selectAll("g").data(members).enter().append("g").attr(
+      "transform", (member, i) => `translate(${i % across * wide},${Math.floor(i / across) * high})`);
+    each.append("rect").attr("width", wide - 6).attr("height", high - 6).attr("rx", 4);
+    each.append("text").attr("class", "name").attr("x", 8).attr("y", 14).text(([name]) => name);
+    each.append("text").attr("x", 8).attr("y", 28).text(([, text]) => text.length > 34 ? text.slice(0, 33) + "…" : text);
+    each.append("title").text(([name, text]) => name + " " + text);
+    zoom.scaleExtent([Math.min(roomiest, scaleOf(layer.node().getBBox())), 8]);
+    const scale = d3.zoomTransform(svg.node()).k;
+    const both = {x: box.x, y: box.y, width: across * wide + box.width + 30, height: Math.max(box.height, below * high)};
+    if (scaleOf(both) < scale) {
+      svg.call(zoom.scaleTo, scaleOf(both));
+    }
+    reveal(group.node());
+  }
+
+  // ---- From thing to thing ----
+
+  const height = thing => { const box = thing.group.node().getBBox(); return box.y + box.height / 2; };
+  things.forEach(thing => { thing.height = height(thing); });
+  const columns = [...new Set(things.map(thing => thing.column))].sort((a, b) => a - b).map(
+    column => things.filter(thing => thing.column === column).sort((a, b) => a.height - b.height));
+
+  /** The one above or below; to either side the nearest that a line leads to, or the nearest at all. */
+  function neighbour(thing, key) {
+    const place = columns.findIndex(column => column.includes(thing));
+    const column = columns[place];
+    if (key === "ArrowUp" || key === "ArrowDown") {
+      return column[column.indexOf(thing) + (key === "ArrowUp" ? -1 : 1)];
+    }
+    const ahead = key === "ArrowRight";
+    const joined = lines.filter(line => (ahead ? line.from : line.to) === thing.number)
+      .map(line => things[ahead ? line.to : line.from]);
+    const nearest = choice => [...choice].sort(
+      (a, b) => Math.abs(a.height - thing.height) - Math.abs(b.height - thing.height))[0];
+    return nearest(joined.length > 0 ? joined : columns[place + (ahead ? 1 : -1)] || []);
+  }
+
+  /** The picture is one stop of the Tab key: the thing that was last reached. */
+  function stopAt(thing) {
+    things.forEach(other => other.group.attr("tabindex", other === thing ? 0 : -1));
+  }
+
+  picture.on("keydown", () => {
+    const {key, ctrlKey, metaKey, altKey, shiftKey} = d3.event;
+    const thing = things.find(each => each.group.node() === document.activeElement);
+    if (ctrlKey || metaKey || altKey) {
+      return;
+    }
+    const ways = {ArrowLeft: [60, 0], ArrowRight: [-60, 0], ArrowUp: [0, 60], ArrowDown: [0, -60]};
+    if (ways[key] && (shiftKey || !thing)) {
+      move(...ways[key]);
+    } else if (ways[key]) {
+      const next = neighbour(thing, key);
+      if (next) {
+        next.group.node().focus();
+      }
+    } else if ((key === "Enter" || key === " ") && thing) {
+      toggle(thing);
+    } else if (keys[key]) {
+      keys[key]();
+    } else {
+      return;
+    }
+    d3.event.preventDefault();
+  });
+
+  things.forEach(thing => {
+    const shared = thing.members.length > 0;
+    thing.group.attr("role", "button").attr("aria-expanded", shared ? "false" : null)
+      .attr("aria-label", [thing.name, ...thing.reasons, ...(shared ? [`${thing.members.length} share it`] : [])].join(", "))
+      .on("mouseenter", () => show(thing)).on("mouseleave", () => show(kept)).on("click", () => toggle(thing))
+      .on("focus", () => { kept = thing; stopAt(thing); show(thing); reveal(thing.group.node()); })
+      .on("blur", () => { kept = null; show(null); });
+  });
+  stopAt(things[0]);
   d3.selectAll("#troubles a").on("click", function () {
     d3.event.preventDefault();
     document.querySelector(this.getAttribute("href")).focus();
@@ -142,10 +261,15 @@
 
   // ---- The filter ----
 
+  /** World-wide names are written with colons and without. */
+  const plain = word => /^([0-9a-f]{2}:)+[0-9a-f]{0,2}$/.test(word) ? word.replace(/:/g, "") : word;
+
   function filter() {
-    const words = document.getElementById("filter").value.toLowerCase().split(/\s+/).filter(word => word !== "");
+    const asked = document.getElementById("filter").value.toLowerCase().trim();
+    const words = asked.replace(/^\?/, "").split(/\s+/).filter(word => word !== "").map(plain);
+    const some = words.length > 0;
     const matches = text => words.every(word => text.includes(word));
-    const found = things.map(thing => matches(thing.search));
+    const found = things.map(thing => matches(thing.search + (asked.startsWith("?") ? " " + thing.known : "")));
     let shown = 0;
     rows.forEach(({row, thing, search}) => {
       row.hidden = !matches(search);
@@ -154,16 +278,88 @@
         shown++;
       }
     });
-    things.forEach((thing, number) => thing.group.classed("dim", !found[number]));
+    const hits = things.filter(thing => found[thing.number]);
+    things.forEach(thing => thing.group.classed("dim", !found[thing.number]).classed("hit", some && found[thing.number]));
     lines.forEach(line => line.group.classed("dim", !found[line.from] || !found[line.to]));
-    if (words.length > 0 && found.includes(true)) {
-      reveal(things[found.indexOf(true)]);
+    if (some && hits.length > 0) {
+      reach(hits);
     }
-    document.getElementById("matches").textContent = words.length === 0 ? ""
-      : `${found.filter(match => match).length} of ${things.length} things, ${shown} of ${rows.length} paths`;
+    document.getElementById("matches").textContent = !some ? "" : hits.length + shown === 0 ? "nothing found"
+      : `${hits.length} of ${things.length} things, ${shown} of ${rows.length} paths`;
+  }
+
+  /** Brings all of them into the frame, no larger than before. */
+  function reach(hits) {
+    const graph = svg.select(".graph").node();
+    const shift = graph.transform.baseVal.consolidate().matrix;
+    const boxes = hits.map(thing => thing.group.node().getBBox());
+    const x = Math.min(...boxes.map(box => box.x));
+    const y = Math.min(...boxes.map(box => box.y));
+    const box = {x: x + shift.e, y: y + shift.f, width: Math.max(...boxes.map(each => each.x + each.width)) - x,
+                 height: Math.max(...boxes.map(each => each.y + each.height)) - y};
+    const least = zoom.scaleExtent()[0];
+    showBox(box, Math.max(least, Math.min(Math.max(1, d3.zoomTransform(svg.node()).k), scaleOf(box))));
   }
 
   d3.select("#filter").on("input", filter);
   d3.select("#tools").on("submit", () => d3.event.preventDefault());
   filter();
+
+  // ---- The table ----
+
+  const heads = d3.selectAll("thead th");
+  const size = text => {
+    const [, number, prefix] = /^([\d.]+) (?:([KMGTPE])i)?B$/.exec(text) || [];
+    return number === undefined ? null : number * 1024 ** (prefix ? "KMGTPE".indexOf(prefix) + 1 : 0);
+  };
+  const compare = (one, other) => size(one) !== null && size(other) !== null ? size(one) - size(other)
+    : one.localeCompare(other, "en", {numeric: true});
+  let shownRows = rows;
+
+  /** The rows of a unit stay together, and only the first names it. */
+  function lay(order) {
+    shownRows = order;
+    const body = document.querySelector("tbody");
+    order.forEach(({row, unit}, i) => {
+      row.classList.toggle("same", i > 0 && order[i - 1].unit === unit);
+      body.append(row);
+    });
+  }
+
+  heads.each(function (none, column) {
+    const head = d3.select(this);
+    head.select("button").on("click", () => {
+      const falling = head.attr("aria-sort") === "ascending";
+      const sign = falling ? -1 : 1;
+      heads.attr("aria-sort", null);
+      head.attr("aria-sort", falling ? "descending" : "ascending");
+      const units = d3.nest().key(row => row.unit).sortValues(
+        (one, other) => sign * compare(one.cells[column], other.cells[column])).entries(rows).map(entry => entry.values);
+      units.sort(([one], [other]) => sign * compare(one.cells[column], other.cells[column]));
+      lay(units.flat());
+    });
+  });
+  lay(rows);
+
+  /** What a spreadsheet would compute is text to it, behind an apostrophe. */
+  const cell = text => {
+    const safe = /^[=+\-@\t\r]/.test(text) && isNaN(text) ? "'" + text : text;
+    return /[",\r\n]/.test(safe) ? '"' + safe.replace(/"/g, '""') + '"' : safe;
+  };
+  document.getElementById("copy").addEventListener("click", async () => {
+    const names = heads.nodes().map(head => head.textContent);
+    const text = [names, ...shownRows.filter(({row}) => !row.hidden).map(row => row.cells)]
+      .map(cells => cells.map(cell).join(",") + "\r\n").join("");
+    let done = "copied";
+    try {
+      await navigator.clipboard.writeText(text);
+    } catch (refused) { // where the page is read from a file, some browsers keep the clipboard from it
+      const field = document.body.appendChild(document.createElement("textarea"));
+      field.value = text;
+      field.select();
+      done = document.execCommand("copy") ? done : "the browser keeps the clipboard to itself";
+      field.remove();
+    }
+    document.getElementById("copied").textContent = done;
+  });
 })();

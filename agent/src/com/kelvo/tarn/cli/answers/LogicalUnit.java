@@ -3,6 +3,7 @@ package com.kelvo.tarn.cli.answers;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
+import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import java.util.ArrayList;
 import java.util.Collection;
 import java.util.LinkedHashMap;
@@ -118,6 +119,8 @@ public final class LogicalUnit {
     public Long sizeBytes;
     /** Where file systems on any of its drives are mounted. */
     public List<String> mounts;
+    /** What the label of that drive calls it; empty when it is not known. */
+    public transient String driveType = "";
     /** In the order of the library's walk. */
     public final List<Path> paths = new ArrayList<>();
 
@@ -136,6 +139,7 @@ public final class LogicalUnit {
         disk = drives.isEmpty() ? null : drives.get(0);
         long capacity = disk == null ? 0 : Disks.capacity(known.drives.get(disk));
         sizeBytes = capacity == 0 ? null : capacity;
+        driveType = disk == null ? "" : Instances.text(known.drives.get(disk), SolarisDiskDriveProvider.diskType);
         mounts = known.mountPointsOn(drives);
     }
 

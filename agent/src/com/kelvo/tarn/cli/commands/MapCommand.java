@@ -1,14 +1,19 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.answers.Asked;
 import com.kelvo.tarn.cli.answers.Check;
+import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.frame.Export;
 import com.kelvo.tarn.cli.frame.HbaOptions;
 import com.kelvo.tarn.cli.map.Picture;
 import com.kelvo.tarn.cli.map.Topology;
 import com.kelvo.tarn.cli.map.TopologyBuilder;
-import com.kelvo.tarn.cli.output.FindingWords;
+import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import java.io.IOException;
+import java.time.Instant;
+import java.time.ZoneOffset;
+import java.time.format.DateTimeFormatter;
 import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
@@ -21,12 +26,16 @@ import picocli.CommandLine.Option;
 /** {@code map}: a {@link Picture} of what {@code fillHbaCache} sees, and of what is wrong with it. */
 @Command(name = "map", description = "The storage network as a picture: adapters, ports, fabrics, arrays and their "
          + "logical units.",
-         footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with one path "
-             + "left, grey what nothing is reached through. All but DOT are drawn by Graphviz (package graphviz).")
+         footer = "Red is what the command check finds wrong; it says why. Orange is a logical unit with a warning, grey "
+             + "what nothing is reached through; blue and violet are the fabrics. All but DOT are drawn by Graphviz "
+             + "(package graphviz).")
 public final class MapCommand extends Export {
     private static final Map<String, Picture> ENDINGS = Map.of(
         ".dot", Picture.DOT, ".gv", Picture.DOT, ".svg", Picture.SVG, ".html", Picture.HTML, ".htm", Picture.HTML,
         ".png", Picture.PNG, ".pdf", Picture.PDF);
+
+    private static final DateTimeFormatter TIME =
+        DateTimeFormatter.ofPattern("yyyy-MM-dd HH:mm 'UTC'", Locale.ROOT).withZone(ZoneOffset.UTC);
 
     @Mixin
     private HbaOptions options;
@@ -38,6 +47,10 @@ public final class MapCommand extends Export {
     @Option(names = "--all", description = "Draw each logical unit, remote port and path, however many there are. "
             + "Without it, many that look alike share a box or a line.")
     private boolean all;
+
+    @Option(names = "--baseline", paramLabel = "FILE", description = "An earlier description of the host: paths that "
+            + "it has and the host has no more are drawn dashed and red, new ones green.")
+    private String baseline;
 
     @Override
     protected String text() throws IOException {
@@ -57,9 +70,23 @@ public final class MapCommand extends Export {
     private Topology topology() {
         HbaOptions names = options.and(tarn().hba());
         Fabric fabric = names.fabric(library(), names.fill(library()));
-        Map<String, List<String>> findings = Check.of(fabric).stream().collect(Collectors.groupingBy(
-            finding -> finding.subject, Collectors.mapping(FindingWords::message, Collectors.toList())));
-        return TopologyBuilder.topology(library().computerSystem(), fabric, findings, all);
+        SolarisComputerSystem system = library().computerSystem();
+        Asked asked = library().log().unheard(() -> new Asked(library(), List.of())); // what it logs is a finding
+        boolean isExample = tarn().isBuiltInHost();
+        Asked before = baseline == null ? null
+            : tarn().at(baseline, spec().commandLine(), () -> new Asked(library(), List.of()));
+        Check check = Check.of(asked, null, new CheckRules());
+        Topology topology = TopologyBuilder.topology(system, fabric, check.findings, before == null ? null : before.fabric,
+                                                     all);
+        topology.origin(check, (isExample ? "built-in example"
+            : asked.recordedAt == null ? "no recording time told" : "recorded " + time(asked.recordedAt))
+            + (before == null ? "" : "; compared with " + (before.recordedAt == null ? baseline : time(before.recordedAt)))
+            + "; drawn by " + spec().root().version()[0]);
+        return topology;
+    }
+
+    private static String time(Instant recordedAt) {
+        return TIME.format(recordedAt);
     }
 
     private Picture picture() {

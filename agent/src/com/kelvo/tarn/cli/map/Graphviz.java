@@ -12,7 +12,7 @@ final class Graphviz {
     }
 
     /**
-     * The picture as an element "svg" and nothing around it.
+     * The picture as an element "svg" and nothing around it. Everything has its place already.
      *
      * @throws IOException when it cannot be drawn, saying what would help
      */
@@ -29,7 +29,7 @@ final class Graphviz {
     static byte[] drawn(String dot, String form) throws IOException {
         Process process;
         try {
-            process = new ProcessBuilder(PROGRAM, "-q", "-T" + form).start();
+            process = new ProcessBuilder(PROGRAM, "-Kneato", "-n2", "-q", "-T" + form).start();
         } catch (IOException absent) {
             throw new IOException("the picture is drawn by Graphviz's program '" + PROGRAM
                                   + "', which is not here; the package graphviz brings it", absent);

@@ -87,13 +87,13 @@ final class Grouping {
                         .collect(Collectors.toList())), looks, FEW_BOXES);
     }
 
-    /** The logical units of each box, by how they do and by what is drawn of their paths so far. */
-    List<List<LogicalUnit>> units(Function<LogicalUnit, Object> drawn) {
+    /** The logical units of each box, by what is remarked on them and by what is drawn of their paths so far. */
+    List<List<LogicalUnit>> units(Function<LogicalUnit, String> remark, Function<LogicalUnit, Object> drawn) {
         int few = paths.units.size() <= FEW_UNITS && eachPath ? FEW_OF_ARRAY : FEW_OF_ARRAY_OF_MANY;
         List<List<LogicalUnit>> boxes = new ArrayList<>();
         for (List<LogicalUnit> units : lots(paths.units, unit -> apart ? unit.node : "")) {
             boxes.addAll(all || units.size() <= few ? oneByOne(units)
-                : boxes(units, unit -> List.of(Wording.remark(unit), drawn.apply(unit)), Wording::remark,
+                : boxes(units, unit -> List.of(remark.apply(unit), drawn.apply(unit)), remark::apply,
                         apart ? FEW_BOXES_OF_ARRAY : FEW_BOXES));
         }
         return boxes;

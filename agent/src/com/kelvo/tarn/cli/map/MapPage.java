@@ -1,6 +1,8 @@
 package com.kelvo.tarn.cli.map;
 
 import com.google.gson.Gson;
+import com.kelvo.tarn.cli.answers.Check;
+import com.kelvo.tarn.cli.output.FindingWords;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.IOException;
@@ -28,6 +30,8 @@ final class MapPage {
     private static final Pattern PLACE = Pattern.compile("\\{\\{(\\w+)}}");
     /** So many paths have a row; what is in trouble comes first then. */
     private static final int MOST_ROWS = 2000;
+    /** Of more rows only those of units in trouble are printed. */
+    private static final int MOST_PRINTED = 200;
 
     private MapPage() {
     }
@@ -45,11 +49,19 @@ final class MapPage {
         parts.put("script", script);
         parts.put("title", escaped(topology.title));
         parts.put("summary", escaped(topology.summary));
+        parts.put("origin", escaped(topology.origin));
+        parts.put("verdict", verdict(topology.check));
+        parts.put("state", topology.check.state.toLowerCase(Locale.ROOT));
         parts.put("troubles", troubles(topology));
         parts.put("picture", svg);
         parts.put("data", data(topology));
-        parts.put("columns", cells("th scope=\"col\"", Topology.COLUMNS));
+        parts.put("columns", Topology.COLUMNS.stream().map(
+            column -> "<th scope=\"col\"><button type=\"button\">" + column + "</button></th>").collect(Collectors.joining()));
         List<Topology.Row> rows = rows(topology, all);
+        long good = rows.stream().filter(row -> row.unit.state.compareTo(Topology.State.GOOD) <= 0).count();
+        parts.put("printed", rows.size() <= MOST_PRINTED ? "" : good == rows.size() ? "many none" : "many");
+        parts.put("unprinted", rows.size() <= MOST_PRINTED ? "" : String.format(
+            Locale.ROOT, "%,d paths of units in order are not printed.", good));
         parts.put("rows", rows.stream().map(MapPage::row).collect(Collectors.joining()));
         parts.put("note", rows.isEmpty() ? "There are none."
             : rows.size() == topology.rows.size() ? "" : String.format(
@@ -79,13 +91,21 @@ final class MapPage {
             .collect(Collectors.joining());
     }
 
-    /** What is in trouble, and why; each leads to its place in the picture. */
+    /** What the check says, as its first line does. */
+    private static String verdict(Check check) {
+        return check.state + (check.findings.isEmpty() ? ": nothing found" : String.format(
+            Locale.ROOT, ": %,d finding%s", check.findings.size(), check.findings.size() == 1 ? "" : "s"));
+    }
+
+    /** All that the check found; what is in the picture leads there. */
     private static String troubles(Topology topology) {
-        return topology.nodes.values().stream().filter(node -> node.state.compareTo(Topology.State.GOOD) > 0)
-            .sorted(Comparator.comparing((Topology.Node node) -> node.state).reversed())
-            .map(node -> "<li class=\"" + name(node.state) + "\"><a href=\"#" + Dot.id(node) + "\">"
-                             + escaped(node.name) + "</a>: " + escaped(String.join("; ", node.reasons)) + "</li>\n")
-            .collect(Collectors.joining());
+        return topology.check.findings.stream().map(finding -> {
+            Topology.Node box = topology.at(finding.subject);
+            String subject = escaped(FindingWords.subject(finding));
+            return "<li class=\"" + finding.severity + "\">"
+                + (box == null ? subject : "<a href=\"#" + Dot.id(box) + "\">" + subject + "</a>") + ": "
+                + escaped(FindingWords.message(finding)) + "</li>\n";
+        }).collect(Collectors.joining());
     }
 
     /** What the script knows of the things, the lines and the ways, each thing by its number. */
@@ -97,7 +117,9 @@ final class MapPage {
             things.add(Json.object(
                 "name", Page.printable(node.name), "state", name(node.state),
                 "reasons", node.reasons.stream().map(Page::printable).collect(Collectors.toList()), "facts", facts,
-                "text", Page.printable(node.title + " " + String.join(" ", node.lines))));
+                "column", node.kind.ordinal(), "text", Page.printable(node.title + " " + String.join(" ", node.lines)),
+                "members", node.members.stream().map(member -> List.of(
+                    Page.printable(member.name), Page.printable(member.text))).collect(Collectors.toList())));
         }
         return new Gson().toJson(Json.object( // which escapes what would end the element
             "things", things,

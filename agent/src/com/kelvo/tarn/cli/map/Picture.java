@@ -17,7 +17,7 @@ public enum Picture {
     SVG {
         @Override
         public String of(Topology topology, boolean all) throws IOException {
-            String svg = Graphviz.svg(Dot.of(topology));
+            String svg = Graphviz.svg(Dot.placed(topology));
             int body = svg.indexOf('>') + 1;
             return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + svg.substring(0, body) + "\n<style>\n"
                 + Palette.css() + "</style>" + svg.substring(body);
@@ -27,7 +27,7 @@ public enum Picture {
     HTML {
         @Override
         public String of(Topology topology, boolean all) throws IOException {
-            return MapPage.of(topology, Graphviz.svg(Dot.of(topology)), all);
+            return MapPage.of(topology, Graphviz.svg(Dot.placed(topology)), all);
         }
     },
     /** The graph as Graphviz draws it, in pixels: bytes, no text. */
@@ -62,6 +62,6 @@ public enum Picture {
      */
     public byte[] bytes(Topology topology, boolean all) throws IOException {
         return isText() ? of(topology, all).getBytes(StandardCharsets.UTF_8)
-            : Graphviz.drawn(Dot.of(topology), name().toLowerCase(Locale.ROOT));
+            : Graphviz.drawn(Dot.placed(topology), name().toLowerCase(Locale.ROOT));
     }
 }

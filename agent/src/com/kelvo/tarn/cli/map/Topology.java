@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.map;
 
+import com.kelvo.tarn.cli.answers.Check;
 import java.util.ArrayList;
 import java.util.HashMap;
 import java.util.LinkedHashMap;
@@ -16,9 +17,23 @@ public final class Topology {
     /** How a thing does; the later, the worse. */
     enum State { UNUSED, GOOD, ONE_PATH, TROUBLE }
 
+    /** What became of a thing or a path since an earlier time. */
+    enum Since { SAME, ADDED, LOST }
+
+    /** One of the things that share a box. */
+    static final class Member {
+        final String name;
+        final String text;
+
+        Member(String name, String text) {
+            this.name = name;
+            this.text = text;
+        }
+    }
+
     /** An array: its remote ports and logical units stand in one frame. */
     static final class Group {
-        final String title;
+        String title;
         final List<Node> nodes = new ArrayList<>();
 
         Group(String title) {
@@ -39,6 +54,13 @@ public final class Topology {
         final Map<String, String> facts = new LinkedHashMap<>();
         /** Why the state is not good, the worst first; empty when it is. */
         final Set<String> reasons = new LinkedHashSet<>();
+        /** Those that share the box; empty when it is one thing's own. */
+        final List<Member> members = new ArrayList<>();
+        /** By this they stand one below the other. */
+        String order;
+        /** The colour of the one fabric that all ways through it cross; null when there is none, or more. */
+        Palette hue;
+        Since since = Since.SAME;
         State state = State.GOOD;
 
         private Node(int number, Kind kind, String name, String title) {
@@ -46,6 +68,7 @@ public final class Topology {
             this.kind = kind;
             this.name = name;
             this.title = title;
+            order = name;
         }
 
         /** A line of the box and a fact alike; a blank value is neither. */
@@ -77,6 +100,9 @@ public final class Topology {
         final String label;
         /** What it carries, shown when it is pointed at. */
         final String hint;
+        /** The colour of the fabric that it crosses, or null. */
+        Palette hue;
+        Since since = Since.SAME;
         private State own;
 
         private Edge(Node from, Node to, String label, String hint, State state) {
@@ -111,12 +137,21 @@ public final class Topology {
 
     /** What the table's columns are called. */
     static final List<String> COLUMNS = List.of("Array", "LUN", "Remark", "Device", "Adapter", "Port", "Port WWN",
-                                                "Port state", "Remote port", "Remote port state", "Bus", "Target");
+                                                "Port state", "Remote port", "Remote port state", "Size", "Mounted",
+                                                "Bus", "Target");
 
     final String title;
     /** What there is, and how many. */
     String summary = "";
+    /** What else was told of the host: when it was recorded, and who drew this. */
+    String origin = "";
+    /** What is wrong with the host, or null. */
+    Check check;
+    /** Whether an earlier time is shown, too. */
+    boolean compares;
     final Map<String, Node> nodes = new LinkedHashMap<>();
+    /** The box that stands for what other commands call so, where the box has another name. */
+    final Map<String, Node> places = new HashMap<>();
     final Map<String, Group> groups = new LinkedHashMap<>();
     final List<Edge> edges = new ArrayList<>();
     /** Each the things from the host to a logical unit, or as far as it goes. */
@@ -131,6 +166,22 @@ public final class Topology {
     /** The thing of that name, made when there is none. */
     Node node(Kind kind, String name, String title) {
         return nodes.computeIfAbsent(name, absent -> new Node(nodes.size(), kind, name, title));
+    }
+
+    /**
+     * Sets what stands above the picture.
+     *
+     * @param found what is wrong with the host
+     * @param told when it was recorded, and who drew this
+     */
+    public void origin(Check found, String told) {
+        check = found;
+        origin = told;
+    }
+
+    /** The box of what other commands call so, or null. */
+    Node at(String place) {
+        return places.getOrDefault(place, nodes.get(place));
     }
 
     /** A thing within a group, which is made when there is none of that title; without a title, in no group. */

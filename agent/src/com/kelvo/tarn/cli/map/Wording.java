@@ -5,14 +5,19 @@ import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.cli.map.Topology.Member;
 import com.kelvo.tarn.cli.map.Topology.Node;
 import com.kelvo.tarn.cli.output.PortWords;
+import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
+import java.util.ArrayList;
+import java.util.Collection;
 import java.util.List;
 import java.util.Locale;
 import java.util.Objects;
 import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /** What stands in boxes, at lines and in rows. */
 final class Wording {
@@ -55,26 +60,71 @@ final class Wording {
     static void describe(Node box, List<Grouping.Remote> remotes) {
         long arrays = remotes.stream().map(Grouping.Remote::node).distinct().count();
         box.line("Arrays", "of " + count(arrays, "array"));
-        box.line("WWNs", wwnOrPlace(remotes.get(0).first()) + " …");
+        box.line("WWNs", wwnOrPlace(remotes.get(0).first()) + (remotes.size() > 1 ? " …" : ""));
+        remotes.forEach(remote -> box.members.add(new Member(
+            wwnOrPlace(remote.first()), Instances.name(remote.first().instance, HbaPortProvider.name))));
     }
 
     /** Logical units, one or several. */
     static void describeUnits(Node box, List<LogicalUnit> units) {
         LogicalUnit first = units.get(0);
-        LogicalUnit last = units.get(units.size() - 1);
-        boolean single = units.size() == 1;
-        if (!single) {
-            box.line("LUNs", first.node.equals(last.node) ? "LUN " + first.lun + " to " + last.lun
-                : "of " + count(units.stream().map(unit -> unit.node).distinct().count(), "array"));
-        }
-        List<String> devices = units.stream().flatMap(unit -> unit.paths.stream()).map(path -> path.deviceName())
+        boolean oneArray = first.node.equals(units.get(units.size() - 1).node);
+        List<String> devices = units.stream().flatMap(unit -> unit.paths.stream()).map(LogicalUnit.Path::deviceName)
             .filter(device -> !device.isEmpty()).distinct().collect(Collectors.toList());
-        devices.stream().limit(NAMES_IN_BOX).forEach(box.lines::add);
-        if (devices.size() > NAMES_IN_BOX) {
-            box.lines.add(String.format(Locale.ROOT, "and %,d more", devices.size() - NAMES_IN_BOX));
+        if (units.size() == 1) {
+            box.line("Size", size(first));
+            box.line("Mounted on", String.join(", ", first.mounts));
+            box.fact("Drive", first.driveType);
+            devices.stream().limit(NAMES_IN_BOX).forEach(box.lines::add);
+            if (devices.size() > NAMES_IN_BOX) {
+                box.lines.add(String.format(Locale.ROOT, "and %,d more", devices.size() - NAMES_IN_BOX));
+            }
+            box.fact("Devices", String.join(", ", devices));
+        } else {
+            box.line("LUNs", oneArray ? "LUN " + luns(units)
+                : "of " + count(units.stream().map(unit -> unit.node).distinct().count(), "array"));
+            box.line("Mounted on", mounts(units));
+            box.lines.add("+ opens it");
+            units.forEach(unit -> box.members.add(new Member(
+                oneArray ? "LUN " + unit.lun : unit.place(), Stream.of(
+                    unit.paths.get(0).deviceName(), size(unit), String.join(", ", unit.mounts))
+                    .filter(text -> !text.isEmpty()).collect(Collectors.joining(", ")))));
         }
-        box.fact("Devices", String.join(", ", single ? devices : box.lines.subList(1, box.lines.size())));
-        box.fact("Array", first.node.equals(last.node) ? first.node : "");
+        box.fact("Array", oneArray ? first.node : "");
+        box.order = order(first);
+    }
+
+    /** By the array, then by number. */
+    static String order(LogicalUnit unit) {
+        return unit.node + String.format(Locale.ROOT, " %20s", Long.toUnsignedString(unit.lun.longValue()));
+    }
+
+    /** Numbers, and what lies between two: "0 to 4, 21, 58". */
+    private static String luns(List<LogicalUnit> units) {
+        List<String> runs = new ArrayList<>();
+        for (int from = 0, to; from < units.size(); from = to) {
+            to = from + 1;
+            while (to < units.size() && units.get(to).lun.longValue() == units.get(to - 1).lun.longValue() + 1) {
+                to++;
+            }
+            String start = units.get(from).lun.toString();
+            runs.add(to - from == 1 ? start : start + (to - from == 2 ? ", " : " to ") + units.get(to - 1).lun);
+        }
+        return String.join(", ", runs);
+    }
+
+    private static String mounts(List<LogicalUnit> units) {
+        return units.stream().flatMap(unit -> unit.mounts.stream()).collect(Collectors.joining(", "));
+    }
+
+    private static String size(LogicalUnit unit) {
+        return unit.sizeBytes == null ? "" : Units.bytes(unit.sizeBytes);
+    }
+
+    /** What an array's drives call themselves. */
+    static String models(Collection<LogicalUnit> units) {
+        return units.stream().map(unit -> unit.driveType).filter(type -> !type.isEmpty()).distinct().sorted().limit(2)
+            .collect(Collectors.joining(", "));
     }
 
     static String name(List<LogicalUnit> units) {
@@ -95,8 +145,8 @@ final class Wording {
     static List<String> cells(LogicalUnit unit, LogicalUnit.Path path, String remark) {
         return List.of(unit.node, unit.lun.toString(), remark, path.deviceName(), String.valueOf(path.adapter),
                        String.valueOf(path.port), text(path.portWWN), PortWords.state(path.portState),
-                       text(path.remotePort), PortWords.state(path.remotePortState), text(path.scsiBus),
-                       text(path.targetId));
+                       text(path.remotePort), PortWords.state(path.remotePortState), size(unit),
+                       String.join(", ", unit.mounts), text(path.scsiBus), text(path.targetId));
     }
 
     /** What is to be remarked on a unit; mostly nothing. */

@@ -1,6 +1,9 @@
 package com.kelvo.tarn.cli.metrics;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Asked;
+import com.kelvo.tarn.cli.answers.Check;
+import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.FileSystemUse;
@@ -20,11 +23,17 @@ import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformati
 import java.math.BigDecimal;
 import java.math.BigInteger;
 import java.util.Arrays;
+import java.util.List;
 import java.util.Locale;
+import java.util.Map;
 import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
 public final class HostMetrics {
+    /** Bytes a second of each generation, by the bits that the library makes of it: 1, 2 and 10 Gb/s. */
+    private static final Map<Long, Long> PAYLOADS =
+        Map.of(1143535043L, 106_250_000L, 2287070085L, 212_500_000L, 11435350430L, 1_275_000_000L);
+
     private final Library library;
     private final Exposition out = new Exposition();
 
@@ -46,6 +55,7 @@ public final class HostMetrics {
         metrics.section("cpu", () -> library.cpu().forEach(metrics::add));
         metrics.section("disk-io", () -> library.diskIo().forEach(metrics::add));
         metrics.section("hba", metrics::addFabric);
+        metrics.addCheck();
         return metrics.out.text();
     }
 
@@ -78,10 +88,29 @@ public final class HostMetrics {
     private void add(SolarisOperatingSystem system) {
         requireAnswer(system.name());
         Exposition.Family memory = out.gauge("tarn_memory_bytes", "Memory and swap, as a whole and free.");
-        memory.sample(kilobytes(system.totalPhysicalKB()), "kind", "physical");
-        memory.sample(kilobytes(system.freePhysicalKB()), "kind", "physical_free");
-        memory.sample(kilobytes(system.totalSwapKB()), "kind", "swap");
-        memory.sample(kilobytes(system.freeSwapKB()), "kind", "swap_free");
+        if (system.totalPhysicalKB() != 0) {
+            memory.sample(kilobytes(system.totalPhysicalKB()), "kind", "physical");
+        }
+        // The kernel counts these three in one record; without it all are 0, and no running system is like that.
+        if ((system.freePhysicalKB() | system.totalSwapKB() | system.freeSwapKB()) != 0) {
+            memory.sample(kilobytes(system.freePhysicalKB()), "kind", "physical_free");
+            memory.sample(kilobytes(system.totalSwapKB()), "kind", "swap");
+            memory.sample(kilobytes(system.freeSwapKB()), "kind", "swap_free");
+        }
+    }
+
+    /** What the check finds, and how old all this is. */
+    private void addCheck() {
+        Asked asked = library.log().unheard(() -> new Asked(library, List.of()));
+        List<Check.Finding> findings = Check.of(asked, null, new CheckRules()).findings;
+        long criticals = findings.stream().filter(Check.Finding::isCritical).count();
+        Exposition.Family found = out.gauge("tarn_check_findings", "What the command check finds, by severity.");
+        found.sample(criticals, "severity", "critical");
+        found.sample(findings.size() - criticals, "severity", "warning");
+        if (asked.recordedAt != null) {
+            out.gauge("tarn_host_recorded_timestamp_seconds", "When the host that is told of was recorded.")
+                .sample(asked.recordedAt.getEpochSecond());
+        }
     }
 
     /** One that would not tell its sizes, or is not mounted any more, has none. */
@@ -128,31 +157,44 @@ public final class HostMetrics {
     }
 
     private void addFabric() {
-        Fabric fabric = library.fabric();
+        Fabric fabric = library.fabric(library.hba(true, false, false), true, false);
         for (Fabric.Port port : fabric.ports()) {
-            String wwn = Instances.name(port.instance, HbaPortProvider.permanentAddress);
-            Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn", wwn};
+            Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn", wwn(port.instance)};
             out.gauge("tarn_fc_port_online", "Whether the port is online; one that cannot be read is not.")
                 .sample(port.instance != null && PortStates.isOk(port.instance) ? 1 : 0, labels);
             addSpeed(port, labels);
             addCounters(port.statistics, labels);
             out.gauge("tarn_fc_remote_ports", "Remote ports that the port has discovered.")
-                .sample(port.remotePorts.size(), Arrays.copyOf(labels, 4));
+                .sample(port.remotePorts.size(), labels);
+            Exposition.Family remotes = out.gauge("tarn_fc_remote_port_online", "Whether the remote port is online.");
+            port.remotePorts.stream().filter(remote -> remote.instance != null).forEach(remote -> remotes.sample(
+                PortStates.isOk(remote.instance) ? 1 : 0, with(labels, "remote_wwn", wwn(remote.instance))));
         }
         Exposition.Family paths =
             out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
+        Exposition.Family up = out.gauge("tarn_lun_path_up", "Whether both ends of the path are online.");
         for (LogicalUnit unit : new Paths(fabric).units) {
             Object[] labels = {"node", unit.node, "lun", unit.lun};
             paths.sample(unit.onlinePaths(), with(labels, "state", "online"));
-            paths.sample(unit.paths.size() - unit.onlinePaths(), with(labels, "state", "other"));
+            paths.sample(unit.distinctPaths().size() - unit.onlinePaths(), with(labels, "state", "other"));
+            unit.distinctPaths().forEach(path -> up.sample(
+                path.isOnline() ? 1 : 0, "node", unit.node, "lun", unit.lun, "disk", path.deviceName(),
+                "adapter", path.adapter, "port", path.port, "wwn", Instances.name(path.portWWN),
+                "remote_wwn", Instances.name(path.remotePort)));
         }
     }
 
+    private static String wwn(TrInstance port) {
+        return Instances.name(port, HbaPortProvider.permanentAddress);
+    }
+
     private void addSpeed(Fabric.Port port, Object[] labels) {
-        Exposition.Family speed = out.gauge("tarn_fc_port_speed_bytes_per_second", "The speed of the port's link.");
-        if (port.instance != null && Instances.number(port.instance, HbaPortProvider.speed).longValue() != 0) {
-            BigInteger bits = Instances.number(port.instance, HbaPortProvider.speed).bigIntegerValue();
-            speed.sample(new BigDecimal(bits).divide(BigDecimal.valueOf(8)), labels);
+        Exposition.Family speed = out.gauge(
+            "tarn_fc_port_speed_bytes_per_second", "The payload that the link of the port takes, by its generation.");
+        Long payload = port.instance == null ? null
+            : PAYLOADS.get(Instances.number(port.instance, HbaPortProvider.speed).longValue());
+        if (payload != null) {
+            speed.sample(payload, labels);
         }
     }
 

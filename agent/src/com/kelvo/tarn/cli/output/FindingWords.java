@@ -72,6 +72,15 @@ public final class FindingWords {
     }
 
     /**
+     * {@return what is wrong, without the ports that it is about}
+     *
+     * @param finding of any kind
+     */
+    public static String brief(Check.Finding finding) {
+        return message(finding).replaceFirst("(, WWN |: [0-9a-f]{16} →).*", "");
+    }
+
+    /**
      * {@return what is wrong, by its subject and what an administrator would look for: "NODE LUN 2 (c4t0d2, /oracle)"}
      *
      * @param finding of any kind
