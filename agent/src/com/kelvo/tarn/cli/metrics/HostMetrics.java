@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.metrics;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.cli.answers.Asked;
+import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Counter;
@@ -10,7 +11,6 @@ import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
-import com.kelvo.tarn.cli.answers.Paths;
 import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
@@ -26,6 +26,7 @@ import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
+import java.util.Objects;
 import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
@@ -34,29 +35,40 @@ public final class HostMetrics {
     private static final Map<Long, Long> PAYLOADS =
         Map.of(1143535043L, 106_250_000L, 2287070085L, 212_500_000L, 11435350430L, 1_275_000_000L);
 
-    private final Library library;
+    private final Asked asked;
     private final Exposition out = new Exposition();
 
-    private HostMetrics(Library library) {
-        this.library = library;
+    private HostMetrics(Asked asked) {
+        this.asked = asked;
     }
 
     /**
-     * {@return the text format of Prometheus} A section whose call fails is left out, and said to be down.
+     * {@return all that is measured of a host} A section whose call fails is left out, and said to be down.
      *
-     * @param library what is asked
+     * @param library what is asked for what a check does not ask
+     * @param asked what the host has answered to a check
+     * @param asking how the library is asked
      */
-    public static String text(Library library) {
-        HostMetrics metrics = new HostMetrics(library);
-        metrics.section("computer-system", () -> metrics.add(library.computerSystem()));
-        metrics.section("operating-system", () -> metrics.add(library.operatingSystem()));
-        metrics.section("logical-disks", metrics::addFileSystems);
-        metrics.section("processors", metrics::addProcessors);
-        metrics.section("cpu", () -> library.cpu().forEach(metrics::add));
-        metrics.section("disk-io", () -> library.diskIo().forEach(metrics::add));
-        metrics.section("hba", metrics::addFabric);
+    public static Exposition of(Library library, Asked asked, Asking asking) {
+        HostMetrics metrics = new HostMetrics(asked);
+        metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
+        metrics.section("operating-system", () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
+        metrics.answered("logical-disks", metrics::addFileSystems);
+        metrics.answered("processors", metrics::addProcessors);
+        metrics.section("cpu", () -> asking.ask("cpu", library::cpu).forEach(metrics::add));
+        metrics.answered("disk-io", () -> asked.io.forEach(metrics::add));
+        metrics.answered("disks", () -> { });
+        metrics.answered("hba", metrics::addFabric);
         metrics.addCheck();
-        return metrics.out.text();
+        return metrics.out;
+    }
+
+    /** A section that a check has asked for. */
+    private void answered(String name, Runnable adding) {
+        section(name, () -> {
+            asked.requireAnswer(name);
+            adding.run();
+        });
     }
 
     private void section(String name, Runnable call) {
@@ -101,7 +113,6 @@ public final class HostMetrics {
 
     /** What the check finds, and how old all this is. */
     private void addCheck() {
-        Asked asked = library.log().unheard(() -> new Asked(library, List.of()));
         List<Check.Finding> findings = Check.of(asked, null, new CheckRules()).findings;
         long criticals = findings.stream().filter(Check.Finding::isCritical).count();
         Exposition.Family found = out.gauge("tarn_check_findings", "What the command check finds, by severity.");
@@ -116,8 +127,7 @@ public final class HostMetrics {
     /** One that would not tell its sizes, or is not mounted any more, has none. */
     private void addFileSystems() {
         Exposition.Family sizes = out.gauge("tarn_filesystem_bytes", "The sizes of mounted file systems.");
-        for (SolarisLogicalDisk listed : library.logicalDisks()) {
-            SolarisLogicalDisk disk = library.withSizes(listed);
+        for (SolarisLogicalDisk disk : asked.sizedFileSystems) {
             FileSystemUse use = new FileSystemUse(disk);
             if (use.isKnown()) {
                 Object[] labels = {"mountpoint", disk.mountPoint(), "device", disk.device(), "fstype",
@@ -131,7 +141,7 @@ public final class HostMetrics {
 
     private void addProcessors() {
         Exposition.Family online = out.gauge("tarn_processor_online", "Whether the processor is online.");
-        library.processors().forEach(
+        asked.processors.forEach(
             data -> online.sample(data.state().equals("online") ? 1 : 0, "processor", data.processorId()));
     }
 
@@ -157,8 +167,7 @@ public final class HostMetrics {
     }
 
     private void addFabric() {
-        Fabric fabric = library.fabric(library.hba(true, false, false), true, false);
-        for (Fabric.Port port : fabric.ports()) {
+        for (Fabric.Port port : asked.fabric.ports()) {
             Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn", wwn(port.instance)};
             out.gauge("tarn_fc_port_online", "Whether the port is online; one that cannot be read is not.")
                 .sample(port.instance != null && PortStates.isOk(port.instance) ? 1 : 0, labels);
@@ -173,7 +182,7 @@ public final class HostMetrics {
         Exposition.Family paths =
             out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
         Exposition.Family up = out.gauge("tarn_lun_path_up", "Whether both ends of the path are online.");
-        for (LogicalUnit unit : new Paths(fabric).units) {
+        for (LogicalUnit unit : asked.paths.units) {
             Object[] labels = {"node", unit.node, "lun", unit.lun};
             paths.sample(unit.onlinePaths(), with(labels, "state", "online"));
             paths.sample(unit.distinctPaths().size() - unit.onlinePaths(), with(labels, "state", "other"));
