@@ -130,6 +130,7 @@ class Browser(unittest.TestCase):
                                    "2 of 19 things, 1 of 8 paths"), ("", list(things), "")):
             self.assertEqual((self.filter(text), sorted(self.hits())), (told, sorted(found)), text)
         self.filter(unit)
+        time.sleep(0.3)  # it fades
         self.assertEqual(self.script("getComputedStyle(document.querySelector('.dim')).opacity"), "0.35")
         self.filter("")
 
