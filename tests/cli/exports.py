@@ -91,7 +91,7 @@ class Exports(unittest.TestCase):
             if group.get("class") == "node":
                 lines = [text.text for text in group.iter(SVG + "text")]
                 box = (lines, next(group.iter(SVG + "path")).get("stroke"))
-                found.update((f"{lines[0]} {line}", box) for line in lines[1:] or [""])
+                found.update((" ".join([lines[0], *line]), box) for line in [[], *([line] for line in lines[1:])])
         return found, sorted(text.text for text in svg.iter(SVG + "text"))
 
     def check_metrics(self, text):
@@ -112,10 +112,10 @@ class Exports(unittest.TestCase):
         red, orange, grey, calm = "#b3201b", "#8f5600", "#8b949c", "#7b8b9a"
         for name, colour, reason in (
                 ("Port 0/0 210000e08b10a3c2", red, "link down"), ("Adapter 2 it cannot be read", red, None),
-                ("Port 1/3 it cannot be read", red, None), ("Array port 1 it cannot be read", red, None),
+                ("Port 1/3 it cannot be read", red, None), ("Remote port 1 it cannot be read", red, None),
                 ("Port 1/2 1000001b320a77e2", grey, "no remote ports"), ("LUN 2 c4t50060E8000C3A2B1d2", orange, "one path left"),
                 ("LUN 0 c2t50060E8000C3A2B1d0", orange, "one path left of 2"),
-                ("LUN 0 c2t200400A0B8160A01d0", red, "no path left"), ("Port 1/0 1000001b320a77e0", "#2a66b0", "online, 2 Gb/s")):
+                ("LUN 0 c2t200400A0B8160A01d0", red, "no path left"), ("Port 1/0 1000001b320a77e0", "#8a3fa0", "online, 2 Gb/s")):
             self.assertEqual((boxes[name][1], boxes[name][0][-1]), (colour, reason or boxes[name][0][-1]), name)
 
     def test_a_line_is_what_one_port_sees(self):
@@ -181,11 +181,11 @@ class Exports(unittest.TestCase):
         nothing = self.check_metrics(self.tarn("metrics", host={"sysinfo": RILL["sysinfo"]})[0])
         self.assertEqual({name for name, value in nothing.items() if value == "0" and "section_up" in name},
                          {f'tarn_section_up{{section="{name}"}}' for name in ("operating-system", "cpu", "disk-io")})
-        self.assertLessEqual({name.split("{")[0] for name in nothing}, {"tarn_host_info", "tarn_section_up"})
+        self.assertLessEqual({name.split("{")[0] for name in nothing}, {"tarn_host_info", "tarn_section_up", "tarn_check_findings"})
         untold = json.loads(json.dumps(RILL))
         untold["kstat"] = [record for record in untold["kstat"] if record["ks_name"] != "vminfo"]
         told = {name for name in self.check_metrics(self.tarn("metrics", host=untold)[0]) if "tarn_memory" in name}
-        self.assertEqual(told, {'tarn_memory_bytes{kind="physical"}'})
+        self.assertEqual(told, {'tarn_memory_bytes{kind="physical"}', 'tarn_memory_bytes{kind="physical_free"}'})
         recorded = self.check_metrics(self.tarn("--host", ROOT / "hosts/rill-cable-pulled.json", "metrics")[0])
         self.assertEqual([recorded[name] for name in (
             "tarn_host_recorded_timestamp_seconds", 'tarn_check_findings{severity="critical"}',

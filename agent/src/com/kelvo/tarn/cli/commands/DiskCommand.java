@@ -72,9 +72,12 @@ public final class DiskCommand extends TableCommand {
             .text("Geometry", found -> DisksCommand.geometry(found.drive))
             .text("Device", found -> found.drive == null ? null
                 : found.drive.get(SolarisDiskDriveProvider.deviceIdentifier))
-            .text("Read", found -> found.io == null ? null : count(found.io.bytesRead()))
-            .text("Written", found -> found.io == null ? null : count(found.io.bytesWritten()))
-            .text("Busy", found -> found.io == null ? null : busy(new Counter(found.io.runTime()), found.sinceBoot()));
+            .number("Read", found -> found.io == null ? null : new Counter(found.io.bytesRead()).text(),
+                    found -> found.io == null ? null : count(found.io.bytesRead()))
+            .number("Written", found -> found.io == null ? null : new Counter(found.io.bytesWritten()).text(),
+                    found -> found.io == null ? null : count(found.io.bytesWritten()))
+            .number("Busy", found -> found.io == null ? null : Units.seconds(new Counter(found.io.runTime())),
+                    found -> found.io == null ? null : busy(new Counter(found.io.runTime()), found.sinceBoot()));
     }
 
     private static String drive(OneDisk disk) {
