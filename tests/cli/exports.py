@@ -190,7 +190,7 @@ class Exports(unittest.TestCase):
         self.assertEqual([recorded[name] for name in (
             "tarn_host_recorded_timestamp_seconds", 'tarn_check_findings{severity="critical"}',
             'tarn_lun_path_up{node="50060e8000c3a200",lun="2",disk="c4t50060E8000C3A2B1d2",adapter="1",port="0",'
-            'wwn="1000001b320a77e0",remote_wwn="50060e8000c3a2b1"}')], ["1134382980", "1", "1"])
+            'wwn="1000001b320a77e0",remote_wwn="50060e8000c3a2b1"}')], ["1134383021", "1", "1"])
         self.check_rules(self.check_metrics(self.tarn("metrics", host=troubled())[0]))
 
     def check_rules(self, values):
