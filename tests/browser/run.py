@@ -130,6 +130,7 @@ class Browser(unittest.TestCase):
                                    "2 of 19 things, 1 of 8 paths"), ("", list(things), "")):
             self.assertEqual((self.filter(text), sorted(self.hits())), (told, sorted(found)), text)
         self.filter(unit)
+        time.sleep(0.3)  # it fades
         self.assertEqual(self.script("getComputedStyle(document.querySelector('.dim')).opacity"), "0.35")
         self.filter("")
 
@@ -137,6 +138,7 @@ class Browser(unittest.TestCase):
         self.assertEqual(len(self.all("#picture [tabindex='0']")), 1)
         self.script("document.querySelector('#picture [tabindex=\"0\"]').focus()")
         self.assertTrue(self.facts().startswith("host"))
+        self.press("0")
         fitted = self.scale()
         self.press("-")
         self.assertAlmostEqual(self.scale(), fitted, 3)
@@ -168,7 +170,7 @@ class Browser(unittest.TestCase):
         self.assertAlmostEqual(things["host"].rect["x"] - place, 80, delta=3)
 
         # The table sorts by its heads, and keeps a unit's rows together.
-        head = self.all("thead button")[10]
+        head = self.all("thead button")[11]
         for falling in (False, True):
             self.script("arguments[0].click()", head)
             units = [tuple(cell.text for cell in row.find_elements(By.TAG_NAME, "td")[:2]) for row in self.all("tbody tr")]

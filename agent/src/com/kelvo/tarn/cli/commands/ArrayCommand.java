@@ -29,7 +29,11 @@ public final class ArrayCommand extends TableCommand {
 
     @Override
     public Answer ask() {
-        return answer(library(), List.of(controller1, controller2, vendor, product));
+        Answer answer = answer(library(), List.of(controller1, controller2, vendor, product));
+        ArrayReport report = new ArrayReport((String) answer.result, List.of(controller1, controller2));
+        return !report.rows.isEmpty() || report.isNotCounting() ? answer
+            : Answer.missing("no array of the controllers " + controller1 + " and " + controller2
+                             + ": none of that identity reported a drive");
     }
 
     /** What the library reports of an array; its arguments in their order. */

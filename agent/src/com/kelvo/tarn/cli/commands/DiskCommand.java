@@ -7,7 +7,7 @@ import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.OneDisk;
 import com.kelvo.tarn.cli.frame.Answer;
-import com.kelvo.tarn.cli.frame.InquiryCommand;
+import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
@@ -25,7 +25,7 @@ import picocli.CommandLine.Parameters;
 @Command(name = "disk",
          description = "All that is known of one disk: drive, counters, slices, file systems, ways to it.",
          footer = "The ways are all those to the logical unit, under whichever device name.")
-public final class DiskCommand extends InquiryCommand {
+public final class DiskCommand extends TableCommand {
     @Parameters(arity = "1..*", paramLabel = "NAME", description = "Any of its names: c1t0d0, c1t0d0s0, "
                 + "/dev/dsk/c1t0d0s0, /devices/..., sd0, a mount point or a path below one, NODE LUN number, the WWN of a "
                 + "port that it alone is behind.")
@@ -38,22 +38,12 @@ public final class DiskCommand extends InquiryCommand {
         OneDisk disk = OneDisk.find(name, library(), remarks::add);
         return disk == null ? Answer.missing(String.join(": ", Stream.concat(Stream.of("no disk " + name),
                                                                              remarks.stream()).toArray(String[]::new)))
-            : Answer.page(disk, out -> show(disk, out))
+            : Answer.table(disk, () -> summary(disk)).shownAs(out -> show(disk, out))
                 .withLog(line -> line.subject().isEmpty() || line.subject().equals(disk.name)); // not of other disks
     }
 
     private static void show(OneDisk disk, Page out) {
-        new Table<>(List.of(disk))
-            .text("Disk", found -> found.name)
-            .text("Instance", found -> found.instance)
-            .text("Drive", DiskCommand::drive)
-            .text("Geometry", found -> DisksCommand.geometry(found.drive))
-            .text("Device", found -> found.drive == null ? null
-                : found.drive.get(SolarisDiskDriveProvider.deviceIdentifier))
-            .text("Read", found -> found.io == null ? null : count(found.io.bytesRead()))
-            .text("Written", found -> found.io == null ? null : count(found.io.bytesWritten()))
-            .text("Busy", found -> found.io == null ? null : busy(new Counter(found.io.runTime()), found.sinceBoot()))
-            .printUpright(out);
+        summary(disk).printUpright(out);
         out.println();
         if (disk.partitions.isEmpty()) {
             out.println("no slices that can be read");
@@ -72,6 +62,22 @@ public final class DiskCommand extends InquiryCommand {
             PathsCommand.tree(unit, path -> all == 0 ? ""
                 : ", " + Units.percent(disk.bytesOver(path), all) + " of the bytes").print(out);
         });
+    }
+
+    private static Table<OneDisk> summary(OneDisk disk) {
+        return new Table<>(List.of(disk))
+            .text("Disk", found -> found.name)
+            .text("Instance", found -> found.instance)
+            .text("Drive", DiskCommand::drive)
+            .text("Geometry", found -> DisksCommand.geometry(found.drive))
+            .text("Device", found -> found.drive == null ? null
+                : found.drive.get(SolarisDiskDriveProvider.deviceIdentifier))
+            .number("Read", found -> found.io == null ? null : new Counter(found.io.bytesRead()).text(),
+                    found -> found.io == null ? null : count(found.io.bytesRead()))
+            .number("Written", found -> found.io == null ? null : new Counter(found.io.bytesWritten()).text(),
+                    found -> found.io == null ? null : count(found.io.bytesWritten()))
+            .number("Busy", found -> found.io == null ? null : Units.seconds(new Counter(found.io.runTime())),
+                    found -> found.io == null ? null : busy(new Counter(found.io.runTime()), found.sinceBoot()));
     }
 
     private static String drive(OneDisk disk) {

@@ -14,6 +14,7 @@ import java.io.IOException;
 import java.time.Instant;
 import java.time.ZoneOffset;
 import java.time.format.DateTimeFormatter;
+import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
@@ -40,7 +41,16 @@ public final class MapCommand extends Export {
     @Mixin
     private HbaOptions options;
 
-    @Option(names = "--format", paramLabel = "FORMAT", description = "dot, svg, html, or into a file png or "
+    /** What the shell completes. */
+    static final class Formats extends ArrayList<String> {
+        private static final long serialVersionUID = 1;
+
+        Formats() {
+            super(Arrays.stream(Picture.values()).map(MapCommand::name).collect(Collectors.toList()));
+        }
+    }
+
+    @Option(names = "--format", paramLabel = "FORMAT", completionCandidates = Formats.class, description = "dot, svg, html, or into a file png or "
             + "pdf. Without it, what --output ends in; without that, dot.")
     private String format;
 

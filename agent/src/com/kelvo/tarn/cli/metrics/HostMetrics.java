@@ -100,14 +100,18 @@ public final class HostMetrics {
     private void add(SolarisOperatingSystem system) {
         requireAnswer(system.name());
         Exposition.Family memory = out.gauge("tarn_memory_bytes", "Memory and swap, as a whole and free.");
-        if (system.totalPhysicalKB() != 0) {
-            memory.sample(kilobytes(system.totalPhysicalKB()), "kind", "physical");
-        }
-        // The kernel counts these three in one record; without it all are 0, and no running system is like that.
-        if ((system.freePhysicalKB() | system.totalSwapKB() | system.freeSwapKB()) != 0) {
-            memory.sample(kilobytes(system.freePhysicalKB()), "kind", "physical_free");
-            memory.sample(kilobytes(system.totalSwapKB()), "kind", "swap");
+        addMemory(memory, "physical", system.totalPhysicalKB());
+        addMemory(memory, "physical_free", system.freePhysicalKB());
+        addMemory(memory, "swap", system.totalSwapKB());
+        if (system.totalSwapKB() != 0) { // of which all may be taken
             memory.sample(kilobytes(system.freeSwapKB()), "kind", "swap_free");
+        }
+    }
+
+    /** No system has none of these: 0 is what it does not tell. */
+    private static void addMemory(Exposition.Family memory, String kind, long kilobytes) {
+        if (kilobytes != 0) {
+            memory.sample(kilobytes(kilobytes), "kind", kind);
         }
     }
 

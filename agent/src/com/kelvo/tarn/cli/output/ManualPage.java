@@ -13,6 +13,16 @@ import picocli.CommandLine.Model.PositionalParamSpec;
 
 /** A manual page in roff, made of what the commands' help says. */
 public final class ManualPage {
+    /** What no help says. */
+    private static final List<String> MORE = List.of(
+        ".SH EXAMPLES", ".nf", "tarn check --host rill.json --baseline rill-well.json", "tarn disk /oracle",
+        "tarn map --host rill.json --baseline rill-well.json --output rill.html",
+        "tarn compare rill-before.json rill-now.json", "tarn metrics --output /var/lib/node-exporter/tarn.prom",
+        "source <(tarn completion)", ".fi", ".SH FILES", ".TP", ".I /usr/share/doc/tarn/examples",
+        "An agent that embeds the library, and alert rules for Prometheus.", ".TP", ".I /usr/share/doc/tarn",
+        "What each answer means, and what to do with it.", ".SH SEE ALSO",
+        ".BR tarn\\-record (1),", ".BR dot (1),", ".BR promtool (1)");
+
     private final List<String> lines = new ArrayList<>();
 
     private ManualPage() {
@@ -49,6 +59,7 @@ public final class ManualPage {
                 lines.add(escape(paragraph.substring(colon + 1).strip()));
             }
         }
+        MORE.forEach(line -> lines.add(line.startsWith(".") ? line : escape(line)));
     }
 
     private void writeCommand(CommandSpec command) {

@@ -88,8 +88,12 @@ public final class PortWords {
         return SPEEDS.getOrDefault(((UnsignedInt) bitsPerSecond).longValue(), "speed unknown");
     }
 
-    /** What is counted, such as "link failures". */
-    static String errors(PortError error) {
+    /**
+     * {@return what is counted, such as "link failures"}
+     *
+     * @param error any
+     */
+    public static String errors(PortError error) {
         return ERRORS.get(error);
     }
 }
