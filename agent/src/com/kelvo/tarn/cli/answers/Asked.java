@@ -8,10 +8,12 @@ import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogica
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import java.time.Instant;
 import java.util.ArrayList;
+import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
+import java.util.Set;
 import java.util.function.Supplier;
 
 /** What a host answered to all that a check is about. */
@@ -44,6 +46,8 @@ public final class Asked {
     final ArrayReport array;
     /** By the command that makes it: what a call raised. */
     final Map<String, String> failures = new LinkedHashMap<>();
+    /** Commands whose answer was not waited for. */
+    private final Set<String> silent = new HashSet<>();
     /** The warnings that the library logged, by the command that made it log them. */
     final Map<String, List<LibraryLog.Line>> warnings = new LinkedHashMap<>();
 
@@ -101,8 +105,9 @@ public final class Asked {
             Heard<T> heard;
             try {
                 heard = asking.ask(command, () -> new Heard<>(log, question));
-            } catch (IllegalStateException silent) {
-                failures.put(command, silent.getMessage());
+            } catch (IllegalStateException late) {
+                failures.put(command, late.getMessage());
+                silent.add(command);
                 return otherwise;
             }
             warnings.put(command, heard.warnings);
@@ -170,6 +175,15 @@ public final class Asked {
         if (failures.containsKey(command)) {
             throw new IllegalStateException(command + ": " + failures.get(command));
         }
+    }
+
+    /**
+     * {@return whether an answer is not waited for any longer}
+     *
+     * @param command the one that asks for it
+     */
+    public boolean isSilent(String command) {
+        return silent.contains(command);
     }
 
     /** {@return the fewest online paths of a logical unit; null when there is none} */

@@ -13,6 +13,10 @@ import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.inventory.DiskActivity;
+import com.kelvo.tarn.inventory.PortTraffic;
+import com.kelvo.tarn.inventory.Sample;
+import com.kelvo.tarn.inventory.Sampler;
 import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
@@ -59,6 +63,7 @@ public final class HostMetrics {
         metrics.answered("disk-io", () -> asked.io.forEach(metrics::add));
         metrics.answered("disks", () -> { });
         metrics.answered("hba", metrics::addFabric);
+        metrics.section("activity", () -> metrics.add(metrics.sample(library, asking)));
         metrics.addCheck();
         return metrics.out;
     }
@@ -75,11 +80,23 @@ public final class HostMetrics {
         int up = 1;
         try {
             call.run();
-        } catch (RuntimeException | StackOverflowError | OutOfMemoryError failed) {
+        } catch (RuntimeException | LinkageError | StackOverflowError | OutOfMemoryError failed) {
             up = 0;
         }
         out.gauge("tarn_section_up", "Whether the library answered; its metrics are left out where it did not.")
             .sample(up, "section", name);
+    }
+
+    /** Where the adapters hang, a second call would hang in them too. */
+    private Sample sample(Library library, Asking asking) {
+        if (asked.isSilent("hba")) {
+            asked.requireAnswer("hba");
+        }
+        return asking.ask("activity", () -> {
+            try (Sampler sampler = library.sampler()) {
+                return sampler.read();
+            }
+        });
     }
 
     /** What the library answers with blanks alone, the system has not told it. */
@@ -167,6 +184,43 @@ public final class HostMetrics {
         Counter time = new Counter(io.runTime()); // in nanoseconds
         if (time.isKept()) {
             busy.sample(new BigDecimal(time.value(), 9), labels);
+        }
+    }
+
+    /** What the agent's own counters leave out. */
+    private void add(Sample sample) {
+        Exposition.Family reads = out.counter("tarn_disk_reads_total", "Reads that ended; 32 bits, which wrap.");
+        Exposition.Family writes = out.counter("tarn_disk_writes_total", "Writes that ended; 32 bits, which wrap.");
+        Exposition.Family waiting = out.counter("tarn_disk_wait_seconds_total", "Time with a request waiting.");
+        Exposition.Family errors = out.counter("tarn_disk_errors_total", "What the driver counts of errors.");
+        for (DiskActivity disk : sample.disks) {
+            Object[] labels = {"disk", Objects.toString(disk.disk, ""), "instance", disk.instance};
+            reads.sample(disk.reads, labels);
+            writes.sample(disk.writes, labels);
+            waiting.sample(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
+            if (disk.errors != null) {
+                errors.sample(disk.errors.soft, with(labels, "kind", "soft"));
+                errors.sample(disk.errors.hard, with(labels, "kind", "hard"));
+                errors.sample(disk.errors.transport, with(labels, "kind", "transport"));
+                errors.sample(disk.errors.media, with(labels, "kind", "media"));
+                errors.sample(disk.errors.notReady, with(labels, "kind", "not_ready"));
+                errors.sample(disk.errors.noDevice, with(labels, "kind", "no_device"));
+                errors.sample(disk.errors.recoverable, with(labels, "kind", "recoverable"));
+                errors.sample(disk.errors.illegalRequest, with(labels, "kind", "illegal_request"));
+                errors.sample(disk.errors.predictiveFailure, with(labels, "kind", "predictive_failure"));
+            }
+        }
+        Exposition.Family bytes = out.counter("tarn_fc_port_bytes_total", "Bytes through the port, of words of four.");
+        for (PortTraffic port : sample.ports) {
+            Object[] labels = {"adapter", port.adapter, "port", port.port, "wwn", port.wwn};
+            addWords(bytes, port.txWords, with(labels, "direction", "transmitted"));
+            addWords(bytes, port.rxWords, with(labels, "direction", "received"));
+        }
+    }
+
+    private static void addWords(Exposition.Family bytes, Long words, Object... labels) {
+        if (words != null) {
+            bytes.sample(BigInteger.valueOf(words).shiftLeft(2), labels);
         }
     }
 
