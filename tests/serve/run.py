@@ -98,7 +98,6 @@ class Serve(unittest.TestCase):
     def test_each_page(self):
         served = Served(self, "--fresh", "3600")
         said = {command: run(*command.split(), "--host", RILL).stdout for command in ("metrics", "check", "--json check")}
-        recorded = json.loads(RILL.read_text())["recordedAt"] if "recordedAt" in RILL.read_text() else None
         text = served.get("/metrics")
         self.assertEqual((text[0], text[1]["Content-Type"], text[2].decode()),
                          (200, "text/plain; version=0.0.4; charset=utf-8", said["metrics"]))
@@ -121,7 +120,6 @@ class Serve(unittest.TestCase):
         lines = served.get("/check", Accept="text/plain")[2].decode()
         self.assertEqual(lines.splitlines()[0], line)
         self.assertEqual(lines, said["check"])
-        self.assertIsNone(recorded, "or the line tells an age")
         self.assertIn(b"<title>Storage network of rill</title>", served.get("/map")[2])
         self.assertEqual(served.get("/-/healthy")[0], 200)
         index = served.get("/")[2].decode()
@@ -248,14 +246,15 @@ class Serve(unittest.TestCase):
         disks = {name.split('disk="')[1].split('"')[0] for name in served.metrics() if "read_bytes" in name}
         for _ in range(LIMIT):
             rates = asked("rate(tarn_disk_read_bytes_total[1m])")
-            if rates:
+            if any(float(rate["value"][1]) for rate in rates):
                 break
             time.sleep(1)
         self.assertEqual({rate["metric"]["disk"] for rate in rates}, disks, (self.folder / "log").read_text())
         self.assertEqual([up["value"][1] for up in asked("up")], ["1"])
-        for rate in rates:
-            self.assertGreaterEqual(float(rate["value"][1]), 0)
-        print("rate(tarn_disk_read_bytes_total[1m]):", [(rate["metric"]["disk"], rate["value"][1]) for rate in rates][:3])
+        reading = {rate["metric"]["disk"]: float(rate["value"][1]) for rate in rates}
+        self.assertGreaterEqual(min(reading.values()), 0)
+        self.assertGreater(max(reading.values()), 0, "rill has several samples")
+        print("rate(tarn_disk_read_bytes_total[1m]):", reading)
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@ import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.TrProperty;
 import com.kelvo.tarn.inventory.Inventory;
 import com.kelvo.tarn.inventory.InventoryHost;
+import com.kelvo.tarn.inventory.Sample;
 import com.kelvo.tarn.inventory.Sampler;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.hba.HbaClassNames;
@@ -248,6 +249,13 @@ public final class Library {
             InventoryHost.load(description);
         }
         return Inventory.sampler();
+    }
+
+    /** {@return one reading of the activity of disks and ports} */
+    public Sample sample() {
+        try (Sampler sampler = sampler()) {
+            return sampler.read();
+        }
     }
 
     /** {@return when the library was built} */

@@ -16,6 +16,6 @@ public final class MetricsCommand extends Export {
     protected String text() {
         Asked asked = new Asked(library(), List.of());
         return (tarn().isBuiltInHost() ? "# The built-in example answers, not a host.\n" : "")
-            + HostMetrics.of(library(), asked, Asking.AT_ONCE).text();
+            + HostMetrics.of(library(), asked, Asking.AT_ONCE, library()::sample).text();
     }
 }

@@ -16,7 +16,6 @@ import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.inventory.DiskActivity;
 import com.kelvo.tarn.inventory.PortTraffic;
 import com.kelvo.tarn.inventory.Sample;
-import com.kelvo.tarn.inventory.Sampler;
 import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
@@ -27,10 +26,12 @@ import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformati
 import java.math.BigDecimal;
 import java.math.BigInteger;
 import java.util.Arrays;
+import java.util.HashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
 import java.util.Objects;
+import java.util.function.Supplier;
 import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
@@ -40,6 +41,8 @@ public final class HostMetrics {
         Map.of(1143535043L, 106_250_000L, 2287070085L, 212_500_000L, 11435350430L, 1_275_000_000L);
 
     private final Asked asked;
+    /** What each disk does, by its instance; nothing where that cannot be told. */
+    private final Map<String, DiskActivity> activity = new HashMap<>();
     private final Exposition out = new Exposition();
 
     private HostMetrics(Asked asked) {
@@ -52,18 +55,20 @@ public final class HostMetrics {
      * @param library what is asked for what a check does not ask
      * @param asked what the host has answered to a check
      * @param asking how the library is asked
+     * @param sampling reads what disks and ports do
      */
-    public static Exposition of(Library library, Asked asked, Asking asking) {
+    public static Exposition of(Library library, Asked asked, Asking asking,
+                                Supplier<Sample> sampling) {
         HostMetrics metrics = new HostMetrics(asked);
         metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
         metrics.section("operating-system", () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
         metrics.answered("logical-disks", metrics::addFileSystems);
         metrics.answered("processors", metrics::addProcessors);
         metrics.section("cpu", () -> asking.ask("cpu", library::cpu).forEach(metrics::add));
+        metrics.section("activity", () -> metrics.add(metrics.sample(asking, sampling)));
         metrics.answered("disk-io", () -> asked.io.forEach(metrics::add));
         metrics.answered("disks", () -> { });
         metrics.answered("hba", metrics::addFabric);
-        metrics.section("activity", () -> metrics.add(metrics.sample(library, asking)));
         metrics.addCheck();
         return metrics.out;
     }
@@ -88,15 +93,11 @@ public final class HostMetrics {
     }
 
     /** Where the adapters hang, a second call would hang in them too. */
-    private Sample sample(Library library, Asking asking) {
+    private Sample sample(Asking asking, Supplier<Sample> sampling) {
         if (asked.isSilent("hba")) {
             asked.requireAnswer("hba");
         }
-        return asking.ask("activity", () -> {
-            try (Sampler sampler = library.sampler()) {
-                return sampler.read();
-            }
-        });
+        return asking.ask("activity", sampling);
     }
 
     /** What the library answers with blanks alone, the system has not told it. */
@@ -175,13 +176,16 @@ public final class HostMetrics {
         ticks.sample(Counter.of32(data.idleTicks()).value(), with(labels, "mode", "idle"));
     }
 
+    /** What was sampled counts: it is of the same time as all else of the disk. */
     private void add(SolarisDiskIOInformation io) {
+        DiskActivity sampled = activity.get(io.instanceName());
         Object[] labels = {"disk", io.diskName(), "instance", io.instanceName()};
-        count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."), new Counter(io.bytesRead()), labels);
+        count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."),
+              new Counter(sampled == null ? io.bytesRead() : sampled.nread), labels);
         count(out.counter("tarn_disk_written_bytes_total", "Bytes written since boot."),
-              new Counter(io.bytesWritten()), labels);
+              new Counter(sampled == null ? io.bytesWritten() : sampled.nwritten), labels);
         Exposition.Family busy = out.counter("tarn_disk_busy_seconds_total", "Time with a request at the disk.");
-        Counter time = new Counter(io.runTime()); // in nanoseconds
+        Counter time = new Counter(sampled == null ? io.runTime() : sampled.rtime); // in nanoseconds
         if (time.isKept()) {
             busy.sample(new BigDecimal(time.value(), 9), labels);
         }
@@ -194,6 +198,7 @@ public final class HostMetrics {
         Exposition.Family waiting = out.counter("tarn_disk_wait_seconds_total", "Time with a request waiting.");
         Exposition.Family errors = out.counter("tarn_disk_errors_total", "What the driver counts of errors.");
         for (DiskActivity disk : sample.disks) {
+            activity.put(disk.instance, disk);
             Object[] labels = {"disk", Objects.toString(disk.disk, ""), "instance", disk.instance};
             reads.sample(disk.reads, labels);
             writes.sample(disk.writes, labels);

@@ -14,11 +14,13 @@ import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Terminal;
 import com.kelvo.tarn.cli.output.Verdict;
+import com.kelvo.tarn.inventory.Sample;
 import java.io.IOException;
 import java.io.StringWriter;
 import java.io.UncheckedIOException;
 import java.util.List;
 import java.util.Map;
+import java.util.function.Supplier;
 
 /** What a host has answered at one time, as each page shows it. */
 final class Answers {
@@ -39,10 +41,11 @@ final class Answers {
      * Asks the host, and waits.
      *
      * @param asking how the host is asked
+     * @param sampling reads what its disks and ports do
      * @param drawing how a picture is waited for
      * @param program what draws it, with its version
      */
-    Answers(Library library, Asking asking, Asking drawing, boolean isExample, String program) {
+    Answers(Library library, Asking asking, Supplier<Sample> sampling, Asking drawing, boolean isExample, String program) {
         this.drawing = drawing;
         asked = new Asked(library, List.of(), asking);
         CheckRules rules = new CheckRules();
@@ -50,7 +53,7 @@ final class Answers {
         origin = (isExample ? "built-in example"
             : asked.recordedAt == null ? "asked " + rules.now : "recorded " + asked.recordedAt) + "; drawn by " + program;
 
-        Exposition exposition = HostMetrics.of(library, asked, asking);
+        Exposition exposition = HostMetrics.of(library, asked, asking, sampling);
         metrics = Body.of("text/plain; version=0.0.4", exposition.text());
         openMetrics = Body.of("application/openmetrics-text; version=1.0.0", exposition.openMetrics());
         Map<String, Object> document = Json.object("line", Verdict.line(found, asked, rules, isExample));

@@ -69,9 +69,10 @@ public final class Server {
                                           int limitSeconds, String program) throws IOException {
         limitConnections(limitSeconds);
         Limits asking = new Limits(library.log(), limitSeconds);
+        Sampling sampling = new Sampling(library);
         Limits drawing = new Limits(library.log(), limitSeconds);
         Server server = new Server(address, new FreshAnswers(
-            () -> new Answers(library, asking, drawing, isExample, program), freshSeconds));
+            () -> new Answers(library, asking, sampling, drawing, isExample, program), freshSeconds));
         server.server.start();
         return server.server.getAddress();
     }
