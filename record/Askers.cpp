@@ -53,7 +53,7 @@ struct Frame {
     std::int32_t error;
 
     std::size_t size() const {
-        return sizeof(Frame) + (dataSize + 7) / 8 * 8;
+        return sizeof(Frame) + (dataSize + std::size_t{7}) / 8 * 8;
     }
 };
 
@@ -278,9 +278,9 @@ private:
             ::close(nowhere);
         }
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-            std::signal(signal, SIG_IGN);
+            static_cast<void>(std::signal(signal, SIG_IGN));
         }
-        std::signal(SIGCHLD, SIG_DFL);
+        static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
         commands.writer.close();
         bells.reader.close();
         for (Pipe &each : tokens) {
@@ -399,7 +399,7 @@ public:
         for (Pipe &each : tokens) {
             error = error == 0 ? each.open() : error;
         }
-        if (error == 0) {
+        if (shared != nullptr && error == 0) {
             keeper = ::fork();
             if (keeper == 0) {
                 Keeper(ways, *shared, tokens, commands, bells).run();

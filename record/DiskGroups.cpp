@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "common/system/DiskDevices.h"
@@ -52,14 +52,15 @@ bool agree(const std::optional<T> &one, const std::optional<T> &other) {
     if constexpr (std::equality_comparable<T>) {
         return !one || !other || *one == *other;
     } else {
-        return !one || !other || std::memcmp(&*one, &*other, sizeof(T)) == 0;
+        return !one || !other ||
+               std::ranges::equal(std::as_bytes(std::span(&*one, 1)), std::as_bytes(std::span(&*other, 1)));
     }
 }
 
 template <class T>
-void addTo(std::optional<T> &known, std::optional<T> &&more) {
+void addTo(std::optional<T> &known, const std::optional<T> &more) {
     if (!known) {
-        known = std::move(more);
+        known = more;
     }
 }
 
@@ -242,8 +243,8 @@ void Answers::add(Answers &&other) {
         }
     }
     outcomes.add(other.outcomes);
-    addTo(geometry, std::move(other.geometry));
-    addTo(label, std::move(other.label));
+    addTo(geometry, other.geometry);
+    addTo(label, other.label);
 }
 
 std::string_view diskNameOf(std::string_view entryName) {
@@ -328,7 +329,7 @@ std::vector<Group> DiskGroups::join(DiskGroups &&rawDisks, DiskGroups &&blockDis
         for (std::size_t i = 0; i < block.slices.size(); ++i) {
             partner.slices[i].link = std::move(block.slices[i].link);
             partner.slices[i].asked |= block.slices[i].asked;
-            addTo(partner.slices[i].device, std::move(block.slices[i].device));
+            addTo(partner.slices[i].device, block.slices[i].device);
         }
     }
     return joined;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "common/hba/library/AdapterWalk.h"
@@ -58,9 +59,9 @@ Element &elementAt(std::vector<Element> &elements, HBA_UINT32 index) {
     return elements[index];
 }
 
+/// Whether nothing was written there.
 bool isBlank(const HBA_FCPSCSIENTRY &entry) {
-    static constexpr HBA_FCPSCSIENTRY blank{};
-    return std::memcmp(&entry, &blank, sizeof entry) == 0;
+    return std::ranges::all_of(std::as_bytes(std::span(&entry, 1)), [](std::byte one) { return one == std::byte{}; });
 }
 
 /// What an asker calls, and what it tells beside.

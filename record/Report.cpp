@@ -10,7 +10,7 @@ namespace record {
 void Report::section(const std::string &name, const std::string &result) {
     if (!quiet) {
         clearProgress();
-        std::fprintf(stderr, "%s: %s\n", name.c_str(), tarn::printable(result).c_str());
+        static_cast<void>(std::fprintf(stderr, "%s: %s\n", name.c_str(), tarn::printable(result).c_str()));
     }
 }
 
@@ -28,21 +28,21 @@ void Report::finish(bool isStopped) {
     }
     clearProgress();
     if (!missing.empty()) {
-        std::fprintf(stderr, "Not read:\n");
+        static_cast<void>(std::fprintf(stderr, "Not read:\n"));
     }
     for (const std::string &line : missing) {
-        std::fprintf(stderr, "  %s\n", line.c_str());
+        static_cast<void>(std::fprintf(stderr, "  %s\n", line.c_str()));
     }
     if (missingBeyond != 0) {
-        std::fprintf(stderr, "  and %zu more\n", missingBeyond);
+        static_cast<void>(std::fprintf(stderr, "  and %zu more\n", missingBeyond));
     }
     if (isStopped) {
-        std::fprintf(stderr, "Not read: the rest\n");
+        static_cast<void>(std::fprintf(stderr, "Not read: the rest\n"));
     }
 }
 
 void Report::showProgress(const char *name, std::size_t done, std::size_t all, const std::string &more) {
-    std::fprintf(stderr, "\r%s: %zu of %zu%s\033[K", name, done, all, tarn::printable(more).c_str());
+    static_cast<void>(std::fprintf(stderr, "\r%s: %zu of %zu%s\033[K", name, done, all, tarn::printable(more).c_str()));
     static_cast<void>(std::fflush(stderr));
     progressIsShown = true;
     lastShown = Clock::now();

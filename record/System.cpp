@@ -36,7 +36,7 @@ std::string now() {
     std::tm utc{};
     gmtime_r(&time, &utc);
     std::array<char, 32> text{};
-    std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
+    static_cast<void>(std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc));
     return text.data();
 }
 

@@ -65,14 +65,14 @@ extern std::uint32_t paraValue[100];
     if constexpr (tarn::traceIsOn) {
         std::va_list arguments;
         va_start(arguments, format);
-        std::vfprintf(stderr, format, arguments);
+        static_cast<void>(std::vfprintf(stderr, format, arguments));
         va_end(arguments);
     }
 }
 
 inline void standalonePuts(const char *text) {
     if constexpr (tarn::traceIsOn) {
-        std::fprintf(stderr, "%s\n", text);
+        static_cast<void>(std::fprintf(stderr, "%s\n", text));
     }
 }
 }

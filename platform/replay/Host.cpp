@@ -30,7 +30,7 @@ std::shared_ptr<const Host> firstHost() {
                    ? std::make_shared<const Host>(description::readHost(std::string(builtInHostText)))
                    : readHostFile(path, usualSilence);
     } catch (const HostDescriptionError &error) {
-        std::fprintf(stderr, "TARN_HOST: %s\n", tarn::printable(error.what()).c_str());
+        static_cast<void>(std::fprintf(stderr, "TARN_HOST: %s\n", tarn::printable(error.what()).c_str()));
         firstHostIsUsable = false;
         return std::make_shared<const Host>();
     }

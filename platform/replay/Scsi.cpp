@@ -101,7 +101,7 @@ int sendScsiCommand(const Disk &disk, uscsi_cmd &command) {
     std::size_t moved = count;
     if (!known->command->sendsData) {
         if (leavesDirt()) {
-            std::memset(command.uscsi_bufaddr, dirt, command.uscsi_buflen);
+            std::fill_n(command.uscsi_bufaddr, command.uscsi_buflen, static_cast<char>(dirt));
         }
         moved = std::min({answer->second.size(), count, command.uscsi_buflen});
         std::copy_n(answer->second.data(), moved, command.uscsi_bufaddr);

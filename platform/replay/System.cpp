@@ -101,7 +101,7 @@ int processor_info(processorid_t processor, processor_info_t *information) {
         if (found == host->processors.end()) {
             return failWith(EINVAL);
         }
-        *information = found->second;
+        *information = static_cast<const processor_info_t &>(found->second);
         return 0;
     });
 }

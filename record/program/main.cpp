@@ -199,16 +199,17 @@ int run(std::span<char *const> given) {
 
 int main(int count, char **arguments) {
     occupyStandardStreams();
-    std::signal(SIGPIPE, SIG_IGN); // a write that fails is told, and nothing is left half done
-    std::signal(SIGXFSZ, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN)); // a write that fails is told, and nothing is left half done
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     int status = statusNotWritten;
     try {
         return run(std::span<char *const>(arguments, static_cast<std::size_t>(count)).subspan(count > 0 ? 1 : 0));
     } catch (const BadUsage &error) {
-        std::fprintf(stderr, "tarn-record: %s (try 'tarn-record --help')\n", tarn::printable(error.what()).c_str());
+        static_cast<void>(std::fprintf(stderr, "tarn-record: %s (try 'tarn-record --help')\n",
+                                       tarn::printable(error.what()).c_str()));
         status = statusBadUsage;
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "tarn-record: %s\n", tarn::printable(error.what()).c_str());
+        static_cast<void>(std::fprintf(stderr, "tarn-record: %s\n", tarn::printable(error.what()).c_str()));
     }
     return status;
 }

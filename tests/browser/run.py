@@ -170,7 +170,7 @@ class Browser(unittest.TestCase):
         self.assertAlmostEqual(things["host"].rect["x"] - place, 80, delta=3)
 
         # The table sorts by its heads, and keeps a unit's rows together.
-        head = self.all("thead button")[11]
+        head = self.all("thead span")[11]
         for falling in (False, True):
             self.script("arguments[0].click()", head)
             units = [tuple(cell.text for cell in row.find_elements(By.TAG_NAME, "td")[:2]) for row in self.all("tbody tr")]

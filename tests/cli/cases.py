@@ -470,7 +470,12 @@ CASES = [
     refuses("cpu --leadville", "--leadville"),
     refuses("authenticate", "USER"),
     refuses("help nope", "nope"),
-    refuses("--csv hba", "--csv"),
+    Case("--csv hba", adapter(ports=[{"attributes": {"PortWWN": "21" * 8, "PortState": 2}}]), log=ANY, prints=(
+        "Adapter,Port,Manufacturer,Model,Firmware,Port WWN,State,Speed,Type,Address,Fabric,Remote ports,Frames sent,"
+        "Frames received,link failures,loss of sync,loss of signal,sequence protocol errors,invalid words,CRC errors,"
+        "error frames,dumped frames\n0,0,,,,2121212121212121,online,speed unknown,,,,0,0,0,0,0,0,0,0,0,0,0\n")),
+    shows("--csv disk /", "c1t0d0,sd0,", host=RILL, log=ANY),
+    refuses("array X Y SUN CSM200_R", "no array of the controllers X and Y", status=1, log=ANY),
     refuses("--csv --json cpu", "--json"),
     refuses("--csv report", "--csv"),
     refuses("array A B C", "PRODUCT"),

@@ -201,8 +201,8 @@ class Exports(unittest.TestCase):
             "interval": "1m", "input_series": [{"series": name, "values": f"{value}x30"} for name, value in values.items()],
             "promql_expr_test": [{"expr": f'count(ALERTS{{alertname="{alert}",alertstate="firing"}})', "eval_time": "25m",
                                   "exp_samples": [{"labels": "{}", "value": number}]}
-                                 for alert, number in (("FibreChannelPortOffline", 2), ("LogicalUnitLost", 1),
-                                                       ("LogicalUnitWithoutSpare", 4), ("HostInTrouble", 1),
+                                 for alert, number in (("FibreChannelPortOffline", 2), ("LogicalUnitLost", 2),
+                                                       ("LogicalUnitWithoutSpare", 3), ("HostInTrouble", 1),
                                                        ("FileSystemNearlyFull", 1))]}]}
         (self.folder / "test.yml").write_text(json.dumps(test), encoding="utf-8")
         done = subprocess.run([PROMTOOL, "test", "rules", self.folder / "test.yml"], capture_output=True, text=True)

@@ -170,7 +170,7 @@
     if (thing.members.length > most) {
       members.push([`${thing.members.length - most} more`, "in the table below"]);
     }
-    const across = Math.max(1, Math.round(Math.sqrt(members.length / 6)));
+    const across = Math.max(1, Math.ceil(members.length / 12));
     const [wide, high] = [210, 40];
     const box = thing.group.node().getBBox();
     const graph = d3.select(thing.group.node().parentNode);
@@ -185,6 +185,8 @@
     each.append("text").attr("class", "name").attr("x", 8).attr("y", 14).text(([name]) => name);
     each.append("text").attr("x", 8).attr("y", 28).text(([, text]) => text.length > 34 ? text.slice(0, 33) + "…" : text);
     each.append("title").text(([name, text]) => name + " " + text);
+    picture.style("height", Math.max(svg.node().getBoundingClientRect().height,
+                                     Math.min(below * high + 60, window.innerHeight * 0.75)) + "px");
     zoom.scaleExtent([Math.min(roomiest, scaleOf(layer.node().getBBox())), 8]);
     const scale = d3.zoomTransform(svg.node()).k;
     const both = {x: box.x, y: box.y, width: across * wide + box.width + 30, height: Math.max(box.height, below * high)};
@@ -328,7 +330,13 @@
 
   heads.each(function (none, column) {
     const head = d3.select(this);
-    head.select("button").on("click", () => {
+    // No button element: browsers do not repeat a heading that holds one on each sheet of paper.
+    head.select("span").on("keydown", () => {
+      if (d3.event.key === "Enter" || d3.event.key === " ") {
+        d3.event.preventDefault();
+        d3.event.target.dispatchEvent(new MouseEvent("click"));
+      }
+    }).on("click", () => {
       const falling = head.attr("aria-sort") === "ascending";
       const sign = falling ? -1 : 1;
       heads.attr("aria-sort", null);

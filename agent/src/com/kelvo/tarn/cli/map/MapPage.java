@@ -56,7 +56,7 @@ final class MapPage {
         parts.put("picture", svg);
         parts.put("data", data(topology));
         parts.put("columns", Topology.COLUMNS.stream().map(
-            column -> "<th scope=\"col\"><button type=\"button\">" + column + "</button></th>").collect(Collectors.joining()));
+            column -> "<th scope=\"col\"><span role=\"button\" tabindex=\"0\">" + column + "</span></th>").collect(Collectors.joining()));
         List<Topology.Row> rows = rows(topology, all);
         long good = rows.stream().filter(row -> row.unit.state.compareTo(Topology.State.GOOD) <= 0).count();
         parts.put("printed", rows.size() <= MOST_PRINTED ? "" : good == rows.size() ? "many none" : "many");
