@@ -11,6 +11,8 @@ import sys
 import tempfile
 import time
 import unittest
+import urllib.request
+import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 import verdict
@@ -93,6 +95,31 @@ class Package(unittest.TestCase):
         self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], [f"tarn-{VERSION}.jar"])
         self.assertEqual(re.search(r"^## (\S+) - ", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1], VERSION)
 
+    def test_the_services_wait_to_be_enabled(self):
+        self.assertNotRegex(must("dpkg-deb", "--ctrl-tarfile", DEB, text=False).decode("latin-1"), "postinst|prerm")
+        unit = (ROOT / "lib/systemd/system/tarn-serve.service").read_text()
+        command = re.search(r"^ExecStart=/(usr/bin/tarn) serve [$]OPTIONS$", unit, re.M)[1]
+        self.assertTrue((ROOT / command).exists())
+        self.assertFalse([path for path in ROOT.rglob("*.wants")])
+        # As the unit has it: nobody's rights, no home, no cache.
+        nobody = () if os.geteuid() else ("setpriv", "--reuid=65534", "--regid=65534", "--clear-groups", "--bounding-set=-all",
+                                          "--no-new-privs")
+        SCRATCH.chmod(0o755)
+        served = subprocess.Popen([*nobody, ROOT / command, "serve", "--listen", "127.0.0.1:0"], text=True, cwd="/",
+                                  stdout=subprocess.PIPE, env={"PATH": "/usr/bin:/bin", "TARN_CACHE": ""})
+        try:
+            url = served.stdout.readline().strip()
+            with urllib.request.urlopen(url + "metrics", timeout=60) as answer:
+                self.assertIn('tarn_section_up{section="activity"} 1', answer.read().decode())
+            served.terminate()
+            self.assertEqual(served.wait(60), int(re.search(r"^SuccessExitStatus=(\d+)$", unit, re.M)[1]))
+        finally:
+            served.kill()
+            served.stdout.close()
+        service = ElementTree.parse(SOURCE / "packaging/solaris/tarn-serve.xml").find("service")
+        self.assertEqual(service.find("create_default_instance").get("enabled"), "false")
+        self.assertNotEqual(service.find(".//method_credential").get("user"), "root")
+
     def test_another_clone_makes_the_same_bytes(self):
         if not (SOURCE / ".git").exists() or must("git", "status", "--porcelain", cwd=SOURCE):
             self.skipTest("this is no clone, or not as it was committed")
@@ -131,6 +158,7 @@ class Package(unittest.TestCase):
         must("cmake", "--build", BUILD, "--target", "solaris_packages")
         installed = tree(BUILD / "solaris/proto")
         files = {path: mode for path, mode in installed.items() if mode != "d"}
+        self.assertIn("lib/svc/manifest/application/tarn-serve.xml", files)
         own = {path for path, mode in installed.items() if mode == "d" and "/tarnsolaris" in path}
         self.assertGreater(len(files), 10)
 
@@ -244,9 +272,9 @@ class Package(unittest.TestCase):
 
     def test_what_is_built_is_hardened(self):
         objects = [path for path in ROOT.rglob("*") if path.is_file() and path.read_bytes()[:4] == b"\x7fELF"]
-        self.assertEqual({path.name for path in objects}, {"libtarnsolaris.so", "tarn-record"})
+        self.assertEqual({path.name for path in objects}, {"libtarnsolaris.so", "libtarninventory.so", "tarn-record"})
         objects += [path for tree in (BUILD, BUILD.parent / "sparc64")
-                    for name in ("libtarnsolaris.so", "tarn-record") if (path := tree / name).exists()]
+                    for name in ("libtarnsolaris.so", "libtarninventory.so", "tarn-record") if (path := tree / name).exists()]
         self.assertGreaterEqual(len(objects), 4)
         for path in objects:
             shown = must("readelf", "-Whld", "--dyn-syms", path)

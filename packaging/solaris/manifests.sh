@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Says of an install tree what Solaris' package systems want to know: manifests.sh FOLDER VERSION VERSION-FILE ARCHITECTURE
 # FOLDER/proto is the tree. Beside it come, for pkgmk, pkginfo, depend, copyright and prototype, and, for pkgsend,
-# tarnsolaris.p5m. A folder of the system's keeps the attributes it has there.
+# tarnsolaris.p5m. A folder of the system's keeps the attributes it has there. The tree gets what SMF reads, too.
 set -euo pipefail
 export LC_ALL=C
 
@@ -9,6 +9,11 @@ folder=$1 version=$2 full_version=$(<"$3") architecture=$4
 tree=$folder/proto
 summary="Solaris providers of a storage-management agent"
 [[ $tree != *[[:space:]]* ]] || { echo "a prototype cannot name a path with blanks: $tree" >&2; exit 1; }
+
+service=lib/svc/manifest/application/tarn-serve.xml
+mkdir -p "$tree/${service%/*}"
+cp "${BASH_SOURCE[0]%/*}/tarn-serve.xml" "$tree/$service"
+chmod 644 "$tree/$service"
 
 cat >"$folder/pkginfo" <<END
 PKG=KELVtarn
@@ -52,7 +57,7 @@ END
 
 # entry PATH: its line in both manifests.
 entry() {
-    local path=$1 mode=0644 target
+    local path=$1 mode=0644 target refresh=
     if [ -h "$tree/$path" ]; then
         target=$(readlink "$tree/$path")
         echo "s none $path=$target" >&3
@@ -67,8 +72,9 @@ entry() {
         esac
     else
         [ ! -x "$tree/$path" ] || mode=0755
+        [ "$path" != "$service" ] || refresh=" restart_fmri=svc:/system/manifest-import:default"
         echo "f none $path=$tree/$path $mode root bin" >&3
-        echo "file $path path=$path owner=root group=bin mode=$mode" >&4
+        echo "file $path path=$path owner=root group=bin mode=$mode$refresh" >&4
     fi
 }
 

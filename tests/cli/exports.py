@@ -180,7 +180,7 @@ class Exports(unittest.TestCase):
             self.assertEqual(values.get(name), value, name)
         nothing = self.check_metrics(self.tarn("metrics", host={"sysinfo": RILL["sysinfo"]})[0])
         self.assertEqual({name for name, value in nothing.items() if value == "0" and "section_up" in name},
-                         {f'tarn_section_up{{section="{name}"}}' for name in ("operating-system", "cpu", "disk-io")})
+                         {f'tarn_section_up{{section="{name}"}}' for name in ("operating-system", "cpu", "activity", "disk-io")})
         self.assertLessEqual({name.split("{")[0] for name in nothing}, {"tarn_host_info", "tarn_section_up", "tarn_check_findings"})
         untold = json.loads(json.dumps(RILL))
         untold["kstat"] = [record for record in untold["kstat"] if record["ks_name"] != "vminfo"]

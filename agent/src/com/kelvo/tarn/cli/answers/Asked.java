@@ -2,19 +2,24 @@ package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.providers.hba.HbaCache;
+import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import java.time.Instant;
 import java.util.ArrayList;
+import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
+import java.util.Set;
 import java.util.function.Supplier;
 
 /** What a host answered to all that a check is about. */
 public final class Asked {
+    /** What it is; null when it could not be asked, which is no failure of a check's. */
+    public final SolarisComputerSystem computerSystem;
     /** What it calls itself; empty when it does not say. */
     public final String host;
     /** When it was recorded; null when its description does not say, and on a live host. */
@@ -26,18 +31,25 @@ public final class Asked {
 
     /** Whether a description answered. */
     final boolean isDescribed;
-    final List<SolarisProcessorData> processors;
-    final List<SolarisDiskIOInformation> io;
+    /** Those that were asked for by their mount points, each once. */
+    public final List<SolarisLogicalDisk> sizedFileSystems;
+    /** All of them. */
+    public final List<SolarisProcessorData> processors;
+    /** The counters of each disk. */
+    public final List<SolarisDiskIOInformation> io;
+
     final List<TrInstance> drives;
     final Disks disks;
     /** By mount point: how it is used; null when the system does not tell. */
-    final Map<String, FileSystemUse> fileSystems = new LinkedHashMap<>();
+    final Map<String, FileSystemUse> fileSystems;
     /** By mount point: why it could not be asked. */
-    final Map<String, String> unreadable = new LinkedHashMap<>();
+    final Map<String, String> unreadable;
     /** Null: no array was asked about. */
     final ArrayReport array;
     /** By the command that makes it: what a call raised. */
     final Map<String, String> failures = new LinkedHashMap<>();
+    /** Commands whose answer was not waited for. */
+    private final Set<String> silent = new HashSet<>();
     /** The warnings that the library logged, by the command that made it log them. */
     final Map<String, List<LibraryLog.Line>> warnings = new LinkedHashMap<>();
 
@@ -48,53 +60,133 @@ public final class Asked {
      * @param arrayArguments the four arguments of an array report, or none
      */
     public Asked(Library library, List<String> arrayArguments) {
-        host = library.log().unheard(
-            () -> ask(library, "computer-system", () -> library.computerSystem().hostName(), ""));
+        this(library, arrayArguments, Asking.AT_ONCE);
+    }
+
+    /**
+     * Asks the host that answers now.
+     *
+     * @param library what is asked
+     * @param arrayArguments the four arguments of an array report, or none
+     * @param asking how each question is put
+     */
+    public Asked(Library library, List<String> arrayArguments, Asking asking) {
+        Questions questions = new Questions(library.log(), asking);
+        computerSystem = questions.ask(
+            "computer-system", () -> library.log().unheard(library::computerSystem), null);
+        host = computerSystem == null ? "" : computerSystem.hostName();
         failures.clear(); // the name is no subject of a check
         warnings.clear();
         recordedAt = library.recordedAt();
         isDescribed = library.isDescribed();
-        List<SolarisLogicalDisk> mounted = new ArrayList<>();
-        ask(library, "logical-disks", () -> mounted.addAll(askFileSystems(library)), false);
-        processors = ask(library, "processors", library::processors, List.of());
-        io = ask(library, "disk-io", library::diskIo, List.of());
-        drives = ask(library, "disks", library::disks, List.of());
-        disks = new Disks(drives, List.of(), io, mounted);
-        fabric = ask(library, "hba", () -> library.fabric(disks),
-                     new Fabric(disks, new HbaCache.Hba[0], new HbaCache.Hba[0], false));
+        FileSystems mounted = questions.ask("logical-disks", () -> new FileSystems(library), new FileSystems());
+        fileSystems = mounted.uses;
+        unreadable = mounted.unreadable;
+        sizedFileSystems = mounted.sized;
+        processors = questions.ask("processors", library::processors, List.of());
+        io = questions.ask("disk-io", library::diskIo, List.of());
+        drives = questions.ask("disks", library::disks, List.of());
+        disks = new Disks(drives, List.of(), io, mounted.listed);
+        fabric = questions.ask("hba", () -> library.fabric(disks),
+                               new Fabric(disks, new HbaCache.Hba[0], new HbaCache.Hba[0], false));
         paths = new Paths(fabric);
-        array = arrayArguments.isEmpty() ? null : ask(
-            library, "array", () -> new ArrayReport(library.array(arrayArguments), arrayArguments.subList(0, 2)), null);
+        array = arrayArguments.isEmpty() ? null : questions.ask(
+            "array", () -> new ArrayReport(library.array(arrayArguments), arrayArguments.subList(0, 2)), null);
     }
 
-    /** Asks what a command asks, whatever comes of it. */
-    private <T> T ask(Library library, String command, Supplier<T> question, T otherwise) {
-        int mark = library.log().mark();
-        T answer = otherwise;
-        try {
-            answer = question.get();
-        } catch (RuntimeException | StackOverflowError | OutOfMemoryError thrown) {
-            failures.put(command, Objects.requireNonNullElse(thrown.getMessage(), thrown.toString()));
+    /** Asks what commands ask, whatever comes of it. */
+    private final class Questions {
+        private final LibraryLog log;
+        private final Asking asking;
+
+        Questions(LibraryLog log, Asking asking) {
+            this.log = log;
+            this.asking = asking;
         }
-        List<LibraryLog.Line> logged = library.log().since(mark);
-        logged.removeIf(line -> !line.isWarning());
-        warnings.put(command, logged);
-        return answer;
+
+        <T> T ask(String command, Supplier<T> question, T otherwise) {
+            Heard<T> heard;
+            try {
+                heard = asking.ask(command, () -> new Heard<>(log, question));
+            } catch (IllegalStateException late) {
+                failures.put(command, late.getMessage());
+                silent.add(command);
+                return otherwise;
+            }
+            warnings.put(command, heard.warnings);
+            if (heard.failure != null) {
+                failures.put(command, heard.failure);
+                return otherwise;
+            }
+            return heard.answer;
+        }
     }
 
-    /** Each mount point once, by name, too: only that tells the sizes. */
-    private List<SolarisLogicalDisk> askFileSystems(Library library) {
-        List<SolarisLogicalDisk> listed = library.logicalDisks();
-        listed.stream().map(SolarisLogicalDisk::mountPoint).distinct().forEach(mountPoint -> {
+    /** What came of a question. */
+    private static final class Heard<T> {
+        private T answer;
+        /** What the call raised, or null. */
+        private String failure;
+        private final List<LibraryLog.Line> warnings;
+
+        Heard(LibraryLog log, Supplier<T> question) {
+            int mark = log.mark();
             try {
-                FileSystemUse use = new FileSystemUse(library.logicalDisk(mountPoint));
-                fileSystems.put(mountPoint, use.isKnown() ? use : null);
-            } catch (RuntimeException refused) {
-                fileSystems.put(mountPoint, null);
-                unreadable.put(mountPoint, refused.getMessage());
+                answer = question.get();
+            } catch (RuntimeException | StackOverflowError | OutOfMemoryError thrown) {
+                failure = Objects.requireNonNullElse(thrown.getMessage(), thrown.toString());
             }
-        });
-        return listed;
+            warnings = log.since(mark);
+            warnings.removeIf(line -> !line.isWarning());
+        }
+    }
+
+    /** Each mount point is asked once by name, too: only that tells the sizes. */
+    private static final class FileSystems {
+        private final List<SolarisLogicalDisk> listed;
+        private final List<SolarisLogicalDisk> sized = new ArrayList<>();
+        private final Map<String, FileSystemUse> uses = new LinkedHashMap<>();
+        private final Map<String, String> unreadable = new LinkedHashMap<>();
+
+        /** None. */
+        FileSystems() {
+            listed = List.of();
+        }
+
+        FileSystems(Library library) {
+            listed = library.logicalDisks();
+            listed.stream().map(SolarisLogicalDisk::mountPoint).distinct().forEach(mountPoint -> {
+                try {
+                    SolarisLogicalDisk disk = library.logicalDisk(mountPoint);
+                    FileSystemUse use = new FileSystemUse(disk);
+                    sized.add(disk);
+                    uses.put(mountPoint, use.isKnown() ? use : null);
+                } catch (RuntimeException refused) {
+                    uses.put(mountPoint, null);
+                    unreadable.put(mountPoint, refused.getMessage());
+                }
+            });
+        }
+    }
+
+    /**
+     * Raises an exception when a command's question was not answered.
+     *
+     * @param command the one that asks it
+     */
+    public void requireAnswer(String command) {
+        if (failures.containsKey(command)) {
+            throw new IllegalStateException(command + ": " + failures.get(command));
+        }
+    }
+
+    /**
+     * {@return whether an answer is not waited for any longer}
+     *
+     * @param command the one that asks for it
+     */
+    public boolean isSilent(String command) {
+        return silent.contains(command);
     }
 
     /** {@return the fewest online paths of a logical unit; null when there is none} */

@@ -9,8 +9,9 @@ import org.apache.log4j.AppenderSkeleton;
 import org.apache.log4j.spi.LoggingEvent;
 
 /**
- * Collects the log lines of the agent, which are the library's: the first {@value #KEPT}. A host on which every call
- * fails has hundreds of thousands of them, and the rest is counted in a line at the end.
+ * Collects the log lines of the agent, which are the library's, for each thread those of its own calls: the first
+ * {@value #KEPT}. A host on which every call fails has hundreds of thousands of them, and the rest is counted in a line at
+ * the end.
  */
 public final class LibraryLog extends AppenderSkeleton {
     /** One line. */
@@ -45,9 +46,14 @@ public final class LibraryLog extends AppenderSkeleton {
 
     private static final int KEPT = 10_000;
 
-    private final List<Line> lines = new ArrayList<>();
-    private int unkept;
-    private boolean unkeptWarnings;
+    /** What a thread's calls have logged. */
+    private static final class Kept {
+        private final List<Line> lines = new ArrayList<>();
+        private int unkept;
+        private boolean unkeptWarnings;
+    }
+
+    private final ThreadLocal<Kept> kept = ThreadLocal.withInitial(Kept::new);
 
     /** Collects from now on. */
     public LibraryLog() {
@@ -57,22 +63,21 @@ public final class LibraryLog extends AppenderSkeleton {
     /** {@return the lines since the last time, in order} */
     public List<Line> take() {
         List<Line> taken = since(0);
-        lines.clear();
-        unkept = 0;
-        unkeptWarnings = false;
+        kept.remove();
         return taken;
     }
 
     /** How many lines have come: a mark for {@link #since}. */
     int mark() {
-        return lines.size() + unkept;
+        return kept.get().lines.size() + kept.get().unkept;
     }
 
     List<Line> since(int mark) {
+        List<Line> lines = kept.get().lines;
         List<Line> since = new ArrayList<>(lines.subList(Math.min(mark, lines.size()), lines.size()));
         int more = mark() - Math.max(mark, lines.size());
         if (more > 0) {
-            since.add(new Line(unkeptWarnings ? "warn" : "info", "and " + more + " lines more"));
+            since.add(new Line(kept.get().unkeptWarnings ? "warn" : "info", "and " + more + " lines more"));
         }
         return since;
     }
@@ -97,13 +102,14 @@ public final class LibraryLog extends AppenderSkeleton {
      * @param question what is asked
      */
     public <T> T unheard(Supplier<T> question) {
-        int mark = lines.size();
-        int unkeptBefore = unkept;
+        Kept own = kept.get();
+        int mark = own.lines.size();
+        int unkeptBefore = own.unkept;
         try {
             return question.get();
         } finally {
-            lines.subList(mark, lines.size()).clear();
-            unkept = unkeptBefore;
+            own.lines.subList(mark, own.lines.size()).clear();
+            own.unkept = unkeptBefore;
         }
     }
 
@@ -113,11 +119,12 @@ public final class LibraryLog extends AppenderSkeleton {
     }
 
     private void add(String level, String message) {
-        if (lines.size() < KEPT) {
-            lines.add(new Line(level, message));
+        Kept own = kept.get();
+        if (own.lines.size() < KEPT) {
+            own.lines.add(new Line(level, message));
         } else {
-            unkept++;
-            unkeptWarnings |= level.equals("warn");
+            own.unkept++;
+            own.unkeptWarnings |= level.equals("warn");
         }
     }
 

@@ -7,11 +7,8 @@ import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.ArrayOption;
 import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.FindingWords;
-import com.kelvo.tarn.cli.output.Json;
-import com.kelvo.tarn.cli.output.Page;
-import com.kelvo.tarn.cli.output.PerformanceData;
 import com.kelvo.tarn.cli.output.Table;
-import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.cli.output.Verdict;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
@@ -20,12 +17,9 @@ import java.time.Duration;
 import java.time.temporal.ChronoUnit;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.Locale;
 import java.util.Map;
-import java.util.Objects;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
-import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
@@ -137,47 +131,9 @@ public final class CheckCommand extends TableCommand {
         Asked before = baseline == null ? null
             : tarn().at(baseline, spec().commandLine(), () -> new Asked(library(), List.of()));
         Check check = Check.of(asked, before, rules);
-        return Answer.table(result(check, asked), () -> table(check)).shownAs(out -> show(check, asked, out))
+        return Answer.table(Verdict.document(check, asked), () -> table(check))
+            .shownAs(out -> Verdict.show(check, asked, rules, tarn().isBuiltInHost(), out))
             .withStatus(STATES.indexOf(check.state)).withLog(line -> !line.isWarning()); // which are findings
-    }
-
-    private static Object result(Check check, Asked asked) {
-        return Json.object(
-            "state", check.state, "host", asked.host, "recordedAt", Objects.toString(asked.recordedAt, null),
-            "ignored", check.ignored, "findings",
-            check.findings.stream().map(CheckCommand::result).collect(Collectors.toList()));
-    }
-
-    static Object result(Check.Finding finding) {
-        return Json.object("severity", finding.severity, "code", finding.code, "subject", finding.subject, "message",
-                           FindingWords.message(finding), "disks", finding.disks, "mounts", finding.mounts);
-    }
-
-    private void show(Check check, Asked asked, Page out) {
-        out.println(firstLine(check, asked) + " | " + new PerformanceData(check, asked, rules).text());
-        check.findings.forEach(finding -> out.printFolded("", " ".repeat(13), unbarred(String.format(
-            Locale.ROOT, "%-11s  %-22s  %s: %s", (finding.isCritical() ? Page.TROUBLE : "   ") + finding.severity,
-            finding.code, FindingWords.subject(finding), FindingWords.message(finding)))));
-    }
-
-    private String firstLine(Check check, Asked asked) {
-        long criticals = check.findings.stream().filter(Check.Finding::isCritical).count();
-        String found = check.findings.isEmpty() ? "nothing found"
-            : String.format(Locale.ROOT, "%d findings: %d critical, %d warnings", check.findings.size(), criticals,
-                            check.findings.size() - criticals);
-        return unbarred(Page.printable(
-            "TARN " + check.state + " - " + (asked.host.isBlank() ? "unnamed host" : asked.host)
-            + (tarn().isBuiltInHost() ? ", the built-in example" : "")
-            + (asked.recordedAt == null ? ""
-                : ", recorded " + Units.age(Duration.between(asked.recordedAt, rules.now)) + " ago")
-            + ": " + found + (check.ignored == 0 ? "" : ", " + check.ignored + " ignored")
-            + check.findings.stream().limit(1).map(worst -> "; " + worst.code + " " + FindingWords.subject(worst))
-                .collect(Collectors.joining())));
-    }
-
-    /** A bar would end what monitoring reads as text. */
-    private static String unbarred(String text) {
-        return text.replace("|", "\\x7c");
     }
 
     private static Table<?> table(Check check) {

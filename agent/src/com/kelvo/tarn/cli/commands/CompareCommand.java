@@ -13,6 +13,7 @@ import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.PortWords;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.cli.output.Verdict;
 import java.io.File;
 import java.math.BigDecimal;
 import java.math.MathContext;
@@ -103,7 +104,7 @@ public final class CompareCommand extends TableCommand {
     }
 
     private static Object result(List<Check.Finding> findings) {
-        return findings.stream().map(CheckCommand::result).collect(Collectors.toList());
+        return findings.stream().map(Verdict::document).collect(Collectors.toList());
     }
 
     private static Table<?> table(Comparison comparison) {

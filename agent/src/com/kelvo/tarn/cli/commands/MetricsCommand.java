@@ -1,7 +1,10 @@
 package com.kelvo.tarn.cli.commands;
 
+import com.kelvo.tarn.cli.answers.Asked;
+import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.frame.Export;
 import com.kelvo.tarn.cli.metrics.HostMetrics;
+import java.util.List;
 import picocli.CommandLine.Command;
 
 /** {@code metrics}: the {@link HostMetrics}. */
@@ -11,7 +14,8 @@ import picocli.CommandLine.Command;
 public final class MetricsCommand extends Export {
     @Override
     protected String text() {
+        Asked asked = new Asked(library(), List.of());
         return (tarn().isBuiltInHost() ? "# The built-in example answers, not a host.\n" : "")
-            + HostMetrics.text(library());
+            + HostMetrics.of(library(), asked, Asking.AT_ONCE, library()::sample).text();
     }
 }

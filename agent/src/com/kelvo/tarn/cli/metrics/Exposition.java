@@ -4,9 +4,10 @@ import com.kelvo.tarn.cli.output.Page;
 import java.math.BigDecimal;
 import java.util.LinkedHashMap;
 import java.util.Map;
+import java.util.stream.Stream;
 
-/** Families of metrics in the text format of Prometheus, in the order in which they were first named. */
-final class Exposition {
+/** Families of metrics for Prometheus, in the order in which they were first named. */
+public final class Exposition {
     /** Metrics of one name, told apart by their labels. */
     static final class Family {
         private final String name;
@@ -34,9 +35,9 @@ final class Exposition {
             return this;
         }
 
-        private void write(StringBuilder out) {
-            out.append("# HELP ").append(name).append(' ').append(help).append('\n');
-            out.append("# TYPE ").append(name).append(' ').append(type).append('\n');
+        private void write(StringBuilder out, String familyName) {
+            out.append("# HELP ").append(familyName).append(' ').append(help).append('\n');
+            out.append("# TYPE ").append(familyName).append(' ').append(type).append('\n');
             samples.forEach((labels, value) -> out.append(name).append(labels).append(' ').append(value).append('\n'));
         }
     }
@@ -56,11 +57,22 @@ final class Exposition {
         return families.computeIfAbsent(name, added -> new Family(name, type, help));
     }
 
-    /** Each family that has a sample, after what it is. */
-    String text() {
+    /** {@return the text format: each family that has a sample, after what it is} */
+    public String text() {
         StringBuilder out = new StringBuilder();
-        families.values().stream().filter(family -> !family.samples.isEmpty()).forEach(family -> family.write(out));
+        told().forEach(family -> family.write(out, family.name));
         return out.toString();
+    }
+
+    /** {@return the same as OpenMetrics has it: it calls a family of counters without their ending, and has an end} */
+    public String openMetrics() {
+        StringBuilder out = new StringBuilder();
+        told().forEach(family -> family.write(out, family.name.replaceFirst("_total$", "")));
+        return out.append("# EOF\n").toString();
+    }
+
+    private Stream<Family> told() {
+        return families.values().stream().filter(family -> !family.samples.isEmpty());
     }
 
     private static String escaped(String value) {

@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.metrics;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.cli.answers.Asked;
+import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Counter;
@@ -10,9 +11,11 @@ import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
-import com.kelvo.tarn.cli.answers.Paths;
 import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
+import com.kelvo.tarn.inventory.DiskActivity;
+import com.kelvo.tarn.inventory.PortTraffic;
+import com.kelvo.tarn.inventory.Sample;
 import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
@@ -23,9 +26,12 @@ import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformati
 import java.math.BigDecimal;
 import java.math.BigInteger;
 import java.util.Arrays;
+import java.util.HashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
+import java.util.Objects;
+import java.util.function.Supplier;
 import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
@@ -34,40 +40,64 @@ public final class HostMetrics {
     private static final Map<Long, Long> PAYLOADS =
         Map.of(1143535043L, 106_250_000L, 2287070085L, 212_500_000L, 11435350430L, 1_275_000_000L);
 
-    private final Library library;
+    private final Asked asked;
+    /** What each disk does, by its instance; nothing where that cannot be told. */
+    private final Map<String, DiskActivity> activity = new HashMap<>();
     private final Exposition out = new Exposition();
 
-    private HostMetrics(Library library) {
-        this.library = library;
+    private HostMetrics(Asked asked) {
+        this.asked = asked;
     }
 
     /**
-     * {@return the text format of Prometheus} A section whose call fails is left out, and said to be down.
+     * {@return all that is measured of a host} A section whose call fails is left out, and said to be down.
      *
-     * @param library what is asked
+     * @param library what is asked for what a check does not ask
+     * @param asked what the host has answered to a check
+     * @param asking how the library is asked
+     * @param sampling reads what disks and ports do
      */
-    public static String text(Library library) {
-        HostMetrics metrics = new HostMetrics(library);
-        metrics.section("computer-system", () -> metrics.add(library.computerSystem()));
-        metrics.section("operating-system", () -> metrics.add(library.operatingSystem()));
-        metrics.section("logical-disks", metrics::addFileSystems);
-        metrics.section("processors", metrics::addProcessors);
-        metrics.section("cpu", () -> library.cpu().forEach(metrics::add));
-        metrics.section("disk-io", () -> library.diskIo().forEach(metrics::add));
-        metrics.section("hba", metrics::addFabric);
+    public static Exposition of(Library library, Asked asked, Asking asking,
+                                Supplier<Sample> sampling) {
+        HostMetrics metrics = new HostMetrics(asked);
+        metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
+        metrics.section("operating-system", () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
+        metrics.answered("logical-disks", metrics::addFileSystems);
+        metrics.answered("processors", metrics::addProcessors);
+        metrics.section("cpu", () -> asking.ask("cpu", library::cpu).forEach(metrics::add));
+        metrics.section("activity", () -> metrics.add(metrics.sample(asking, sampling)));
+        metrics.answered("disk-io", () -> asked.io.forEach(metrics::add));
+        metrics.answered("disks", () -> { });
+        metrics.answered("hba", metrics::addFabric);
         metrics.addCheck();
-        return metrics.out.text();
+        return metrics.out;
+    }
+
+    /** A section that a check has asked for. */
+    private void answered(String name, Runnable adding) {
+        section(name, () -> {
+            asked.requireAnswer(name);
+            adding.run();
+        });
     }
 
     private void section(String name, Runnable call) {
         int up = 1;
         try {
             call.run();
-        } catch (RuntimeException | StackOverflowError | OutOfMemoryError failed) {
+        } catch (RuntimeException | LinkageError | StackOverflowError | OutOfMemoryError failed) {
             up = 0;
         }
         out.gauge("tarn_section_up", "Whether the library answered; its metrics are left out where it did not.")
             .sample(up, "section", name);
+    }
+
+    /** Where the adapters hang, a second call would hang in them too. */
+    private Sample sample(Asking asking, Supplier<Sample> sampling) {
+        if (asked.isSilent("hba")) {
+            asked.requireAnswer("hba");
+        }
+        return asking.ask("activity", sampling);
     }
 
     /** What the library answers with blanks alone, the system has not told it. */
@@ -105,7 +135,6 @@ public final class HostMetrics {
 
     /** What the check finds, and how old all this is. */
     private void addCheck() {
-        Asked asked = library.log().unheard(() -> new Asked(library, List.of()));
         List<Check.Finding> findings = Check.of(asked, null, new CheckRules()).findings;
         long criticals = findings.stream().filter(Check.Finding::isCritical).count();
         Exposition.Family found = out.gauge("tarn_check_findings", "What the command check finds, by severity.");
@@ -120,8 +149,7 @@ public final class HostMetrics {
     /** One that would not tell its sizes, or is not mounted any more, has none. */
     private void addFileSystems() {
         Exposition.Family sizes = out.gauge("tarn_filesystem_bytes", "The sizes of mounted file systems.");
-        for (SolarisLogicalDisk listed : library.logicalDisks()) {
-            SolarisLogicalDisk disk = library.withSizes(listed);
+        for (SolarisLogicalDisk disk : asked.sizedFileSystems) {
             FileSystemUse use = new FileSystemUse(disk);
             if (use.isKnown()) {
                 Object[] labels = {"mountpoint", disk.mountPoint(), "device", disk.device(), "fstype",
@@ -135,7 +163,7 @@ public final class HostMetrics {
 
     private void addProcessors() {
         Exposition.Family online = out.gauge("tarn_processor_online", "Whether the processor is online.");
-        library.processors().forEach(
+        asked.processors.forEach(
             data -> online.sample(data.state().equals("online") ? 1 : 0, "processor", data.processorId()));
     }
 
@@ -148,21 +176,61 @@ public final class HostMetrics {
         ticks.sample(Counter.of32(data.idleTicks()).value(), with(labels, "mode", "idle"));
     }
 
+    /** What was sampled counts: it is of the same time as all else of the disk. */
     private void add(SolarisDiskIOInformation io) {
+        DiskActivity sampled = activity.get(io.instanceName());
         Object[] labels = {"disk", io.diskName(), "instance", io.instanceName()};
-        count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."), new Counter(io.bytesRead()), labels);
+        count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."),
+              new Counter(sampled == null ? io.bytesRead() : sampled.nread), labels);
         count(out.counter("tarn_disk_written_bytes_total", "Bytes written since boot."),
-              new Counter(io.bytesWritten()), labels);
+              new Counter(sampled == null ? io.bytesWritten() : sampled.nwritten), labels);
         Exposition.Family busy = out.counter("tarn_disk_busy_seconds_total", "Time with a request at the disk.");
-        Counter time = new Counter(io.runTime()); // in nanoseconds
+        Counter time = new Counter(sampled == null ? io.runTime() : sampled.rtime); // in nanoseconds
         if (time.isKept()) {
             busy.sample(new BigDecimal(time.value(), 9), labels);
         }
     }
 
+    /** What the agent's own counters leave out. */
+    private void add(Sample sample) {
+        Exposition.Family reads = out.counter("tarn_disk_reads_total", "Reads that ended; 32 bits, which wrap.");
+        Exposition.Family writes = out.counter("tarn_disk_writes_total", "Writes that ended; 32 bits, which wrap.");
+        Exposition.Family waiting = out.counter("tarn_disk_wait_seconds_total", "Time with a request waiting.");
+        Exposition.Family errors = out.counter("tarn_disk_errors_total", "What the driver counts of errors.");
+        for (DiskActivity disk : sample.disks) {
+            activity.put(disk.instance, disk);
+            Object[] labels = {"disk", Objects.toString(disk.disk, ""), "instance", disk.instance};
+            reads.sample(disk.reads, labels);
+            writes.sample(disk.writes, labels);
+            waiting.sample(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
+            if (disk.errors != null) {
+                errors.sample(disk.errors.soft, with(labels, "kind", "soft"));
+                errors.sample(disk.errors.hard, with(labels, "kind", "hard"));
+                errors.sample(disk.errors.transport, with(labels, "kind", "transport"));
+                errors.sample(disk.errors.media, with(labels, "kind", "media"));
+                errors.sample(disk.errors.notReady, with(labels, "kind", "not_ready"));
+                errors.sample(disk.errors.noDevice, with(labels, "kind", "no_device"));
+                errors.sample(disk.errors.recoverable, with(labels, "kind", "recoverable"));
+                errors.sample(disk.errors.illegalRequest, with(labels, "kind", "illegal_request"));
+                errors.sample(disk.errors.predictiveFailure, with(labels, "kind", "predictive_failure"));
+            }
+        }
+        Exposition.Family bytes = out.counter("tarn_fc_port_bytes_total", "Bytes through the port, of words of four.");
+        for (PortTraffic port : sample.ports) {
+            Object[] labels = {"adapter", port.adapter, "port", port.port, "wwn", port.wwn};
+            addWords(bytes, port.txWords, with(labels, "direction", "transmitted"));
+            addWords(bytes, port.rxWords, with(labels, "direction", "received"));
+        }
+    }
+
+    private static void addWords(Exposition.Family bytes, Long words, Object... labels) {
+        if (words != null) {
+            bytes.sample(BigInteger.valueOf(words).shiftLeft(2), labels);
+        }
+    }
+
     private void addFabric() {
-        Fabric fabric = library.fabric(library.hba(true, false, false), true, false);
-        for (Fabric.Port port : fabric.ports()) {
+        for (Fabric.Port port : asked.fabric.ports()) {
             Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn", wwn(port.instance)};
             out.gauge("tarn_fc_port_online", "Whether the port is online; one that cannot be read is not.")
                 .sample(port.instance != null && PortStates.isOk(port.instance) ? 1 : 0, labels);
@@ -177,7 +245,7 @@ public final class HostMetrics {
         Exposition.Family paths =
             out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
         Exposition.Family up = out.gauge("tarn_lun_path_up", "Whether both ends of the path are online.");
-        for (LogicalUnit unit : new Paths(fabric).units) {
+        for (LogicalUnit unit : asked.paths.units) {
             Object[] labels = {"node", unit.node, "lun", unit.lun};
             paths.sample(unit.onlinePaths(), with(labels, "state", "online"));
             paths.sample(unit.distinctPaths().size() - unit.onlinePaths(), with(labels, "state", "other"));

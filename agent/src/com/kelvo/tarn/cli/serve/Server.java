@@ -1,0 +1,153 @@
+package com.kelvo.tarn.cli.serve;
+
+import com.kelvo.tarn.cli.answers.Library;
+import com.sun.net.httpserver.Headers;
+import com.sun.net.httpserver.HttpExchange;
+import com.sun.net.httpserver.HttpServer;
+import java.io.IOException;
+import java.net.InetSocketAddress;
+import java.util.List;
+import java.util.Map;
+import java.util.concurrent.LinkedBlockingQueue;
+import java.util.concurrent.ThreadPoolExecutor;
+import java.util.concurrent.TimeUnit;
+import java.util.function.Function;
+
+/**
+ * Shows what a host answers to whoever can connect. A request's path is looked up in a table of five, and names nothing
+ * else.
+ */
+public final class Server {
+    /** So many may be connected at once; each that asks has a thread. */
+    private static final int CONNECTIONS = 64;
+    /** In bytes. */
+    private static final int LONGEST_HEAD = 8192;
+    /** In which a request has to come. */
+    private static final int REQUEST_SECONDS = 5;
+    /** In which an answer has to be taken, beyond the time that it takes to have one. */
+    private static final int ANSWER_SECONDS = 60;
+    /** Questions in a round, at most. */
+    private static final int SECTIONS = 16;
+
+    private static final String INDEX = "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\"><title>tarn</title>\n"
+        + "<h1>tarn</h1>\n<ul>\n<li><a href=\"metrics\">Metrics</a> for Prometheus\n"
+        + "<li><a href=\"check\">What is wrong</a>, as JSON\n<li><a href=\"map\">The storage network</a>\n"
+        + "<li><a href=\"-/healthy\">Whether this answers</a>\n</ul>\n";
+
+    private final FreshAnswers answers;
+    private final HttpServer server;
+    private final Map<String, Function<Accepted, Body>> pages;
+
+    private Server(InetSocketAddress address, FreshAnswers answers) throws IOException {
+        this.answers = answers;
+        Body index = Body.of("text/html", INDEX);
+        Body healthy = Body.of("text/plain", "tarn answers\n");
+        pages = Map.of(
+            "/", accept -> index, "/-/healthy", accept -> healthy, "/map", accept -> answers.get().map(),
+            "/metrics", this::metrics, "/check", this::check);
+        server = HttpServer.create(address, CONNECTIONS);
+        server.createContext("/", this::handle);
+        ThreadPoolExecutor threads = new ThreadPoolExecutor(
+            CONNECTIONS, CONNECTIONS, 30, TimeUnit.SECONDS, new LinkedBlockingQueue<>(), task -> new Thread(task, "http"));
+        threads.allowCoreThreadTimeOut(true);
+        server.setExecutor(threads);
+    }
+
+    /**
+     * Answers from now on, in threads of its own.
+     *
+     * @param address where it listens
+     * @param library what is asked
+     * @param isExample whether the built-in host is
+     * @param freshSeconds the host is asked at most once in so many
+     * @param limitSeconds so long each question may take
+     * @param program what answers, with its version
+     * @return where it listens
+     * @throws IOException when it cannot listen there
+     */
+    public static InetSocketAddress start(InetSocketAddress address, Library library, boolean isExample, int freshSeconds,
+                                          int limitSeconds, String program) throws IOException {
+        limitConnections(limitSeconds);
+        Limits asking = new Limits(library.log(), limitSeconds);
+        Sampling sampling = new Sampling(library);
+        Limits drawing = new Limits(library.log(), limitSeconds);
+        Server server = new Server(address, new FreshAnswers(
+            () -> new Answers(library, asking, sampling, drawing, isExample, program), freshSeconds));
+        server.server.start();
+        return server.server.getAddress();
+    }
+
+    /** The virtual machine's server reads these once, when its first class is loaded. */
+    private static void limitConnections(int limitSeconds) {
+        Map.of("jdk.httpserver.maxConnections", CONNECTIONS, "sun.net.httpserver.maxReqTime", REQUEST_SECONDS,
+               "sun.net.httpserver.maxRspTime", ANSWER_SECONDS + SECTIONS * limitSeconds,
+               "sun.net.httpserver.maxReqHeaderSize", LONGEST_HEAD, "sun.net.httpserver.nodelay", true)
+            .forEach((name, value) -> System.setProperty(name, value.toString()));
+    }
+
+    private Body metrics(Accepted accept) {
+        boolean isOpen = accept.prefers("application/openmetrics-text", "text/plain");
+        return isOpen ? answers.get().openMetrics : answers.get().metrics;
+    }
+
+    private Body check(Accepted accept) {
+        boolean isText = accept.names("text/plain") && !accept.prefers("application/json", "text/plain");
+        return isText ? answers.get().plugin : answers.get().check;
+    }
+
+    private void handle(HttpExchange exchange) throws IOException {
+        try {
+            answer(exchange, bodyFor(exchange));
+        } catch (RuntimeException | Error failed) {
+            answer(exchange, Body.refusal(500, "this cannot be answered"));
+        } finally {
+            exchange.close();
+        }
+    }
+
+    private Body bodyFor(HttpExchange exchange) {
+        Function<Accepted, Body> page = pages.get(exchange.getRequestURI().getPath());
+        if (length(exchange) > LONGEST_HEAD) { // where the virtual machine's server has no such limit
+            exchange.getResponseHeaders().set("Connection", "close");
+            return Body.refusal(431, "a head may have " + LONGEST_HEAD + " bytes");
+        }
+        if (!List.of("GET", "HEAD").contains(exchange.getRequestMethod())) {
+            exchange.getResponseHeaders().set("Allow", "GET, HEAD");
+            exchange.getResponseHeaders().set("Connection", "close"); // whatever else is sent
+            return Body.refusal(405, "only GET and HEAD are answered");
+        }
+        return page == null ? Body.refusal(404, "there is no such page")
+            : page.apply(new Accepted(exchange.getRequestHeaders().get("Accept")));
+    }
+
+    private static long length(HttpExchange exchange) {
+        long length = exchange.getRequestMethod().length() + exchange.getRequestURI().toString().length();
+        for (Map.Entry<String, List<String>> header : exchange.getRequestHeaders().entrySet()) {
+            for (String value : header.getValue()) {
+                length += header.getKey().length() + value.length() + 4L; // a colon, a blank and the line's end
+            }
+        }
+        return length;
+    }
+
+    private static void answer(HttpExchange exchange, Body body) throws IOException {
+        Headers headers = exchange.getResponseHeaders();
+        headers.set("Content-Type", body.type);
+        headers.set("Vary", "Accept, Accept-Encoding");
+        headers.set("Cache-Control", "no-store");
+        headers.set("X-Content-Type-Options", "nosniff");
+        boolean isPacked = new Accepted(exchange.getRequestHeaders().get("Accept-Encoding")).names("gzip");
+        byte[] bytes = isPacked ? body.packed() : body.plain;
+        if (isPacked) {
+            headers.set("Content-Encoding", "gzip");
+        }
+        if (exchange.getRequestMethod().equals("HEAD")) {
+            headers.set("Content-Length", String.valueOf(bytes.length));
+            exchange.sendResponseHeaders(body.status, -1);
+            return;
+        }
+        exchange.sendResponseHeaders(body.status, bytes.length);
+        exchange.getResponseBody().write(bytes);
+        exchange.getResponseBody().close();
+    }
+}
