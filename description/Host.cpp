@@ -62,6 +62,9 @@ std::optional<KernelSample> blankSample(const kstat_t &record) {
     if (record.ks_type == KSTAT_TYPE_IO) {
         return kstat_io_t{};
     }
+    if (record.ks_type == KSTAT_TYPE_NAMED) {
+        return NamedStatistics{};
+    }
     if (record.ks_type == KSTAT_TYPE_RAW &&
         (tarn::fieldText(record.ks_module) == "cpu_stat" || name.starts_with("cpu_stat"))) {
         return cpu_stat_t{};
@@ -81,7 +84,15 @@ std::size_t sizeOf(const KernelSample &sample) {
     if (const auto *counters = std::get_if<PagingCounters>(&sample); counters != nullptr && counters->updates == 0) {
         return offsetof(PagingCounters, updates);
     }
+    if (const auto *statistics = std::get_if<NamedStatistics>(&sample); statistics != nullptr) {
+        return statistics->size() * sizeof(kstat_named_t);
+    }
     return std::visit([](const auto &data) { return sizeof data; }, sample);
+}
+
+uint_t partsOf(const KernelSample &sample) {
+    const auto *const statistics = std::get_if<NamedStatistics>(&sample);
+    return statistics == nullptr ? 1 : static_cast<uint_t>(statistics->size());
 }
 
 const std::vector<Slice> &usualSlices() {

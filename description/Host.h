@@ -49,7 +49,14 @@ struct PagingCounters {
     std::uint64_t updates;
 };
 
-using KernelSample = std::variant<PagingCounters, cpu_stat_t, kstat_io_t, KernelReadFailure>;
+/// The statistics of a record of type KSTAT_TYPE_NAMED, in its order.
+using NamedStatistics = std::vector<kstat_named_t>;
+
+/// What one reading of a record finds, and when, in nanoseconds; without a time, it is that of the record.
+struct KernelSample : std::variant<PagingCounters, cpu_stat_t, kstat_io_t, NamedStatistics, KernelReadFailure> {
+    using variant::variant;
+    std::optional<hrtime_t> ks_snaptime;
+};
 
 /// A record of the kernel statistics chain, and what successive reads of it find; none, and it cannot be read.
 struct KernelRecord : kstat_t {
@@ -59,8 +66,9 @@ struct KernelRecord : kstat_t {
 /// An empty sample of the kind that the record's type, module and name call for. Nothing when such records have none.
 std::optional<KernelSample> blankSample(const kstat_t &record);
 
-/// The bytes that a kernel with such a sample keeps.
+/// The bytes that a kernel with such a sample keeps, and in how many parts.
 std::size_t sizeOf(const KernelSample &sample);
+uint_t partsOf(const KernelSample &sample);
 
 /// How large a mounted file system is. `fails` is the errno with which it does not say so, 0 when it does.
 struct FileSystem : StatVfs {

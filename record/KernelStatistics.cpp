@@ -6,6 +6,24 @@
 namespace record {
 namespace {
 
+/// The bytes that the record has; nothing when it cannot be read, with errno.
+template <class Data>
+std::optional<std::size_t> readInto(const tarn::KernelChain &chain, kstat_t *source, Data &data) {
+    return chain.readInto(source, data);
+}
+
+/// Those of the types that a description has.
+std::optional<std::size_t> readInto(const tarn::KernelChain &chain, kstat_t *source,
+                                    description::NamedStatistics &statistics) {
+    std::optional<description::NamedStatistics> told = chain.readNamed(source);
+    if (!told) {
+        return std::nullopt;
+    }
+    statistics = *std::move(told);
+    std::erase_if(statistics, [](const kstat_named_t &statistic) { return statistic.data_type > KSTAT_DATA_UINT64; });
+    return statistics.size() * sizeof(kstat_named_t);
+}
+
 /// Reads the record once more. What it holds is a sample of the kind that a description has of such records; of others
 /// that they cannot be read.
 void addSample(const tarn::KernelChain &chain, kstat_t *source, description::KernelRecord &record, Report &report) {
@@ -20,14 +38,16 @@ void addSample(const tarn::KernelChain &chain, kstat_t *source, description::Ker
     }
     errno = 0;
     const std::optional<std::size_t> size =
-        std::visit([&](auto &data) { return chain.readInto(source, data); }, *sample);
+        std::visit([&](auto &data) { return readInto(chain, source, data); }, *sample);
     if (!size || *size == 0) {
         refuse(errno == 0 ? ENXIO : errno);
         return;
     }
     record.ks_snaptime = source->ks_snaptime;
-    const std::size_t whole = std::visit([](const auto &data) { return sizeof data; }, *sample);
-    record.ks_data_size = std::min<std::size_t>(*size, whole);
+    const std::size_t whole = std::holds_alternative<description::NamedStatistics>(*sample)
+                                  ? *size
+                                  : std::visit([](const auto &data) { return sizeof data; }, *sample);
+    record.ks_data_size = std::min(*size, whole);
     record.samples.push_back(*std::move(sample));
 }
 

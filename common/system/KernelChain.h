@@ -5,6 +5,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "common/system/KernelRecords.h"
 #include "platform/solaris.h"
@@ -66,6 +67,25 @@ public:
         }
         std::memcpy(&data, record->ks_data, std::min(record->ks_data_size, sizeof data));
         return record->ks_data_size;
+    }
+
+    /// The statistics of a record of type KSTAT_TYPE_NAMED, as they are now. Nothing when it cannot be read, with errno.
+    std::optional<std::vector<kstat_named_t>> readNamed(kstat_t *record) const {
+        if (kstat_read(control, record, nullptr) == -1) {
+            return std::nullopt;
+        }
+        std::vector<kstat_named_t> statistics(
+            std::min<std::size_t>(record->ks_ndata, record->ks_data_size / sizeof(kstat_named_t)));
+        if (!statistics.empty()) {
+            std::memcpy(statistics.data(), record->ks_data, statistics.size() * sizeof(kstat_named_t));
+        }
+        return statistics;
+    }
+
+    /// Brings the chain up to what the kernel keeps now: records that are gone are freed, new ones are there. Whether the
+    /// kernel could be asked; the chain is as it was when not.
+    bool update() const {
+        return kstat_chain_update(control) != -1;
     }
 
 private:

@@ -22,14 +22,19 @@ inline bool isOfDisk(const kstat_t &record) {
     return record.ks_type == KSTAT_TYPE_IO && fieldText(record.ks_class) == "disk";
 }
 
+/// The disk driver's counts of errors, and what it knows of the device.
+inline bool isOfDeviceErrors(const kstat_t &record) {
+    return record.ks_type == KSTAT_TYPE_NAMED && fieldText(record.ks_class) == "device_error";
+}
+
 inline bool isOfProcessor(const kstat_t &record) {
     return fieldText(record.ks_name).starts_with(cpuRecords);
 }
 
 /// Whether anything here looks at the record, even if it turns out not to be readable.
 inline bool isOfInterest(const kstat_t &record) {
-    return isOfDisk(record) || isOfProcessor(record) || fieldText(record.ks_module) == cpuRecords ||
-           fieldText(record.ks_name) == pagingRecord;
+    return isOfDisk(record) || isOfDeviceErrors(record) || isOfProcessor(record) ||
+           fieldText(record.ks_module) == cpuRecords || fieldText(record.ks_name) == pagingRecord;
 }
 
 /// Such as "sd:0:sd0".

@@ -29,7 +29,16 @@ struct Chain : kstat_ctl_t {
     std::shared_ptr<const Host> host;
     std::vector<ChainRecord> records;
 
-    explicit Chain(std::shared_ptr<const Host> opened) : kstat_ctl_t{1, nullptr, -1}, host(std::move(opened)) {
+    explicit Chain(std::shared_ptr<const Host> opened) : kstat_ctl_t{0, nullptr, -1} {
+        show(std::move(opened));
+    }
+
+    /// Gives up the records there were, and takes those of the host, none of which has been read yet.
+    void show(std::shared_ptr<const Host> shown) {
+        ++kc_chain_id;
+        kc_chain = nullptr;
+        host = std::move(shown);
+        records.clear();
         records.reserve(host->kstat->size());
         for (const KernelRecord &source : *host->kstat) {
             records.push_back({source, &source, 0, {}});
@@ -40,6 +49,14 @@ struct Chain : kstat_ctl_t {
         }
     }
 };
+
+void *placeOf(auto &data) {
+    return &data;
+}
+
+void *placeOf(description::NamedStatistics &statistics) {
+    return statistics.data();
+}
 
 /// The record when it is one of the chain's.
 ChainRecord *recordOf(Chain &chain, kstat_t *record) {
@@ -63,7 +80,12 @@ kid_t readRecord(Chain &chain, kstat_t *header, void *buffer) {
         return failWith(failed->error);
     }
     record->data = std::make_unique<KernelSample>(sample);
-    record->ks_data = std::visit([](auto &data) -> void * { return &data; }, *record->data);
+    record->ks_data = std::visit([](auto &data) -> void * { return placeOf(data); }, *record->data);
+    record->ks_snaptime = sample.ks_snaptime.value_or(record->source->ks_snaptime);
+    if (std::holds_alternative<description::NamedStatistics>(sample)) { // of which a later reading may have others
+        record->ks_ndata = partsOf(sample);
+        record->ks_data_size = sizeOf(sample);
+    }
     if (buffer != nullptr) {
         std::memcpy(buffer, record->ks_data, record->ks_data_size);
     }
@@ -91,6 +113,23 @@ int kstat_close(kstat_ctl_t *control) {
 kid_t kstat_read(kstat_ctl_t *control, kstat_t *record, void *buffer) {
     return answerCall([&] { return "kstat_read " + tarn::nameOf(*record); },
                       [&] { return readRecord(*static_cast<Chain *>(control), record, buffer); });
+}
+
+/// A chain follows the current host: one that was loaded since is a machine whose devices have come and gone.
+kid_t kstat_chain_update(kstat_ctl_t *control) {
+    return answerCall([] { return std::string("kstat_chain_update"); },
+                      [&]() -> kid_t {
+                          auto &chain = *static_cast<Chain *>(control);
+                          std::shared_ptr<const Host> host = currentHost();
+                          if (host == chain.host) {
+                              return 0;
+                          }
+                          if (!host->kstat) {
+                              return failWith<kid_t>(ENXIO);
+                          }
+                          chain.show(std::move(host));
+                          return chain.kc_chain_id;
+                      });
 }
 
 kstat_t *kstat_lookup(kstat_ctl_t *control, const char *module, int instance, const char *name) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <stdint.h>
+
 #include <sys/types.h>
 
 #define KSTAT_STRLEN 31
@@ -32,6 +34,33 @@ typedef struct kstat {
     int (*ks_snapshot)(struct kstat *, void *, int);
     void *ks_lock;
 } kstat_t;
+
+#define KSTAT_DATA_CHAR 0
+#define KSTAT_DATA_INT32 1
+#define KSTAT_DATA_UINT32 2
+#define KSTAT_DATA_INT64 3
+#define KSTAT_DATA_UINT64 4
+
+typedef struct kstat_named {
+    char name[KSTAT_STRLEN];
+    uchar_t data_type;
+    union {
+        char c[16];
+        int32_t i32;
+        uint32_t ui32;
+        int64_t i64;
+        uint64_t ui64;
+        long l;
+        ulong_t ul;
+        struct {
+            union {
+                char *ptr;
+                char __pad[8];
+            } addr;
+            uint32_t len;
+        } str;
+    } value;
+} kstat_named_t;
 
 typedef struct kstat_io {
     u_longlong_t nread;

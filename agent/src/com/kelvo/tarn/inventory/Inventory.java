@@ -1,0 +1,69 @@
+package com.kelvo.tarn.inventory;
+
+import java.time.Duration;
+import java.util.List;
+
+/** What the host's disks are, how full its mounts of zfs and vxfs are, and what disks and ports do now. */
+public final class Inventory {
+    /** How long a mount has to tell its sizes, unless the caller says otherwise. */
+    public static final Duration MOUNT_LIMIT = Duration.ofSeconds(5);
+
+    static {
+        InventoryLibrary.load();
+    }
+
+    private Inventory() {
+    }
+
+    /**
+     * The whole disks that can be opened, in the order of their directory, and what each of them is. Disks whose driver
+     * tells all but the designator are asked for that alone.
+     *
+     * @return an unmodifiable list
+     * @throws RuntimeException when the host does not tell
+     */
+    public static List<Identity> identities() {
+        return List.of(readIdentities());
+    }
+
+    /**
+     * The mounts of the kinds zfs and vxfs, with their sizes, each with {@link #MOUNT_LIMIT} to tell them.
+     *
+     * @return an unmodifiable list, in the mount table's order
+     * @throws RuntimeException when the mount table cannot be opened
+     */
+    public static List<Mount> mounts() {
+        return mounts(MOUNT_LIMIT);
+    }
+
+    /**
+     * The mounts of the kinds zfs and vxfs, with their sizes. They are asked at once, and one that does not answer costs
+     * its own row's sizes; it is not asked again before it has answered.
+     *
+     * @param limit how long each has to tell its sizes, in milliseconds and at most an hour
+     * @return an unmodifiable list, in the mount table's order
+     * @throws IllegalArgumentException when the limit is negative
+     * @throws RuntimeException when the mount table cannot be opened
+     */
+    public static List<Mount> mounts(Duration limit) {
+        if (limit.isNegative()) {
+            throw new IllegalArgumentException("a negative limit: " + limit);
+        }
+        Duration most = Duration.ofHours(1);
+        return List.of(readMounts((limit.compareTo(most) < 0 ? limit : most).toMillis()));
+    }
+
+    /**
+     * Opens the kernel statistics for any number of readings.
+     *
+     * @return a sampler that is to be closed
+     * @throws RuntimeException when the kernel statistics cannot be opened
+     */
+    public static Sampler sampler() {
+        return new Sampler();
+    }
+
+    private static native Identity[] readIdentities();
+
+    private static native Mount[] readMounts(long milliseconds);
+}

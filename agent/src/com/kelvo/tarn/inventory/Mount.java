@@ -1,0 +1,31 @@
+package com.kelvo.tarn.inventory;
+
+/** One mounted file system. Its sizes are all null where they were not told within the limit, or the host refused. */
+public final class Mount {
+    /** Where it is mounted. */
+    public final String mountPoint;
+    /** What is mounted: a device, or a file system of a pool. */
+    public final String device;
+    /** "zfs" or "vxfs". */
+    public final String fileSystemType;
+    /** Its size. */
+    public final Long totalBytes;
+    /** What nobody uses. */
+    public final Long freeBytes;
+    /** What of it a user may have. */
+    public final Long availableBytes;
+
+    Mount(String mountPoint, String device, String fileSystemType, long totalBytes, long freeBytes,
+            long availableBytes) {
+        this.mountPoint = mountPoint;
+        this.device = device;
+        this.fileSystemType = fileSystemType;
+        this.totalBytes = known(totalBytes);
+        this.freeBytes = known(freeBytes);
+        this.availableBytes = known(availableBytes);
+    }
+
+    private static Long known(long bytes) {
+        return bytes < 0 ? null : bytes;
+    }
+}
