@@ -4,6 +4,9 @@ import com.kelvo.tarn.InstanceReceiver;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.inventory.Inventory;
+import com.kelvo.tarn.inventory.InventoryHost;
+import com.kelvo.tarn.inventory.Sampler;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.hba.HbaClassNames;
 import com.kelvo.tarn.providers.solaris.SolarisAuthenticator;
@@ -29,6 +32,8 @@ public final class Library {
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
     private Instant recordedAt;
+    /** Of the host that was loaded last; the inventory is told of it when it is first asked. */
+    private String description;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -53,6 +58,7 @@ public final class Library {
     public void load(String path) {
         String told = ReplayHost.load(path);
         recordedAt = told == null ? null : Instant.parse(told);
+        description = path;
     }
 
     /** {@return when the host that was loaded was recorded; null when its description does not say} */
@@ -230,6 +236,18 @@ public final class Library {
      */
     public boolean authenticate(String user, String password) {
         return new SolarisAuthenticator().authenticate(user, password);
+    }
+
+    /**
+     * {@return what reads the activity of disks and ports, to be closed}
+     *
+     * @throws IllegalArgumentException when the description of the host cannot be read once more
+     */
+    public Sampler sampler() {
+        if (description != null) {
+            InventoryHost.load(description);
+        }
+        return Inventory.sampler();
     }
 
     /** {@return when the library was built} */
