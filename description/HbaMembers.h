@@ -85,8 +85,41 @@ inline constexpr auto members<HbaPort::Status> = table<HbaPort::Status>(MEMBER(H
                                                                                GetAdapterPortAttributes),
                                                                         MEMBER(HbaPort::Status, GetPortStatistics));
 
+/// What every reading finds, or a list of what successive ones do.
+inline constexpr Member<HbaPort> statisticsRow = {
+    "statistics",
+    [](const Json &value, const Place &place, HbaPort &port) {
+        if (!value.is_array()) {
+            Form<decltype(port.statistics)>::read(value, place, port.statistics);
+            return;
+        }
+        Form<decltype(port.laterStatistics)>::read(value, place, port.laterStatistics);
+        if (port.laterStatistics.empty()) {
+            place.refuse("one reading or more expected");
+        }
+        port.statistics = std::move(port.laterStatistics.front());
+        port.laterStatistics.erase(port.laterStatistics.begin());
+    },
+    [](const HbaPort &port, const HbaPort &usual) {
+        return port.laterStatistics.empty() &&
+               Form<decltype(port.statistics)>::isSame(port.statistics, usual.statistics);
+    },
+    [](JsonWriter &writer, const HbaPort &port, const HbaPort &usual) {
+        if (port.laterStatistics.empty()) {
+            Form<Sparse<HBA_PORTSTATISTICS>>::write(writer, port.statistics, usual.statistics);
+            return;
+        }
+        const Sparse<HBA_PORTSTATISTICS> blank;
+        writer.beginList();
+        Form<Sparse<HBA_PORTSTATISTICS>>::write(writer, port.statistics, blank);
+        for (const Sparse<HBA_PORTSTATISTICS> &later : port.laterStatistics) {
+            Form<Sparse<HBA_PORTSTATISTICS>>::write(writer, later, blank);
+        }
+        writer.endList();
+    }};
+
 template <>
-inline constexpr auto members<HbaPort> = table<HbaPort>(MEMBER(HbaPort, attributes), MEMBER(HbaPort, statistics),
+inline constexpr auto members<HbaPort> = table<HbaPort>(MEMBER(HbaPort, attributes), statisticsRow,
                                                         MEMBER(HbaPort, discovered), MEMBER(HbaPort, status));
 
 template <>

@@ -158,6 +158,7 @@ struct HbaPort {
     };
     Sparse<HBA_PORTATTRIBUTES> attributes; // where not held, NumberofDiscoveredPorts is what `discovered` has
     Sparse<HBA_PORTSTATISTICS> statistics;
+    std::vector<Sparse<HBA_PORTSTATISTICS>> laterStatistics; // what later readings find, in their order
     std::vector<HbaDiscoveredPort> discovered;
     Status status;
 };

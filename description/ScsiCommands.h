@@ -14,9 +14,11 @@ struct ScsiCommandName {
     const tarn::ScsiCommand *command;
 };
 
-inline constexpr std::array<ScsiCommandName, 6> scsiCommandNames = {{
+inline constexpr std::array<ScsiCommandName, 8> scsiCommandNames = {{
     {"INQUIRY", &tarn::standardInquiry},
+    {"INQUIRY 00", &tarn::inquiry00},
     {"INQUIRY 80", &tarn::inquiry80},
+    {"INQUIRY 83", &tarn::inquiry83},
     {"INQUIRY C0", &tarn::inquiryC0},
     {"RECEIVE DIAGNOSTIC A0", &tarn::receiveDiagnosticA0},
     {"LOG SENSE 3B", &tarn::logSense3B},

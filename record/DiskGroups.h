@@ -29,15 +29,19 @@ enum class Question {
     geometryAgain,
     label,
     labelAgain,
-    inquiry, // the four commands, in the order of `askedCommands`
+    inquiry, // the commands, in the order of `askedCommands`
+    inquiry00,
+    inquiry80,
+    inquiry83,
     inquiryC0,
     receiveDiagnosticA0,
     logSense3B,
 };
 inline constexpr std::size_t questions = static_cast<std::size_t>(Question::logSense3B) + 1;
 
-inline constexpr std::array<const tarn::ScsiCommand *, 4> askedCommands = {
-    &tarn::standardInquiry, &tarn::inquiryC0, &tarn::receiveDiagnosticA0, &tarn::logSense3B};
+inline constexpr std::array<const tarn::ScsiCommand *, 7> askedCommands = {
+    &tarn::standardInquiry, &tarn::inquiry00,           &tarn::inquiry80, &tarn::inquiry83,
+    &tarn::inquiryC0,       &tarn::receiveDiagnosticA0, &tarn::logSense3B};
 
 /// How the calls came out: 0, an errno, or not asked.
 class Outcomes {

@@ -10,6 +10,8 @@
 #include "common/system/Directory.h"
 #include "common/system/DiskDevices.h"
 #include "common/system/FileDescriptor.h"
+#include "common/system/ScsiPages.h"
+#include "common/system/ScsiRequest.h"
 #include "record/DiskGroups.h"
 #include "record/Recorder.h"
 
@@ -155,7 +157,7 @@ private:
         return error == 0;
     }
 
-    /// As the interrogator does: page 0xC0 is for the LUNs of an array. Other disks count it as an error of theirs.
+    /// As the interrogator and the inventory do: page 0xC0 is for the LUNs of an array. Other disks count it as an error of theirs.
     void askInquiry(const std::string &path, Teller &teller) {
         tarn::FileDescriptor device = open(Question::openForCommands, path, tarn::openForCommands, teller);
         if (!device.isOpen()) {
@@ -165,8 +167,20 @@ private:
         const bool isOfArray = isAnswered && std::ranges::any_of(arrays, [&](const tarn::ArrayNames &names) {
                                    return tarn::lunKind(names, data.data()).has_value();
                                });
+        const bool knowsPages = isAnswered && tarn::knowsPages(tarn::Page(data).first(tarn::inquirySize));
         if (isOfArray || arrayPages) {
             ask(device, Question::inquiryC0, teller);
+        }
+        if (knowsPages && path.ends_with(tarn::wholeDiskSlice) && ask(device, Question::inquiry00, teller)) {
+            const tarn::Page pages = tarn::Page(data).first(tarn::inquirySize);
+            const bool hasSerial = tarn::listsPage(pages, tarn::pageOfSerialNumber);
+            const bool hasDesignators = tarn::listsPage(pages, tarn::pageOfDesignators);
+            if (hasSerial) {
+                ask(device, Question::inquiry80, teller);
+            }
+            if (hasDesignators) {
+                ask(device, Question::inquiry83, teller);
+            }
         }
         close(device, teller);
     }
@@ -175,17 +189,8 @@ private:
     bool ask(const tarn::FileDescriptor &device, Question question, Teller &teller) {
         const std::size_t index = static_cast<std::size_t>(question) - static_cast<std::size_t>(Question::inquiry);
         const tarn::ScsiCommand &asked = *askedCommands[index];
-        std::array<unsigned char, 10> block = asked.block();
-        std::fill_n(data.begin(), asked.count, static_cast<unsigned char>(0));
-        uscsi_cmd command{};
-        command.uscsi_flags = USCSI_READ;
-        command.uscsi_timeout = tarn::scsiTimeout;
-        command.uscsi_cdb = reinterpret_cast<char *>(block.data());
-        command.uscsi_cdblen = static_cast<uchar_t>(asked.length);
-        command.uscsi_bufaddr = reinterpret_cast<char *>(data.data());
-        command.uscsi_buflen = data.size();
         begin(question, teller);
-        const int error = errorOf(solaris::ioctl(device.get(), USCSICMD, &command));
+        const int error = tarn::readFromDisk(device, asked, 0, data) ? 0 : errno;
         const auto last =
             std::find_if(std::make_reverse_iterator(data.begin() + static_cast<std::ptrdiff_t>(asked.count)),
                          data.rend(), [](unsigned char byte) { return byte != 0; });
@@ -214,6 +219,9 @@ constexpr const char *questionNames[] = {
     "DKIOCGVTOC",
     "DKIOCGVTOC O_RDONLY",
     "INQUIRY",
+    "INQUIRY 00",
+    "INQUIRY 80",
+    "INQUIRY 83",
     "INQUIRY C0",
     "RECEIVE DIAGNOSTIC A0",
     "LOG SENSE 3B",

@@ -10,6 +10,10 @@ namespace record {
 namespace {
 
 /// The UFS and NFS file systems of the mount table, each once.
+bool isAsked(std::string_view fileSystemType) {
+    return tarn::isOfLogicalDisk(fileSystemType) || tarn::isOfInventory(fileSystemType);
+}
+
 std::vector<std::string> mountPointsOf(const description::Host &host) {
     std::vector<std::string> mountPoints;
     tarn::MountTable table;
@@ -17,7 +21,7 @@ std::vector<std::string> mountPointsOf(const description::Host &host) {
         return mountPoints;
     }
     std::unordered_set<std::string> known;
-    while (const mnttab *const entry = table.nextLogicalDisk()) {
+    while (const mnttab *const entry = table.nextOf(isAsked)) {
         if (known.insert(entry->mnt_mountp).second) {
             mountPoints.emplace_back(entry->mnt_mountp);
         }

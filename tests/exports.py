@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Holds what a built library exports against the native methods of a jar's classes, in both directions."""
+"""Holds what a built library exports against the native methods of a jar's classes, in both directions: python3
+tests/exports.py LIBRARY JAR PACKAGE. The methods are those of the package, or with "-PACKAGE" all others."""
 
 import re
 import subprocess
@@ -30,8 +31,9 @@ def exported_names(library):
     return {line.split()[-1] for line in listing.splitlines()}
 
 
-def main(library, jar):
-    methods = native_methods(jar)
+def main(library, jar, package):
+    start = f"Java_{mangled(package.removeprefix('-'))}_"
+    methods = {name for name in native_methods(jar) if name.startswith(start) != package.startswith("-")}
     exported = exported_names(library)
     wrong = [f"not exported: {name}" for name in methods - exported]
     wrong += [f"no native method: {name}" for name in exported - methods]

@@ -244,9 +244,9 @@ class Package(unittest.TestCase):
 
     def test_what_is_built_is_hardened(self):
         objects = [path for path in ROOT.rglob("*") if path.is_file() and path.read_bytes()[:4] == b"\x7fELF"]
-        self.assertEqual({path.name for path in objects}, {"libtarnsolaris.so", "tarn-record"})
+        self.assertEqual({path.name for path in objects}, {"libtarnsolaris.so", "libtarninventory.so", "tarn-record"})
         objects += [path for tree in (BUILD, BUILD.parent / "sparc64")
-                    for name in ("libtarnsolaris.so", "tarn-record") if (path := tree / name).exists()]
+                    for name in ("libtarnsolaris.so", "libtarninventory.so", "tarn-record") if (path := tree / name).exists()]
         self.assertGreaterEqual(len(objects), 4)
         for path in objects:
             shown = must("readelf", "-Whld", "--dyn-syms", path)

@@ -3,7 +3,10 @@
 #include <fcntl.h>
 
 #include <cstddef>
+#include <string>
 #include <string_view>
+
+#include "common/system/FileDescriptor.h"
 
 // Where the disks are, what their names tell, and how they are opened.
 
@@ -29,11 +32,37 @@ inline bool fitsNameField(std::string_view entryName) {
     return entryName.size() < nameFieldSize;
 }
 
+/// Whether an entry's name says more than a slice; "." and ".." do not.
+inline bool namesDevice(std::string_view entryName) {
+    return entryName.size() > 2;
+}
+
+inline bool isWholeDisk(std::string_view entryName) {
+    return namesDevice(entryName) && entryName.ends_with(wholeDiskSlice);
+}
+
+/// That of an entry of "/dev/rdsk".
+inline std::string devicePath(std::string_view entryName) {
+    return std::string(s_dev_rdsk).append("/").append(entryName);
+}
+
 /// To put requests to a disk: without waiting for it to be ready.
 inline constexpr int openForRequests = O_RDWR | O_NDELAY;
 
 /// To put them to one that does not tell its geometry then: to read only, and waiting.
 inline constexpr int openForRequestsAgain = O_RDONLY;
+
+/// Opens a raw disk to put requests to it, without waiting for it to be ready. One that does not tell its geometry
+/// then is opened again to read only, and waited for. Not open when the last attempt failed.
+inline FileDescriptor openDisk(const char *path) {
+    FileDescriptor device(solaris::open(path, openForRequests));
+    dk_geom geometry{};
+    if (device.isOpen() && solaris::ioctl(device.get(), DKIOCGGEOM, &geometry) < 0) {
+        device.close();
+        return FileDescriptor(solaris::open(path, openForRequestsAgain));
+    }
+    return device;
+}
 
 /// To send it SCSI commands.
 inline constexpr int openForCommands = O_RDONLY | O_NDELAY;

@@ -82,10 +82,11 @@ public:
         return statistics;
     }
 
-    /// Brings the chain up to what the kernel keeps now: records that are gone are freed, new ones are there. Whether the
-    /// kernel could be asked; the chain is as it was when not.
-    bool update() const {
-        return kstat_chain_update(control) != -1;
+    /// Brings the chain up to what the kernel keeps now: records that are gone are freed, new ones are there. Whether there
+    /// are; nothing when the kernel cannot be asked, and the chain is as it was.
+    std::optional<bool> update() const {
+        const kid_t chain = kstat_chain_update(control);
+        return chain == -1 ? std::nullopt : std::optional(chain != 0);
     }
 
 private:

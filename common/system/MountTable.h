@@ -11,6 +11,16 @@ namespace tarn {
 
 inline constexpr const char *mountTablePath = "/etc/mnttab";
 
+/// The kinds that the agent's own calls tell of.
+inline bool isOfLogicalDisk(std::string_view fileSystemType) {
+    return fileSystemType == "ufs" || fileSystemType == "nfs";
+}
+
+/// The kinds of which the agent's own calls say nothing, and the inventory does.
+inline bool isOfInventory(std::string_view fileSystemType) {
+    return fileSystemType == "zfs" || fileSystemType == "vxfs";
+}
+
 /// The system's table of mounted file systems, read from its start and closed with its scope.
 class MountTable {
 public:
@@ -45,9 +55,14 @@ public:
 
     /// The next UFS or NFS entry, valid until the next call; null at the end, which a malformed entry is too.
     const mnttab *nextLogicalDisk() {
+        return nextOf(isOfLogicalDisk);
+    }
+
+    /// The like for the entries whose kind passes.
+    template <class Passes>
+    const mnttab *nextOf(const Passes &passes) {
         while (solaris::getmntent(file, &entry) == 0) {
-            const std::string_view type = entry.mnt_fstype;
-            if (type == "ufs" || type == "nfs") {
+            if (passes(std::string_view(entry.mnt_fstype))) {
                 return &entry;
             }
         }

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstddef>
 
-// The SCSI commands that disks are sent. The interrogator and the recorder send them, a replayed host answers them.
+// The SCSI commands that disks are sent. The interrogator, the inventory and the recorder send them, a replayed host answers them.
 
 namespace tarn {
 
@@ -42,7 +42,9 @@ struct ScsiCommand {
 };
 
 inline constexpr ScsiCommand standardInquiry = {6, 3, inquirySize, false, {0x12}};
+inline constexpr ScsiCommand inquiry00 = {6, 3, inquirySize, false, {0x12, 0x01, 0x00}};
 inline constexpr ScsiCommand inquiry80 = {6, 3, inquirySize, false, {0x12, 0x01, 0x80}};
+inline constexpr ScsiCommand inquiry83 = {6, 3, inquirySize, false, {0x12, 0x01, 0x83}};
 inline constexpr ScsiCommand inquiryC0 = {6, 3, inquirySize, false, {0x12, 0x01, 0xC0}};
 inline constexpr ScsiCommand receiveDiagnosticA0 = {6, 3, dataBufferSize, false, {0x1C, 0x01, 0xA0}};
 inline constexpr ScsiCommand logSense3B = {

@@ -18,15 +18,6 @@
 
 namespace tarn {
 
-inline std::string devicePath(std::string_view entryName) {
-    return std::string(s_dev_rdsk).append("/").append(entryName);
-}
-
-/// Whether an entry's name says more than a slice; "." and ".." do not.
-inline bool namesDevice(std::string_view entryName) {
-    return entryName.size() > 2;
-}
-
 inline std::string copyCharacters(JNIEnv *env, jstring string) {
     return JniString(env, string).utf8();
 }

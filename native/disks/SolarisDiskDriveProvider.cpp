@@ -14,10 +14,6 @@ constexpr std::size_t diskTypeLimit = 128;  // characters
 constexpr std::size_t linkTextLimit = 1023; // characters
 constexpr jint frameCapacity = 70;
 
-bool isWholeDisk(std::string_view entryName) {
-    return namesDevice(entryName) && entryName.ends_with(wholeDiskSlice);
-}
-
 } // namespace
 
 std::string deviceIdentifier(std::string_view linkTarget) {
@@ -55,7 +51,7 @@ jobject DiskDriveImpl::MakeDisk(const char *entryName) {
     name.resize(name.size() - wholeDiskSlice.size());
     const std::string path = devicePath(entryName);
 
-    const FileDescriptor device = OpenDeviceForIoctl(path.c_str());
+    const FileDescriptor device = openDisk(path.c_str());
     if (!device.isOpen()) {
         return nullptr;
     }
@@ -77,16 +73,6 @@ jobject DiskDriveImpl::MakeDisk(const char *entryName) {
     }
     return MakeDisk1(name.c_str(), diskType(fieldText(table.v_asciilabel)).c_str(), deviceId.get(), geometry.dkg_nhead,
                      geometry.dkg_nsect, geometry.dkg_pcyl, geometry.dkg_ncyl, geometry.dkg_acyl);
-}
-
-FileDescriptor DiskDriveImpl::OpenDeviceForIoctl(const char *path) {
-    FileDescriptor device(solaris::open(path, openForRequests));
-    dk_geom geometry{};
-    if (device.isOpen() && solaris::ioctl(device.get(), DKIOCGGEOM, &geometry) < 0) {
-        device.close();
-        return FileDescriptor(solaris::open(path, openForRequestsAgain));
-    }
-    return device;
 }
 
 /// Null when the entry is no link that can be read, or leads elsewhere. A target that does not fit is cut.

@@ -56,10 +56,6 @@ public:
     /// that fails is a warn line, and the instance is made without type and geometry.
     jobject MakeDisk(const char *entryName);
 
-    /// Opens a raw disk to put requests to it, without waiting for it to be ready. One that does not tell its geometry
-    /// then is opened again to read only, and waited for. Not open when the last attempt failed.
-    static FileDescriptor OpenDeviceForIoctl(const char *path);
-
     /// Calls Java's makeDisk1 in a local frame. `diskType` and `deviceId` may be null; the geometry is in the units of
     /// the kernel's dk_geom: heads, sectors per track, cylinders.
     jobject MakeDisk1(const char *name, const char *diskType, jstring deviceId, long long heads, long long sectors,

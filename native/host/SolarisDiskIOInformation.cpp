@@ -7,7 +7,7 @@
 #include "common/system/FieldText.h"
 #include "native/host/HostInformation.h"
 #include "native/host/KernelStatistics.h"
-#include "native/host/SolarisDiskMap.h"
+#include "common/system/SolarisDiskMap.h"
 #include "native/host/SolarisUtil.h"
 
 namespace tarn {

@@ -1,6 +1,6 @@
 #include "native/host/SolarisUtil.h"
 
-#include "native/host/SolarisDiskMap.h"
+#include "common/system/SolarisDiskMap.h"
 
 namespace tarn {
 

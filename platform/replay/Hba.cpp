@@ -46,8 +46,27 @@ struct Library {
     }
 };
 
+/// How often the ports of a host have told their counters. They go on from one load to the next, as a machine's do, and
+/// begin anew with another host.
+struct PortReadings {
+    std::shared_ptr<const Host> host;
+    std::unordered_map<const HbaPort *, std::size_t> counts;
+
+    const HBA_PORTSTATISTICS &next(const std::shared_ptr<const Host> &of, const HbaPort &port) {
+        if (host != of) {
+            host = of;
+            counts.clear();
+        }
+        std::size_t &count = counts[&port];
+        const std::size_t at = count;
+        count = std::min(count + 1, port.laterStatistics.size());
+        return at == 0 ? *port.statistics : *port.laterStatistics[at - 1];
+    }
+};
+
 std::mutex libraryMutex;
 std::optional<Library> library;
+PortReadings portReadings;
 constexpr std::size_t nameSize = 256; // of the buffer for an adapter's name
 HBA_HANDLE lastHandle = 0;            // over every load, so that a stale handle stays one
 
@@ -286,9 +305,13 @@ HBA_STATUS HBA_GetAdapterPortAttributes(HBA_HANDLE handle, HBA_UINT32 port, HBA_
 
 HBA_STATUS HBA_GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTSTATISTICS *statistics) {
     return answerHandle("HBA_GetPortStatistics", handle, number(port), [&](const HbaAdapter &adapter) {
-        return port >= adapter.ports.size()
-                   ? HBA_STATUS_ERROR_ILLEGAL_INDEX
-                   : copyOut(*adapter.ports[port].statistics, adapter.ports[port].status.GetPortStatistics, statistics);
+        if (port >= adapter.ports.size()) {
+            return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
+        }
+        const HbaPort &local = adapter.ports[port];
+        return local.laterStatistics.empty()
+                   ? copyOut(*local.statistics, local.status.GetPortStatistics, statistics)
+                   : copyOut(portReadings.next(library->host, local), local.status.GetPortStatistics, statistics);
     });
 }
 

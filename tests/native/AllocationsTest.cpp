@@ -16,7 +16,7 @@
 #include "native/disks/SolarisDiskPartitionProvider.h"
 #include "native/host/SolarisCpuUtilizationInformation.h"
 #include "native/host/SolarisDiskIOInformation.h"
-#include "native/host/SolarisDiskMap.h"
+#include "common/system/SolarisDiskMap.h"
 #include "native/host/SolarisLogicalDisk.h"
 #include "native/host/SolarisProcessor.h"
 #include "native/host/SolarisUtil.h"

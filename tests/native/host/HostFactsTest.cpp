@@ -14,7 +14,7 @@
 #include "native/JavaError.h"
 #include "native/host/SolarisCpuUtilizationInformation.h"
 #include "native/host/SolarisDiskIOInformation.h"
-#include "native/host/SolarisDiskMap.h"
+#include "common/system/SolarisDiskMap.h"
 #include "native/host/SolarisLogicalDisk.h"
 #include "native/host/SolarisOperatingSystem.h"
 #include "native/host/SolarisProcessor.h"

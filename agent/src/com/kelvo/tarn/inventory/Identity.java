@@ -14,11 +14,11 @@ public final class Identity {
     public final String serial;
     /** The logical unit's best identifier: "naa." and lower-case hexadecimal digits, "eui." and such, or "t10." and text. */
     public final String designator;
-    /** Its size in bytes, from the driver or else the label's geometry. */
+    /** Its size in bytes, as the driver tells. */
     public final Long sizeBytes;
     /**
-     * Where what is known comes from: "driver" when only its statistics told of it, "device" when the device answered a
-     * command, "name" when the designator comes of the name; null when nothing is known.
+     * Where what is known comes from: "driver" when only its statistics told of it, "device" when some of it is the answer
+     * to a command, "name" when the designator comes of the name; null when nothing is known.
      */
     public final String from;
 

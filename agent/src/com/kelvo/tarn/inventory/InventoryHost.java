@@ -10,7 +10,8 @@ public final class InventoryHost {
     }
 
     /**
-     * Makes a host description the one that answers from now on. A sampler that is open keeps the one it was opened on.
+     * Makes a host description the one that answers from now on. An open sampler goes over to it with its next
+     * reading, as if devices had come and gone.
      *
      * @param path the description's file
      * @throws IllegalArgumentException when it cannot be read, naming the file and the member; the host before it stays

@@ -1,4 +1,4 @@
-#include "native/host/SolarisDiskMap.h"
+#include "common/system/SolarisDiskMap.h"
 
 #include <algorithm>
 #include <array>

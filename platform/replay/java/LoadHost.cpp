@@ -1,16 +1,16 @@
-#include <jni.h>
+#include "platform/replay/java/LoadHost.h"
 
 #include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "platform/ExportedEntry.h"
 #include "platform/replay/Replay.h"
 
-// com.kelvo.tarn.replay.ReplayHost: how Java chooses the host. Paths and messages are UTF-8, which the JNI's own texts
+// How Java chooses the host. Paths and messages are UTF-8, which the JNI's own texts
 // are not beyond the first plane, so Java converts them. Whatever answers null leaves an exception pending.
 
+namespace replay {
 namespace {
 
 /// A class of java.lang and one of its methods, or "<init>".
@@ -66,8 +66,7 @@ void throwIllegalArgument(JNIEnv *env, std::string_view message) {
 
 } // namespace
 
-/// static native String load(String path). Raises IllegalArgumentException when the description cannot be used.
-TARN_EXPORTED_ENTRY jstring JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(JNIEnv *env, jclass, jstring path) {
+jstring loadHost(JNIEnv *env, jstring path) {
     if (path == nullptr) {
         throwIllegalArgument(env, "no path of a host description");
         return nullptr;
@@ -77,7 +76,7 @@ TARN_EXPORTED_ENTRY jstring JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(J
         if (characters && characters->find('\0') != std::string::npos) {
             throwIllegalArgument(env, "a path with a NUL character names no host description");
         } else if (characters) {
-            const std::string recordedAt = replay::loadHostFile(*characters);
+            const std::string recordedAt = loadHostFile(*characters);
             return recordedAt.empty() ? nullptr : toJava(env, recordedAt);
         }
     } catch (const std::exception &error) {
@@ -85,3 +84,5 @@ TARN_EXPORTED_ENTRY jstring JNICALL Java_com_kelvo_tarn_replay_ReplayHost_load(J
     }
     return nullptr;
 }
+
+} // namespace replay

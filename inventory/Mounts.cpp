@@ -1,0 +1,150 @@
+#include "inventory/Mounts.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <csignal>
+#include <deque>
+#include <iterator>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <unordered_map>
+
+#include "common/system/MountTable.h"
+#include "inventory/InventoryError.h"
+
+namespace tarn {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t usualThreads = 8;
+constexpr std::chrono::milliseconds stuckAfter{100}; // then others are asked by another thread
+
+/// One mount that is asked, for whoever waits.
+struct Question {
+    std::string mountPoint;
+    std::optional<Clock::time_point> begun;
+    bool isAnswered = false;
+    std::optional<MountSizes> sizes;
+};
+using QuestionPointer = std::shared_ptr<Question>;
+
+std::optional<MountSizes> askSizes(const char *mountPoint) {
+    struct statvfs64 status {};
+    if (solaris::statvfs64(mountPoint, &status) != 0) {
+        return std::nullopt;
+    }
+    const std::uint64_t size = status.f_frsize;
+    return MountSizes{status.f_blocks * size, status.f_bfree * size, status.f_bavail * size};
+}
+
+/// All that is asked in this process. Threads that hang outlive every call, so each of them holds a share of it.
+class Questions : public std::enable_shared_from_this<Questions> {
+public:
+    /// The question about that mount that has no answer yet: one for all who ask.
+    QuestionPointer ask(const std::string &mountPoint) {
+        const std::lock_guard lock(mutex);
+        QuestionPointer &question = open[mountPoint];
+        if (question == nullptr) {
+            question = std::make_shared<Question>();
+            question->mountPoint = mountPoint;
+            waiting.push_back(question);
+        }
+        return question;
+    }
+
+    /// Waits until all are answered, or the time is over for each. What they tell, by then.
+    std::vector<std::optional<MountSizes>> await(const std::vector<QuestionPointer> &asked,
+                                                 std::chrono::milliseconds limit) {
+        const Clock::time_point end = Clock::now() + limit;
+        std::unique_lock lock(mutex);
+        const auto isSettled = [&](const QuestionPointer &question) {
+            return question->isAnswered || (question->begun && Clock::now() - *question->begun >= limit);
+        };
+        const auto areSettled = [&] { return std::ranges::all_of(asked, isSettled); };
+        while (!areSettled() && Clock::now() < end) {
+            startThreads();
+            changed.wait_until(lock, std::min(end, Clock::now() + stuckAfter), areSettled);
+        }
+        for (const QuestionPointer &question : asked) {
+            if (!question->begun && std::erase(waiting, question) != 0) {
+                open.erase(question->mountPoint); // nobody has come to it
+            }
+        }
+        std::vector<std::optional<MountSizes>> sizes;
+        std::ranges::transform(asked, std::back_inserter(sizes),
+                               [](const QuestionPointer &question) { return question->sizes; });
+        return sizes;
+    }
+
+private:
+    void startThreads() {
+        const auto stuck = static_cast<std::size_t>(std::ranges::count_if(open, [](const auto &entry) {
+            return entry.second->begun && Clock::now() - *entry.second->begun >= stuckAfter;
+        }));
+        const std::size_t wanted = std::min({stuck + usualThreads, threads + waiting.size(), mostThreads});
+        while (threads < wanted) {
+            try {
+                std::thread([questions = shared_from_this()] { questions->work(); }).detach();
+            } catch (const std::system_error &) {
+                return; // those that there are do it, or the time runs out
+            }
+            ++threads;
+        }
+    }
+
+    void work() noexcept {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, nullptr); // signals are the program's own threads' to take
+        std::unique_lock lock(mutex);
+        while (!waiting.empty()) {
+            const QuestionPointer question = waiting.front();
+            waiting.pop_front();
+            question->begun = Clock::now();
+            lock.unlock();
+            const std::optional<MountSizes> sizes = askSizes(question->mountPoint.c_str());
+            lock.lock();
+            question->sizes = sizes;
+            question->isAnswered = true;
+            open.erase(question->mountPoint);
+            changed.notify_all();
+        }
+        --threads;
+    }
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::unordered_map<std::string, QuestionPointer> open; // those without an answer
+    std::deque<QuestionPointer> waiting;                   // of these, those that nobody was asked yet
+    std::size_t threads = 0;
+};
+
+} // namespace
+
+std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit) {
+    static const auto questions = std::make_shared<Questions>();
+    std::vector<InventoryMount> mounts;
+    std::vector<QuestionPointer> asked;
+    {
+        MountTable table;
+        if (!table.isOpen()) {
+            throw InventoryError(std::string("Unable to open mount table file: ") + mountTablePath);
+        }
+        while (const mnttab *const entry = table.nextOf(isOfInventory)) {
+            mounts.push_back({entry->mnt_mountp, entry->mnt_special, entry->mnt_fstype, {}});
+        }
+    }
+    for (const InventoryMount &mount : mounts) {
+        asked.push_back(questions->ask(mount.mountPoint));
+    }
+    const std::vector<std::optional<MountSizes>> sizes = questions->await(asked, limit);
+    for (std::size_t i = 0; i < mounts.size(); ++i) {
+        mounts[i].sizes = sizes[i];
+    }
+    return mounts;
+}
+
+} // namespace tarn

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarn {
+
+/// In bytes.
+struct MountSizes {
+    std::uint64_t total;
+    std::uint64_t free;
+    std::uint64_t available;
+};
+
+struct InventoryMount {
+    std::string mountPoint;
+    std::string device;
+    std::string fileSystemType;
+    std::optional<MountSizes> sizes; // where they were told in time
+};
+
+/// The mounts of the inventory's kinds, in the table's order, asked at once for their sizes. One that does not answer
+/// within the limit keeps a thread until it does, and is not asked again before. At most so many threads are kept; while
+/// they are, no other mount is asked. Throws InventoryError when the table cannot be opened.
+std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit);
+
+inline constexpr std::size_t mostThreads = 64;
+
+} // namespace tarn

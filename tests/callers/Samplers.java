@@ -1,0 +1,87 @@
+import com.kelvo.tarn.inventory.Identity;
+import com.kelvo.tarn.inventory.Inventory;
+import com.kelvo.tarn.inventory.Sample;
+import com.kelvo.tarn.inventory.Sampler;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.concurrent.Callable;
+import java.util.concurrent.ExecutorService;
+import java.util.concurrent.Executors;
+import java.util.concurrent.Future;
+
+/** Samplers that are read on many threads, and closed meanwhile, over the built-in host and the library as it is loaded. */
+final class Samplers {
+    private static final int THREADS = 8;
+    private static int passed;
+    private static int failed;
+
+    private Samplers() {
+    }
+
+    private static void expect(String what, boolean holds) {
+        passed += holds ? 1 : 0;
+        failed += holds ? 0 : 1;
+        if (!holds) {
+            System.out.println("failed: " + what);
+        }
+    }
+
+    private static void tellsWhatTheHostTells() {
+        List<Identity> disks = Inventory.identities();
+        Identity disk = disks.get(0);
+        expect("identity", disks.size() == 12 && disk.disk.equals("c1t0d0") && disk.vendor.equals("SEAGATE")
+                && disk.serial.equals("0545B1A0C2") && disk.designator.equals("naa.5000c5000a2b3c41")
+                && disk.sizeBytes == 73400057856L && disk.from.equals("device"));
+        expect("mounts", Inventory.mounts().isEmpty());
+        try (Sampler sampler = Inventory.sampler()) {
+            Sample first = sampler.read();
+            Sample second = sampler.read();
+            expect("disks", first.disks.size() == 13 && first.disks.get(0).disk.equals("c1t0d0")
+                    && second.disks.get(0).snaptime > first.disks.get(0).snaptime
+                    && second.disks.get(2).errors.soft == 3);
+            expect("ports", first.ports.size() == 4 && first.ports.get(1).wwn.equals("210100e08b30a3c2")
+                    && first.ports.get(1).lip == null && first.ports.get(1).invalidCrcs == 0
+                    && second.ports.get(1).invalidCrcs == 7);
+        }
+    }
+
+    /** A reading answers, or says that the sampler is closed. */
+    private static boolean readUntilClosed(Sampler sampler) {
+        try {
+            while (true) {
+                if (sampler.read().disks.size() != 13) {
+                    return false;
+                }
+            }
+        } catch (IllegalStateException closed) {
+            return closed.getMessage().equals("the sampler is closed");
+        }
+    }
+
+    private static void closesUnderReadings() throws Exception {
+        ExecutorService threads = Executors.newFixedThreadPool(THREADS);
+        for (int round = 0; round < 20; ++round) {
+            Sampler sampler = Inventory.sampler();
+            List<Future<Boolean>> readings = new ArrayList<>();
+            for (int i = 0; i < THREADS; ++i) {
+                boolean shares = i % 2 == 0;
+                readings.add(threads.submit((Callable<Boolean>) () -> shares ? readUntilClosed(sampler)
+                        : Inventory.identities().size() == 12));
+            }
+            Thread.sleep(round);
+            sampler.close();
+            sampler.close();
+            for (Future<Boolean> reading : readings) {
+                expect("reading in round " + round, reading.get());
+            }
+        }
+        threads.shutdown();
+    }
+
+    public static void main(String[] arguments) throws Exception {
+        tellsWhatTheHostTells();
+        closesUnderReadings();
+        System.out.println(passed + " passed, " + failed + " failed");
+        System.exit(failed == 0 ? 0 : 1);
+    }
+}
