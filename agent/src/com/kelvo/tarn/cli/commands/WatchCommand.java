@@ -273,7 +273,7 @@ public final class WatchCommand implements Callable<Integer> {
 
     private static void print(Activity.Interval interval, Instant at, List<Part<?>> parts, String gone, Page page) {
         page.println((interval.isFirst ? "Since boot"
-                      : interval.seconds == null ? "In no time" : "In " + Units.decimal(interval.seconds, 3) + " seconds")
+                      : interval.seconds == null ? "In an unknown time" : "In " + Units.decimal(interval.seconds, 3) + " seconds")
                      + (at == null ? "" : ", to " + at));
         parts.forEach(part -> part.table.print(page));
         if (!gone.isEmpty()) {
