@@ -82,7 +82,7 @@ public final class WatchCommand implements Callable<Integer> {
     private boolean nonzero;
 
     @Option(names = "--slow", paramLabel = "MS", description = "Mark service (asvc_t) that takes longer than this many "
-            + "milliseconds; without it, 50.")
+            + "milliseconds; without it, 30.")
     private String slow;
 
     @Option(names = "--screen", description = "On a terminal, each table takes the place of the one before it.")
@@ -114,7 +114,7 @@ public final class WatchCommand implements Callable<Integer> {
     public Integer call() {
         tarn.refuseUnsuitable(spec.commandLine(), true);
         double interval = seconds == null ? 0 : positive("SECONDS", seconds);
-        double limit = slow == null ? 50 : positive("--slow", slow);
+        double limit = slow == null ? 30 : positive("--slow", slow);
         disks |= !ports && !units;
         refuseBadNumbers();
         tables = new ActivityTables(limit, errors);
@@ -208,7 +208,8 @@ public final class WatchCommand implements Callable<Integer> {
             began = tarn.library().recordedAt();
             beganAt = interval.snaptime;
         }
-        return began == null ? null : began.plusNanos(interval.snaptime - beganAt).truncatedTo(ChronoUnit.MILLIS);
+        return began == null ? null : began.plusNanos(interval.snaptime - beganAt)
+            .plus(500, ChronoUnit.MICROS).truncatedTo(ChronoUnit.MILLIS);
     }
 
     private void show(Activity.Interval interval) {
