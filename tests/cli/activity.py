@@ -89,9 +89,9 @@ def increase(before, now):
 def load(disks):
     """What one disk did, or several as one."""
     if None in disks:
-        return dict.fromkeys(("readsPerSecond", "writesPerSecond", "bytesReadPerSecond", "bytesWrittenPerSecond", "waiting",
-                              "active", "waitMilliseconds", "serviceMilliseconds", "waitPercent", "busyPercent")) \
-            | {"reset": True}
+        return {**dict.fromkeys(("readsPerSecond", "writesPerSecond", "bytesReadPerSecond", "bytesWrittenPerSecond",
+                                 "waiting", "active", "waitMilliseconds", "serviceMilliseconds", "waitPercent",
+                                 "busyPercent")), "reset": True}
 
     def rate(name, unit=1):
         return sum(up[name] / unit / up["t"] for up in disks)
@@ -101,7 +101,8 @@ def load(disks):
 
     operations = sum(up["reads"] + up["writes"] for up in disks)
     return {"readsPerSecond": rate("reads"), "writesPerSecond": rate("writes"), "bytesReadPerSecond": rate("nread"),
-            "bytesWrittenPerSecond": rate("nwritten"), "waiting": rate("wlentime", 1e9), "active": rate("rlentime", 1e9),
+            "bytesWrittenPerSecond": rate("nwritten"), "waiting": rate("wlentime", 1e9),
+            "active": rate("rlentime", 1e9),
             "waitMilliseconds": each("wlentime"), "serviceMilliseconds": each("rlentime"),
             "waitPercent": max(up["wtime"] / up["t"] / 1e7 for up in disks),
             "busyPercent": max(up["rtime"] / up["t"] / 1e7 for up in disks), "reset": False}
@@ -157,7 +158,8 @@ def watch(host):
             before = known_errors.get(name, dict.fromkeys(ERRORS.values(), 0))
             risen = grown and {kind: grown[text] - before[text] for kind, text in ERRORS.items()}
             if not reading or name in previous:
-                times.append((now["ks_snaptime"] - (known[name]["ks_snaptime"] if reading else entry["ks_crtime"])) / 1e9)
+                start = known[name]["ks_snaptime"] if reading else entry["ks_crtime"]
+                times.append((now["ks_snaptime"] - start) / 1e9)
             known[name], known_errors[name] = now, grown
             counted[names.get(name, name)] = up
             disks.append({"disk": names.get(name), "instance": name, **load([up]),

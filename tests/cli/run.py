@@ -187,7 +187,8 @@ class CommandLine(unittest.TestCase):
         lines = [f"--host {write_host(host)} --json watch 1 9 --disks --ports --units --errors" for host in hosts]
         shown = in_one_machine(lines, subprocess.DEVNULL)  # which is told of the disks that go
         for seed, (line, host) in enumerate(zip(lines, hosts)):
-            self.assert_close([json.loads(each) for each in shown[line].splitlines()], list(activity.watch(host)), (seed,))
+            documents = [json.loads(each) for each in shown[line].splitlines()]
+            self.assert_close(documents, list(activity.watch(host)), (seed,))
 
     def test_a_watch_that_is_interrupted(self):
         host = {"kstat": [activity.record("sd0", "disk", "KSTAT_TYPE_IO", [

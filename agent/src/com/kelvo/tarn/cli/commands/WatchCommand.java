@@ -38,10 +38,9 @@ import picocli.CommandLine.Spec;
 /** {@code watch}: the {@link Activity} of disks, logical units and ports, a table an interval. */
 @Command(name = "watch", description = "What disks do, a table an interval: the first since boot, each other since the "
              + "one before it.",
-         footer = {"The columns are those of iostat -xn. Two exclamation marks stand before errors that grew, and before "
-                   + "what is slower than --slow says. Intervals are measured by the kernel's clock. A host description "
-                   + "is read through without waiting, as far as it has readings. SIGINT ends it; the exit status is 0 "
-                   + "then, too."})
+         footer = "The columns are those of iostat -xn. Two exclamation marks stand before errors that grew, and before "
+             + "what is slower than --slow says. Intervals are measured by the kernel's clock. A host description is read "
+             + "through without waiting, as far as it has readings. SIGINT ends it; the exit status is 0 then, too.")
 public final class WatchCommand implements Callable<Integer> {
     @ParentCommand
     private TarnOptions tarn;
@@ -49,20 +48,20 @@ public final class WatchCommand implements Callable<Integer> {
     @Spec
     private CommandSpec spec;
 
-    @Parameters(index = "0", arity = "0..1", paramLabel = "SECONDS", description = "How long an interval is, such as 5 or "
-            + "0.5; without it, there is one table.")
+    @Parameters(index = "0", arity = "0..1", paramLabel = "SECONDS", description = "How long an interval is, such as 5 "
+            + "or 0.5; without it, there is one table.")
     private String seconds;
 
-    @Parameters(index = "1", arity = "0..1", paramLabel = "COUNT", description = "How many tables there are; without it, "
-            + "they go on until SIGINT.")
+    @Parameters(index = "1", arity = "0..1", paramLabel = "COUNT", description = "How many tables there are; without "
+            + "it, they go on until SIGINT.")
     private Integer count;
 
-    @Option(names = "--ports", description = "Not disks but Fibre Channel ports: frames and megabytes a second, per cent "
-            + "of what the link can carry, and errors in the interval.")
+    @Option(names = "--ports", description = "Not disks but Fibre Channel ports: frames and megabytes a second, per "
+            + "cent of what the link can carry, and errors in the interval.")
     private boolean ports;
 
-    @Option(names = "--units", description = "Not disks but logical units, each summed over its paths, with the share of "
-            + "its commands that took each.")
+    @Option(names = "--units", description = "Not disks but logical units, each summed over its paths, with the share "
+            + "of its commands that took each.")
     private boolean units;
 
     @Option(names = "--disks", description = "Disks as well, beside --ports or --units.")
@@ -129,7 +128,8 @@ public final class WatchCommand implements Callable<Integer> {
         } catch (IllegalArgumentException unreadable) {
             throw new ParameterException(spec.commandLine(), unreadable.getMessage(), unreadable);
         } catch (RuntimeException | LinkageError failed) {
-            Page.complain(spec.commandLine().getErr(), Objects.requireNonNullElse(failed.getMessage(), failed.toString()));
+            Page.complain(spec.commandLine().getErr(),
+                          Objects.requireNonNullElse(failed.getMessage(), failed.toString()));
             return spec.exitCodeOnExecutionException();
         }
     }
@@ -179,7 +179,8 @@ public final class WatchCommand implements Callable<Integer> {
             if (shown == 0 && (ports || units)) {
                 askFabric();
             }
-            Activity.Interval interval = activity.next(sampler.read(), wwn -> payloads == null ? null : payloads.of(wwn));
+            Activity.Interval interval =
+                activity.next(sampler.read(), wwn -> payloads == null ? null : payloads.of(wwn));
             if (tarn.isReplayed() && interval.isNothing()) {
                 return;
             }
@@ -217,7 +218,8 @@ public final class WatchCommand implements Callable<Integer> {
         PrintWriter err = spec.commandLine().getErr();
         Instant at = at(interval);
         List<Part<?>> parts = parts(interval, at);
-        String gone = interval.gone.isEmpty() ? "" : "gone since the reading before: " + String.join(", ", interval.gone);
+        String gone =
+            interval.gone.isEmpty() ? "" : "gone since the reading before: " + String.join(", ", interval.gone);
         boolean forPrograms = tarn.json() || tarn.csv();
         if (forPrograms && !gone.isEmpty()) {
             Page.complain(err, Page.printable(gone));
@@ -273,9 +275,9 @@ public final class WatchCommand implements Callable<Integer> {
     }
 
     private static void print(Activity.Interval interval, Instant at, List<Part<?>> parts, String gone, Page page) {
-        page.println((interval.isFirst ? "Since boot"
-                      : interval.seconds == null ? "In an unknown time" : "In " + Units.decimal(interval.seconds, 3) + " seconds")
-                     + (at == null ? "" : ", to " + at));
+        String time = interval.isFirst ? "Since boot" : interval.seconds == null ? "In an unknown time"
+            : "In " + Units.decimal(interval.seconds, 3) + " seconds";
+        page.println(time + (at == null ? "" : ", to " + at));
         parts.forEach(part -> part.table.print(page));
         if (!gone.isEmpty()) {
             page.printFolded(gone);

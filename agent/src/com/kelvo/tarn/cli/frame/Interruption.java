@@ -3,7 +3,7 @@ package com.kelvo.tarn.cli.frame;
 import java.util.concurrent.CountDownLatch;
 import java.util.concurrent.TimeUnit;
 
-/** Lets a command that would go on for ever come to an end, with exit status 0, when SIGINT or SIGTERM asks for that. */
+/** Lets a command that would go on for ever end with exit status 0 when SIGINT or SIGTERM asks for that. */
 public final class Interruption implements AutoCloseable {
     /** A call to the host may never return. */
     private static final long PATIENCE = 1000;

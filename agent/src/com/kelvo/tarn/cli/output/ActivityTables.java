@@ -70,7 +70,8 @@ public final class ActivityTables {
      */
     public RateTable<PortLoad> ports(boolean isFirst) {
         return errors(new RateTable<PortLoad>("port", port -> port.wwn)
-            .figure("txf/s", 1, port -> port.framesSentPerSecond).figure("rxf/s", 1, port -> port.framesReceivedPerSecond)
+            .figure("txf/s", 1, port -> port.framesSentPerSecond)
+            .figure("rxf/s", 1, port -> port.framesReceivedPerSecond)
             .figure("txMB/s", 2, port -> scaled(port.bytesSentPerSecond, MB))
             .figure("rxMB/s", 2, port -> scaled(port.bytesReceivedPerSecond, MB))
             .figure("tx%", 1, port -> port.sentPercent).figure("rx%", 1, port -> port.receivedPercent),
@@ -88,8 +89,8 @@ public final class ActivityTables {
             .figure("%w", 0, load -> load.waitPercent).figure("%b", 0, load -> load.busyPercent);
     }
 
-    private static <R> RateTable<R> errors(RateTable<R> table, List<String> kinds, Function<R, Map<String, Long>> errors,
-                                           boolean isFirst) {
+    private static <R> RateTable<R> errors(RateTable<R> table, List<String> kinds,
+                                           Function<R, Map<String, Long>> errors, boolean isFirst) {
         for (String kind : kinds) {
             Function<R, Long> count = row -> errors.apply(row) == null ? null : errors.apply(row).get(kind);
             table.figure(ERRORS.get(kind).get(0), 0, count,

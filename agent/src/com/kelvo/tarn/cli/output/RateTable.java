@@ -60,7 +60,8 @@ public final class RateTable<R> {
      * @param isTrouble whether it is marked in a row
      * @return this table
      */
-    public RateTable<R> figure(String heading, int digits, Function<R, ? extends Number> value, Predicate<R> isTrouble) {
+    public RateTable<R> figure(String heading, int digits, Function<R, ? extends Number> value,
+                               Predicate<R> isTrouble) {
         figures.add(new Figure<>(heading, digits, value, isTrouble));
         return this;
     }
