@@ -15,8 +15,8 @@ namespace tarn {
 
 /// Their order is that of DiskActivity.Errors' constructor.
 inline constexpr std::array<std::string_view, 9> errorCountNames = {
-    "Soft Errors", "Hard Errors", "Transport Errors", "Media Error",     "Device Not Ready",
-    "No Device",   "Recoverable", "Illegal Request",  "Predictive Failure Analysis"};
+    "Soft Errors", "Hard Errors",     "Transport Errors",           "Media Error", "Device Not Ready", "No Device",
+    "Recoverable", "Illegal Request", "Predictive Failure Analysis"};
 
 using ErrorCounts = std::array<std::uint32_t, errorCountNames.size()>;
 

@@ -27,8 +27,7 @@ std::string hexText(Page bytes) {
 
 bool isNaa(Page identifier) {
     const unsigned kind = identifier.empty() ? 0 : identifier[0] >> 4;
-    return (kind == 6 && identifier.size() == 16) ||
-           ((kind == 2 || kind == 3 || kind == 5) && identifier.size() == 8);
+    return (kind == 6 && identifier.size() == 16) || ((kind == 2 || kind == 3 || kind == 5) && identifier.size() == 8);
 }
 
 struct Designator {
@@ -80,8 +79,9 @@ std::string bestDesignator(Page page) {
     Designator best;
     while (rest.size() >= designatorHeader && rest[3] <= rest.size() - designatorHeader) {
         const bool isOfUnit = (rest[1] >> 4 & 3) == 0;
-        Designator found = isOfUnit ? designatorOf(rest[0] & 15U, rest[1] & 15U, rest.subspan(designatorHeader, rest[3]))
-                                    : Designator();
+        Designator found = isOfUnit
+                               ? designatorOf(rest[0] & 15U, rest[1] & 15U, rest.subspan(designatorHeader, rest[3]))
+                               : Designator();
         if (found.rank > best.rank) {
             best = std::move(found);
         }
@@ -96,9 +96,10 @@ std::string designatorInName(std::string_view diskName, std::string_view deviceP
         return {};
     }
     const std::string_view behind = diskName.substr(target + 1);
-    std::string digits(behind.substr(0, behind.find('d')));
-    std::ranges::transform(digits, digits.begin(),
-                           [](char digit) { return static_cast<char>(std::tolower(static_cast<unsigned char>(digit))); });
+    std::string digits(behind.substr(0, behind.rfind('d')));
+    std::ranges::transform(digits, digits.begin(), [](char digit) {
+        return static_cast<char>(std::tolower(static_cast<unsigned char>(digit)));
+    });
     if (digits.find_first_not_of("0123456789abcdef") != std::string::npos) {
         return {};
     }

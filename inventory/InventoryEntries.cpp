@@ -18,13 +18,13 @@ namespace {
 using Identity = NamedMadeClass<"com/kelvo/tarn/inventory/Identity",
                                 "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;"
                                 "Ljava/lang/String;Ljava/lang/String;JLjava/lang/String;)V">;
-using Mount = NamedMadeClass<"com/kelvo/tarn/inventory/Mount",
-                             "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJ)V">;
+using Mount =
+    NamedMadeClass<"com/kelvo/tarn/inventory/Mount", "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJ)V">;
 using Sample = NamedMadeClass<"com/kelvo/tarn/inventory/Sample",
                               "([Lcom/kelvo/tarn/inventory/DiskActivity;[Lcom/kelvo/tarn/inventory/PortTraffic;)V">;
-using Activity = NamedMadeClass<"com/kelvo/tarn/inventory/DiskActivity",
-                                "(Ljava/lang/String;Ljava/lang/String;JJJJJJJJJJJJJJ"
-                                "Lcom/kelvo/tarn/inventory/DiskActivity$Errors;)V">;
+using Activity =
+    NamedMadeClass<"com/kelvo/tarn/inventory/DiskActivity", "(Ljava/lang/String;Ljava/lang/String;JJJJJJJJJJJJJJ"
+                                                            "Lcom/kelvo/tarn/inventory/DiskActivity$Errors;)V">;
 using Errors = NamedMadeClass<"com/kelvo/tarn/inventory/DiskActivity$Errors", "(JJJJJJJJJ)V">;
 using Traffic = NamedMadeClass<"com/kelvo/tarn/inventory/PortTraffic", "(IILjava/lang/String;[J)V">;
 
@@ -152,9 +152,8 @@ TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory
 }
 
 TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory_readMounts(JNIEnv *env, jclass,
-                                                                                         jlong milliseconds) {
-    return tarn::runInventoryEntry(env,
-                                   [&] { return tarn::makeMounts(env, std::chrono::milliseconds(milliseconds)); });
+                                                                                            jlong milliseconds) {
+    return tarn::runInventoryEntry(env, [&] { return tarn::makeMounts(env, std::chrono::milliseconds(milliseconds)); });
 }
 
 TARN_EXPORTED_ENTRY jlong JNICALL Java_com_kelvo_tarn_inventory_Sampler_open(JNIEnv *env, jclass) {

@@ -206,26 +206,10 @@ private:
 
 // A call as the report names it.
 constexpr const char *questionNames[] = {
-    "stat",
-    "readlink",
-    "ustat",
-    "open O_RDWR",
-    "open O_RDONLY",
-    "open O_RDONLY|O_NDELAY",
-    "fstat",
-    "DKIOCINFO",
-    "DKIOCGGEOM",
-    "DKIOCGGEOM O_RDONLY",
-    "DKIOCGVTOC",
-    "DKIOCGVTOC O_RDONLY",
-    "INQUIRY",
-    "INQUIRY 00",
-    "INQUIRY 80",
-    "INQUIRY 83",
-    "INQUIRY C0",
-    "RECEIVE DIAGNOSTIC A0",
-    "LOG SENSE 3B",
-    "close",
+    "stat",         "readlink",   "ustat",      "open O_RDWR",         "open O_RDONLY", "open O_RDONLY|O_NDELAY",
+    "fstat",        "DKIOCINFO",  "DKIOCGGEOM", "DKIOCGGEOM O_RDONLY", "DKIOCGVTOC",    "DKIOCGVTOC O_RDONLY",
+    "INQUIRY",      "INQUIRY 00", "INQUIRY 80", "INQUIRY 83",          "INQUIRY C0",    "RECEIVE DIAGNOSTIC A0",
+    "LOG SENSE 3B", "close",
 };
 static_assert(std::size(questionNames) == closeCall + 1);
 

@@ -193,10 +193,11 @@ launch() {
     classes=("-Djava.library.path=$library_dir" "-Dtarn.recorder=$recorder" -cp "$class_path")
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
-        local columns=0
-        read -r _ columns 3<&1 < <(stty size <&3 2>/dev/null) || true
+        local lines=0 columns=0
+        read -r lines columns 3<&1 < <(stty size <&3 2>/dev/null) || true
+        [ "${lines:-0}" -gt 0 ] || lines=24
         [ "${columns:-0}" -gt 0 ] || columns=80
-        virtual_machine+=("-Dtarn.columns=$columns")
+        virtual_machine+=("-Dtarn.lines=$lines" "-Dtarn.columns=$columns")
     fi
     if [ -n "${found:-}" ]; then
         run=monitor

@@ -10,6 +10,7 @@
 
 #include "platform/replay/Host.h"
 #include "platform/replay/PlatformCall.h"
+#include "platform/replay/PortReading.h"
 
 // The host bus adapter library: one load state for the whole process, and handles that end with it.
 
@@ -46,27 +47,8 @@ struct Library {
     }
 };
 
-/// How often the ports of a host have told their counters. They go on from one load to the next, as a machine's do, and
-/// begin anew with another host.
-struct PortReadings {
-    std::shared_ptr<const Host> host;
-    std::unordered_map<const HbaPort *, std::size_t> counts;
-
-    const HBA_PORTSTATISTICS &next(const std::shared_ptr<const Host> &of, const HbaPort &port) {
-        if (host != of) {
-            host = of;
-            counts.clear();
-        }
-        std::size_t &count = counts[&port];
-        const std::size_t at = count;
-        count = std::min(count + 1, port.laterStatistics.size());
-        return at == 0 ? *port.statistics : *port.laterStatistics[at - 1];
-    }
-};
-
 std::mutex libraryMutex;
 std::optional<Library> library;
-PortReadings portReadings;
 constexpr std::size_t nameSize = 256; // of the buffer for an adapter's name
 HBA_HANDLE lastHandle = 0;            // over every load, so that a stale handle stays one
 
@@ -309,9 +291,9 @@ HBA_STATUS HBA_GetPortStatistics(HBA_HANDLE handle, HBA_UINT32 port, HBA_PORTSTA
             return HBA_STATUS{HBA_STATUS_ERROR_ILLEGAL_INDEX};
         }
         const HbaPort &local = adapter.ports[port];
-        return local.laterStatistics.empty()
-                   ? copyOut(*local.statistics, local.status.GetPortStatistics, statistics)
-                   : copyOut(portReadings.next(library->host, local), local.status.GetPortStatistics, statistics);
+        const std::size_t at = std::min(portReading, local.laterStatistics.size());
+        return copyOut(at == 0 ? *local.statistics : *local.laterStatistics[at - 1], local.status.GetPortStatistics,
+                       statistics);
     });
 }
 

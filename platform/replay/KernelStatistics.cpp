@@ -8,6 +8,7 @@
 #include "common/system/KernelRecords.h"
 #include "platform/replay/Host.h"
 #include "platform/replay/PlatformCall.h"
+#include "platform/replay/PortReading.h"
 
 // The kernel statistics library.
 
@@ -28,6 +29,7 @@ struct ChainRecord : kstat_t {
 struct Chain : kstat_ctl_t {
     std::shared_ptr<const Host> host;
     std::vector<ChainRecord> records;
+    std::size_t updates; // since it went over to this host
 
     explicit Chain(std::shared_ptr<const Host> opened) : kstat_ctl_t{0, nullptr, -1} {
         show(std::move(opened));
@@ -38,6 +40,7 @@ struct Chain : kstat_ctl_t {
         ++kc_chain_id;
         kc_chain = nullptr;
         host = std::move(shown);
+        updates = 0;
         records.clear();
         records.reserve(host->kstat->size());
         for (const KernelRecord &source : *host->kstat) {
@@ -121,14 +124,15 @@ kid_t kstat_chain_update(kstat_ctl_t *control) {
                       [&]() -> kid_t {
                           auto &chain = *static_cast<Chain *>(control);
                           std::shared_ptr<const Host> host = currentHost();
-                          if (host == chain.host) {
-                              return 0;
-                          }
-                          if (!host->kstat) {
+                          const bool isNew = host != chain.host;
+                          if (isNew && !host->kstat) {
                               return failWith<kid_t>(ENXIO);
                           }
-                          chain.show(std::move(host));
-                          return chain.kc_chain_id;
+                          if (isNew) {
+                              chain.show(std::move(host));
+                          }
+                          portReading = chain.updates++;
+                          return isNew ? chain.kc_chain_id : 0;
                       });
 }
 

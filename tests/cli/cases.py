@@ -5,6 +5,8 @@ import re
 from dataclasses import dataclass, field
 from pathlib import Path
 
+from activity import disks
+
 ROOT = Path(__file__).parents[2]
 ANY = object()  # what the case does not compare
 
@@ -424,6 +426,45 @@ CASES = [
     refuses("compare hosts/rill.json", "NEW"),
     refuses("compare hosts/rill.json /no/such", "/no/such"),
     refuses("--host hosts/rill.json compare a b", "--host"),
+
+    # Activity
+    Case("watch 1 9 --errors", disks("sd0", "sd1", errors=(1, 3), later="ENXIO"), prints="""\
+Since boot
+device  r/s  w/s  kr/s  kw/s  wait  actv  wsvc_t  asvc_t  %w  %b  s/w  h/w  trn  med  nrdy  nodev  rec  ill  pfa
+sd0     1.0  0.0   1.0   0.0   0.0   0.0     0.0     0.0   0   0    0    1    0    0     0      0    0    0    0
+sd1     1.0  0.0   1.0   0.0   0.0   0.0     0.0     0.0   0   0    -    -    -    -     -      -    -    -    -
+
+In 1.000 seconds
+device   r/s  w/s  kr/s  kw/s  wait  actv  wsvc_t    asvc_t  %w  %b  s/w   h/w  trn  med  nrdy  nodev  rec  ill  pfa
+sd0     20.0  1.0  20.0   0.0   0.0   2.1     0.0  !! 100.0   0  50    0  !! 2    0    0     0      0    0    0    0
+gone since the reading before: sd1
+"""),
+    Case("watch 1 --slow 101 --sort r/s --top 2", disks("sd0", "sd1", "sd2", errors=(1, 3), later={"reads": 90}),
+         prints="""\
+Since boot
+device  r/s  w/s  kr/s  kw/s  wait  actv  wsvc_t  asvc_t  %w  %b
+sd0     1.0  0.0   1.0   0.0   0.0   0.0     0.0     0.0   0   0
+sd1     1.0  0.0   1.0   0.0   0.0   0.0     0.0     0.0   0   0
+
+In 1.000 seconds
+device   r/s  w/s  kr/s  kw/s  wait  actv  wsvc_t  asvc_t  %w  %b
+sd0     20.0  1.0  20.0   0.0   0.0   2.1     0.0   100.0   0  50  !! hard errors +2
+sd1     20.0  1.0  20.0   0.0   0.0   2.1     0.0   100.0   0  50
+"""),
+    shows("watch 1 2", "sd0 - - - - - - - - - - counters reset", host=disks("sd0", later={"reads": 9})),
+    Case("--csv watch 1 --nonzero --sort Device", disks("sd1", "sd0", later={"nread": 10240, "ks_snaptime": 2 * 10 ** 10}),
+         prints="at,seconds,device,r/s,w/s,kr/s,kw/s,wait,actv,wsvc_t,asvc_t,%w,%b,instance,reset\n"
+         ",10.0,sd0,1.0,0.0,1.0,0.0,0.0,0.0,0.0,0.0,0.0,0.0,sd0,false\n"
+         ",10.0,sd1,1.0,0.0,1.0,0.0,0.0,0.0,0.0,0.0,0.0,0.0,sd1,false\n"
+         ",10.0,sd0,4.294967286E8,0.0,0.0,0.0,0.0,0.0,0.0,0.0,0.0,0.0,sd0,false\n"
+         ",10.0,sd1,20.0,1.0,20.0,0.0,0.0,2.1,0.0,100.0,0.0,50.0,sd1,false\n"),
+    refuses("watch", "kernel statistics", host={}, status=1),
+    *(refuses(f"watch {words}", complaint) for words, complaint in (
+        ("0", "SECONDS: '0' is no positive number"), ("-1", "SECONDS: '-1'"), ("1s", "SECONDS: '1s'"),
+        ("NaN", "SECONDS"), ("1 0", "COUNT: '0' is no positive number"), ("1 x", "COUNT: 'x' is not a number"),
+        ("--sort nothing", "--sort: 'nothing' is no column; there are device r/s"),
+        ("--ports --sort %b", "no column; there are port txf/s"), ("--slow 0", "--slow"), ("--top 0", "--top"),
+        ("--csv --ports --units", "--csv"), ("1 2 3", "surplus argument '3'"))),
 
     # Comma-separated values
     Case("--csv processors", RICH, prints="ID,Type,MHz,State\n0,sparcv9,1281,online\n5,sparcv9,1281,offline\n"),

@@ -6,6 +6,7 @@ import pty
 import random
 import re
 import shlex
+import signal
 import struct
 import subprocess
 import sys
@@ -17,6 +18,7 @@ from concurrent.futures import ThreadPoolExecutor
 from fcntl import ioctl
 from pathlib import Path
 
+import activity
 import questions
 from cases import ANY, CASES, HOSTS, PASSWORD, RICH, ROOT, Case
 
@@ -46,13 +48,14 @@ def ask(command, host=None):
     return json.loads(run(Case(command, host, result=None)).stdout)
 
 
-def in_one_machine(lines):
+def in_one_machine(lines, stderr=None):
     """The document that each command line prints, run in one virtual machine."""
     done = subprocess.run(["java", f"-Djava.library.path={ROOT}/build/release", "-cp", sys.argv[2],
                            ROOT / "tests/record/Commands.java"], input="\n".join(lines).encode(),
-                          env={**os.environ, "LC_ALL": "C.UTF-8"}, stdout=subprocess.PIPE, check=True, timeout=600)
+                          env={**os.environ, "LC_ALL": "C.UTF-8"}, stdout=subprocess.PIPE, stderr=stderr, check=True,
+                          timeout=600)
     printed = re.findall(r"(.*?)\0([^\n]*): \d+\n", done.stdout.decode(), re.S)
-    return {line: json.loads(document) for document, line in printed}
+    return {line: document for document, line in printed}
 
 
 def pick(value, path):
@@ -151,7 +154,8 @@ class CommandLine(unittest.TestCase):
                                         zip(paths, ([*questions.SECTIONS, "paths", own, check] +
                                                     [f"logical-disks {mount}" for mount in mounts],
                                                     ["disks", "hba", "paths"]))))]
-        documents = in_one_machine([line for _, _, now, before in asked for line in now + before])
+        documents = {line: json.loads(document) for line, document in
+                     in_one_machine([line for _, _, now, before in asked for line in now + before]).items()}
         for seed, (check, mounts, now, before) in enumerate(asked, 1):
             now, before = ({line.split(" ", 3)[3]: documents[line] for line in lines} for lines in (now, before))
             found = now[check]["result"]
@@ -163,6 +167,40 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(now["paths"]["result"], questions.paths(
                 *(now[command]["result"] for command in ("hba", own, "disks", "logical-disks"))), seed)
         self.assertEqual(set(questions.CODES) - {code for _, code, _ in seen}, set())
+
+    def assert_close(self, shown, expected, place):
+        """The same names in the same order, and the same numbers but for what the last digits lose."""
+        if isinstance(expected, dict):
+            self.assertEqual(list(shown), list(expected), place)
+            shown, expected = list(shown.values()), list(expected.values())
+        if isinstance(expected, list):
+            self.assertEqual(len(shown), len(expected), place)
+            for i, pair in enumerate(zip(shown, expected)):
+                self.assert_close(*pair, (*place, i))
+        elif isinstance(expected, float) and shown is not None:
+            self.assertAlmostEqual(shown, expected, delta=1e-9 * max(1, abs(expected)), msg=place)
+        else:
+            self.assertEqual(shown, expected, place)
+
+    def test_watch_follows_from_the_readings(self):
+        hosts = [activity.random_host(random.Random(seed)) for seed in range(60)]
+        lines = [f"--host {write_host(host)} --json watch 1 9 --disks --ports --units --errors" for host in hosts]
+        shown = in_one_machine(lines, subprocess.DEVNULL)  # which is told of the disks that go
+        for seed, (line, host) in enumerate(zip(lines, hosts)):
+            documents = [json.loads(each) for each in shown[line].splitlines()]
+            self.assert_close(documents, list(activity.watch(host)), (seed,))
+
+    def test_a_watch_that_is_interrupted(self):
+        host = {"kstat": [activity.record("sd0", "disk", "KSTAT_TYPE_IO", [
+            {"reads": time, "ks_snaptime": time} for time in range(20000)])]}
+        with subprocess.Popen([TARN, "--host", write_host(host), "--json", "watch", "1"], stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE) as watching:
+            first = watching.stdout.readline()
+            watching.send_signal(signal.SIGINT)
+            rest, err = watching.communicate(timeout=120)
+        shown = [json.loads(line) for line in (first + rest).splitlines()]
+        self.assertEqual((watching.returncode, err), (0, b""))
+        self.assertTrue(0 < len(shown) < 20000)
 
     def test_a_disk_is_the_same_under_all_its_names(self):
         names = ("c1t0d0 c1t0d0s0 /dev/dsk/c1t0d0s0 /dev/rdsk/c1t0d0s2 sd0 /export/home C1T0D0 /export/home/me/file "
@@ -208,6 +246,15 @@ class CommandLine(unittest.TestCase):
                   "echo ${COMPREPLY[@]}")
         done = subprocess.run(["bash", "-c", script % TARN], capture_output=True, text=True, timeout=120)
         self.assertEqual((done.stdout, done.stderr), ("--full\n", ""))
+
+    def test_a_watch_on_a_terminal(self):
+        host = write_host(activity.disks(*(f"sd{number}" for number in range(30))))
+        status, shown = self.on_terminal(["--host", host, "watch", "1", "--screen"], 200)
+        pages = [page.split("\x1b[K\r\n") for page in shown.split("\x1b[H")[1:]]
+        self.assertEqual((status, [len(page) for page in pages]), (0, [24, 24]))  # the last piece ends the page
+        self.assertEqual([page[0] for page in pages], ["Since boot", "In 1.000 seconds"])
+        self.assertEqual([page[1].split()[0] for page in pages], ["device"] * 2)
+        self.assertEqual([page[-2:] for page in pages], [["and 10 lines more", "\x1b[J"]] * 2)
 
     def on_terminal(self, words, columns=80, answer=b"", **environment):
         """Exit status and output of a run on a terminal of that width; the answer is typed when it is asked for."""

@@ -43,10 +43,10 @@ TEST(Inventory, ReadsPagesToTheBytesThatCame) {
         {"00 83 00 14 " + t10, "t10.IET     0001"},
         {"00 83 00 14 " + ofPort, ""},
         {"00 83 00 18 " + naa5 + " " + eui.substr(0, 30), "naa.5000c5000a2b3c41"}, // the second is cut
-        {"00 83 ff ff " + naa5, "naa.5000c5000a2b3c41"},                              // more than came
-        {"00 83 00 08 " + naa5, ""},                                                  // and less than it takes
-        {"00 83 00 0c 01 03 00 08 60 0a 0b 80 00 12 ab 34", ""},                      // kind 6 has 16 bytes
-        {"00 83 00 0c 02 03 00 08 50 00 c5 00 0a 2b 3c 41", ""},                      // an NAA identifier is binary
+        {"00 83 ff ff " + naa5, "naa.5000c5000a2b3c41"},                           // more than came
+        {"00 83 00 08 " + naa5, ""},                                               // and less than it takes
+        {"00 83 00 0c 01 03 00 08 60 0a 0b 80 00 12 ab 34", ""},                   // kind 6 has 16 bytes
+        {"00 83 00 0c 02 03 00 08 50 00 c5 00 0a 2b 3c 41", ""},                   // an NAA identifier is binary
         {"00 83 00 08 02 01 00 04 41 1b 42 20", "t10.A\\x1bB"},
         {"00 00 05 02 1f 00 00 02 53 55 4e 20", ""}, // the standard INQUIRY again
         {"00 83 00", ""},
@@ -73,14 +73,21 @@ TEST(Inventory, TakesFromANameWhatIsTheUnits) {
 }
 
 json statistics(const std::string &name, json data) {
-    return {{"ks_module", "sderr"},         {"ks_name", name + ",err"}, {"ks_class", "device_error"},
-            {"ks_type", "KSTAT_TYPE_NAMED"}, {"data", std::move(data)}};
+    return {{"ks_module", "sderr"},
+            {"ks_name", name + ",err"},
+            {"ks_class", "device_error"},
+            {"ks_type", "KSTAT_TYPE_NAMED"},
+            {"data", std::move(data)}};
 }
 
 TEST(Inventory, AsksDevicesForWhatIsNotKnown) {
     const auto disk = [](const char *name, int minor, json scsi) {
-        return json{{"name", name}, {"path", "/scsi@2/sd@" + std::to_string(minor / 8) + ",0"}, {"major", 32},
-                    {"minor", minor}, {"geometry", {{"dkg_ncyl", 9}}}, {"scsi", std::move(scsi)}};
+        return json{{"name", name},
+                    {"path", "/scsi@2/sd@" + std::to_string(minor / 8) + ",0"},
+                    {"major", 32},
+                    {"minor", minor},
+                    {"geometry", {{"dkg_ncyl", 9}}},
+                    {"scsi", std::move(scsi)}};
     };
     const std::string names = "53 55 4e 20 20 20 20 20 44 49 53 4b 20 20 20 20 20 20 20 20 20 20 20 20 31 2e 30 20";
     const json whole = {{"INQUIRY", "00 00 05 02 1f 00 00 02 " + names},
@@ -90,12 +97,16 @@ TEST(Inventory, AsksDevicesForWhatIsNotKnown) {
     json old = whole, bare = whole;
     old["INQUIRY"] = "00 00 02 02 1f 00 00 02 " + names;
     bare["INQUIRY 00"] = "00 00 00 01 00";
-    const json told = {{"Vendor", "SEAGATE "}, {"Product", "ST373207LSUN72G "}, {"Revision", "045A"},
-                       {"Serial No", "0545B1A0C2  "}, {"Size", 73400057856}};
+    const json told = {{"Vendor", "SEAGATE "},
+                       {"Product", "ST373207LSUN72G "},
+                       {"Revision", "045A"},
+                       {"Serial No", "0545B1A0C2  "},
+                       {"Size", 73400057856}};
     const json host = {
         {"kstat", {statistics("sd0", told)}},
-        {"disks", {disk("c0t0d0", 0, whole), disk("c0t1d0", 8, whole), disk("c0t2d0", 16, old), disk("c0t3d0", 24, bare),
-                   disk("c0t600A0B800012AB34000005D64E8B1F2Ad0", 32, json::object()), disk("c0t4d0", 40, json::object())}}};
+        {"disks",
+         {disk("c0t0d0", 0, whole), disk("c0t1d0", 8, whole), disk("c0t2d0", 16, old), disk("c0t3d0", 24, bare),
+          disk("c0t600A0B800012AB34000005D64E8B1F2Ad0", 32, json::object()), disk("c0t4d0", 40, json::object())}}};
     replay::loadHostText(host.dump());
     replay::startJournal();
     std::vector<std::string> identities;
@@ -145,16 +156,19 @@ TEST(Inventory, GivesUpMountsThatHang) {
 
 TEST(Inventory, SamplesDisksThatComeAndGo) {
     const auto disk = [](const char *name, json samples) {
-        return json{{"ks_module", "sd"},          {"ks_name", name},    {"ks_class", "disk"},
-                    {"ks_type", "KSTAT_TYPE_IO"}, {"ks_crtime", 5}, {"samples", std::move(samples)}};
+        return json{{"ks_module", "sd"},          {"ks_name", name}, {"ks_class", "disk"},
+                    {"ks_type", "KSTAT_TYPE_IO"}, {"ks_crtime", 5},  {"samples", std::move(samples)}};
     };
     const json sd0 = disk("sd0", {{{"reads", 1}, {"ks_snaptime", 10}}, {{"reads", 4}, {"ks_snaptime", 20}}});
     const auto host = [](const json &records) {
-        return json{{"kstat", records},
-                    {"hba", {{"adapters", {{{"name", "a"},
-                                            {"ports", {{{"attributes", {{"PortWWN", "210000e08b010203"}}},
-                                                        {"statistics", {{{"InvalidCRCCount", 7}, {"TxWords", -1}},
-                                                                        {{"InvalidCRCCount", 9}}}}}}}}}}}}}
+        return json{
+            {"kstat", records},
+            {"hba",
+             {{"adapters",
+               {{{"name", "a"},
+                 {"ports",
+                  {{{"attributes", {{"PortWWN", "210000e08b010203"}}},
+                    {"statistics", {{{"InvalidCRCCount", 7}, {"TxWords", -1}}, {{"InvalidCRCCount", 9}}}}}}}}}}}}}
             .dump();
     };
     replay::loadHostText(host({sd0, disk("sd1", {"EIO"}), statistics("sd0", {{"Media Error", 3}, {"Size", 1}})}));

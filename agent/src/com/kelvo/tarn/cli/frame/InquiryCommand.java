@@ -56,16 +56,7 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
 
     @Override
     public final Integer call() {
-        tarn.refuseRepeated(spec.commandLine());
-        if (tarn.hba().any() && spec.findOption(HbaOptions.LEADVILLE) == null) {
-            throw refusal("The options for device names go with hba, paths, map and report");
-        }
-        if (tarn.csv() && !hasTable()) {
-            throw refusal("--csv goes with the commands that print one table");
-        }
-        if (tarn.csv() && tarn.json()) {
-            throw refusal("--csv and --json do not go together");
-        }
+        tarn.refuseUnsuitable(spec.commandLine(), hasTable());
         chooseHost();
         Answer answer = answer();
         int status = answer.thrown == null ? answer.status() : spec.exitCodeOnExecutionException();

@@ -65,7 +65,29 @@ public abstract class TarnOptions {
     /** {@return whether the built-in example answers, since nobody named a host where none is at hand} */
     public final boolean isBuiltInHost() {
         return host == null && System.getenv().getOrDefault("TARN_HOST", "").isEmpty()
-            && !System.getProperty("os.name").equals("SunOS"); // there the host itself answers
+            && isReplayed();
+    }
+
+    /** {@return whether a description answers; on Solaris the host itself does} */
+    public final boolean isReplayed() {
+        return !System.getProperty("os.name").equals("SunOS");
+    }
+
+    /**
+     * Refuses what does not go with a command or with itself, whatever the command is.
+     *
+     * @param command the one that was given
+     * @param hasTable whether its answer is a table, for programs too
+     */
+    public final void refuseUnsuitable(CommandLine command, boolean hasTable) {
+        refuseRepeated(command);
+        String unsuitable = hba.any() && command.getCommandSpec().findOption(HbaOptions.LEADVILLE) == null
+            ? "The options for device names go with hba, paths, map and report"
+            : csv() && !hasTable ? "--csv goes with the commands that print one table"
+            : csv() && json ? "--csv and --json do not go together" : null;
+        if (unsuitable != null) {
+            throw new ParameterException(command, unsuitable);
+        }
     }
 
     /**
@@ -127,7 +149,8 @@ public abstract class TarnOptions {
         return csv || csvRaw;
     }
 
-    final boolean csvRaw() {
+    /** {@return whether cells of comma-separated values are to be as they are} */
+    public final boolean csvRaw() {
         return csvRaw;
     }
 

@@ -15,7 +15,7 @@ import javax.wbem.cim.UnsignedInt;
 
 /** Writes what the library returns as JSON: a result class as an object with its fields, in their order. */
 public final class Json {
-    private static final Gson WRITER = new GsonBuilder().serializeNulls().disableHtmlEscaping().setPrettyPrinting()
+    private static final Gson LINE_WRITER = new GsonBuilder().serializeNulls().disableHtmlEscaping()
         .registerTypeHierarchyAdapter(UnsignedInt.class, (JsonSerializer<UnsignedInt>) (number, type, context) ->
             new JsonPrimitive(number.bigIntegerValue()))
         .registerTypeHierarchyAdapter(TrInstance.class, (JsonSerializer<TrInstance>) (instance, type, context) ->
@@ -23,6 +23,7 @@ public final class Json {
         .registerTypeHierarchyAdapter(Throwable.class, (JsonSerializer<Throwable>) (thrown, type, context) ->
             exception(thrown))
         .create();
+    private static final Gson WRITER = LINE_WRITER.newBuilder().setPrettyPrinting().create();
 
     private Json() {
     }
@@ -34,6 +35,28 @@ public final class Json {
      */
     public static String text(Object value) {
         return WRITER.toJson(value);
+    }
+
+    /**
+     * {@return a document on one line, without a newline at its end}
+     *
+     * @param value what the library returned, or lists and maps of that
+     */
+    public static String line(Object value) {
+        return LINE_WRITER.toJson(value);
+    }
+
+    /**
+     * {@return the value, an object, with one member more}
+     *
+     * @param value what is an object in JSON
+     * @param name the member's
+     * @param member its value
+     */
+    public static Object with(Object value, String name, Object member) {
+        JsonObject object = LINE_WRITER.toJsonTree(value).getAsJsonObject();
+        object.add(name, LINE_WRITER.toJsonTree(member));
+        return object;
     }
 
     /**

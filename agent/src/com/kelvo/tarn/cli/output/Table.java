@@ -25,6 +25,7 @@ public final class Table<R> {
         private final boolean right;
         /** For programs; null in a column that only reads the one before it for people. */
         private final Function<R, ?> exact;
+        /** For people; null in a column that only programs see. */
         private final Function<R, ?> shown;
 
         private Column(String heading, boolean right, Function<R, ?> exact, Function<R, ?> shown) {
@@ -119,6 +120,18 @@ public final class Table<R> {
     }
 
     /**
+     * Adds a column that only programs see.
+     *
+     * @param heading what stands over it
+     * @param exact what they see in a row of it
+     * @return this table
+     */
+    public Table<R> exact(String heading, Function<R, ?> exact) {
+        columns.add(new Column<>(heading, false, exact, null));
+        return this;
+    }
+
+    /**
      * Adds a counter of bytes, exactly and in a readable unit.
      *
      * @param heading what stands over it
@@ -148,6 +161,7 @@ public final class Table<R> {
      * @param out where
      */
     public void print(Page out) {
+        List<Column<R>> columns = shownColumns();
         List<List<String>> lines = new ArrayList<>();
         lines.add(columns.stream().map(column -> column.heading).collect(Collectors.toList()));
         rows.forEach(row -> lines.add(
@@ -158,7 +172,7 @@ public final class Table<R> {
                 widths[i] = Math.max(widths[i], TerminalWidth.of(line.get(i)));
             }
         }
-        int fitting = fitting(widths, out.width());
+        int fitting = fitting(columns, widths, out.width());
         StringBuilder text = new StringBuilder();
         for (List<String> line : lines) {
             text.setLength(0);
@@ -190,6 +204,7 @@ public final class Table<R> {
      * @param out where
      */
     public void printUpright(Page out) {
+        List<Column<R>> columns = shownColumns();
         int width = columns.stream().mapToInt(column -> column.heading.length()).max().orElse(0);
         for (R row : rows) {
             for (Column<R> column : columns) {
@@ -207,16 +222,35 @@ public final class Table<R> {
      *     before it, and control characters are escaped
      */
     public void printCsv(PrintWriter out, boolean raw) {
-        List<Column<R>> exact = columns.stream().filter(column -> column.exact != null).collect(Collectors.toList());
+        List<Column<R>> exact = exactColumns();
         out.print(exact.stream().map(column -> quoted(column.heading)).collect(Collectors.joining(",", "", "\n")));
+        printCsvRows(out, raw);
+    }
+
+    /**
+     * Prints what follows the headings for programs, as {@link #printCsv} does.
+     *
+     * @param out where
+     * @param raw whether cells are as they are
+     */
+    public void printCsvRows(PrintWriter out, boolean raw) {
+        List<Column<R>> exact = exactColumns();
         for (R row : rows) {
             out.print(exact.stream().map(column -> column.exact.apply(row))
                           .map(value -> quoted(raw ? value : safe(value))).collect(Collectors.joining(",", "", "\n")));
         }
     }
 
+    private List<Column<R>> shownColumns() {
+        return columns.stream().filter(column -> column.shown != null).collect(Collectors.toList());
+    }
+
+    private List<Column<R>> exactColumns() {
+        return columns.stream().filter(column -> column.exact != null).collect(Collectors.toList());
+    }
+
     /** How many columns from the first on fit; a column that reads the one before it goes with it. */
-    private int fitting(int[] widths, int room) {
+    private static <R> int fitting(List<Column<R>> columns, int[] widths, int room) {
         int fitting = 0;
         int used = 0;
         for (int i = 0; i < widths.length && (i == 0 || used + widths[i] <= room); i++) {

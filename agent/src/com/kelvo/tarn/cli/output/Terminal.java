@@ -20,6 +20,11 @@ public final class Terminal {
         return columns <= 0 ? NONE : new Terminal(columns, !plain);
     }
 
+    /** {@return whether it is one, and no file or pipe} */
+    public boolean isTerminal() {
+        return this != NONE;
+    }
+
     int width() {
         return width;
     }
