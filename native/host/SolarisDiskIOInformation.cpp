@@ -5,9 +5,9 @@
 
 #include "common/jni/JniString.h"
 #include "common/system/FieldText.h"
+#include "common/system/SolarisDiskMap.h"
 #include "native/host/HostInformation.h"
 #include "native/host/KernelStatistics.h"
-#include "common/system/SolarisDiskMap.h"
 #include "native/host/SolarisUtil.h"
 
 namespace tarn {

@@ -29,7 +29,7 @@ struct ChainRecord : kstat_t {
 struct Chain : kstat_ctl_t {
     std::shared_ptr<const Host> host;
     std::vector<ChainRecord> records;
-    std::size_t updates; // since it went over to this host
+    std::size_t updates = 0; // since it went over to this host
 
     explicit Chain(std::shared_ptr<const Host> opened) : kstat_ctl_t{0, nullptr, -1} {
         show(std::move(opened));

@@ -11,10 +11,10 @@
 #include <tuple>
 #include <vector>
 
+#include "common/system/SolarisDiskMap.h"
 #include "native/JavaError.h"
 #include "native/host/SolarisCpuUtilizationInformation.h"
 #include "native/host/SolarisDiskIOInformation.h"
-#include "common/system/SolarisDiskMap.h"
 #include "native/host/SolarisLogicalDisk.h"
 #include "native/host/SolarisOperatingSystem.h"
 #include "native/host/SolarisProcessor.h"

@@ -159,19 +159,16 @@ TEST(Inventory, SamplesDisksThatComeAndGo) {
         return json{{"ks_module", "sd"},          {"ks_name", name}, {"ks_class", "disk"},
                     {"ks_type", "KSTAT_TYPE_IO"}, {"ks_crtime", 5},  {"samples", std::move(samples)}};
     };
-    const json sd0 = disk("sd0", {{{"reads", 1}, {"ks_snaptime", 10}}, {{"reads", 4}, {"ks_snaptime", 20}}});
+    const json sd0 =
+        disk("sd0", json::array({{{"reads", 1}, {"ks_snaptime", 10}}, {{"reads", 4}, {"ks_snaptime", 20}}}));
     const auto host = [](const json &records) {
-        return json{
-            {"kstat", records},
-            {"hba",
-             {{"adapters",
-               {{{"name", "a"},
-                 {"ports",
-                  {{{"attributes", {{"PortWWN", "210000e08b010203"}}},
-                    {"statistics", {{{"InvalidCRCCount", 7}, {"TxWords", -1}}, {{"InvalidCRCCount", 9}}}}}}}}}}}}}
-            .dump();
+        json all = json::parse(R"({"hba": {"adapters": [{"name": "a", "ports": [{
+            "statistics": [{"InvalidCRCCount": 7, "TxWords": -1}, {"InvalidCRCCount": 9}]}]}]}})");
+        all["kstat"] = records;
+        return all.dump();
     };
-    replay::loadHostText(host({sd0, disk("sd1", {"EIO"}), statistics("sd0", {{"Media Error", 3}, {"Size", 1}})}));
+    replay::loadHostText(host(
+        json::array({sd0, disk("sd1", json::array({"EIO"})), statistics("sd0", {{"Media Error", 3}, {"Size", 1}})})));
     ActivitySampler sampler;
     const auto text = [&] {
         std::string all;
@@ -188,7 +185,7 @@ TEST(Inventory, SamplesDisksThatComeAndGo) {
     EXPECT_EQ(text(), "sd0 5 10 1 errors 3; 7 -1");
     EXPECT_EQ(text(), "sd0 5 20 4 errors 3; 9 0");
     EXPECT_EQ(text(), "sd0 5 20 4 errors 3; 9 0");
-    replay::loadHostText(host({disk("sd2", {{{"reads", 8}}})}));
+    replay::loadHostText(host(json::array({disk("sd2", json::array({json{{"reads", 8}}}))})));
     EXPECT_EQ(text(), "sd2 5 0 8; 7 -1");
 }
 
