@@ -29,7 +29,7 @@ ARRAY = " ".join(hosts.ARRAY)
 COMMANDS = ["report", f"--json report --array {ARRAY}", "computer-system", "operating-system", "--csv logical-disks --sizes",
             "hba --keep-os-device-name --leadville", "hba --force-leadville", "hba-test", f"array {ARRAY}", "build-date",
             "paths", "check", f"check --array {ARRAY}", "map --all", "metrics", *NAMED]
-ELSEWHERE = {"authenticate", "record", "serve", "help", "completion"}  # about the users, held below, about no host
+ELSEWHERE = {"watch", "authenticate", "record", "serve", "help", "completion"}  # about the users, held below, about no host
 
 
 def run(command, host=None, **more):
