@@ -14,11 +14,18 @@ namespace {
 constexpr std::size_t partSize = 65536; // from which on a part is handed over
 constexpr std::size_t indentationStep = 2;
 
+/// By character: whether it stands in a JSON string as it is.
+constexpr std::array<bool, 256> plainCharacters = [] {
+    std::array<bool, 256> plain{};
+    std::fill(plain.begin() + ' ', plain.begin() + '~' + 1, true);
+    plain['"'] = plain['\\'] = false;
+    return plain;
+}();
+
 /// Whether the text is a JSON string as it is. Most are, and the library takes 14 times as long for one.
 bool isPlain(std::string_view text) {
-    return std::ranges::all_of(text, [](char character) {
-        return character >= ' ' && character <= '~' && character != '"' && character != '\\';
-    });
+    return std::ranges::all_of(text,
+                               [](char character) { return plainCharacters[static_cast<unsigned char>(character)]; });
 }
 
 /// The text as a JSON string. Nothing when it is not UTF-8, or has a zero.

@@ -3,6 +3,7 @@
 #include <iterator>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -32,12 +33,16 @@ std::optional<Names> namesIn(const char *path) {
         return std::nullopt;
     }
     Names names;
-    std::unordered_set<std::string> seen = {".", ".."};
     while (const char *const name = directory.next()) {
-        if (seen.insert(name).second) {
+        if (std::string_view(name) != "." && std::string_view(name) != "..") {
             names.emplace_back(name);
         }
     }
+    std::unordered_set<std::string_view> seen(names.size()); // of a large host, made at once
+    std::vector<bool> isAgain(names.size());
+    std::ranges::transform(names, isAgain.begin(), [&](const std::string &name) { return !seen.insert(name).second; });
+    std::size_t at = 0;
+    std::erase_if(names, [&](const std::string &) { return isAgain[at++]; });
     return names;
 }
 

@@ -29,7 +29,8 @@ ARRAY = " ".join(hosts.ARRAY)
 COMMANDS = ["report", f"--json report --array {ARRAY}", "computer-system", "operating-system", "--csv logical-disks --sizes",
             "hba --keep-os-device-name --leadville", "hba --force-leadville", "hba-test", f"array {ARRAY}", "build-date",
             "paths", "check", f"check --array {ARRAY}", "map --all", "metrics", *NAMED]
-ELSEWHERE = {"watch", "authenticate", "record", "serve", "help", "completion"}  # about the users, held below, about no host
+# About the users, held below or beside the others, about no host.
+ELSEWHERE = {"authenticate", "record", "watch", "serve", "help", "completion"}
 
 
 def run(command, host=None, **more):
