@@ -39,8 +39,10 @@ std::optional<Names> namesIn(const char *path) {
         }
     }
     std::unordered_set<std::string_view> seen(names.size()); // of a large host, made at once
-    std::vector<bool> isAgain(names.size());
-    std::ranges::transform(names, isAgain.begin(), [&](const std::string &name) { return !seen.insert(name).second; });
+    std::vector<bool> isAgain;
+    for (const std::string &name : names) {
+        isAgain.push_back(!seen.insert(name).second);
+    }
     std::size_t at = 0;
     std::erase_if(names, [&](const std::string &) { return isAgain[at++]; });
     return names;
