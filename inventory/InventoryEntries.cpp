@@ -141,7 +141,7 @@ jobject makeSample(JNIEnv *env, ActivitySampler &sampler) {
 
 /// A sampler is Java's own from open to close; it calls nothing in between on two threads at once.
 ActivitySampler *samplerOf(jlong handle) {
-    return reinterpret_cast<ActivitySampler *>(static_cast<std::intptr_t>(handle));
+    return reinterpret_cast<ActivitySampler *>(static_cast<std::intptr_t>(handle)); // NOLINT(performance-no-int-to-ptr)
 }
 
 } // namespace

@@ -137,6 +137,7 @@ std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit) {
             mounts.push_back({entry->mnt_mountp, entry->mnt_special, entry->mnt_fstype, {}});
         }
     }
+    asked.reserve(mounts.size());
     for (const InventoryMount &mount : mounts) {
         asked.push_back(questions->ask(mount.mountPoint));
     }

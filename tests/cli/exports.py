@@ -109,7 +109,7 @@ class Exports(unittest.TestCase):
 
     def test_trouble_is_red_and_says_why(self):
         boxes = self.boxes(troubled())[0]
-        red, orange, grey, calm = "#b3201b", "#8f5600", "#8b949c", "#7b8b9a"
+        red, orange, grey = "#b3201b", "#8f5600", "#8b949c"
         for name, colour, reason in (
                 ("Port 0/0 210000e08b10a3c2", red, "link down"), ("Adapter 2 it cannot be read", red, None),
                 ("Port 1/3 it cannot be read", red, None), ("Remote port 1 it cannot be read", red, None),
