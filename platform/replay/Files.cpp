@@ -223,7 +223,7 @@ ssize_t readLinkText(std::string_view path, char *buffer, std::size_t size) {
         return failWith(EINVAL);
     }
     const std::size_t length = std::min(size, link->size());
-    std::memcpy(buffer, link->data(), length);
+    std::copy_n(link->data(), length, buffer); // a link's text ends nowhere but at its length
     return static_cast<ssize_t>(length);
 }
 

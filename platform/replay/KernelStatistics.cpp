@@ -44,7 +44,7 @@ struct Chain : kstat_ctl_t {
         records.clear();
         records.reserve(host->kstat->size());
         for (const KernelRecord &source : *host->kstat) {
-            records.push_back({source, &source, 0, {}});
+            records.push_back({static_cast<const kstat_t &>(source), &source, 0, {}});
         }
         for (std::size_t i = records.size(); i-- > 0;) {
             records[i].ks_next = kc_chain;

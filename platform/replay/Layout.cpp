@@ -15,7 +15,7 @@ static_assert(sizeof(vminfo_t) == 40 && offsetof(description::PagingCounters, up
 static_assert(offsetof(cpu_stat_t, cpu_sysinfo.cpu) == 8);
 
 static_assert(sizeof(processor_info_t) == 56);
-static_assert(sizeof(utsname) == 5 * 257);
+static_assert(sizeof(utsname) == std::size_t{5} * 257);
 
 static_assert(sizeof(dk_geom) == 42 && sizeof(dk_cinfo) == 68);
 static_assert(sizeof(partition) == 24 && offsetof(vtoc, v_part) == 136 && offsetof(vtoc, v_asciilabel) == 392);
@@ -25,6 +25,6 @@ static_assert(sizeof(HBA_SCSIID) == 268);
 static_assert(sizeof(HBA_FCPSCSIENTRY) == 304 && offsetof(HBA_FCPSCSIENTRY, FcpId) == 272);
 static_assert(offsetof(HBA_FCPSCSIENTRY, FcpId.PortWWN) == 284 && offsetof(HBA_FCPSCSIENTRY, FcpId.FcpLun) == 296);
 static_assert(sizeof(HBA_FCPTARGETMAPPING) == 312 && offsetof(HBA_FCPTARGETMAPPING, entry) == 8);
-static_assert(sizeof(HBA_PORTSTATISTICS) == 15 * 8);
+static_assert(sizeof(HBA_PORTSTATISTICS) == std::size_t{15} * 8);
 
 static_assert(DKIOCGGEOM == 0x401 && DKIOCINFO == 0x403 && DKIOCGVTOC == 0x40B && USCSICMD == 0x4C9);
