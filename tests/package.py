@@ -292,7 +292,8 @@ class Package(unittest.TestCase):
             """Runs a command; tells whether an archive was made, and whether one was used."""
             calls = Path(java, "calls")
             calls.write_text("")
-            done = tarn("build-date", usr=usr, JAVA_HOME=java, XDG_CACHE_HOME=str(cache), **environment)
+            done = tarn("build-date", usr=usr, JAVA_HOME=java, XDG_CACHE_HOME=str(cache),
+                        TARN_HOST=str(SOURCE / "hosts/rill.json"), **environment)
             self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "Jan 18 2006\n", ""))
             return "ArchiveClassesAtExit" in calls.read_text(), "SharedArchiveFile" in calls.read_text()
 
