@@ -26,7 +26,9 @@ HBA_STATUS __wrap_HBA_GetAdapterName(HBA_UINT32 index, char *name) {
 }
 
 HBA_HANDLE __wrap_HBA_OpenAdapter(char *name) {
-    wrapped.isHeldAtNextAdapter |= wrapped.mapping != nullptr;
+    if (wrapped.mapping != nullptr) {
+        wrapped.isHeldAtNextAdapter = true;
+    }
     return __real_HBA_OpenAdapter(name);
 }
 }
