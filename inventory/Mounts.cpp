@@ -46,12 +46,13 @@ public:
     /// The question about that mount that has no answer yet: one for all who ask.
     QuestionPointer ask(const std::string &mountPoint) {
         const std::lock_guard lock(mutex);
-        QuestionPointer &question = open[mountPoint];
-        if (question == nullptr) {
-            question = std::make_shared<Question>();
-            question->mountPoint = mountPoint;
-            waiting.push_back(question);
+        if (const auto found = open.find(mountPoint); found != open.end()) {
+            return found->second;
         }
+        const auto question = std::make_shared<Question>();
+        question->mountPoint = mountPoint;
+        waiting.push_back(question); // first: what is open and waits for nobody would never be answered
+        open.emplace(mountPoint, question);
         return question;
     }
 
