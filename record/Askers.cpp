@@ -1,6 +1,5 @@
 #include "record/Askers.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -8,17 +7,17 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <cstring>
 #include <deque>
-#include <exception>
 #include <new>
 #include <optional>
 #include <utility>
+
+#include "record/AskerRegion.h"
+#include "record/Keeper.h"
+#include "record/StopSignals.h"
 
 #ifndef MAP_ANONYMOUS
 #define MAP_ANONYMOUS MAP_ANON
@@ -27,336 +26,12 @@
 namespace record {
 namespace {
 
-using Nanoseconds = std::uint64_t;
-
-constexpr std::size_t mostAskers = 64;   // at once
-constexpr std::size_t usualAskers = 2;   // while none hangs
-constexpr std::size_t largestBatch = 64; // requests for an asker
-constexpr std::size_t window = 16384;    // items ahead of one that is waited for
+constexpr std::size_t usualAskers = 2; // while none hangs
+constexpr std::size_t window = 16384;  // items ahead of one that is waited for
 constexpr Nanoseconds second = 1'000'000'000;
 constexpr Nanoseconds stuckAfter = second / 20; // others take over what such an asker has yet to ask
 constexpr Nanoseconds toldAfter = 2 * second;   // who waits wants to know what for
-
-Nanoseconds now() {
-    return static_cast<Nanoseconds>(std::chrono::steady_clock::now().time_since_epoch().count());
-}
-
-/// What came of a call, or of an item. The data follow.
-struct Frame {
-    enum Kind : std::uint32_t { answer, givenUp, failed, finished };
-
-    std::uint32_t dataSize;
-    Kind kind;
-    std::uint32_t item;
-    std::uint32_t call;
-    std::uint32_t index;
-    std::int32_t error;
-
-    std::size_t size() const {
-        return sizeof(Frame) + (dataSize + std::size_t{7}) / 8 * 8;
-    }
-};
-
-struct PlacedRequest {
-    std::uint32_t item;
-    std::uint32_t kind;
-    std::uint32_t at; // of its text
-    std::uint32_t size;
-};
-
-/// What an asker and the recorder share.
-struct Region {
-    std::atomic<Nanoseconds> beganAt; // of the call that is under way; 0: none is
-    std::atomic<std::uint32_t> call;
-    std::atomic<std::uint32_t> index;
-    std::atomic<std::uint32_t> item;
-    std::atomic<std::uint32_t> next; // request of the batch; whoever raises it has those in between
-    std::uint32_t count;             // of requests
-    std::atomic<std::uint32_t> written;
-    std::atomic<bool> wantsRoom;
-    std::atomic<bool> isDone; // with the batch
-    std::array<PlacedRequest, largestBatch> requests;
-    std::array<char, 65536> texts;
-    std::array<std::byte, Teller::mostData + 65536> frames;
-};
 constexpr std::uint32_t allTaken = 1U << 30;
-
-/// To the keeper.
-struct Command {
-    bool isStart; // otherwise the slot's asker is to be ended
-    std::uint32_t slot;
-    std::uint32_t generation;
-};
-
-/// To the recorder.
-struct Bell {
-    enum Kind : std::uint32_t { rings, hasDied, isGone, isRefused };
-
-    Kind kind;
-    std::uint32_t slot;
-    std::uint32_t generation;
-    std::int32_t detail; // a wait status, or an errno
-};
-
-/// The end of a pipe: the system's own, whatever the door leads to.
-class PipeEnd {
-public:
-    PipeEnd() = default;
-    ~PipeEnd() {
-        close();
-    }
-    PipeEnd(const PipeEnd &) = delete;
-    PipeEnd &operator=(const PipeEnd &) = delete;
-
-    void close() {
-        if (descriptor != -1) {
-            ::close(std::exchange(descriptor, -1));
-        }
-    }
-
-    int descriptor = -1;
-};
-
-struct Pipe {
-    PipeEnd reader;
-    PipeEnd writer;
-
-    /// 0, or an errno.
-    int open() {
-        int ends[2];
-        if (::pipe(ends) != 0) {
-            return errno;
-        }
-        reader.descriptor = ends[0];
-        writer.descriptor = ends[1];
-        return 0;
-    }
-};
-
-template <class T>
-bool readWhole(int descriptor, T &value) {
-    ssize_t size = 0;
-    do {
-        size = ::read(descriptor, &value, sizeof value); // is written at once, and shorter than what a pipe takes whole
-    } while (size < 0 && errno == EINTR);
-    return size == static_cast<ssize_t>(sizeof value);
-}
-
-template <class T>
-bool writeWhole(int descriptor, const T &value) {
-    ssize_t size = 0;
-    do {
-        size = ::write(descriptor, &value, sizeof value);
-    } while (size < 0 && errno == EINTR);
-    return size == static_cast<ssize_t>(sizeof value);
-}
-
-struct Shared {
-    std::array<Region, mostAskers> regions;
-};
-
-class AskersTeller : public Teller {
-public:
-    AskersTeller(Region &shared, int toReadFrom, int bellDescriptor, Bell ownBell)
-        : region(shared), tokens(toReadFrom), bells(bellDescriptor), bell(ownBell) {
-    }
-
-    void begin(unsigned call, unsigned index) override {
-        region.call.store(call, std::memory_order_relaxed);
-        region.index.store(index, std::memory_order_relaxed);
-        region.beganAt.store(now(), std::memory_order_release);
-    }
-
-    void tell(unsigned call, int error, std::span<const std::byte> data, unsigned index) override {
-        put(Frame::answer, call, error, data, index);
-    }
-
-    void finish() {
-        put(Frame::finished, 0, 0, {}, 0);
-    }
-
-    void ring() {
-        if (!writeWhole(bells, bell)) {
-            ::_exit(0); // nobody listens
-        }
-    }
-
-    /// Tokens may be left of an asker before this one.
-    void waitForToken() {
-        std::uint32_t token = bell.generation - 1;
-        while (token != bell.generation) {
-            if (!readWhole(tokens, token)) {
-                ::_exit(0); // nobody asks any more
-            }
-        }
-    }
-
-private:
-    void put(Frame::Kind kind, unsigned call, int error, std::span<const std::byte> data, unsigned index) {
-        region.beganAt.store(0, std::memory_order_release);
-        const Frame frame{static_cast<std::uint32_t>(data.size()), kind, region.item.load(), call, index, error};
-        if (frame.size() > region.frames.size() - region.written.load()) {
-            region.wantsRoom.store(true);
-            ring();
-            waitForToken();
-        }
-        const std::uint32_t at = region.written.load();
-        std::memcpy(region.frames.data() + at, &frame, sizeof frame);
-        if (!data.empty()) {
-            std::memcpy(region.frames.data() + at + sizeof frame, data.data(), data.size());
-        }
-        region.written.store(at + static_cast<std::uint32_t>(frame.size()), std::memory_order_release);
-    }
-
-    Region &region;
-    int tokens;
-    int bells;
-    Bell bell;
-};
-
-/// An asker: answers one batch after the other, until the recorder is gone.
-[[noreturn]] void askUntilTheEnd(const std::vector<Ask> &ways, Region &region, AskersTeller teller) {
-    try {
-        for (;;) {
-            teller.waitForToken();
-            for (std::uint32_t i = region.next.fetch_add(1); i < region.count; i = region.next.fetch_add(1)) {
-                const PlacedRequest &request = region.requests[i];
-                region.item.store(request.item);
-                ways[request.kind]({region.texts.data() + request.at, request.size}, teller);
-                teller.finish();
-            }
-            region.isDone.store(true);
-            teller.ring();
-        }
-    } catch (const std::exception &) {
-        ::_exit(1);
-    }
-}
-
-/// Begins and ends askers as it is told, and ends with the recorder.
-class Keeper {
-public:
-    Keeper(const std::vector<Ask> &waysToAsk, Shared &sharedRegions, std::array<Pipe, mostAskers> &tokenPipes,
-           Pipe &commandPipe, Pipe &bellPipe)
-        : ways(waysToAsk), shared(sharedRegions), tokens(tokenPipes), commands(commandPipe), bells(bellPipe) {
-    }
-
-    [[noreturn]] void run() {
-        leaveTheRecorder();
-        for (;;) {
-            pollfd waited{commands.reader.descriptor, POLLIN, 0};
-            constexpr int untilTheDeadAreSought = 50; // milliseconds
-            if (::poll(&waited, 1, untilTheDeadAreSought) > 0) {
-                Command command{};
-                if (!readWhole(commands.reader.descriptor, command)) {
-                    endAll();
-                }
-                if (command.isStart) {
-                    start(command);
-                } else {
-                    end(command);
-                }
-            }
-            buryTheDead();
-        }
-    }
-
-private:
-    struct Child {
-        pid_t process = 0; // 0: there is none
-        std::uint32_t generation = 0;
-    };
-
-    /// What the recorder's terminal and its readers do is not for this process and its children, nor may what a library
-    /// prints go to a device that got a standard stream's place.
-    void leaveTheRecorder() {
-        const int nowhere = ::open("/dev/null", O_RDWR);
-        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-            ::dup2(nowhere, standard);
-        }
-        if (nowhere > STDERR_FILENO) {
-            ::close(nowhere);
-        }
-        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-            static_cast<void>(std::signal(signal, SIG_IGN));
-        }
-        static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
-        commands.writer.close();
-        bells.reader.close();
-        for (Pipe &each : tokens) {
-            each.writer.close();
-        }
-    }
-
-    void start(const Command &command) {
-        const Bell bell{Bell::rings, command.slot, command.generation, 0};
-        const pid_t process = ::fork();
-        if (process == 0) {
-            commands.reader.close();
-            for (Pipe &each : tokens) {
-                if (&each != &tokens[command.slot]) {
-                    each.reader.close();
-                }
-            }
-            Region &region = shared.regions[command.slot];
-            askUntilTheEnd(ways, region,
-                           {region, tokens[command.slot].reader.descriptor, bells.writer.descriptor, bell});
-        }
-        if (process == -1) {
-            writeWhole(bells.writer.descriptor, Bell{Bell::isRefused, command.slot, command.generation, errno});
-            return;
-        }
-        children[command.slot] = {process, command.generation};
-    }
-
-    /// One that hangs in the system does not notice, but never gets to its own code again.
-    void end(const Command &command) {
-        Child &child = children[command.slot];
-        if (child.process != 0) {
-            ::kill(child.process, SIGKILL);
-            for (int i = 0; i < 10 && ::waitpid(child.process, nullptr, WNOHANG) == 0; ++i) {
-                ::poll(nullptr, 0, 1);
-            }
-            child.process = 0;
-        }
-        writeWhole(bells.writer.descriptor, Bell{Bell::isGone, command.slot, command.generation, 0});
-    }
-
-    void buryTheDead() {
-        int status = 0;
-        while (const pid_t process = ::waitpid(-1, &status, WNOHANG)) {
-            if (process == -1) {
-                return;
-            }
-            const auto child = std::ranges::find(children, process, &Child::process);
-            if (child != children.end()) {
-                child->process = 0;
-                writeWhole(bells.writer.descriptor,
-                           Bell{Bell::hasDied, static_cast<std::uint32_t>(child - children.begin()), child->generation,
-                                status});
-            }
-        }
-    }
-
-    [[noreturn]] void endAll() {
-        for (const Child &child : children) {
-            if (child.process != 0) {
-                ::kill(child.process, SIGKILL);
-            }
-        }
-        for (int i = 0; i < 100 && ::waitpid(-1, nullptr, WNOHANG) != -1; ++i) { // until none is left, or only such
-            ::poll(nullptr, 0, 1);                                               // as hang in the system
-        }
-        ::_exit(0);
-    }
-
-    const std::vector<Ask> &ways;
-    Shared &shared;
-    std::array<Pipe, mostAskers> &tokens;
-    Pipe &commands;
-    Pipe &bells;
-    std::array<Child, mostAskers> children;
-};
 
 class DirectTeller : public Teller {
 public:
@@ -372,16 +47,6 @@ private:
     Inquiry &inquiry;
     std::size_t item;
 };
-
-volatile std::sig_atomic_t stopSignal = 0;
-int stopPipe[2] = {-1, -1};
-
-extern "C" void noteStop(int signal) {
-    const int error = errno;
-    stopSignal = signal;
-    static_cast<void>(::write(stopPipe[1], "", 1) == 1);
-    errno = error;
-}
 
 } // namespace
 
@@ -402,7 +67,7 @@ public:
         if (shared != nullptr && error == 0) {
             keeper = ::fork();
             if (keeper == 0) {
-                Keeper(ways, *shared, tokens, commands, bells).run();
+                keepAskers(ways, *shared, tokens, commands, bells);
             }
             error = keeper == -1 ? errno : 0;
         }
@@ -884,27 +549,6 @@ void Askers::gather() {
             part.inquiry->finish(i);
         }
     }
-}
-
-void stopOnSignals() {
-    if (::pipe(stopPipe) != 0) {
-        return; // signals end the recorder, then
-    }
-    struct sigaction action {};
-    action.sa_handler = noteStop;
-    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND); // a second one ends it at once
-    sigemptyset(&action.sa_mask);
-    for (const int signal : {SIGINT, SIGTERM}) {
-        ::sigaction(signal, &action, nullptr);
-    }
-}
-
-bool isStopped() {
-    return stopSignal != 0;
-}
-
-int stopDescriptor() {
-    return stopPipe[0];
 }
 
 } // namespace record

@@ -128,13 +128,4 @@ private:
     std::unique_ptr<Pool> pool; // null without a limit
 };
 
-/// From now on SIGINT and SIGTERM only ask to stop.
-void stopOnSignals();
-
-/// Whether the recorder was asked to stop.
-bool isStopped();
-
-/// Readable once it was.
-int stopDescriptor();
-
 } // namespace record

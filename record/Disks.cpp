@@ -15,6 +15,7 @@
 #include "common/system/ScsiRequest.h"
 #include "record/DiskGroups.h"
 #include "record/Recorder.h"
+#include "record/StopSignals.h"
 
 // The device directories, and what stands in them.
 

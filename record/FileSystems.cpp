@@ -3,6 +3,7 @@
 
 #include "common/system/MountTable.h"
 #include "record/Recorder.h"
+#include "record/StopSignals.h"
 
 // The sizes of the mounted file systems.
 

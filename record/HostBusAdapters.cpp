@@ -12,6 +12,7 @@
 #include "common/hba/library/Messages.h"
 #include "common/hba/library/TargetMappingTable.h"
 #include "record/Recorder.h"
+#include "record/StopSignals.h"
 
 // The whole HBA library, walked as the library walks it. An asker makes the walk; what it tells is put together here.
 

@@ -10,6 +10,7 @@
 #include "common/system/Processors.h"
 #include "description/Names.h"
 #include "record/Recorder.h"
+#include "record/StopSignals.h"
 
 // The host as a whole, its processors and its mount table.
 

@@ -17,6 +17,7 @@
 #include "record/Askers.h"
 #include "record/Output.h"
 #include "record/Recorder.h"
+#include "record/StopSignals.h"
 #include "record/Version.h"
 
 // tarn-record: writes a description of the host that it runs on.
