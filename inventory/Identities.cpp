@@ -93,7 +93,7 @@ std::vector<DiskIdentity> readIdentities() {
     Directory directory(s_dev_rdsk);
     while (const char *const entryName = directory.next()) {
         const std::string path = devicePath(entryName);
-        if (!isWholeDisk(entryName) || !fitsNameField(entryName) || !openDisk(path.c_str()).isOpen()) {
+        if (!isWholeDisk(entryName) || !fitsNameField(entryName) || !OpenDeviceForIoctl(path.c_str()).isOpen()) {
             continue;
         }
         DiskIdentity &identity = identities.emplace_back();

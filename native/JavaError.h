@@ -12,7 +12,7 @@ namespace tarn {
 /// A failure of the host-information modules. Thrown and caught by value; its message is what reaches Java.
 class NativeError {
 public:
-    explicit NativeError(const std::string &text) : message(text) {
+    explicit NativeError(std::string text) : message(text) {
     }
     std::string getMessage() const {
         return message.what();
