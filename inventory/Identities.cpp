@@ -39,7 +39,8 @@ void takeDrivers(DriverIdentity &&told, DiskIdentity &identity) {
     identity.revision = std::move(told.revision);
     identity.serial = std::move(told.serial);
     identity.size = told.size;
-    if (!identity.vendor.empty() || !identity.product.empty() || !identity.serial.empty() || identity.size != 0) {
+    if (!identity.vendor.empty() || !identity.product.empty() || !identity.revision.empty() ||
+        !identity.serial.empty() || identity.size != 0) {
         identity.from = "driver";
     }
 }
