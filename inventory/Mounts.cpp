@@ -51,7 +51,7 @@ public:
             ++found->second->askers;
             return found->second;
         }
-        const auto question = std::make_shared<Question>();
+        auto question = std::make_shared<Question>();
         question->mountPoint = mountPoint;
         question->askers = 1;
         waiting.push_back(question); // first: what is open and waits for nobody would never be answered
