@@ -14,12 +14,12 @@ ActivitySampler::ActivitySampler() {
     if (!chain.isOpen()) {
         throw InventoryError("Unable to open the kernel statistics.");
     }
-    lookUp();
+    watched = lookUp();
 }
 
 /// Which records are read, and whose they are: asked for once, and whenever devices have come or gone.
-void ActivitySampler::lookUp() {
-    watched.clear();
+std::vector<ActivitySampler::Watched> ActivitySampler::lookUp() const {
+    std::vector<Watched> found;
     const auto errorRecords = deviceErrorRecords(chain);
     SolarisDiskMap disks;
     for (kstat_t *record = chain.first(); record != nullptr; record = record->ks_next) {
@@ -27,19 +27,23 @@ void ActivitySampler::lookUp() {
             std::string instance(fieldText(record->ks_name));
             const auto errors = errorRecords.find(instance);
             std::string disk = disks.getDeviceIdFromMap(instance);
-            watched.push_back({record, errors == errorRecords.end() ? nullptr : errors->second, std::move(instance),
-                               std::move(disk)});
+            found.push_back({record, errors == errorRecords.end() ? nullptr : errors->second, std::move(instance),
+                             std::move(disk)});
         }
     }
+    return found;
 }
 
 std::vector<DiskActivity> ActivitySampler::readDisks() {
     if (chain.update().value_or(false)) {
-        lookUp();
+        watched.reset(); // its records are gone, also when the others cannot be looked up
+    }
+    if (!watched) {
+        watched = lookUp();
     }
     std::vector<DiskActivity> disks;
-    disks.reserve(watched.size());
-    for (const Watched &disk : watched) {
+    disks.reserve(watched->size());
+    for (const Watched &disk : *watched) {
         const std::optional<kstat_io_t> counters = chain.read<kstat_io_t>(disk.record, sizeof(kstat_io_t));
         if (counters) {
             disks.push_back({disk.instance, disk.disk, disk.record->ks_crtime, disk.record->ks_snaptime, *counters,

@@ -44,10 +44,10 @@ private:
         std::string disk;
     };
 
-    void lookUp();
+    std::vector<Watched> lookUp() const;
 
     KernelChain chain;
-    std::vector<Watched> watched;
+    std::optional<std::vector<Watched>> watched; // nothing while that of the chain as it is now has yet to be looked up
 };
 
 /// The ports of all adapters that open, by adapter and port. The HBA library is loaded meanwhile.

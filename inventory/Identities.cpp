@@ -39,7 +39,8 @@ void takeDrivers(DriverIdentity &&told, DiskIdentity &identity) {
     identity.revision = std::move(told.revision);
     identity.serial = std::move(told.serial);
     identity.size = told.size;
-    if (!identity.vendor.empty() || !identity.product.empty() || !identity.serial.empty() || identity.size != 0) {
+    if (!identity.vendor.empty() || !identity.product.empty() || !identity.revision.empty() ||
+        !identity.serial.empty() || identity.size != 0) {
         identity.from = "driver";
     }
 }
@@ -93,7 +94,7 @@ std::vector<DiskIdentity> readIdentities() {
     Directory directory(s_dev_rdsk);
     while (const char *const entryName = directory.next()) {
         const std::string path = devicePath(entryName);
-        if (!isWholeDisk(entryName) || !fitsNameField(entryName) || !openDisk(path.c_str()).isOpen()) {
+        if (!isWholeDisk(entryName) || !fitsNameField(entryName) || !OpenDeviceForIoctl(path.c_str()).isOpen()) {
             continue;
         }
         DiskIdentity &identity = identities.emplace_back();

@@ -17,14 +17,6 @@ std::string_view textAt(Page page, std::size_t at, std::size_t size) {
     return {reinterpret_cast<const char *>(field.data()), std::min(size, field.size())};
 }
 
-std::string hexText(Page bytes) {
-    std::string text;
-    for (const unsigned char byte : bytes) {
-        text.append(hexDigits(byte).data(), 2);
-    }
-    return text;
-}
-
 bool isNaa(Page identifier) {
     const unsigned kind = identifier.empty() ? 0 : identifier[0] >> 4;
     return (kind == 6 && identifier.size() == 16) || ((kind == 2 || kind == 3 || kind == 5) && identifier.size() == 8);

@@ -121,14 +121,10 @@ jobjectArray makePorts(JNIEnv *env, const std::vector<PortTraffic> &ports) {
                                   of.PrimitiveSeqProtocolErrCount,
                                   of.InvalidTxWordCount,
                                   of.InvalidCRCCount};
-        std::string wwn;
-        for (const HBA_UINT8 byte : port.wwn.wwn) {
-            wwn.append(hexDigits(byte).data(), 2);
-        }
         const jlongArray array = jni::required(env->NewLongArray(static_cast<jsize>(std::size(counters))));
         env->SetLongArrayRegion(array, 0, static_cast<jsize>(std::size(counters)), counters);
         return made.make(static_cast<jint>(port.adapter), static_cast<jint>(port.port),
-                         jni::newString(env, wwn.c_str()), array);
+                         jni::newString(env, hexText(port.wwn.wwn).c_str()), array);
     });
 }
 

@@ -25,6 +25,7 @@ constexpr std::chrono::milliseconds stuckAfter{100}; // then others are asked by
 /// One mount that is asked, for whoever waits.
 struct Question {
     std::string mountPoint;
+    std::size_t askers = 0;
     std::optional<Clock::time_point> begun;
     bool isAnswered = false;
     std::optional<MountSizes> sizes;
@@ -47,10 +48,12 @@ public:
     QuestionPointer ask(const std::string &mountPoint) {
         const std::lock_guard lock(mutex);
         if (const auto found = open.find(mountPoint); found != open.end()) {
+            ++found->second->askers;
             return found->second;
         }
-        const auto question = std::make_shared<Question>();
+        auto question = std::make_shared<Question>();
         question->mountPoint = mountPoint;
+        question->askers = 1;
         waiting.push_back(question); // first: what is open and waits for nobody would never be answered
         open.emplace(mountPoint, question);
         return question;
@@ -70,8 +73,8 @@ public:
             changed.wait_until(lock, std::min(end, Clock::now() + stuckAfter), areSettled);
         }
         for (const QuestionPointer &question : asked) {
-            if (!question->begun && std::erase(waiting, question) != 0) {
-                open.erase(question->mountPoint); // nobody has come to it
+            if (--question->askers == 0 && std::erase(waiting, question) != 0) {
+                open.erase(question->mountPoint); // nobody has come to it, or waits for it
             }
         }
         std::vector<std::optional<MountSizes>> sizes;

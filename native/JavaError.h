@@ -2,7 +2,7 @@
 
 #include <jni.h>
 
-#include <stdexcept>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -12,14 +12,14 @@ namespace tarn {
 /// A failure of the host-information modules. Thrown and caught by value; its message is what reaches Java.
 class NativeError {
 public:
-    explicit NativeError(const std::string &text) : message(text) {
+    explicit NativeError(std::string text) : message(std::make_shared<const std::string>(std::move(text))) {
     }
     std::string getMessage() const {
-        return message.what();
+        return *message;
     }
 
 private:
-    std::runtime_error message; // whose copies share one text, so that none can lack the memory for it
+    std::shared_ptr<const std::string> message; // which copies share, so that none can lack the memory for it
 };
 
 // A copy that throws while it is caught would end the process.

@@ -2,7 +2,6 @@
 
 #include <charconv>
 #include <optional>
-#include <string>
 
 #include "common/system/Directory.h"
 #include "common/system/DiskDevices.h"
@@ -68,8 +67,7 @@ HBA_UINT32 parseScsiBusNumber(std::string_view name, bool &ok) {
 
 bool deviceDerivesFrom(std::string_view name, std::string_view path) {
     LinkBuffer buffer;
-    const std::optional<std::string_view> link =
-        readLink(std::string(s_dev_rdsk).append("/").append(name).c_str(), buffer);
+    const std::optional<std::string_view> link = readLink(devicePath(name).c_str(), buffer);
     if (!link) {
         return false;
     }

@@ -12,6 +12,8 @@ namespace tarn {
 //     NoLocalRoom            no room for local references     the walk over adapters   HbaCacheImpl::FillCache: null
 //     NativeError            the host does not tell what was  the gathering of the     runThrowingEntry: a RuntimeException;
 //     (native/JavaError.h)   asked for                        facts asked for          two entries: a log line
+//     InventoryError         the same                         the same                 runInventoryEntry: a RuntimeException
+//     (inventory/)
 //
 // JavaExceptionPending is also caught by what tells of a failure and has none of its own (throwOutOfMemory, ThrowJavaError,
 // logInFrame) and by enumerateDisks, which prints Java's exception; where it is thrown on, it is only kept from a

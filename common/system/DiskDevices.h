@@ -54,7 +54,7 @@ inline constexpr int openForRequestsAgain = O_RDONLY;
 
 /// Opens a raw disk to put requests to it, without waiting for it to be ready. One that does not tell its geometry
 /// then is opened again to read only, and waited for. Not open when the last attempt failed.
-inline FileDescriptor openDisk(const char *path) {
+inline FileDescriptor OpenDeviceForIoctl(const char *path) {
     FileDescriptor device(solaris::open(path, openForRequests));
     dk_geom geometry{};
     if (device.isOpen() && solaris::ioctl(device.get(), DKIOCGGEOM, &geometry) < 0) {

@@ -38,10 +38,7 @@ protected:
     /// The class names that go with the namespace of the provider's CIM class; ends with NoInstance when the provider
     /// has no CIM class. `cimClass` is the provider's static field "_class".
     jobject findHbaClassNames(StaticField &cimClass, HbaClassNames::Static &classNames) {
-        const jobject trClassObject = cimClass.value();
-        if (trClassObject == nullptr) {
-            throw NoInstance{};
-        }
+        const jobject trClassObject = needed(cimClass.value());
         return classNames.get(jni::callObject(env, trClassObject, trClass.meth_getNamespace()));
     }
 

@@ -51,7 +51,7 @@ jobject DiskDriveImpl::MakeDisk(const char *entryName) {
     name.resize(name.size() - wholeDiskSlice.size());
     const std::string path = devicePath(entryName);
 
-    const FileDescriptor device = openDisk(path.c_str());
+    const FileDescriptor device = OpenDeviceForIoctl(path.c_str());
     if (!device.isOpen()) {
         return nullptr;
     }

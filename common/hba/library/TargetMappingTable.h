@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 #include <span>
-#include <utility>
 
 #include "platform/solaris.h"
 
@@ -30,11 +29,6 @@ public:
 
     /// Forgets the entries and gives back what was taken from the heap.
     void release();
-
-    /// The heap's storage, for whoever keeps the entries longer than the table. Null when they are in the table's own.
-    std::shared_ptr<const void> takeHeap() {
-        return std::move(heap);
-    }
 
     /// What the library last answered; it may be OK with more entries than there was room for, which is a failure.
     HBA_STATUS status() const {

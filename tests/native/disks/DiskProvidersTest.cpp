@@ -51,8 +51,8 @@ TEST(DiskDevices, ASliceIsReadAsItsDiskSays) {
     EXPECT_EQ(data->tag, 65535);
     EXPECT_EQ(data->flag, 65534);
     EXPECT_TRUE(data->mounted);
-    EXPECT_TRUE(openDisk("/dev/rdsk/toReads2").isOpen());
-    EXPECT_FALSE(openDisk("/dev/rdsk/noWritings2").isOpen());
+    EXPECT_TRUE(OpenDeviceForIoctl("/dev/rdsk/toReads2").isOpen());
+    EXPECT_FALSE(OpenDeviceForIoctl("/dev/rdsk/noWritings2").isOpen());
 }
 
 TEST(DiskDevices, DescriptorZeroIsAnOpenOneAndIsClosed) {

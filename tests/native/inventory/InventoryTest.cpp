@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "inventory/Activity.h"
@@ -12,6 +15,7 @@
 #include "inventory/InventoryError.h"
 #include "inventory/Mounts.h"
 #include "platform/replay/Replay.h"
+#include "tests/Allocations.h"
 
 namespace tarn {
 namespace {
@@ -154,6 +158,22 @@ TEST(Inventory, GivesUpMountsThatHang) {
     EXPECT_THROW(ActivitySampler(), InventoryError);
 }
 
+TEST(Inventory, AsksOnForWhomeverStillWaits) {
+    json host = {{"mnttab", json::array()}, {"statvfs", json::object()}};
+    for (int i = 0; i < 9; ++i) { // the last has to wait for a thread
+        host["mnttab"].push_back("pool/x\t/n" + std::to_string(i) + "\tzfs\trw\t1");
+        host["statvfs"]["/n" + std::to_string(i)] = {{"f_blocks", 10}, {"seconds", i < 8 ? 1 : 0}};
+    }
+    replay::loadHostText(host.dump());
+    std::vector<InventoryMount> mounts;
+    std::thread patient([&] { mounts = readMounts(std::chrono::seconds(20)); });
+    for (int round = 0; round < 5; ++round) {
+        readMounts(std::chrono::milliseconds(10));
+    }
+    patient.join();
+    EXPECT_TRUE(std::ranges::all_of(mounts, &std::optional<MountSizes>::has_value, &InventoryMount::sizes));
+}
+
 TEST(Inventory, SamplesDisksThatComeAndGo) {
     const auto disk = [](const char *name, json samples) {
         return json{{"ks_module", "sd"},          {"ks_name", name}, {"ks_class", "disk"},
@@ -187,6 +207,19 @@ TEST(Inventory, SamplesDisksThatComeAndGo) {
     EXPECT_EQ(text(), "sd0 5 20 4 errors 3; 9 0");
     replay::loadHostText(host(json::array({disk("sd2", json::array({json{{"reads", 8}}}))})));
     EXPECT_EQ(text(), "sd2 5 0 8; 7 -1");
+
+    json three = json::array();
+    for (const char *const name : {"sd2", "sd3", "sd4"}) {
+        three.push_back(disk(name, json::array({json{{"reads", 8}}})));
+    }
+    for (int n = 1; n <= 4; ++n) { // a reading that fails leaves nothing out of the next
+        replay::loadHostText(host(three));
+        {
+            const tests::RefusedAllocation refused(n);
+            EXPECT_THROW(sampler.readDisks(), std::bad_alloc);
+        }
+        EXPECT_EQ(text(), "sd2 5 0 8; sd3 5 0 8; sd4 5 0 8; 9 0");
+    }
 }
 
 } // namespace
