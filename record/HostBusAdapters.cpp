@@ -196,7 +196,8 @@ public:
     void fail(std::size_t item, const std::string &reason) override {
         isEnded = true;
         isCut = isStopped();
-        if (firstSingle != 0 && index != firstSingle + item) {
+        const bool isKnown = firstSingle == 0 ? adapter != nullptr : index == firstSingle + item;
+        if (!isKnown && hba && !hba->adapters.empty()) {
             index = static_cast<HBA_UINT32>(firstSingle + item);
             unknown.push_back(index);
         }
