@@ -196,9 +196,10 @@ public:
     void fail(std::size_t item, const std::string &reason) override {
         isEnded = true;
         isCut = isStopped();
-        const bool isKnown = firstSingle == 0 ? adapter != nullptr : index == firstSingle + item;
-        if (!isKnown && hba && !hba->adapters.empty()) {
+        if (adapter == nullptr) {
             index = static_cast<HBA_UINT32>(firstSingle + item);
+        }
+        if (std::exchange(adapter, nullptr) == nullptr || isCut) {
             unknown.push_back(index);
         }
         if (!isCut) {
@@ -207,6 +208,7 @@ public:
     }
 
     void finish(std::size_t) override {
+        adapter = nullptr;
     }
 
 private:
@@ -355,13 +357,17 @@ private:
     }
 
     void settleAll() {
-        if (isCut && hba->adapters.size() > index) {
-            hba->adapters.resize(index); // what is not whole is left out
-            claimed = index;
+        // What nobody was asked for any more is left out, and what is not whole.
+        const HBA_UINT32 asked = isCut ? index : index + 1;
+        if (isEnded && (isCut || firstSingle == 0) && hba->adapters.size() > asked) {
+            hba->adapters.resize(asked);
+            claimed = asked;
         }
-        for (auto each = unknown.rbegin(); each != unknown.rend() && !isCut; ++each) {
-            hba->adapters.erase(hba->adapters.begin() + static_cast<std::ptrdiff_t>(*each));
-            --claimed;
+        for (auto each = unknown.rbegin(); each != unknown.rend(); ++each) {
+            if (*each < hba->adapters.size()) {
+                hba->adapters.erase(hba->adapters.begin() + static_cast<std::ptrdiff_t>(*each));
+                --claimed;
+            }
         }
         std::ranges::for_each(hba->adapters, settleAdapter);
         dropBeyond(hba->adapters, [](const HbaAdapter &each) { return each.status.GetAdapterName; });
@@ -392,14 +398,14 @@ private:
     std::size_t firstSingle = 0;     // adapter that was asked for by itself; 0: none was yet
     bool isEnded = false;            // the walk, before its end
     bool isCut = false;              // because the recorder was asked to stop
-    std::vector<HBA_UINT32> unknown; // adapters of which the recorder learned nothing
+    std::vector<HBA_UINT32> unknown; // adapters of which nothing was learned, or not all before the cut
 
     std::size_t ports = 0;
     std::size_t remotePorts = 0;
     std::size_t mappings = 0;
 
     // What the walk has come to.
-    HbaAdapter *adapter = nullptr; // where its answers go
+    HbaAdapter *adapter = nullptr; // where its answers go; null before the item's first name
     HBA_UINT32 portIndex = 0;
     HBA_UINT32 claimedEntries = 0;
     std::vector<HBA_FCPSCSIENTRY> entries;
