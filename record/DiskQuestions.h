@@ -1,10 +1,11 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <array>
 #include <cstddef>
 
 #include "common/system/ScsiCommands.h"
-#include "platform/solaris.h"
 
 // What an asker is asked of a disk, by the numbers under which it tells the answers.
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/solaris.h"
+#include "description/Host.h"
 
 // What an asker calls of the HBA library, by the numbers under which it tells the answers.
 
