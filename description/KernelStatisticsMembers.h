@@ -2,6 +2,7 @@
 
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 
 #include "description/Members.h"
 
@@ -91,6 +92,7 @@ struct Form<kstat_named_t> {
             readValue(value, place, into);
             return;
         }
+        bool isTypeTold = false;
         const Json *told = nullptr;
         readEach(value, place, [&](const std::string &name, const Json &member, const Place &memberPlace) {
             if (name == "data_type") {
@@ -98,12 +100,12 @@ struct Form<kstat_named_t> {
                 if (into.data_type > KSTAT_DATA_UINT64) {
                     memberPlace.refuse("unknown type");
                 }
-            } else if (name == "value") {
-                told = &member;
-            } else {
+                return !std::exchange(isTypeTold, true);
+            }
+            if (name != "value") {
                 memberPlace.refuse("unknown member");
             }
-            return true;
+            return std::exchange(told, &member) == nullptr;
         });
         if (told == nullptr) {
             place.member("value").refuse("missing");

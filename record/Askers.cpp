@@ -182,6 +182,13 @@ private:
     }
 
     void handOut() {
+        const auto stuck = static_cast<std::size_t>(
+            std::ranges::count_if(slots, [](const Slot &slot) { return slot.state == Slot::busy && slot.isStuck; }));
+        if (stuck != 0) {
+            noteBusySubjects();
+        } else {
+            busySubjects.clear();
+        }
         if (!refusal.empty() && std::ranges::none_of(slots, [](const Slot &slot) {
                 return slot.state == Slot::idle || slot.state == Slot::busy;
             })) {
@@ -189,13 +196,6 @@ private:
                 fail(*item, refusal);
             }
             return;
-        }
-        const auto stuck = static_cast<std::size_t>(
-            std::ranges::count_if(slots, [](const Slot &slot) { return slot.state == Slot::busy && slot.isStuck; }));
-        if (stuck != 0) {
-            noteBusySubjects();
-        } else {
-            busySubjects.clear();
         }
         const auto going = static_cast<std::size_t>(std::ranges::count_if(slots, [](const Slot &slot) {
             return slot.state == Slot::idle || (slot.state == Slot::busy && !slot.isStuck);
@@ -364,13 +364,13 @@ private:
                 continue;
             }
             withdraw(i);
-            const std::size_t item = region.item.load();
+            const Frame hanging{0, Frame::givenUp, region.item.load(), region.call.load(), region.index.load(), 0};
             drain(i);
             if (region.beganAt.load(std::memory_order_acquire) != began[i]) {
                 continue; // it went on meanwhile
             }
             if (taken >= limit) {
-                giveUp(i, item);
+                giveUp(i, hanging);
                 continue;
             }
             if (taken >= toldAfter && (!longest || began[i] < began[*longest])) {
@@ -388,16 +388,14 @@ private:
         }
     }
 
-    void giveUp(std::size_t index, std::size_t item) {
+    void giveUp(std::size_t index, const Frame &hanging) {
         Slot &slot = slots[index];
-        const Region &region = shared->regions[index];
-        const unsigned call = region.call.load();
         slot.state = Slot::ending;
         slot.isStuck = false;
         writeWhole(commands.writer.descriptor, Command{false, static_cast<std::uint32_t>(index), slot.generation});
-        const Part &part = partOf(item);
-        part.inquiry->hangs(item - part.first, call);
-        deliver({0, Frame::givenUp, static_cast<std::uint32_t>(item), call, region.index.load(), 0}, {});
+        const Part &part = partOf(hanging.item);
+        part.inquiry->hangs(hanging.item - part.first, hanging.call);
+        deliver(hanging, {});
     }
 
     /// An asker has ended that should not have.

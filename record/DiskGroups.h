@@ -8,40 +8,12 @@
 #include <unordered_map>
 #include <vector>
 
-#include "common/system/ScsiCommands.h"
 #include "description/Host.h"
+#include "record/DiskQuestions.h"
 
 // What was seen of single directory entries, gathered into disks with slices.
 
 namespace record {
-
-/// A call, in a way to open the device where it can depend on that.
-enum class Question {
-    stat,
-    readlink,
-    ustat,
-    openForRequests,
-    openAgain,
-    openForCommands,
-    fstat,
-    information,
-    geometry,
-    geometryAgain,
-    label,
-    labelAgain,
-    inquiry, // the commands, in the order of `askedCommands`
-    inquiry00,
-    inquiry80,
-    inquiry83,
-    inquiryC0,
-    receiveDiagnosticA0,
-    logSense3B,
-};
-inline constexpr std::size_t questions = static_cast<std::size_t>(Question::logSense3B) + 1;
-
-inline constexpr std::array<const tarn::ScsiCommand *, 7> askedCommands = {
-    &tarn::standardInquiry, &tarn::inquiry00,           &tarn::inquiry80, &tarn::inquiry83,
-    &tarn::inquiryC0,       &tarn::receiveDiagnosticA0, &tarn::logSense3B};
 
 /// How the calls came out: 0, an errno, or not asked.
 class Outcomes {

@@ -10,11 +10,11 @@
 namespace record {
 namespace {
 
-/// The UFS and NFS file systems of the mount table, each once.
 bool isAsked(std::string_view fileSystemType) {
     return tarn::isOfLogicalDisk(fileSystemType) || tarn::isOfInventory(fileSystemType);
 }
 
+/// Those of the mount table whose sizes anybody asks for, each once.
 std::vector<std::string> mountPointsOf(const description::Host &host) {
     std::vector<std::string> mountPoints;
     tarn::MountTable table;

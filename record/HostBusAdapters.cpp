@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <memory>
 #include <span>
@@ -10,11 +9,11 @@
 #include "common/hba/library/AdapterWalk.h"
 #include "common/hba/library/LibraryGuards.h"
 #include "common/hba/library/Messages.h"
-#include "common/hba/library/TargetMappingTable.h"
+#include "record/HostBusAdapterCalls.h"
 #include "record/Recorder.h"
 #include "record/StopSignals.h"
 
-// The whole HBA library, walked as the library walks it. An asker makes the walk; what it tells is put together here.
+// What an asker tells of the HBA library, put together.
 
 namespace record {
 namespace {
@@ -65,24 +64,6 @@ bool isBlank(const HBA_FCPSCSIENTRY &entry) {
     return std::ranges::all_of(std::as_bytes(std::span(&entry, 1)), [](std::byte one) { return one == std::byte{}; });
 }
 
-/// What an asker calls, and what it tells beside.
-enum class Call : unsigned {
-    load,
-    count,
-    name, // `index` is the adapter's, up to the target mapping
-    open, // tells how many attempts failed
-    refresh,
-    attributes,
-    mapping,
-    mappingEntries, // some of them
-    mappingEnd,     // the status that the table is left with
-    port,           // `index` is the port's
-    statistics,
-    discovered, // `index` is the remote port's
-    close,
-    free,
-};
-
 constexpr const char *callNames[] = {"LoadLibrary",         "GetNumberOfAdapters",
                                      "GetAdapterName",      "OpenAdapter",
                                      "RefreshInformation",  "GetAdapterAttributes",
@@ -91,132 +72,6 @@ constexpr const char *callNames[] = {"LoadLibrary",         "GetNumberOfAdapters
                                      "GetPortStatistics",   "GetDiscoveredPortAttributes",
                                      "CloseAdapter",        "FreeLibrary"};
 static_assert(std::size(callNames) == static_cast<std::size_t>(Call::free) + 1);
-
-/// Of a call for the target mapping: the room it was given, and how many entries it counted.
-struct MappingCounts {
-    HBA_UINT32 room;
-    HBA_UINT32 entries;
-};
-
-/// Makes the calls, in an asker.
-class LibraryAsker {
-public:
-    explicit LibraryAsker(Teller &toTell) : teller(toTell) {
-    }
-
-    /// Of all adapters, or of a single one.
-    void ask(std::optional<HBA_UINT32> single) {
-        begin(Call::load);
-        {
-            tarn::WithHbaLibrary library;
-            tell(Call::load, library.status);
-            if (library.status == HBA_STATUS_OK) {
-                askAdapters(library, single);
-            }
-            begin(Call::free);
-        }
-    }
-
-private:
-    void begin(Call call, HBA_UINT32 index = 0) {
-        teller.begin(static_cast<unsigned>(call), index);
-    }
-
-    void tell(Call call, HBA_STATUS status, std::span<const std::byte> data = {}, HBA_UINT32 index = 0) {
-        teller.tell(static_cast<unsigned>(call), static_cast<int>(status), data, index);
-    }
-
-    void askAdapters(tarn::WithHbaLibrary &library, std::optional<HBA_UINT32> single) {
-        begin(Call::count);
-        const HBA_UINT32 count = HBA_GetNumberOfAdapters();
-        tell(Call::count, HBA_STATUS_OK, bytesOf(count));
-        if (single) {
-            askAdapter(library, *single);
-        } else if (count <= tarn::maximumAdapters) {
-            for (HBA_UINT32 i = 0; i < count; ++i) {
-                askAdapter(library, i);
-            }
-        }
-    }
-
-    void askAdapter(tarn::WithHbaLibrary &library, HBA_UINT32 index) {
-        std::array<char, tarn::adapterNameSize> name;
-        begin(Call::name, index);
-        const tarn::WithAdapterHandle opened(library, index, name.data(), [&] {
-            tell(Call::name, HBA_STATUS_OK, std::as_bytes(std::span(name)), index);
-            begin(Call::open, index);
-        });
-        if (opened.status != HBA_STATUS_OK) {
-            tell(Call::name, opened.status, {}, index);
-            return;
-        }
-        const bool isOpen = opened.handle != 0;
-        tell(Call::open, opened.failures, bytesOf(isOpen), index);
-        if (isOpen) {
-            handle = opened.handle;
-            begin(Call::refresh, index);
-            tarn::refreshInformation(handle, name.data());
-            askOpen(index);
-            begin(Call::close, index);
-        }
-    }
-
-    void askOpen(HBA_UINT32 index) {
-        HBA_ADAPTERATTRIBUTES attributes{};
-        begin(Call::attributes, index);
-        const HBA_STATUS status = HBA_GetAdapterAttributes(handle, &attributes);
-        tell(Call::attributes, status, bytesOf(attributes), index);
-        if (status != HBA_STATUS_OK) {
-            return;
-        }
-        fetchTargetMapping(index);
-        const HBA_UINT32 ports = tarn::believed(attributes.NumberOfPorts, tarn::maximumPorts);
-        for (HBA_UINT32 p = 0; p < ports; ++p) {
-            askPort(p);
-        }
-    }
-
-    void fetchTargetMapping(HBA_UINT32 index) {
-        const bool isFetched = mapping.fetch([&](HBA_FCPTARGETMAPPING *storage) {
-            const HBA_UINT32 room = storage->NumberOfEntries;
-            begin(Call::mapping, index);
-            const HBA_STATUS status = HBA_GetFcpTargetMapping(handle, storage);
-            tell(Call::mapping, status, bytesOf(MappingCounts{room, storage->NumberOfEntries}), index);
-            return status;
-        });
-        constexpr std::size_t most = Teller::mostData / sizeof(HBA_FCPSCSIENTRY);
-        for (std::span<const HBA_FCPSCSIENTRY> rest = mapping.entries(); isFetched && !rest.empty();) {
-            const std::span part = rest.first(std::min(most, rest.size()));
-            tell(Call::mappingEntries, HBA_STATUS_OK, std::as_bytes(part), index);
-            rest = rest.subspan(part.size());
-        }
-        tell(Call::mappingEnd, mapping.status(), bytesOf(isFetched), index);
-        mapping.release();
-    }
-
-    void askPort(HBA_UINT32 p) {
-        HBA_PORTATTRIBUTES attributes{};
-        begin(Call::port, p);
-        const HBA_STATUS status = HBA_GetAdapterPortAttributes(handle, p, &attributes);
-        tell(Call::port, status, bytesOf(attributes), p);
-        if (status != HBA_STATUS_OK) {
-            return;
-        }
-        HBA_PORTSTATISTICS statistics{};
-        begin(Call::statistics, p);
-        tell(Call::statistics, HBA_GetPortStatistics(handle, p, &statistics), bytesOf(statistics), p);
-        const HBA_UINT32 remotePorts = tarn::believed(attributes.NumberofDiscoveredPorts, tarn::maximumDiscoveredPorts);
-        for (HBA_UINT32 d = 0; d < remotePorts; ++d) {
-            HBA_PORTATTRIBUTES remote{};
-            begin(Call::discovered, d);
-            tell(Call::discovered, HBA_GetDiscoveredPortAttributes(handle, p, d, &remote), bytesOf(remote), d);
-        }
-    }
-
-    Teller &teller;
-    HBA_HANDLE handle = 0;
-    tarn::TargetMappingTable mapping;
-};
 
 /// Of calls that hang, and of those that come after them on their adapter.
 constexpr HBA_STATUS timedOut = HBA_STATUS_ERROR_UNAVAILABLE;
@@ -341,8 +196,10 @@ public:
     void fail(std::size_t item, const std::string &reason) override {
         isEnded = true;
         isCut = isStopped();
-        if (firstSingle != 0 && index != firstSingle + item) {
+        if (adapter == nullptr) {
             index = static_cast<HBA_UINT32>(firstSingle + item);
+        }
+        if (std::exchange(adapter, nullptr) == nullptr || isCut) {
             unknown.push_back(index);
         }
         if (!isCut) {
@@ -351,6 +208,7 @@ public:
     }
 
     void finish(std::size_t) override {
+        adapter = nullptr;
     }
 
 private:
@@ -499,13 +357,17 @@ private:
     }
 
     void settleAll() {
-        if (isCut && hba->adapters.size() > index) {
-            hba->adapters.resize(index); // what is not whole is left out
-            claimed = index;
+        // What nobody was asked for any more is left out, and what is not whole.
+        const HBA_UINT32 asked = isCut ? index : index + 1;
+        if (isEnded && (isCut || firstSingle == 0) && hba->adapters.size() > asked) {
+            hba->adapters.resize(asked);
+            claimed = asked;
         }
-        for (auto each = unknown.rbegin(); each != unknown.rend() && !isCut; ++each) {
-            hba->adapters.erase(hba->adapters.begin() + static_cast<std::ptrdiff_t>(*each));
-            --claimed;
+        for (auto each = unknown.rbegin(); each != unknown.rend(); ++each) {
+            if (*each < hba->adapters.size()) {
+                hba->adapters.erase(hba->adapters.begin() + static_cast<std::ptrdiff_t>(*each));
+                --claimed;
+            }
         }
         std::ranges::for_each(hba->adapters, settleAdapter);
         dropBeyond(hba->adapters, [](const HbaAdapter &each) { return each.status.GetAdapterName; });
@@ -536,28 +398,20 @@ private:
     std::size_t firstSingle = 0;     // adapter that was asked for by itself; 0: none was yet
     bool isEnded = false;            // the walk, before its end
     bool isCut = false;              // because the recorder was asked to stop
-    std::vector<HBA_UINT32> unknown; // adapters of which the recorder learned nothing
+    std::vector<HBA_UINT32> unknown; // adapters of which nothing was learned, or not all before the cut
 
     std::size_t ports = 0;
     std::size_t remotePorts = 0;
     std::size_t mappings = 0;
 
     // What the walk has come to.
-    HbaAdapter *adapter = nullptr; // where its answers go
+    HbaAdapter *adapter = nullptr; // where its answers go; null before the item's first name
     HBA_UINT32 portIndex = 0;
     HBA_UINT32 claimedEntries = 0;
     std::vector<HBA_FCPSCSIENTRY> entries;
 };
 
 } // namespace
-
-Ask wayToAskAdapters() {
-    return [](std::string_view text, Teller &teller) {
-        HBA_UINT32 single = 0;
-        const bool isSingle = std::from_chars(text.data(), text.data() + text.size(), single).ec == std::errc();
-        LibraryAsker(teller).ask(isSingle ? std::optional(single) : std::nullopt);
-    };
-}
 
 std::unique_ptr<AskedSection> hostBusAdapterSection(description::Host &host, Report &report) {
     return std::make_unique<Adapters>(host.hba, report);

@@ -1,3 +1,9 @@
+#include <cerrno>
+#include <cstring>
+#include <string>
+#include <unordered_set>
+
+#include "common/system/FieldText.h"
 #include "common/system/KernelChain.h"
 #include "record/Recorder.h"
 
@@ -12,7 +18,7 @@ std::optional<std::size_t> readInto(const tarn::KernelChain &chain, kstat_t *sou
     return chain.readInto(source, data);
 }
 
-/// Those of the types that a description has.
+/// Those of the types that a description has, and of names that it can have.
 std::optional<std::size_t> readInto(const tarn::KernelChain &chain, kstat_t *source,
                                     description::NamedStatistics &statistics) {
     std::optional<description::NamedStatistics> told = chain.readNamed(source);
@@ -20,7 +26,12 @@ std::optional<std::size_t> readInto(const tarn::KernelChain &chain, kstat_t *sou
         return std::nullopt;
     }
     statistics = *std::move(told);
-    std::erase_if(statistics, [](const kstat_named_t &statistic) { return statistic.data_type > KSTAT_DATA_UINT64; });
+    std::unordered_set<std::string> names;
+    std::erase_if(statistics, [&](const kstat_named_t &statistic) {
+        const std::string name(tarn::fieldText(statistic.name));
+        return statistic.data_type > KSTAT_DATA_UINT64 || !description::JsonWriter::isText(name) ||
+               !names.insert(name).second;
+    });
     return statistics.size() * sizeof(kstat_named_t);
 }
 

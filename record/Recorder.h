@@ -47,7 +47,7 @@ std::unique_ptr<AskedSection> diskSection(const std::vector<tarn::ArrayNames> &a
                                           Report &report);
 std::unique_ptr<AskedSection> hostBusAdapterSection(description::Host &host, Report &report);
 
-/// The sizes of each UFS and NFS file system of the mount table.
+/// The sizes of the file systems of the mount table that are logical disks or of the inventory.
 std::unique_ptr<AskedSection> fileSystemSection(description::Host &host, Report &report);
 
 // How askers ask.

@@ -62,6 +62,12 @@ std::string nameOf(HBA_HANDLE handle) {
     return "?";
 }
 
+const HbaAdapter *adapterNamed(std::string_view name) {
+    const auto &adapters = library->host->hba->adapters;
+    const auto adapter = std::ranges::find(adapters, name, &HbaAdapter::name);
+    return adapter == adapters.end() ? nullptr : &*adapter;
+}
+
 /// Answers a call: leaves the line that `text` makes, and lets `answer` do what is the call's own. Refused, or while the
 /// library is not loaded, it answers `failure`.
 template <class Text, class Answer>
@@ -87,13 +93,7 @@ void passOn(const char *call, const Find &find) {
     pass(seconds);
 }
 
-const HbaAdapter *adapterNamed(std::string_view name) {
-    const auto &adapters = library->host->hba->adapters;
-    const auto adapter = std::ranges::find(adapters, name, &HbaAdapter::name);
-    return adapter == adapters.end() ? nullptr : &*adapter;
-}
-
-/// The same for a call on a handle.
+/// Both for a call on a handle.
 template <class Answer>
 HBA_STATUS answerHandle(const char *call, HBA_HANDLE handle, const std::string &arguments, const Answer &answer) {
     passOn(call, [&] {

@@ -294,7 +294,8 @@ class Recorder(unittest.TestCase):
 
     def test_what_an_asker_cannot_do_is_no_answer_of_the_host(self):
         host = scratch_host({"mnttab": ["a\t/a\tufs\trw\t1", "b\t/b\tufs\trw\t1"], "disks": [{"name": "c1"}],
-                             "statvfs": {"/a": {"seconds": 60}, "/b": {"f_blocks": 1}}})
+                             "statvfs": {"/a": {"seconds": 60}, "/b": {"f_blocks": 1}},
+                             "hba": {"adapters": [{"name": "a", "seconds": {"GetAdapterName": 60}}, {"name": "b"}]}})
         with subprocess.Popen([*RECORDER, "--timeout=30"], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                               env={**os.environ, "TARN_HOST": host}) as started:
             time.sleep(2)
@@ -305,6 +306,7 @@ class Recorder(unittest.TestCase):
                     os.kill(process, signal.SIGKILL)
             recording, told = started.communicate()
         self.assertEqual(json.loads(recording)["statvfs"], {"/b": {"f_blocks": 1}})
+        self.assertEqual(json.loads(recording)["hba"], {"adapters": [{"name": "b"}]})
         self.assertIn(b"  statvfs: /a: the process that asked ended with signal 9\n", told)
 
     def test_entries_that_no_line_tells_are_kept(self):
