@@ -89,8 +89,8 @@ class Package(unittest.TestCase):
         self.assertIn(".TH TARN 1", must("zcat", ROOT / "usr/share/man/man1/tarn.1.gz"))
         recorder = (ROOT / "usr/bin/tarn-record", ROOT / "usr/share/man/man1/tarn-record.1.gz")
         explained = must("zcat", recorder[1]).replace("\\-", "-")
-        for option in re.findall(r"^  (--\w+)", must(recorder[0], "--help"), re.M) + ["--help"]:
-            self.assertIn(f".B {option}", explained)
+        for option in re.findall(r"^  (--[\w-]+)", must(recorder[0], "--help"), re.M) + ["--help"]:
+            self.assertRegex(explained, rf"(?m)^\.B {option}( |$)")
         self.assertIn(built, must(recorder[0], "--version"))
         self.assertEqual([path.name for path in ROOT.rglob("*.jar") if not path.is_symlink()], [f"tarn-{VERSION}.jar"])
         self.assertEqual(re.search(r"^## (\S+) - ", (SOURCE / "CHANGELOG.md").read_text(), re.M)[1], VERSION)

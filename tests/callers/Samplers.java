@@ -1,7 +1,13 @@
 import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.inventory.Inventory;
+import com.kelvo.tarn.inventory.InventoryHost;
+import com.kelvo.tarn.inventory.Mount;
 import com.kelvo.tarn.inventory.Sample;
 import com.kelvo.tarn.inventory.Sampler;
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.time.Duration;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.concurrent.Callable;
@@ -9,7 +15,7 @@ import java.util.concurrent.ExecutorService;
 import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
 
-/** Samplers that are read on many threads, and closed meanwhile, over the built-in host and the library as it is loaded. */
+/** What the inventory tells in a virtual machine, and samplers that are read on many threads, and closed meanwhile. */
 final class Samplers {
     private static final int THREADS = 8;
     private static int passed;
@@ -32,7 +38,6 @@ final class Samplers {
         expect("identity", disks.size() == 12 && disk.disk.equals("c1t0d0") && disk.vendor.equals("SEAGATE")
                 && disk.serial.equals("0545B1A0C2") && disk.designator.equals("naa.5000c5000a2b3c41")
                 && disk.sizeBytes == 73394847744L && disk.from.equals("device"));
-        expect("mounts", Inventory.mounts().isEmpty());
         try (Sampler sampler = Inventory.sampler()) {
             Sample first = sampler.read();
             Sample second = sampler.read();
@@ -42,6 +47,32 @@ final class Samplers {
             expect("ports", first.ports.size() == 4 && first.ports.get(1).wwn.equals("210100e08b30a3c2")
                     && first.ports.get(1).lip == null && first.ports.get(1).invalidCrcs == 0
                     && second.ports.get(1).invalidCrcs == 7);
+        }
+    }
+
+    /** A mount that tells its sizes, one that hangs, and one of another kind; then a host that tells nothing. */
+    private static void tellsOfMounts() throws IOException {
+        Path host = Files.createTempFile("tarn-samplers-", ".json");
+        try {
+            Files.writeString(host, ("{'mnttab': ['pool\\t/z\\tzfs\\trw\\t1', 'vol\\t/v\\tvxfs\\trw\\t1', "
+                    + "'d\\t/\\tufs\\trw\\t1'], 'statvfs': {'/z': {'f_frsize': 1024, 'f_blocks': 10, 'f_bfree': 5, 'f_bavail': 4}, "
+                    + "'/v': {'seconds': 3600}}}").replace('\'', '"'));
+            InventoryHost.load(host.toString());
+            List<Mount> mounts = Inventory.mounts(Duration.ofSeconds(2));
+            Mount told = mounts.get(0);
+            Mount hangs = mounts.get(1);
+            expect("mounts", mounts.size() == 2 && told.mountPoint.equals("/z") && told.device.equals("pool")
+                    && told.fileSystemType.equals("zfs") && told.totalBytes == 10240 && told.freeBytes == 5120
+                    && told.availableBytes == 4096 && hangs.mountPoint.equals("/v") && hangs.totalBytes == null);
+            Files.writeString(host, "{}");
+            InventoryHost.load(host.toString());
+        } finally {
+            Files.delete(host);
+        }
+        try (Sampler sampler = Inventory.sampler()) {
+            expect("no statistics, and no complaint from " + sampler, false);
+        } catch (RuntimeException refused) {
+            expect("refused: " + refused, refused.getClass() == RuntimeException.class);
         }
     }
 
@@ -81,6 +112,7 @@ final class Samplers {
     public static void main(String[] arguments) throws Exception {
         tellsWhatTheHostTells();
         closesUnderReadings();
+        tellsOfMounts();
         System.out.println(passed + " passed, " + failed + " failed");
         System.exit(failed == 0 ? 0 : 1);
     }

@@ -470,7 +470,8 @@ sd1     20.0  1.0  20.0   0.0   0.0   2.1     0.0   100.0   0  50
     Case("--csv processors", RICH, prints="ID,Type,MHz,State\n0,sparcv9,1281,online\n5,sparcv9,1281,offline\n"),
     Case("--csv disk-io c1t0d0", RICH, prints="Disk,Instance,Read,Written,Busy (s),Queue last changed (s since boot)\n"
          "c1t0d0,sd0,5368709120,1024,7.500,9.000\n"),
-    Case("--csv check --full 99", RICH, log=ANY, status=2),
+    shows("--csv check --full 99", "Severity,Code,Subject,Message,Disks,Mount points critical,adapter-unreadable,adapter 1,"
+          "it cannot be read,, critical,port-not-online,adapter 0 port 1,link down,,", host=RICH, log=ANY, status=2),
     Case("--csv logical-disks", {"mnttab": ['a"b\t/x,y\tufs\trw\t1']},
          prints='Mount point,Type,Device\n"/x,y",ufs,"a""b"\n'),
     *(Case(f"{option} logical-disks", STEERING, prints="Mount point,Type,Device\n" + line + "\n") for option, line in (

@@ -8,8 +8,8 @@
 #include "description/HostDescriptionError.h"
 
 // libFuzzer target over the reading and writing of host descriptions: what is written of what was read is taken back,
-// and written the same; what is refused is refused in one short line. Run by hand, with the dictionary
-// that ./test fuzzer writes:
+// and written the same; what is refused is refused in one short line. Run by hand, with the dictionary that ./test fuzzer
+// writes:
 //
 //     host_fuzzer -max_len=65535 -dict=build/asan/host.dict DIR hosts tests/hosts
 

@@ -3,14 +3,16 @@
 #include <span>
 #include <stdexcept>
 
+#include "inventory/IdentityPages.h"
 #include "tests/native/array/PageDecoding.h"
 
-// libFuzzer target over the page decoding, which it compares with the checked model. Run by hand:
+// libFuzzer target over the decoding of an array's pages, which it compares with the checked model, and over that of the
+// pages of a disk's identity. Run by hand:
 //
 //     page_fuzzer --write-seeds DIR       writes a seed corpus
 //     page_fuzzer -max_len=4096 DIR       runs until a finding or an interrupt
 //
-// An input is one scan: translation and statistics page of the first controller, then those of the second. Each page is
+// An input is one page of a disk, and one scan: translation and statistics page of the first controller, then those of the second. Each page is
 //
 //     bytes 0-1  its size, big-endian
 //     byte 2     0, or how many bytes before the end of the data buffer its contents after the header are moved
@@ -67,6 +69,14 @@ extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     std::span<const std::uint8_t> input(data, size);
+    const std::string designator = tarn::bestDesignator(input);
+    const bool isKnown = std::ranges::any_of(std::initializer_list<const char *>{"naa.", "eui.", "t10."},
+                                             [&](const char *kind) { return designator.starts_with(kind); });
+    if (!designator.empty() && !isKnown) {
+        throw std::logic_error("No kind of designator: " + designator);
+    }
+    static_cast<void>(tarn::serialNumber(input));
+    static_cast<void>(tarn::StandardInquiry(input));
     const std::string difference =
         compareDecodings({{takePage(input), takePage(input)}, {takePage(input), takePage(input)}});
     if (!difference.empty()) {

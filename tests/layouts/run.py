@@ -210,7 +210,7 @@ def main():
     headers = {path: path.read_text() for path in sorted(HEADERS.rglob("*.h"))}
     hba = headers.pop(HEADERS / "hbaapi.h")
     text = "\n".join(headers.values())
-    words = named_by_code("native", "common", "record", "description")
+    words = named_by_code("native", "inventory", "common", "record", "description")
     with tempfile.TemporaryDirectory() as folder:
         place = pathlib.Path(folder)
         sources = {"Rust": Rust(), "Go": Go(), "JNA": Jna(place)}

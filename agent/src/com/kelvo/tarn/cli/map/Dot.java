@@ -26,7 +26,8 @@ final class Dot {
     private enum Style {
         UNUSED(Palette.IDLE, Palette.IDLE_BOX, Palette.IDLE_INK, 1), GOOD(Palette.LINE, Palette.BOX, Palette.INK, 1),
         ONE_PATH(Palette.WARNING, Palette.WARNING_BOX, Palette.INK, 2),
-        TROUBLE(Palette.TROUBLE, Palette.TROUBLE_BOX, Palette.INK, 2), LOST(Palette.TROUBLE, Palette.PAPER, Palette.INK, 2),
+        TROUBLE(Palette.TROUBLE, Palette.TROUBLE_BOX, Palette.INK, 2),
+        LOST(Palette.TROUBLE, Palette.PAPER, Palette.INK, 2),
         ADDED(Palette.ADDED, Palette.ADDED_BOX, Palette.INK, 2);
 
         final Palette frame;
@@ -100,7 +101,8 @@ final class Dot {
         for (Topology.Group group : topology.groups.values()) {
             text.append("  subgraph \"cluster ").append(clusters++).append("\" {\n  ");
             statement("graph", "label", group.title, "style", "rounded,filled", "color", Palette.FRAME,
-                      "labeljust", "l", "margin", "12", "tooltip", group.title, layout == null ? NOTHING : frame(group));
+                      "labeljust", "l", "margin", "12", "tooltip", group.title,
+                      layout == null ? NOTHING : frame(group));
             text.append("    ").append(group.nodes.stream().map(node -> quoted(node.name))
                                            .collect(Collectors.joining("; "))).append(";\n  }\n");
         }
@@ -122,8 +124,9 @@ final class Dot {
             + node.lines.stream().map(line -> coloured(cut(line), faint)).collect(Collectors.joining())
             + node.reasons.stream().map(reason -> coloured(cut(reason), blame)).collect(Collectors.joining());
         boolean hued = style == Style.GOOD && node.hue != null;
-        statement(quoted(node.name), "id", id(node), "label", (Markup) () -> lines, "color", hued ? node.hue : style.frame,
-                  "fillcolor", style.fill, "fontcolor", style.ink, "penwidth", hued ? "1.6" : style.width,
+        statement(quoted(node.name), "id", id(node), "label", (Markup) () -> lines,
+                  "color", hued ? node.hue : style.frame, "fillcolor", style.fill, "fontcolor", style.ink,
+                  "penwidth", hued ? "1.6" : style.width,
                   "tooltip", node.name, style == Style.LOST ? List.of("style", "rounded,filled,dashed") : NOTHING,
                   layout == null ? NOTHING : place(layout.boxes.get(node)));
     }
@@ -160,9 +163,9 @@ final class Dot {
             Style style = meanings.getOrDefault(texts.get(i), Style.GOOD);
             statement(quoted("legend " + i), "label", texts.get(i), "class", "legend",
                       "color", i < meanings.size() ? style.frame : fabrics.get(i - meanings.size()).hue,
-                      "fillcolor", style.fill, "fontcolor", style.ink, "penwidth", i < meanings.size() ? style.width : 1.6,
-                      "tooltip", texts.get(i), style == Style.LOST ? List.of("style", "rounded,filled,dashed") : NOTHING,
-                      place(row.get(i)));
+                      "fillcolor", style.fill, "fontcolor", style.ink,
+                      "penwidth", i < meanings.size() ? style.width : 1.6, "tooltip", texts.get(i),
+                      style == Style.LOST ? List.of("style", "rounded,filled,dashed") : NOTHING, place(row.get(i)));
         }
     }
 

@@ -15,8 +15,8 @@ import java.util.function.Function;
 import java.util.stream.Collectors;
 
 /**
- * Where everything stands: a column for each kind, in each the things by their order, so that the pictures of two hosts,
- * or of one at two times, lie side by side. Lengths are points; heights grow upwards.
+ * Where everything stands: a column for each kind, in each the things by their order, so that the pictures of two
+ * hosts, or of one at two times, lie side by side. Lengths are points; heights grow upwards.
  */
 final class Layout {
     /** A rectangle. */
@@ -49,11 +49,11 @@ final class Layout {
 
     /** Of the characters from the blank on in thousandths of the size, as Helvetica has. */
     private static final short[] WIDTHS = {
-        278, 278, 355, 556, 556, 889, 667, 191, 333, 333, 389, 584, 278, 333, 278, 278, 556, 556, 556, 556, 556, 556, 556,
-        556, 556, 556, 278, 278, 584, 584, 584, 556, 1015, 667, 667, 722, 722, 667, 611, 778, 722, 278, 500, 667, 556, 833,
-        722, 778, 667, 778, 722, 667, 611, 722, 667, 944, 667, 667, 611, 278, 278, 278, 469, 556, 333, 556, 556, 500, 556,
-        556, 278, 556, 556, 222, 222, 500, 222, 833, 556, 556, 556, 556, 333, 500, 278, 556, 500, 722, 500, 500, 500, 334,
-        260, 334, 584};
+        278, 278, 355, 556, 556, 889, 667, 191, 333, 333, 389, 584, 278, 333, 278, 278, 556, 556, 556, 556, 556,
+        556, 556, 556, 556, 556, 278, 278, 584, 584, 584, 556, 1015, 667, 667, 722, 722, 667, 611, 778, 722, 278,
+        500, 667, 556, 833, 722, 778, 667, 778, 722, 667, 611, 722, 667, 944, 667, 667, 611, 278, 278, 278, 469,
+        556, 333, 556, 556, 500, 556, 556, 278, 556, 556, 222, 222, 500, 222, 833, 556, 556, 556, 556, 333, 500,
+        278, 556, 500, 722, 500, 500, 500, 334, 260, 334, 584};
 
     final Map<Node, Box> boxes = new HashMap<>();
     /** The frames around groups. */
@@ -64,12 +64,13 @@ final class Layout {
 
     /** Places all. Each thing's box holds the lines that the function tells. */
     Layout(Topology topology, Function<Node, List<String>> lines) {
-        Map<Kind, List<Node>> columns = topology.nodes.values().stream().sorted(Comparator.comparing(node -> node.order))
-            .collect(Collectors.groupingBy(node -> node.kind));
+        Map<Kind, List<Node>> columns = topology.nodes.values().stream()
+            .sorted(Comparator.comparing(node -> node.order)).collect(Collectors.groupingBy(node -> node.kind));
         topology.nodes.values().forEach(node -> {
             List<String> shown = lines.apply(node);
-            boxes.put(node, new Box(shown.stream().mapToDouble(line -> width(line) * (line == shown.get(0) ? 1.09 : 1))
-                                        .max().orElse(0) + 2 * MARGIN, shown.size() * LINE + MARGIN));
+            double widest = shown.stream().mapToDouble(line -> width(line) * (line == shown.get(0) ? 1.09 : 1))
+                                .max().orElse(0);
+            boxes.put(node, new Box(widest + 2 * MARGIN, shown.size() * LINE + MARGIN));
         });
         placeAcross(topology, columns);
         double height = placeArrays(topology, columns);
@@ -112,8 +113,8 @@ final class Layout {
         double start = from.x + from.width / 2;
         double end = to.x - to.width / 2;
         double bend = Math.min(80, (end - start) / 2);
-        return point(start, heights[0]) + " " + point(start + bend, heights[0]) + " " + point(end - bend, heights[1]) + " "
-            + point(end, heights[1]);
+        return point(start, heights[0]) + " " + point(start + bend, heights[0]) + " "
+            + point(end - bend, heights[1]) + " " + point(end, heights[1]);
     }
 
     /** Where a label of the line has its middle: before the end, above it. */

@@ -60,7 +60,8 @@ public final class TopologyBuilder {
         for (String each : names) {
             int number = hues.size();
             hues.put(each, number % 2 == 0 ? Palette.FABRIC_A : Palette.FABRIC_B);
-            titles.put(each, "Fabric " + (names.size() <= LETTERS ? String.valueOf((char) ('A' + number)) : number + 1));
+            titles.put(each, "Fabric " + (names.size() <= LETTERS ? String.valueOf((char) ('A' + number))
+                                              : number + 1));
         }
     }
 
@@ -92,7 +93,9 @@ public final class TopologyBuilder {
         grouping.remotePorts(findings).forEach(this::drawRemotePorts);
         grouping.units(this::remark, unit -> unit.paths.stream().map(path -> toRemotePorts.get(path.remote))
                                    .collect(Collectors.toList())).forEach(units -> drawUnits(units, changes));
-        paths.units.stream().collect(Collectors.groupingBy(unit -> Wording.group(unit.node))).forEach((title, units) -> {
+        Map<String, List<LogicalUnit>> arrays =
+            paths.units.stream().collect(Collectors.groupingBy(unit -> Wording.group(unit.node)));
+        arrays.forEach((title, units) -> {
             String models = Wording.models(units);
             if (topology.groups.containsKey(title) && !models.isEmpty()) {
                 topology.groups.get(title).title += ", " + models;
@@ -106,7 +109,8 @@ public final class TopologyBuilder {
 
     /** What is to be remarked on a unit; mostly nothing. */
     private String remark(LogicalUnit unit) {
-        return unit.lacksPaths() ? Wording.remark(unit) : String.join("; ", findings.getOrDefault(unit.place(), List.of()));
+        return unit.lacksPaths() ? Wording.remark(unit)
+            : String.join("; ", findings.getOrDefault(unit.place(), List.of()));
     }
 
     private void drawAdapter(Fabric.Adapter adapter) {
@@ -295,9 +299,10 @@ public final class TopologyBuilder {
             }
             Node far = topology.at(Changes.far(lost.path.remote));
             if (far == null) {
-                far = gone(topology.node(Kind.REMOTE_PORT, "remote port " + Changes.far(lost.path.remote), "Array port",
-                                         grouping.apart ? Wording.group(lost.unit.node) : ""), Changes.far(lost.path.remote));
-                topology.places.put(Changes.far(lost.path.remote), far);
+                String known = Changes.far(lost.path.remote);
+                far = gone(topology.node(Kind.REMOTE_PORT, "remote port " + known, "Array port",
+                                         grouping.apart ? Wording.group(lost.unit.node) : ""), known);
+                topology.places.put(known, far);
             }
             way.add(far);
             Node box = topology.at(lost.unit.place());

@@ -40,7 +40,8 @@ final class Accepted {
         for (int i = 1; i < parts.length; i++) {
             String parameter = parts[i].strip();
             if (parameter.startsWith("q=")) {
-                return parameter.matches("q=(0(\\.\\d{0,3})?|1(\\.0{0,3})?)") ? Double.parseDouble(parameter.substring(2)) : 0;
+                return parameter.matches("q=(0(\\.\\d{0,3})?|1(\\.0{0,3})?)")
+                    ? Double.parseDouble(parameter.substring(2)) : 0;
             }
         }
         return 1;

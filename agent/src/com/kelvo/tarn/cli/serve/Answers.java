@@ -45,13 +45,15 @@ final class Answers {
      * @param drawing how a picture is waited for
      * @param program what draws it, with its version
      */
-    Answers(Library library, Asking asking, Supplier<Sample> sampling, Asking drawing, boolean isExample, String program) {
+    Answers(Library library, Asking asking, Supplier<Sample> sampling, Asking drawing, boolean isExample,
+            String program) {
         this.drawing = drawing;
         asked = new Asked(library, List.of(), asking);
         CheckRules rules = new CheckRules();
         found = Check.of(asked, null, rules);
         origin = (isExample ? "built-in example"
-            : asked.recordedAt == null ? "asked " + rules.now : "recorded " + asked.recordedAt) + "; drawn by " + program;
+            : asked.recordedAt == null ? "asked " + rules.now : "recorded " + asked.recordedAt)
+            + "; drawn by " + program;
 
         Exposition exposition = HostMetrics.of(library, asked, asking, sampling);
         metrics = Body.of("text/plain; version=0.0.4", exposition.text());

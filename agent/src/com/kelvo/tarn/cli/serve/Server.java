@@ -29,8 +29,8 @@ public final class Server {
     /** Questions in a round, at most. */
     private static final int SECTIONS = 16;
 
-    private static final String INDEX = "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\"><title>tarn</title>\n"
-        + "<h1>tarn</h1>\n<ul>\n<li><a href=\"metrics\">Metrics</a> for Prometheus\n"
+    private static final String INDEX = "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\">"
+        + "<title>tarn</title>\n<h1>tarn</h1>\n<ul>\n<li><a href=\"metrics\">Metrics</a> for Prometheus\n"
         + "<li><a href=\"check\">What is wrong</a>, as JSON\n<li><a href=\"map\">The storage network</a>\n"
         + "<li><a href=\"-/healthy\">Whether this answers</a>\n</ul>\n";
 
@@ -48,7 +48,8 @@ public final class Server {
         server = HttpServer.create(address, CONNECTIONS);
         server.createContext("/", this::handle);
         ThreadPoolExecutor threads = new ThreadPoolExecutor(
-            CONNECTIONS, CONNECTIONS, 30, TimeUnit.SECONDS, new LinkedBlockingQueue<>(), task -> new Thread(task, "http"));
+            CONNECTIONS, CONNECTIONS, 30, TimeUnit.SECONDS, new LinkedBlockingQueue<>(),
+            task -> new Thread(task, "http"));
         threads.allowCoreThreadTimeOut(true);
         server.setExecutor(threads);
     }
@@ -65,8 +66,8 @@ public final class Server {
      * @return where it listens
      * @throws IOException when it cannot listen there
      */
-    public static InetSocketAddress start(InetSocketAddress address, Library library, boolean isExample, int freshSeconds,
-                                          int limitSeconds, String program) throws IOException {
+    public static InetSocketAddress start(InetSocketAddress address, Library library, boolean isExample,
+                                          int freshSeconds, int limitSeconds, String program) throws IOException {
         limitConnections(limitSeconds);
         Limits asking = new Limits(library.log(), limitSeconds);
         Sampling sampling = new Sampling(library);
