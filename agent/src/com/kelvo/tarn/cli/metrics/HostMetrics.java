@@ -11,6 +11,7 @@ import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
+import com.kelvo.tarn.cli.answers.PayloadRates;
 import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.inventory.DiskActivity;
@@ -36,10 +37,6 @@ import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
 public final class HostMetrics {
-    /** Bytes a second of each generation, by the bits that the library makes of it: 1, 2 and 10 Gb/s. */
-    private static final Map<Long, Long> PAYLOADS =
-        Map.of(1143535043L, 106_250_000L, 2287070085L, 212_500_000L, 11435350430L, 1_275_000_000L);
-
     private final Asked asked;
     /** What each disk does, by its instance; nothing where that cannot be told. */
     private final Map<String, DiskActivity> activity = new HashMap<>();
@@ -263,8 +260,7 @@ public final class HostMetrics {
     private void addSpeed(Fabric.Port port, Object[] labels) {
         Exposition.Family speed = out.gauge(
             "tarn_fc_port_speed_bytes_per_second", "The payload that the link of the port takes, by its generation.");
-        Long payload = port.instance == null ? null
-            : PAYLOADS.get(Instances.number(port.instance, HbaPortProvider.speed).longValue());
+        Long payload = port.instance == null ? null : PayloadRates.of(port.instance);
         if (payload != null) {
             speed.sample(payload, labels);
         }
