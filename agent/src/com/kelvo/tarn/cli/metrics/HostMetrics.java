@@ -6,6 +6,7 @@ import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Counter;
+import com.kelvo.tarn.cli.answers.DiskErrors;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.Instances;
@@ -201,15 +202,8 @@ public final class HostMetrics {
             writes.sample(disk.writes, labels);
             waiting.sample(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
             if (disk.errors != null) {
-                errors.sample(disk.errors.soft, with(labels, "kind", "soft"));
-                errors.sample(disk.errors.hard, with(labels, "kind", "hard"));
-                errors.sample(disk.errors.transport, with(labels, "kind", "transport"));
-                errors.sample(disk.errors.media, with(labels, "kind", "media"));
-                errors.sample(disk.errors.notReady, with(labels, "kind", "not_ready"));
-                errors.sample(disk.errors.noDevice, with(labels, "kind", "no_device"));
-                errors.sample(disk.errors.recoverable, with(labels, "kind", "recoverable"));
-                errors.sample(disk.errors.illegalRequest, with(labels, "kind", "illegal_request"));
-                errors.sample(disk.errors.predictiveFailure, with(labels, "kind", "predictive_failure"));
+                DiskErrors.of(disk.errors).forEach((kind, count) -> errors.sample(
+                    count, with(labels, "kind", kind.replaceAll("(?=[A-Z])", "_").toLowerCase(Locale.ROOT))));
             }
         }
         Exposition.Family bytes = out.counter("tarn_fc_port_bytes_total", "Bytes through the port, of words of four.");

@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.output;
 
 import com.kelvo.tarn.cli.answers.Activity;
+import com.kelvo.tarn.cli.answers.DiskErrors;
 import com.kelvo.tarn.cli.answers.DiskLoad;
 import com.kelvo.tarn.cli.answers.PortLoad;
 import java.util.List;
@@ -53,7 +54,7 @@ public final class ActivityTables {
     public RateTable<Activity.Disk> disks(boolean isFirst) {
         RateTable<Activity.Disk> table = loads(new RateTable<>("device", Activity.Disk::name));
         if (hasErrors) {
-            errors(table, Activity.diskErrorKinds(), disk -> disk.errors, isFirst);
+            errors(table, DiskErrors.kinds(), disk -> disk.errors, isFirst);
         }
         return table;
     }
