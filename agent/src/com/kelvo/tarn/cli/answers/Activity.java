@@ -129,9 +129,10 @@ public final class Activity {
                 && disks.stream().allMatch(disk -> !disk.isNew && disk.increase.isNothing());
         }
 
-        /** {@return whether disks or ports came or went} */
+        /** {@return whether disks or ports came since the reading before, or disks went} */
         public boolean isOther() {
-            return !gone.isEmpty() || disks.stream().anyMatch(disk -> disk.isNew);
+            return !isFirst && (!gone.isEmpty() || disks.stream().anyMatch(disk -> disk.isNew)
+                                || ports.stream().anyMatch(port -> port.isNew));
         }
 
         /**
