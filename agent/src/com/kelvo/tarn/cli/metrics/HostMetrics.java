@@ -55,11 +55,11 @@ public final class HostMetrics {
      * @param asking how the library is asked
      * @param sampling reads what disks and ports do
      */
-    public static Exposition of(Library library, Asked asked, Asking asking,
-                                Supplier<Sample> sampling) {
+    public static Exposition of(Library library, Asked asked, Asking asking, Supplier<Sample> sampling) {
         HostMetrics metrics = new HostMetrics(asked);
         metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
-        metrics.section("operating-system", () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
+        metrics.section("operating-system",
+                        () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
         metrics.answered("logical-disks", metrics::addFileSystems);
         metrics.answered("processors", metrics::addProcessors);
         metrics.section("cpu", () -> asking.ask("cpu", library::cpu).forEach(metrics::add));
@@ -208,7 +208,7 @@ public final class HostMetrics {
         }
         Exposition.Family bytes = out.counter("tarn_fc_port_bytes_total", "Bytes through the port, of words of four.");
         for (PortTraffic port : sample.ports) {
-            Object[] labels = {"adapter", port.adapter, "port", port.port, "wwn", port.wwn};
+            Object[] labels = {"adapter", port.adapter, "port", port.port, "wwn", Instances.name(port.wwn)};
             addWords(bytes, port.txWords, with(labels, "direction", "transmitted"));
             addWords(bytes, port.rxWords, with(labels, "direction", "received"));
         }
