@@ -17,9 +17,9 @@ import picocli.CommandLine.ParameterException;
 
 /** {@code serve}: a {@link Server}, until a signal ends it. */
 @Command(name = "serve", description = "The metrics, what is wrong and the picture over HTTP, until it is ended.",
-         footer = "/metrics is for Prometheus, /check JSON (as text/plain what the command check prints), /map the page of "
-             + "the command map, /-/healthy says that it runs. A question that takes too long is tarn_section_up 0, and "
-             + "not asked again until it has come back. There are neither users nor encryption.")
+         footer = "/metrics is for Prometheus, /check JSON (as text/plain what the command check prints), /map the "
+             + "page of the command map, /-/healthy says that it runs. A question that takes too long is "
+             + "tarn_section_up 0, and not asked again until it has come back. There are neither users nor encryption.")
 public final class ServeCommand extends InquiryCommand {
     private static final Pattern ADDRESS = Pattern.compile("(?:\\[([^\\[\\]]+)]|([^\\[\\]:]+)):(\\d+)");
     private static final int LAST_PORT = 65535;
@@ -54,7 +54,8 @@ public final class ServeCommand extends InquiryCommand {
             out.flush();
             spec().commandLine().getErr().flush(); // which host answers
         } catch (IOException refused) {
-            throw new ParameterException(spec().commandLine(), "--listen: " + listen + ": " + refused.getMessage(), refused);
+            throw new ParameterException(spec().commandLine(), "--listen: " + listen + ": " + refused.getMessage(),
+                                         refused);
         }
         new CountDownLatch(1).await(); // a signal ends the virtual machine
         return Answer.missing("it has ended");
