@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Makes a jar whose bytes say neither when nor where it was made: make-jar.sh JAR-TOOL JAR MANIFEST CLASSES
-# The tool can be told a time only from Java 17 on: here the files have it. A manifest of the tool's own making would have
-# the present.
+# The tool can be told a time only from Java 17 on: here the files have it. A manifest of the tool's own making would
+# have the present.
 set -euo pipefail
 export LC_ALL=C TZ=UTC
 

@@ -230,6 +230,12 @@ class CommandLine(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (1, b""))
         self.assertEqual(json.loads(done.stdout)["result"], ask(f"compare {was} {now}")["result"])
 
+    def test_a_watch_of_a_pipe(self):
+        done = subprocess.run(["bash", "-c", f"{TARN} watch --host <(cat {ROOT}/hosts/rill.json)"], timeout=120,
+                              capture_output=True)
+        self.assertEqual((done.returncode, done.stdout), (2, b""))
+        self.assertRegex(done.stderr, b"^tarn: /dev/fd/[0-9]+: no file;")
+
     def test_the_cookbook(self):
         recipes = re.findall(r"```console\n(.*?)```", (ROOT / "docs/cookbook.md").read_text(), re.S)
         self.assertGreaterEqual(len(recipes), 12)

@@ -12,13 +12,16 @@ public final class Identity {
     public final String revision;
     /** Its unit serial number. */
     public final String serial;
-    /** The logical unit's best identifier: "naa." and lower-case hexadecimal digits, "eui." and such, or "t10." and text. */
+    /**
+     * The logical unit's best identifier: "naa." and lower-case hexadecimal digits, "eui." and such, or "t10." and
+     * text.
+     */
     public final String designator;
     /** Its size in bytes, as the driver tells. */
     public final Long sizeBytes;
     /**
-     * Where what is known comes from: "driver" when only its statistics told of it, "device" when some of it is the answer
-     * to a command, "name" when the designator comes of the name; null when nothing is known.
+     * Where what is known comes from: "driver" when only its statistics told of it, "device" when some of it is the
+     * answer to a command, "name" when the designator comes of the name; null when nothing is known.
      */
     public final String from;
 

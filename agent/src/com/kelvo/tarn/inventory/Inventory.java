@@ -37,8 +37,8 @@ public final class Inventory {
     }
 
     /**
-     * The mounts of the kinds zfs and vxfs, with their sizes. They are asked at once, and one that does not answer costs
-     * its own row's sizes; it is not asked again before it has answered.
+     * The mounts of the kinds zfs and vxfs, with their sizes. They are asked at once, and one that does not answer
+     * costs its own row's sizes; it is not asked again before it has answered.
      *
      * @param limit how long each has to tell its sizes, in milliseconds and at most an hour
      * @return an unmodifiable list, in the mount table's order

@@ -1,8 +1,8 @@
 package com.kelvo.tarn.inventory;
 
 /**
- * Reads what disks and ports do, again and again. It keeps the kernel statistics open in between, and sees disks that come
- * and go. Any thread may call any method: readings follow one another.
+ * Reads what disks and ports do, again and again. It keeps the kernel statistics open in between, and sees disks that
+ * come and go. Any thread may call any method: readings follow one another.
  */
 public final class Sampler implements AutoCloseable {
     static {

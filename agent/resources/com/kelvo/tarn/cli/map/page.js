@@ -38,7 +38,8 @@
   const margin = 12;
   const roomiest = 1.3; // a scale beyond which nothing reads better
   // The wheel is the page's, until Ctrl makes it the picture's.
-  const zoom = d3.zoom().filter(() => d3.event.type === "wheel" ? d3.event.ctrlKey : !d3.event.ctrlKey && !d3.event.button)
+  const zoom = d3.zoom()
+    .filter(() => d3.event.type === "wheel" ? d3.event.ctrlKey : !d3.event.ctrlKey && !d3.event.button)
     .on("zoom", () => layer.attr("transform", d3.event.transform));
   svg.call(zoom).on("dblclick.zoom", null);
 
@@ -66,7 +67,8 @@
   function begin() {
     const box = layer.node().getBBox();
     const across = Math.min(roomiest, (svg.node().getBoundingClientRect().width - 2 * margin) / box.width);
-    picture.style("height", Math.max(200, Math.min(box.height * across + 2 * margin, window.innerHeight * 0.75)) + "px");
+    picture.style("height", Math.max(200, Math.min(box.height * across + 2 * margin,
+                                                   window.innerHeight * 0.75)) + "px");
     fit();
     if (scaleOf(box) < across / 3) {
       showBox(box, across);
@@ -176,20 +178,23 @@
     const graph = d3.select(thing.group.node().parentNode);
     const below = Math.ceil(members.length / across);
     const group = graph.append("g").attr("class", "opened").attr(
-      "transform", `translate(${box.x + box.width + 14},${box.y + box.height / 2 - below * high / 2})`).on("click", close);
+      "transform", `translate(${box.x + box.width + 14},${box.y + box.height / 2 - below * high / 2})`)
+      .on("click", close);
     group.append("rect").attr("class", "paper").attr("x", -6).attr("y", -6).attr("rx", 6)
       .attr("width", across * wide + 6).attr("height", below * high + 6);
     const each = group.selectAll("g").data(members).enter().append("g").attr(
       "transform", (member, i) => `translate(${i % across * wide},${Math.floor(i / across) * high})`);
     each.append("rect").attr("width", wide - 6).attr("height", high - 6).attr("rx", 4);
     each.append("text").attr("class", "name").attr("x", 8).attr("y", 14).text(([name]) => name);
-    each.append("text").attr("x", 8).attr("y", 28).text(([, text]) => text.length > 34 ? text.slice(0, 33) + "…" : text);
+    each.append("text").attr("x", 8).attr("y", 28)
+      .text(([, text]) => text.length > 34 ? text.slice(0, 33) + "…" : text);
     each.append("title").text(([name, text]) => name + " " + text);
     picture.style("height", Math.max(svg.node().getBoundingClientRect().height,
                                      Math.min(below * high + 60, window.innerHeight * 0.75)) + "px");
     zoom.scaleExtent([Math.min(roomiest, scaleOf(layer.node().getBBox())), 8]);
     const scale = d3.zoomTransform(svg.node()).k;
-    const both = {x: box.x, y: box.y, width: across * wide + box.width + 30, height: Math.max(box.height, below * high)};
+    const both = {x: box.x, y: box.y, width: across * wide + box.width + 30,
+                  height: Math.max(box.height, below * high)};
     if (scaleOf(both) < scale) {
       svg.call(zoom.scaleTo, scaleOf(both));
     }
@@ -250,7 +255,8 @@
   things.forEach(thing => {
     const shared = thing.members.length > 0;
     thing.group.attr("role", "button").attr("aria-expanded", shared ? "false" : null)
-      .attr("aria-label", [thing.name, ...thing.reasons, ...(shared ? [`${thing.members.length} share it`] : [])].join(", "))
+      .attr("aria-label", [thing.name, ...thing.reasons,
+                           ...(shared ? [`${thing.members.length} share it`] : [])].join(", "))
       .on("mouseenter", () => show(thing)).on("mouseleave", () => show(kept)).on("click", () => toggle(thing))
       .on("focus", () => { kept = thing; stopAt(thing); show(thing); reveal(thing.group.node()); })
       .on("blur", () => { kept = null; show(null); });
@@ -281,7 +287,8 @@
       }
     });
     const hits = things.filter(thing => found[thing.number]);
-    things.forEach(thing => thing.group.classed("dim", !found[thing.number]).classed("hit", some && found[thing.number]));
+    things.forEach(thing => thing.group.classed("dim", !found[thing.number])
+      .classed("hit", some && found[thing.number]));
     lines.forEach(line => line.group.classed("dim", !found[line.from] || !found[line.to]));
     if (some && hits.length > 0) {
       reach(hits);
@@ -342,7 +349,8 @@
       heads.attr("aria-sort", null);
       head.attr("aria-sort", falling ? "descending" : "ascending");
       const units = d3.nest().key(row => row.unit).sortValues(
-        (one, other) => sign * compare(one.cells[column], other.cells[column])).entries(rows).map(entry => entry.values);
+        (one, other) => sign * compare(one.cells[column], other.cells[column]))
+        .entries(rows).map(entry => entry.values);
       units.sort(([one], [other]) => sign * compare(one.cells[column], other.cells[column]));
       lay(units.flat());
     });

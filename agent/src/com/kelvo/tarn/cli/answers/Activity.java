@@ -14,20 +14,6 @@ import java.util.stream.Stream;
 
 /** Makes rates of samples that follow one another. */
 public final class Activity {
-    private static final Map<String, Function<DiskActivity.Errors, Long>> DISK_ERRORS = new LinkedHashMap<>();
-
-    static {
-        DISK_ERRORS.put("soft", errors -> errors.soft);
-        DISK_ERRORS.put("hard", errors -> errors.hard);
-        DISK_ERRORS.put("transport", errors -> errors.transport);
-        DISK_ERRORS.put("media", errors -> errors.media);
-        DISK_ERRORS.put("notReady", errors -> errors.notReady);
-        DISK_ERRORS.put("noDevice", errors -> errors.noDevice);
-        DISK_ERRORS.put("recoverable", errors -> errors.recoverable);
-        DISK_ERRORS.put("illegalRequest", errors -> errors.illegalRequest);
-        DISK_ERRORS.put("predictiveFailure", errors -> errors.predictiveFailure);
-    }
-
     /** One disk in an interval. */
     public static final class Disk extends DiskLoad {
         /** Such as "c1t0d0", or null. */
@@ -62,9 +48,10 @@ public final class Activity {
         }
 
         private static Map<String, Long> increases(DiskActivity.Errors before, DiskActivity.Errors now) {
-            Map<String, Long> increases = new LinkedHashMap<>();
-            DISK_ERRORS.forEach((kind, counter) -> increases.put(
-                kind, counter.apply(now) - (before == null ? 0 : counter.apply(before))));
+            Map<String, Long> increases = DiskErrors.of(now);
+            if (before != null) {
+                DiskErrors.of(before).forEach((kind, was) -> increases.merge(kind, -was, Long::sum));
+            }
             return increases.values().stream().anyMatch(increase -> increase < 0) ? null : increases;
         }
 
@@ -142,9 +129,10 @@ public final class Activity {
                 && disks.stream().allMatch(disk -> !disk.isNew && disk.increase.isNothing());
         }
 
-        /** {@return whether disks or ports came or went} */
+        /** {@return whether disks or ports came since the reading before, or disks went} */
         public boolean isOther() {
-            return !gone.isEmpty() || disks.stream().anyMatch(disk -> disk.isNew);
+            return !isFirst && (!gone.isEmpty() || disks.stream().anyMatch(disk -> disk.isNew)
+                                || ports.stream().anyMatch(port -> port.isNew));
         }
 
         /**
@@ -169,11 +157,6 @@ public final class Activity {
     private Map<String, PortTraffic> ports = Map.of();
     /** The instances of the last reading, with the disks' names. */
     private Map<String, String> there;
-
-    /** {@return the kinds of errors of disks, in the order in which they are told} */
-    public static List<String> diskErrorKinds() {
-        return List.copyOf(DISK_ERRORS.keySet());
-    }
 
     /**
      * {@return what was done since the last sample}

@@ -212,9 +212,9 @@ public final class Check {
             Independence independence = new Independence(fabric, paths);
             for (LogicalUnit unit : paths.units) {
                 if (unit.lacksPaths()) {
-                    addUnit(false, Code.SINGLE_PATH, unit, unit, disks);
+                    addUnit(false, Code.SINGLE_PATH, unit, disks);
                 }
-                independence.of(unit).forEach(flaw -> addUnit(false, Code.valueOf(flaw.name()), unit, unit, disks));
+                independence.of(unit).forEach(flaw -> addUnit(false, Code.valueOf(flaw.name()), unit, disks));
             }
         }
 
@@ -250,7 +250,7 @@ public final class Check {
             for (LogicalUnit before : baseline.paths.units) {
                 LogicalUnit now = units.get(before.place());
                 if (now == null) {
-                    addUnit(true, Code.UNIT_LOST, before, before, baseline.disks);
+                    addUnit(true, Code.UNIT_LOST, before, baseline.disks);
                 } else if (now.onlinePaths() < before.onlinePaths()) {
                     // What was mounted on it may have been by the path that is gone.
                     findings.add(new Finding(
@@ -271,8 +271,8 @@ public final class Check {
             return Stream.concat(one.stream(), other.stream()).distinct().collect(Collectors.toList());
         }
 
-        private void addUnit(boolean critical, Code code, LogicalUnit unit, Object fact, Disks known) {
-            findings.add(new Finding(critical, code, unit.place(), fact, unit.disks(),
+        private void addUnit(boolean critical, Code code, LogicalUnit unit, Disks known) {
+            findings.add(new Finding(critical, code, unit.place(), unit, unit.disks(),
                                      known.mountPointsOn(unit.disks())));
         }
 

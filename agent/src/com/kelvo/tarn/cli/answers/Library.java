@@ -22,6 +22,8 @@ import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import com.kelvo.tarn.replay.ReplayHost;
+import java.nio.file.Files;
+import java.nio.file.Path;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
@@ -33,7 +35,7 @@ public final class Library {
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
     private Instant recordedAt;
-    /** Of the host that was loaded last; the inventory is told of it when it is first asked. */
+    /** Of the host that was loaded last; the inventory, a library of its own, reads it as a sampler is made. */
     private String description;
 
     /**
@@ -251,6 +253,11 @@ public final class Library {
      */
     public Sampler sampler() {
         if (description != null) {
+            if (!Files.isRegularFile(Path.of(description))) {
+                throw new IllegalArgumentException(
+                    description + ": no file; what disks and ports do needs one, "
+                    + "since the description is read twice for it");
+            }
             InventoryHost.load(description);
         }
         return Inventory.sampler();

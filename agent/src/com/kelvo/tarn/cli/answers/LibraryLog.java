@@ -10,8 +10,8 @@ import org.apache.log4j.spi.LoggingEvent;
 
 /**
  * Collects the log lines of the agent, which are the library's, for each thread those of its own calls: the first
- * {@value #KEPT}. A host on which every call fails has hundreds of thousands of them, and the rest is counted in a line at
- * the end.
+ * {@value #KEPT}. A host on which every call fails has hundreds of thousands of them, and the rest is counted in a line
+ * at the end.
  */
 public final class LibraryLog extends AppenderSkeleton {
     /** One line. */
@@ -105,11 +105,13 @@ public final class LibraryLog extends AppenderSkeleton {
         Kept own = kept.get();
         int mark = own.lines.size();
         int unkeptBefore = own.unkept;
+        boolean unkeptWarningsBefore = own.unkeptWarnings;
         try {
             return question.get();
         } finally {
             own.lines.subList(mark, own.lines.size()).clear();
             own.unkept = unkeptBefore;
+            own.unkeptWarnings = unkeptWarningsBefore;
         }
     }
 

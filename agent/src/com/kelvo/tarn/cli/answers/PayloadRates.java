@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.answers;
 
+import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import java.util.HashMap;
 import java.util.Map;
@@ -19,8 +20,16 @@ public final class PayloadRates {
      */
     public PayloadRates(Fabric fabric) {
         fabric.ports().stream().filter(port -> port.instance != null).forEach(port -> byPort.put(
-            Instances.name(port.instance, HbaPortProvider.permanentAddress),
-            BY_SPEED.get(Instances.number(port.instance, HbaPortProvider.speed).longValue())));
+            Instances.name(port.instance, HbaPortProvider.permanentAddress), of(port.instance)));
+    }
+
+    /**
+     * {@return what the link of a port can carry; null when its speed is not known}
+     *
+     * @param port local or remote
+     */
+    public static Long of(TrInstance port) {
+        return BY_SPEED.get(Instances.number(port, HbaPortProvider.speed).longValue());
     }
 
     /**

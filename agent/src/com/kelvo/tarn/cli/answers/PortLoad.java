@@ -6,6 +6,8 @@ import java.util.List;
 import java.util.Map;
 import java.util.Objects;
 import java.util.function.Function;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /** What went through a port in an interval. What is not counted is null, and all is where counters were reset. */
 public final class PortLoad {
@@ -24,9 +26,10 @@ public final class PortLoad {
         ERRORS.put("invalidCrcs", port -> port.invalidCrcs);
     }
 
-    private static final List<Function<PortTraffic, Long>> OTHERS = List.of(
-        port -> port.secondsSinceLastReset, port -> port.txFrames, port -> port.txWords, port -> port.rxFrames,
-        port -> port.rxWords, port -> port.lip, port -> port.nos);
+    private static final List<Function<PortTraffic, Long>> COUNTERS = Stream.concat(
+        ERRORS.values().stream(), Stream.<Function<PortTraffic, Long>>of(
+            port -> port.secondsSinceLastReset, port -> port.txFrames, port -> port.txWords, port -> port.rxFrames,
+            port -> port.rxWords, port -> port.lip, port -> port.nos)).collect(Collectors.toList());
 
     /** The adapter's index. */
     public final int adapter;
@@ -51,6 +54,8 @@ public final class PortLoad {
     /** Whether counters were reset. */
     public final boolean reset;
 
+    /** Whether it was not there before. */
+    final transient boolean isNew;
     /** Whether nothing was there to tell the port from how it was. */
     final transient boolean isNothing;
 
@@ -66,12 +71,11 @@ public final class PortLoad {
         adapter = now.adapter;
         port = now.port;
         wwn = now.wwn;
-        reset = before != null && (OTHERS.stream().anyMatch(counter -> wentBack(counter, before, now))
-                                   || ERRORS.values().stream().anyMatch(counter -> wentBack(counter, before, now)));
-        isNothing = before != null
-            && OTHERS.stream().allMatch(counter -> Objects.equals(counter.apply(before), counter.apply(now)))
-            && ERRORS.values().stream().allMatch(counter -> Objects.equals(counter.apply(before), counter.apply(now)));
-        Double seconds = before != null ? interval : number(now.secondsSinceLastReset);
+        isNew = before == null;
+        reset = !isNew && COUNTERS.stream().anyMatch(counter -> wentBack(counter, before, now));
+        isNothing = !isNew
+            && COUNTERS.stream().allMatch(counter -> Objects.equals(counter.apply(before), counter.apply(now)));
+        Double seconds = isNew ? number(now.secondsSinceLastReset) : interval;
         framesSentPerSecond = perSecond(increase(traffic -> traffic.txFrames, before, now), seconds);
         framesReceivedPerSecond = perSecond(increase(traffic -> traffic.rxFrames, before, now), seconds);
         bytesSentPerSecond = bytes(perSecond(increase(traffic -> traffic.txWords, before, now), seconds));

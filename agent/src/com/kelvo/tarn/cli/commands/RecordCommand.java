@@ -83,8 +83,8 @@ public final class RecordCommand implements Callable<Integer> {
             recorder.environment().put("TARN_HOST", host.getPath());
         }
         AtomicReference<Process> started = new AtomicReference<>();
-        Runtime.getRuntime().addShutdownHook(new Thread(() -> end(started)));
         synchronized (started) {
+            Runtime.getRuntime().addShutdownHook(new Thread(() -> end(started)));
             started.set(recorder.start());
         }
         return started.get().waitFor();

@@ -38,9 +38,10 @@ import picocli.CommandLine.Spec;
 /** {@code watch}: the {@link Activity} of disks, logical units and ports, a table an interval. */
 @Command(name = "watch", description = "What disks do, a table an interval: the first since boot, each other since the "
              + "one before it.",
-         footer = "The columns are those of iostat -xn. Two exclamation marks stand before errors that grew, and before "
-             + "what is slower than --slow says. Intervals are measured by the kernel's clock. A host description is read "
-             + "through without waiting, as far as it has readings. SIGINT ends it; the exit status is 0 then, too.")
+         footer = "The columns are those of iostat -xn. Two exclamation marks stand before errors that grew, and "
+             + "before what is slower than --slow says. Intervals are measured by the kernel's clock. A host "
+             + "description is read through without waiting, as far as it has readings. SIGINT ends it; the exit "
+             + "status is 0 then, too.")
 public final class WatchCommand implements Callable<Integer> {
     @ParentCommand
     private TarnOptions tarn;

@@ -6,11 +6,13 @@ import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Counter;
+import com.kelvo.tarn.cli.answers.DiskErrors;
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
+import com.kelvo.tarn.cli.answers.PayloadRates;
 import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.inventory.DiskActivity;
@@ -36,10 +38,6 @@ import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
 public final class HostMetrics {
-    /** Bytes a second of each generation, by the bits that the library makes of it: 1, 2 and 10 Gb/s. */
-    private static final Map<Long, Long> PAYLOADS =
-        Map.of(1143535043L, 106_250_000L, 2287070085L, 212_500_000L, 11435350430L, 1_275_000_000L);
-
     private final Asked asked;
     /** What each disk does, by its instance; nothing where that cannot be told. */
     private final Map<String, DiskActivity> activity = new HashMap<>();
@@ -57,11 +55,11 @@ public final class HostMetrics {
      * @param asking how the library is asked
      * @param sampling reads what disks and ports do
      */
-    public static Exposition of(Library library, Asked asked, Asking asking,
-                                Supplier<Sample> sampling) {
+    public static Exposition of(Library library, Asked asked, Asking asking, Supplier<Sample> sampling) {
         HostMetrics metrics = new HostMetrics(asked);
         metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
-        metrics.section("operating-system", () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
+        metrics.section("operating-system",
+                        () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
         metrics.answered("logical-disks", metrics::addFileSystems);
         metrics.answered("processors", metrics::addProcessors);
         metrics.section("cpu", () -> asking.ask("cpu", library::cpu).forEach(metrics::add));
@@ -204,20 +202,13 @@ public final class HostMetrics {
             writes.sample(disk.writes, labels);
             waiting.sample(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
             if (disk.errors != null) {
-                errors.sample(disk.errors.soft, with(labels, "kind", "soft"));
-                errors.sample(disk.errors.hard, with(labels, "kind", "hard"));
-                errors.sample(disk.errors.transport, with(labels, "kind", "transport"));
-                errors.sample(disk.errors.media, with(labels, "kind", "media"));
-                errors.sample(disk.errors.notReady, with(labels, "kind", "not_ready"));
-                errors.sample(disk.errors.noDevice, with(labels, "kind", "no_device"));
-                errors.sample(disk.errors.recoverable, with(labels, "kind", "recoverable"));
-                errors.sample(disk.errors.illegalRequest, with(labels, "kind", "illegal_request"));
-                errors.sample(disk.errors.predictiveFailure, with(labels, "kind", "predictive_failure"));
+                DiskErrors.of(disk.errors).forEach((kind, count) -> errors.sample(
+                    count, with(labels, "kind", kind.replaceAll("(?=[A-Z])", "_").toLowerCase(Locale.ROOT))));
             }
         }
         Exposition.Family bytes = out.counter("tarn_fc_port_bytes_total", "Bytes through the port, of words of four.");
         for (PortTraffic port : sample.ports) {
-            Object[] labels = {"adapter", port.adapter, "port", port.port, "wwn", port.wwn};
+            Object[] labels = {"adapter", port.adapter, "port", port.port, "wwn", Instances.name(port.wwn)};
             addWords(bytes, port.txWords, with(labels, "direction", "transmitted"));
             addWords(bytes, port.rxWords, with(labels, "direction", "received"));
         }
@@ -263,8 +254,7 @@ public final class HostMetrics {
     private void addSpeed(Fabric.Port port, Object[] labels) {
         Exposition.Family speed = out.gauge(
             "tarn_fc_port_speed_bytes_per_second", "The payload that the link of the port takes, by its generation.");
-        Long payload = port.instance == null ? null
-            : PAYLOADS.get(Instances.number(port.instance, HbaPortProvider.speed).longValue());
+        Long payload = port.instance == null ? null : PayloadRates.of(port.instance);
         if (payload != null) {
             speed.sample(payload, labels);
         }

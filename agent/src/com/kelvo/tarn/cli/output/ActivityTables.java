@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.output;
 
 import com.kelvo.tarn.cli.answers.Activity;
+import com.kelvo.tarn.cli.answers.DiskErrors;
 import com.kelvo.tarn.cli.answers.DiskLoad;
 import com.kelvo.tarn.cli.answers.PortLoad;
 import java.util.List;
@@ -14,22 +15,20 @@ public final class ActivityTables {
     private static final double KIB = 1024;
     private static final double MB = 1e6;
 
-    /** What each kind of error is called: over a column, and in words. */
-    private static final Map<String, List<String>> ERRORS = Map.ofEntries(
-        Map.entry("soft", List.of("s/w", "soft errors")), Map.entry("hard", List.of("h/w", "hard errors")),
-        Map.entry("transport", List.of("trn", "transport errors")), Map.entry("media", List.of("med", "media errors")),
-        Map.entry("notReady", List.of("nrdy", "not ready")), Map.entry("noDevice", List.of("nodev", "no device")),
-        Map.entry("recoverable", List.of("rec", "recoverable errors")),
-        Map.entry("illegalRequest", List.of("ill", "illegal requests")),
-        Map.entry("predictiveFailure", List.of("pfa", "predicted failures")),
-        Map.entry("errorFrames", List.of("frame", "error frames")),
-        Map.entry("dumpedFrames", List.of("dump", "dumped frames")),
-        Map.entry("linkFailures", List.of("link", "link failures")),
-        Map.entry("lossOfSync", List.of("sync", "loss of sync")),
-        Map.entry("lossOfSignal", List.of("sig", "loss of signal")),
-        Map.entry("primitiveSequenceErrors", List.of("prim", "sequence protocol errors")),
-        Map.entry("invalidTxWords", List.of("word", "invalid words")),
-        Map.entry("invalidCrcs", List.of("crc", "CRC errors")));
+    /** What stands over the column of each kind of error, of disks and of ports. */
+    private static final Map<String, String> HEADINGS = Map.ofEntries(
+        Map.entry("soft", "s/w"), Map.entry("hard", "h/w"), Map.entry("transport", "trn"), Map.entry("media", "med"),
+        Map.entry("notReady", "nrdy"), Map.entry("noDevice", "nodev"), Map.entry("recoverable", "rec"),
+        Map.entry("illegalRequest", "ill"), Map.entry("predictiveFailure", "pfa"), Map.entry("errorFrames", "frame"),
+        Map.entry("dumpedFrames", "dump"), Map.entry("linkFailures", "link"), Map.entry("lossOfSync", "sync"),
+        Map.entry("lossOfSignal", "sig"), Map.entry("primitiveSequenceErrors", "prim"),
+        Map.entry("invalidTxWords", "word"), Map.entry("invalidCrcs", "crc"));
+
+    /** What each kind of a disk's errors is called where it has no column. */
+    private static final Map<String, String> WORDS = Map.of(
+        "soft", "soft errors", "hard", "hard errors", "transport", "transport errors", "media", "media errors",
+        "notReady", "not ready", "noDevice", "no device", "recoverable", "recoverable errors",
+        "illegalRequest", "illegal requests", "predictiveFailure", "predicted failures");
 
     private final double slow;
     private final boolean hasErrors;
@@ -53,7 +52,7 @@ public final class ActivityTables {
     public RateTable<Activity.Disk> disks(boolean isFirst) {
         RateTable<Activity.Disk> table = loads(new RateTable<>("device", Activity.Disk::name));
         if (hasErrors) {
-            errors(table, Activity.diskErrorKinds(), disk -> disk.errors, isFirst);
+            errors(table, DiskErrors.kinds(), disk -> disk.errors, isFirst);
         }
         return table;
     }
@@ -93,7 +92,7 @@ public final class ActivityTables {
                                            Function<R, Map<String, Long>> errors, boolean isFirst) {
         for (String kind : kinds) {
             Function<R, Long> count = row -> errors.apply(row) == null ? null : errors.apply(row).get(kind);
-            table.figure(ERRORS.get(kind).get(0), 0, count,
+            table.figure(HEADINGS.get(kind), 0, count,
                          row -> !isFirst && Objects.requireNonNullElse(count.apply(row), 0L) > 0);
         }
         return table;
@@ -109,7 +108,7 @@ public final class ActivityTables {
         return disk.reset ? "counters reset" : isFirst ? "" : disk.isNew ? "new, since it came"
             : hasErrors || disk.errors == null ? ""
             : disk.errors.entrySet().stream().filter(error -> error.getValue() > 0)
-                .map(error -> Page.TROUBLE + ERRORS.get(error.getKey()).get(1) + " +" + error.getValue())
+                .map(error -> Page.TROUBLE + WORDS.get(error.getKey()) + " +" + error.getValue())
                 .collect(Collectors.joining(", "));
     }
 

@@ -25,8 +25,7 @@ public final class PerformanceData {
             data.add("paths_min=" + asked.fewestPaths() + ";;;0");
         }
         asked.fileSystemUses().forEach((mountPoint, use) -> {
-            double usable = use.usable().doubleValue();
-            double percent = usable == 0 ? 100 : 100 * use.used().doubleValue() / usable;
+            double percent = Objects.requireNonNullElse(use.usedPercent(), 100.0);
             data.add(label(mountPoint) + "=" + Units.decimal(percent, 1) + "%;" + rules.warningPercent(mountPoint) + ";"
                      + Objects.toString(rules.criticalPercent, "") + ";0;100");
         });

@@ -85,22 +85,13 @@ public final class RateTable<R> {
     }
 
     /**
-     * {@return whether there is such a column}
-     *
-     * @param column a heading, in letters of any case
-     */
-    public boolean has(String column) {
-        return columns().stream().anyMatch(column::equalsIgnoreCase);
-    }
-
-    /**
      * {@return the rows, the largest numbers of a column or the first names first, unknown ones last}
      *
      * @param rows all
-     * @param column by which; null or of another table: as they are
+     * @param column by which, in letters of any case; null or of another table: as they are
      */
     public List<R> sorted(List<R> rows, String column) {
-        if (column == null || !has(column)) {
+        if (column == null || columns().stream().noneMatch(column::equalsIgnoreCase)) {
             return rows;
         }
         Comparator<R> order = figures.stream().filter(figure -> figure.heading.equalsIgnoreCase(column)).findFirst()
