@@ -181,6 +181,15 @@ monitor() {
     exit
 }
 
+# Prints where native libraries are: ours, and those that the jars of the system need.
+library_path() {
+    local dir path=$library_dir
+    for dir in /usr/lib/jni /usr/lib/*/jni; do
+        [ ! -d "$dir" ] || path+=:$dir
+    done
+    printf '%s\n' "$path"
+}
+
 # Ends this process with the command line.
 launch() {
     export LC_ALL=C.UTF-8 # arguments and file names are UTF-8 whatever the terminal says
@@ -190,7 +199,7 @@ launch() {
     # What the virtual machine itself would say of an archive it cannot use is no part of a result.
     virtual_machine=("$java" -XX:+UseSerialGC -XX:TieredStopAtLevel=1 -Xlog:disable)
     [ "$java_major" -lt 22 ] || virtual_machine+=(--enable-native-access=ALL-UNNAMED)
-    classes=("-Djava.library.path=$library_dir" "-Dtarn.recorder=$recorder" -cp "$class_path")
+    classes=("-Djava.library.path=$(library_path)" "-Dtarn.recorder=$recorder" -cp "$class_path")
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
         local lines=0 columns=0

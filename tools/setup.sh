@@ -5,7 +5,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcrypt-dev
                 openjdk-17-jdk-headless libpicocli-java libgoogle-gson-java liblog4j2-java graphviz
-                node-d3)
+                node-d3 libxerial-sqlite-jdbc-java libpostgresql-jdbc-java)
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
                libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck pyflakes3 eslint
                librust-libc-dev golang-golang-x-sys-dev libjna-platform-java

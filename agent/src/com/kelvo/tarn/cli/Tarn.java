@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli;
 
 import com.kelvo.tarn.cli.commands.ReportCommand;
+import com.kelvo.tarn.cli.commands.SanCommand;
 import com.kelvo.tarn.cli.frame.BadUsage;
 import com.kelvo.tarn.cli.frame.TarnOptions;
 import com.kelvo.tarn.cli.output.Page;
@@ -27,13 +28,14 @@ import picocli.CommandLine;
                    + "2 bad usage, an unreadable host description, or a result that cannot be written; 3 the password "
                    + "is not that user's. check and compare have their own.",
                    "", "Environment: TARN_HOST names the host description that answers without --host. NO_COLOR, when "
-                   + "it is not empty, keeps trouble on a terminal without colour."})
+                   + "it is not empty, keeps trouble on a terminal without colour. TARN_DB names the store of "
+                   + "the commands below san without --db; PGPASSWORD, PGPASSFILE and PGUSER are as for psql."})
 public final class Tarn extends TarnOptions {
     /** Each is served by the class of its name: "disk-io" by DiskIoCommand. */
     private static final List<String> COMMANDS = List.of(
         "report", "computer-system", "operating-system", "logical-disks", "processors", "cpu", "disk-io", "disks",
         "partitions", "hba", "hba-test", "array", "authenticate", "build-date", "paths", "disk", "check", "compare",
-        "map", "metrics", "watch", "serve", "record", "help", "completion", "manual");
+        "map", "metrics", "watch", "serve", "record", "san", "help", "completion", "manual");
 
     /** Those that work on all the others; the report only on its sections. */
     private static final Set<String> WORKS_ON_ALL = Set.of("help", "completion", "manual");
@@ -88,6 +90,10 @@ public final class Tarn extends TarnOptions {
             if (all || arguments.contains(name) || sections.contains(name)) {
                 tarn.addSubcommand(name, command(name));
             }
+        }
+        if (tarn.getSubcommands().containsKey("san")) {
+            SanCommand.COMMANDS.forEach(
+                name -> tarn.getSubcommands().get("san").addSubcommand(name, command("san-" + name)));
         }
         return tarn;
     }

@@ -41,7 +41,7 @@ public final class Asked {
     final List<TrInstance> drives;
     final Disks disks;
     /** By mount point: how it is used; null when the system does not tell. */
-    final Map<String, FileSystemUse> fileSystems;
+    public final Map<String, FileSystemUse> fileSystems;
     /** By mount point: why it could not be asked. */
     final Map<String, String> unreadable;
     /** Null: no array was asked about. */
@@ -187,6 +187,15 @@ public final class Asked {
      */
     public boolean isSilent(String command) {
         return silent.contains(command);
+    }
+
+    /**
+     * {@return the disk that the file system is on that is mounted there; null when that is not known}
+     *
+     * @param mountPoint where
+     */
+    public String diskAt(String mountPoint) {
+        return disks.diskAt(mountPoint);
     }
 
     /** {@return the fewest online paths of a logical unit; null when there is none} */

@@ -165,8 +165,7 @@ public final class Check {
         }
 
         private void addMounted(boolean critical, Code code, String mountPoint, Object fact) {
-            String disk = disks.mounted.stream().filter(each -> each.mountPoint().equals(mountPoint)).findFirst()
-                .map(each -> disks.ofDevice(each.device())).orElse(null);
+            String disk = disks.diskAt(mountPoint);
             findings.add(new Finding(critical, code, mountPoint, fact, disk == null ? List.of() : List.of(disk),
                                      List.of(mountPoint)));
         }

@@ -125,6 +125,12 @@ public final class Disks {
             .collect(Collectors.toList());
     }
 
+    /** The disk that the file system is on that is mounted there, or null. */
+    String diskAt(String mountPoint) {
+        return mounted.stream().filter(each -> each.mountPoint().equals(mountPoint)).findFirst()
+            .map(each -> ofDevice(each.device())).orElse(null);
+    }
+
     /** The mount point at or above a path, with what is mounted there; null when the path is no such. */
     SolarisLogicalDisk mountedAt(String path) {
         boolean isDevice = path.startsWith("/dev/") || path.startsWith(DEVICES + "/");

@@ -8,8 +8,11 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Iterator;
 import java.util.List;
+import java.util.Objects;
+import java.util.Set;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
+import javax.wbem.cim.UnsignedInt;
 
 /**
  * What the host sees of its storage network, in the order of the library's walk. Each thing knows what it stands
@@ -71,6 +74,11 @@ public final class Fabric {
         public String place() {
             return adapter.place() + " port " + index;
         }
+
+        /** {@return the name of the fabric that it is in; empty when it tells none} */
+        public String fabric() {
+            return fabricName(this);
+        }
     }
 
     /** A remote port as one of the host's ports has discovered it. */
@@ -128,6 +136,13 @@ public final class Fabric {
          */
         public String deviceName(int mapping) {
             return devices.get(mapping);
+        }
+
+        /** {@return the numbers under which it exports the units that are reached through both ports} */
+        public Set<UnsignedInt> exportedLuns() {
+            return mappings.stream().filter(Objects::nonNull)
+                .map(mapping -> Instances.number(mapping, TargetMappingProvider.exportedLUN))
+                .collect(Collectors.toSet());
         }
 
         /** {@return what it is called, such as "adapter 0 port 1 remote port 2"} */

@@ -9,30 +9,26 @@ import java.util.List;
 import java.util.concurrent.Callable;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParameterException;
-import picocli.CommandLine.ParentCommand;
 import picocli.CommandLine.Spec;
 
 /** A command that asks the library one question and prints the answer. */
 public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
-    @ParentCommand
-    private TarnOptions tarn;
-
     @Spec
     private CommandSpec spec;
 
     /** Makes the host answer that the options name. */
     protected void chooseHost() {
-        tarn.chooseHost(spec.commandLine());
+        tarn().chooseHost(spec.commandLine());
     }
 
     /** {@return the options that all commands have} */
     protected final TarnOptions tarn() {
-        return tarn;
+        return (TarnOptions) spec.root().userObject();
     }
 
     /** {@return the library that the command asks} */
     protected final Library library() {
-        return tarn.library();
+        return tarn().library();
     }
 
     /** {@return the command as picocli sees it} */
@@ -56,6 +52,7 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
 
     @Override
     public final Integer call() {
+        TarnOptions tarn = tarn();
         tarn.refuseUnsuitable(spec.commandLine(), hasTable());
         chooseHost();
         Answer answer = answer();

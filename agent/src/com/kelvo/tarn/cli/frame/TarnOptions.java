@@ -97,7 +97,9 @@ public abstract class TarnOptions {
      */
     public final void refuseRepeated(CommandLine command) {
         Set<String> before = new HashSet<>();
-        command.getParent().getParseResult().matchedOptions().forEach(option -> before.add(option.longestName()));
+        for (CommandLine above = command.getParent(); above != null; above = above.getParent()) {
+            above.getParseResult().matchedOptions().forEach(option -> before.add(option.longestName()));
+        }
         command.getParseResult().matchedOptions().stream().map(OptionSpec::longestName).filter(before::contains)
             .findFirst().ifPresent(name -> {
                 throw new ParameterException(command, "option '" + name + "' should be specified only once");

@@ -1,0 +1,49 @@
+package com.kelvo.tarn.cli.san;
+
+import java.sql.Connection;
+import java.sql.SQLException;
+
+/** What sets one database system apart from another. */
+abstract class Dialect {
+    /** The dialect of a store by the name that the user gives it: a URL of PostgreSQL, or else a file of SQLite. */
+    static Dialect of(String store) {
+        return Postgresql.isMeantBy(store) ? new Postgresql(store) : new Sqlite(store);
+    }
+
+    /** What messages call the store; never with a password. */
+    abstract String name();
+
+    /** Whether there is anything by that name; a server is asked as it is connected to. */
+    abstract boolean exists();
+
+    /** Connects; to write, or only to read. */
+    abstract Connection connect(boolean toWrite) throws SQLException;
+
+    /** How a column is declared that numbers the rows. */
+    abstract String numbering();
+
+    /** Lets no one else change the schema while the transaction of this connection runs. */
+    abstract void lockSchema(Connection connection) throws SQLException;
+
+    /** A query for the names of all tables and views. */
+    abstract String tables();
+
+    /** How many may write at once. */
+    abstract int writers(int processors);
+
+    /** To be called as a connection that has written ends. */
+    abstract void leave(Connection connection);
+
+    /** What has happened, in a few words; null when the system's own are to be shown. */
+    abstract String reason(SQLException failed);
+
+    final StoreException failure(SQLException failed) {
+        String reason = reason(failed);
+        return new StoreException(name() + ": " + (reason == null ? firstLine(failed) : reason), failed);
+    }
+
+    private static String firstLine(SQLException failed) {
+        String message = String.valueOf(failed.getMessage());
+        return message.lines().findFirst().orElse(message).strip();
+    }
+}

@@ -1,0 +1,32 @@
+package com.kelvo.tarn.cli.san;
+
+import java.util.List;
+
+/** The tables whose rows are each of one snapshot, with their other columns. */
+public enum HostTable {
+    ADAPTER("adapter", "model", "firmware", "driver", "node_wwn"),
+    PORT("adapter", "port", "wwn", "fabric", "fc_address", "domain", "state", "speed"),
+    PATH("adapter", "port", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state",
+         "unit_id", "lun", "disk"),
+    MOUNT("mount_point", "disk", "unit_id", "total_bytes", "available_bytes"),
+    FINDING("severity", "code", "subject"),
+    REACH("unit_id", "paths", "adapters", "fabrics", "switches", "array_ports", "one_fabric", "one_switch",
+          "one_array_port"),
+    SIGHT("fabric", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state", "initiators",
+          "units");
+
+    /** Where a row says which unit it is about: the unit's identity, of which the store makes the unit's number. */
+    final int unit;
+    private final List<String> columns;
+
+    HostTable(String... columns) {
+        this.columns = List.of(columns);
+        unit = this.columns.indexOf("unit_id");
+    }
+
+    /** The statement that adds a row to the snapshot that its first parameter names. */
+    String insertion() {
+        return "INSERT INTO " + name().toLowerCase(java.util.Locale.ROOT) + " (snapshot_id, "
+            + String.join(", ", columns) + ") VALUES (?" + ", ?".repeat(columns.size()) + ")";
+    }
+}

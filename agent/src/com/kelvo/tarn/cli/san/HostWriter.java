@@ -1,0 +1,273 @@
+package com.kelvo.tarn.cli.san;
+
+import java.sql.Connection;
+import java.sql.PreparedStatement;
+import java.sql.ResultSet;
+import java.sql.SQLException;
+import java.time.Instant;
+import java.time.temporal.ChronoUnit;
+import java.util.ArrayList;
+import java.util.Collections;
+import java.util.EnumMap;
+import java.util.HashMap;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
+import java.util.TreeMap;
+
+/** Stores hosts, one after the other, each in a transaction of its own. */
+final class HostWriter implements AutoCloseable {
+    private static final int UNITS_KEPT = 100_000;
+    /** How many units are asked for in one query. */
+    private static final int UNITS_ASKED = 64;
+
+    private static final String SNAPSHOTS = "SELECT recorded_at, digest FROM snapshot WHERE host_id = ?"
+        + " ORDER BY recorded_at DESC";
+
+    /** A unit as it is in the store. */
+    private static final class Stored {
+        private final long id;
+        private final HostFacts.Unit unit;
+
+        private Stored(long id, HostFacts.Unit unit) {
+            this.id = id;
+            this.unit = unit;
+        }
+
+        /** Whether there is nothing to learn about it from another host. */
+        private boolean knows(HostFacts.Unit told) {
+            return knows(unit.vendor, told.vendor) && knows(unit.product, told.product)
+                && knows(unit.sizeBytes, told.sizeBytes) && unit.nodes.containsAll(told.nodes);
+        }
+
+        private static boolean knows(Object stored, Object told) {
+            return told == null || told.equals(stored);
+        }
+    }
+
+    private final Store store;
+    private final int keep;
+    private final Map<String, PreparedStatement> statements = new HashMap<>();
+    /** By identity, the last that were used; what a transaction has added is here once that is whole. */
+    private final Map<String, Stored> units = new LinkedHashMap<>(16, 0.75f, true) {
+        private static final long serialVersionUID = 1;
+
+        @Override
+        protected boolean removeEldestEntry(Map.Entry<String, Stored> eldest) {
+            return size() > UNITS_KEPT;
+        }
+    };
+
+    /** Writes through a connection that it has for itself; of each host so many snapshots are kept, or all for 0. */
+    HostWriter(Store store, int keep) {
+        this.store = store;
+        this.keep = keep;
+    }
+
+    /**
+     * Stores a host. Answers whether that changed anything: the same recording, and one that is older than all that are
+     * kept, does not.
+     *
+     * @throws IllegalArgumentException when another recording of that host and time is there
+     */
+    boolean write(HostFacts facts, Instant recordedAt, String digest) {
+        return store.work(connection -> {
+            connection.setAutoCommit(false);
+            try {
+                Map<String, Stored> learned = new TreeMap<>();
+                boolean added = add(connection, facts, recordedAt.truncatedTo(ChronoUnit.SECONDS).toString(), digest,
+                                    learned);
+                if (added) {
+                    connection.commit();
+                    units.putAll(learned);
+                }
+                return added;
+            } finally {
+                rollBack(connection);
+            }
+        });
+    }
+
+    private static void rollBack(Connection connection) throws SQLException {
+        if (!connection.isClosed()) {
+            try {
+                connection.rollback();
+            } catch (SQLException gone) {
+                // a connection that is lost has nothing to take back, and what lost it is told
+            }
+        }
+    }
+
+    private boolean add(Connection connection, HostFacts facts, String recordedAt, String digest,
+                        Map<String, Stored> learned) throws SQLException {
+        long host = number(connection, "INSERT INTO host (name, platform) VALUES (?, ?) ON CONFLICT (name)"
+                           + " DO UPDATE SET name = excluded.name RETURNING id", facts.host, facts.platform);
+        int newer = 0;
+        try (ResultSet rows = bound(connection, SNAPSHOTS, host).executeQuery()) {
+            while (rows.next() && rows.getString(1).compareTo(recordedAt) >= 0) {
+                if (!rows.getString(1).equals(recordedAt)) {
+                    newer++;
+                } else if (rows.getString(2).equals(digest)) {
+                    return false;
+                } else {
+                    throw new IllegalArgumentException(
+                        "another recording of " + facts.host + " at " + recordedAt + " is in the store");
+                }
+            }
+        }
+        if (keep > 0 && newer >= keep) {
+            return false;
+        }
+        if (newer == 0) {
+            execute(connection, "UPDATE snapshot SET is_latest = FALSE WHERE host_id = ? AND is_latest", host);
+            execute(connection, "UPDATE host SET platform = ? WHERE id = ?", facts.platform, host);
+        }
+        long snapshot = number(connection, "INSERT INTO snapshot (host_id, recorded_at, loaded_at, digest, is_latest)"
+                               + " VALUES (?, ?, ?, ?, ?) RETURNING id", host, recordedAt,
+                               Instant.now().truncatedTo(ChronoUnit.SECONDS).toString(), digest, newer == 0);
+        learn(connection, facts, learned);
+        for (HostTable table : HostTable.values()) {
+            addRows(connection, table, snapshot, facts, learned);
+        }
+        if (keep > 0) {
+            execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at) FROM"
+                    + " (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?) AS kept)",
+                    host, host, keep);
+        }
+        return true;
+    }
+
+    private void addRows(Connection connection, HostTable table, long snapshot, HostFacts facts,
+                         Map<String, Stored> learned) throws SQLException {
+        if (facts.rows(table).isEmpty()) {
+            return;
+        }
+        PreparedStatement statement = prepared(connection, table.insertion());
+        for (Object[] row : facts.rows(table)) {
+            statement.setLong(1, snapshot);
+            for (int i = 0; i < row.length; i++) {
+                statement.setObject(i + 2, i == table.unit && row[i] != null ? id((String) row[i], learned) : row[i]);
+            }
+            statement.addBatch();
+        }
+        statement.executeBatch();
+    }
+
+    private long id(String identity, Map<String, Stored> learned) {
+        Stored stored = learned.get(identity);
+        return (stored == null ? units.get(identity) : stored).id;
+    }
+
+    /** Sees to it that all units are in the store, in the order of their names, which is every loader's. */
+    private void learn(Connection connection, HostFacts facts, Map<String, Stored> learned) throws SQLException {
+        TreeMap<String, HostFacts.Unit> asked = new TreeMap<>(facts.units);
+        asked.entrySet().removeIf(each -> {
+            Stored stored = units.get(each.getKey());
+            return stored != null && stored.knows(each.getValue());
+        });
+        if (asked.isEmpty()) {
+            return;
+        }
+        PreparedStatement insertion = prepared(
+            connection, "INSERT INTO unit (identity, by_address, vendor, product, size_bytes) VALUES (?, ?, ?, ?, ?)"
+            + " ON CONFLICT (identity) DO NOTHING");
+        for (Map.Entry<String, HostFacts.Unit> each : asked.entrySet()) {
+            HostFacts.Unit unit = each.getValue();
+            bind(insertion, each.getKey(), unit.byAddress, unit.vendor, unit.product, unit.sizeBytes);
+            insertion.addBatch();
+        }
+        insertion.executeBatch();
+        readUnits(connection, new ArrayList<>(asked.keySet()), learned);
+        PreparedStatement update = prepared(
+            connection, "UPDATE unit SET vendor = COALESCE(?, vendor), product = COALESCE(?, product),"
+            + " size_bytes = COALESCE(?, size_bytes) WHERE id = ?");
+        PreparedStatement node = prepared(
+            connection, "INSERT INTO unit_node (unit_id, node) VALUES (?, ?) ON CONFLICT (unit_id, node) DO NOTHING");
+        for (Map.Entry<String, HostFacts.Unit> each : asked.entrySet()) {
+            HostFacts.Unit unit = each.getValue();
+            Stored stored = learned.get(each.getKey());
+            for (String name : unit.nodes) {
+                bind(node, stored.id, name);
+                node.addBatch();
+            }
+            stored.unit.nodes.addAll(unit.nodes);
+            if (!stored.knows(unit)) {
+                bind(update, unit.vendor, unit.product, unit.sizeBytes, stored.id);
+                update.addBatch();
+                learned.put(each.getKey(), new Stored(stored.id, merged(stored.unit, unit)));
+            }
+        }
+        update.executeBatch();
+        node.executeBatch();
+    }
+
+    private static HostFacts.Unit merged(HostFacts.Unit stored, HostFacts.Unit told) {
+        HostFacts.Unit merged = new HostFacts.Unit(
+            stored.byAddress, either(told.vendor, stored.vendor), either(told.product, stored.product),
+            either(told.sizeBytes, stored.sizeBytes));
+        merged.nodes.addAll(stored.nodes);
+        return merged;
+    }
+
+    private static <T> T either(T first, T second) {
+        return first != null ? first : second;
+    }
+
+    private void readUnits(Connection connection, List<String> identities, Map<String, Stored> found)
+        throws SQLException {
+        String query = "SELECT identity, id, by_address, vendor, product, size_bytes FROM unit WHERE identity IN (?"
+            + String.join("", Collections.nCopies(UNITS_ASKED - 1, ", ?")) + ")";
+        for (int from = 0; from < identities.size(); from += UNITS_ASKED) {
+            Object[] asked = new Object[UNITS_ASKED];
+            for (int i = 0; i < UNITS_ASKED; i++) {
+                asked[i] = identities.get(Math.min(from + i, identities.size() - 1));
+            }
+            try (ResultSet rows = bound(connection, query, asked).executeQuery()) {
+                while (rows.next()) {
+                    long size = rows.getLong(6);
+                    Long sizeBytes = rows.wasNull() ? null : (Long) size;
+                    found.put(rows.getString(1), new Stored(rows.getLong(2), new HostFacts.Unit(
+                        rows.getBoolean(3), rows.getString(4), rows.getString(5), sizeBytes)));
+                }
+            }
+        }
+    }
+
+    private PreparedStatement prepared(Connection connection, String sql) throws SQLException {
+        PreparedStatement statement = statements.get(sql);
+        if (statement == null) {
+            statement = connection.prepareStatement(sql);
+            statements.put(sql, statement);
+        }
+        return statement;
+    }
+
+    private PreparedStatement bound(Connection connection, String sql, Object... values) throws SQLException {
+        PreparedStatement statement = prepared(connection, sql);
+        bind(statement, values);
+        return statement;
+    }
+
+    private static void bind(PreparedStatement statement, Object... values) throws SQLException {
+        for (int i = 0; i < values.length; i++) {
+            statement.setObject(i + 1, values[i]);
+        }
+    }
+
+    private void execute(Connection connection, String sql, Object... values) throws SQLException {
+        bound(connection, sql, values).executeUpdate();
+    }
+
+    /** The number that the statement answers with. */
+    private long number(Connection connection, String sql, Object... values) throws SQLException {
+        try (ResultSet rows = bound(connection, sql, values).executeQuery()) {
+            rows.next();
+            return rows.getLong(1);
+        }
+    }
+
+    @Override
+    public void close() {
+        store.close();
+    }
+}

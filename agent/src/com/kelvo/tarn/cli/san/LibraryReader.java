@@ -1,0 +1,166 @@
+package com.kelvo.tarn.cli.san;
+
+import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.cli.answers.Asked;
+import com.kelvo.tarn.cli.answers.Check;
+import com.kelvo.tarn.cli.answers.CheckRules;
+import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.answers.FileSystemUse;
+import com.kelvo.tarn.cli.answers.Instances;
+import com.kelvo.tarn.cli.answers.Library;
+import com.kelvo.tarn.cli.answers.LibraryLog;
+import com.kelvo.tarn.cli.answers.LogicalUnit;
+import com.kelvo.tarn.cli.output.PortWords;
+import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
+import java.math.BigInteger;
+import java.util.ArrayList;
+import java.util.HashSet;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Locale;
+import java.util.Map;
+import java.util.Set;
+import java.util.function.Function;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+
+/** Asks the library, as the commands do that are about one host. */
+public final class LibraryReader implements HostReader {
+    private static final BigInteger MOST = BigInteger.valueOf(Long.MAX_VALUE);
+    private static final int AREA_AND_PORT = 16;
+
+    private final LibraryLog log = new LibraryLog();
+    private final Library library = new Library(log);
+
+    @Override
+    public HostFacts read(String path) {
+        library.load(path);
+        Asked asked = new Asked(library, List.of());
+        asked.requireAnswer("hba"); // without it, paths would seem to have vanished
+        HostFacts facts = new HostFacts(
+            asked.host, asked.computerSystem == null ? "" : asked.computerSystem.platform().strip(), asked.recordedAt);
+        asked.fabric.adapters.forEach(adapter -> addAdapter(facts, adapter));
+        asked.fabric.ports().forEach(port -> addPort(facts, port));
+        addUnits(facts, asked);
+        addSights(facts, asked.fabric);
+        for (Check.Finding finding : Check.of(asked, null, new CheckRules()).findings) {
+            facts.add(HostTable.FINDING, finding.severity, finding.code, finding.subject);
+        }
+        log.take();
+        return facts;
+    }
+
+    private static void addAdapter(HostFacts facts, Fabric.Adapter adapter) {
+        TrInstance told = adapter.instance;
+        facts.add(HostTable.ADAPTER, adapter.index, text(told, HostBusAdapterProvider.model),
+                  text(told, HostBusAdapterProvider.firmwareVersion), text(told, HostBusAdapterProvider.driverVersion),
+                  Instances.name(told, HostBusAdapterProvider.name));
+    }
+
+    private static String text(TrInstance instance, com.kelvo.tarn.TrProperty property) {
+        return instance == null ? "" : Instances.text(instance, property);
+    }
+
+    private static void addPort(HostFacts facts, Fabric.Port port) {
+        long speed = port.instance == null ? 0 : Instances.number(port.instance, HbaPortProvider.speed).longValue();
+        facts.add(HostTable.PORT, port.adapter.index, port.index, wwn(port.instance), port.fabric(),
+                  address(port.instance), domain(port.instance), state(port.instance), speed <= 1 ? null : speed);
+    }
+
+    private static String wwn(TrInstance port) {
+        return Instances.name(port, HbaPortProvider.permanentAddress);
+    }
+
+    private static long id(TrInstance port) {
+        return port == null ? 0 : Instances.number(port, HbaPortProvider.portFcId).longValue();
+    }
+
+    private static String address(TrInstance port) {
+        return id(port) == 0 ? "" : String.format(Locale.ROOT, "%06x", id(port));
+    }
+
+    private static int domain(TrInstance port) {
+        return (int) (id(port) >> AREA_AND_PORT) & 0xff;
+    }
+
+    private static String state(TrInstance port) {
+        return port == null ? "" : PortWords.of(port, HbaPortProvider.portState);
+    }
+
+    /** A volume that several nodes present, or one node under several numbers, is one unit. */
+    private static void addUnits(HostFacts facts, Asked asked) {
+        Map<String, List<LogicalUnit.Path>> online = new LinkedHashMap<>();
+        Map<String, String> mounted = new LinkedHashMap<>();
+        for (LogicalUnit unit : asked.paths.units) {
+            String identity = unit.place();
+            facts.units.computeIfAbsent(identity, added -> new HostFacts.Unit(true, null, null, unit.sizeBytes))
+                .nodes.add(unit.node);
+            unit.mounts.forEach(mountPoint -> mounted.put(mountPoint, identity));
+            online.computeIfAbsent(identity, added -> new ArrayList<>()).addAll(unit.online());
+            for (LogicalUnit.Path path : unit.paths) {
+                TrInstance far = path.remote.instance;
+                facts.add(HostTable.PATH, path.adapter, path.port, wwn(far), unit.node, address(far), domain(far),
+                          state(far), identity, unit.lun.longValue(), path.disk);
+            }
+        }
+        online.forEach((identity, paths) -> addReach(facts, identity, paths));
+        asked.fileSystems.forEach((mountPoint, use) -> facts.add(
+            HostTable.MOUNT, mountPoint, asked.diskAt(mountPoint), mounted.get(mountPoint), bytes(use, FileSystemUse::total),
+            bytes(use, FileSystemUse::available)));
+    }
+
+    private static Long bytes(FileSystemUse use, Function<FileSystemUse, BigInteger> size) {
+        return use == null ? null : size.apply(use).min(MOST).longValue();
+    }
+
+    private static void addReach(HostFacts facts, String identity, List<LogicalUnit.Path> paths) {
+        Set<String> fabrics = distinct(paths, path -> Stream.of(path.fabric).filter(name -> !name.isEmpty()));
+        Set<String> arrayPorts = distinct(paths, path -> Stream.of(path.far()));
+        Set<String> shared = null;
+        for (LogicalUnit.Path path : paths) {
+            Set<String> through = switches(path).collect(Collectors.toSet());
+            if (shared == null) {
+                shared = through;
+            } else {
+                shared.retainAll(through);
+            }
+        }
+        facts.add(HostTable.REACH, identity, distinct(paths, path -> Stream.of(path.near() + " " + path.far())).size(),
+                  distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(),
+                  distinct(paths, LibraryReader::switches).size(), arrayPorts.size(),
+                  paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
+                  shared == null ? null : shared.stream().sorted().findFirst().orElse(null), only(arrayPorts));
+    }
+
+    private static <T> Set<T> distinct(List<LogicalUnit.Path> paths, Function<LogicalUnit.Path, Stream<T>> what) {
+        return paths.stream().flatMap(what).collect(Collectors.toSet());
+    }
+
+    private static String only(Set<String> names) {
+        return names.size() == 1 ? names.iterator().next() : null;
+    }
+
+    /** Those at either end, by fabric and domain. */
+    private static Stream<String> switches(LogicalUnit.Path path) {
+        return path.fabric.isEmpty() ? Stream.of()
+            : Stream.of(path.remote.port.instance, path.remote.instance).map(LibraryReader::domain).distinct()
+                .filter(domain -> domain != 0).map(domain -> path.fabric + "/" + domain);
+    }
+
+    /** A remote port as all ports of the host see it together that are in one fabric. */
+    private static void addSights(HostFacts facts, Fabric fabric) {
+        Map<List<String>, List<Fabric.RemotePort>> seen = fabric.remotePorts()
+            .filter(remote -> !wwn(remote.instance).isEmpty())
+            .collect(Collectors.groupingBy(remote -> List.of(remote.port.fabric(), wwn(remote.instance)),
+                                           LinkedHashMap::new, Collectors.toList()));
+        seen.forEach((name, remotes) -> {
+            TrInstance first = remotes.get(0).instance;
+            Set<Object> units = new HashSet<>();
+            remotes.forEach(remote -> units.addAll(remote.exportedLuns()));
+            facts.add(HostTable.SIGHT, name.get(0), name.get(1), Instances.name(first, HbaPortProvider.nodeWWN),
+                      address(first), domain(first), state(first),
+                      (int) remotes.stream().map(remote -> remote.port).distinct().count(), units.size());
+        });
+    }
+}

@@ -1,0 +1,107 @@
+package com.kelvo.tarn.cli.san;
+
+import java.io.IOException;
+import java.io.InputStream;
+import java.io.UncheckedIOException;
+import java.nio.charset.StandardCharsets;
+import java.sql.Connection;
+import java.sql.ResultSet;
+import java.sql.SQLException;
+import java.sql.Statement;
+import java.util.HashSet;
+import java.util.Locale;
+import java.util.Set;
+
+/** The tables and views of a store, which later versions change in numbered steps. */
+final class Schema {
+    private static final int VERSION = 1;
+    private static final String TABLE = "tarn_store";
+
+    private final Dialect dialect;
+    private final Connection connection;
+
+    Schema(Dialect dialect, Connection connection) {
+        this.dialect = dialect;
+        this.connection = connection;
+    }
+
+    /** Refuses what is no store of this version; whoever writes makes it one, if it may be. */
+    void require(boolean toWrite) throws SQLException {
+        if (isCurrent()) {
+            return;
+        }
+        if (!toWrite) {
+            throw refusal("it is of an earlier version, which the next san load brings up to date");
+        }
+        connection.setAutoCommit(false);
+        try {
+            dialect.lockSchema(connection);
+            if (!isCurrent()) { // another may have made it so meanwhile
+                for (int version = version(); version < VERSION; version++) {
+                    apply(version + 1);
+                }
+            }
+            connection.commit();
+        } finally {
+            connection.rollback();
+            connection.setAutoCommit(true);
+        }
+    }
+
+    private boolean isCurrent() throws SQLException {
+        int version = version();
+        if (version > VERSION) {
+            throw refusal("it was made by a later version of this program");
+        }
+        return version == VERSION;
+    }
+
+    /** 0 where there is nothing yet. */
+    private int version() throws SQLException {
+        Set<String> tables = new HashSet<>();
+        try (Statement statement = connection.createStatement()) {
+            try (ResultSet rows = statement.executeQuery(dialect.tables())) {
+                while (rows.next()) {
+                    tables.add(rows.getString(1).toLowerCase(Locale.ROOT));
+                }
+            }
+            if (tables.isEmpty()) {
+                return 0;
+            }
+            if (!tables.contains(TABLE)) {
+                throw refusal("it is the database of another program");
+            }
+            try (ResultSet rows = statement.executeQuery("SELECT version FROM " + TABLE)) {
+                if (!rows.next()) {
+                    throw refusal("it does not tell its version");
+                }
+                return rows.getInt(1);
+            }
+        }
+    }
+
+    private void apply(int version) throws SQLException {
+        String script = script("schema-" + version + ".sql").replace("${id}", dialect.numbering());
+        try (Statement statement = connection.createStatement()) {
+            for (String each : script.split(";\n")) {
+                if (!each.isBlank()) {
+                    statement.execute(each);
+                }
+            }
+            statement.execute("DELETE FROM " + TABLE);
+            statement.execute("INSERT INTO " + TABLE + " (version) VALUES (" + version + ")");
+        }
+    }
+
+    private static String script(String name) {
+        try (InputStream in = Schema.class.getResourceAsStream(name)) {
+            return new String(in.readAllBytes(), StandardCharsets.UTF_8);
+        } catch (IOException damaged) {
+            throw new UncheckedIOException(damaged);
+        }
+    }
+
+    private StoreException refusal(String reason) {
+        return new StoreException(dialect.name() + ": " + reason, null);
+    }
+}

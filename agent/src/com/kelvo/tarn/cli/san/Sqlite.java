@@ -1,0 +1,118 @@
+package com.kelvo.tarn.cli.san;
+
+import java.nio.file.Files;
+import java.nio.file.InvalidPathException;
+import java.nio.file.Path;
+import java.sql.Connection;
+import java.sql.DriverManager;
+import java.sql.SQLException;
+import java.sql.Statement;
+import java.util.Map;
+import java.util.Properties;
+
+/** A file. */
+final class Sqlite extends Dialect {
+    /** How long one who wants to write waits for another, in milliseconds. */
+    private static final String PATIENCE = "30000";
+
+    /** By SQLite's primary result codes. */
+    private static final Map<Integer, String> REASONS = Map.of(
+        5, "another program keeps it locked", 6, "another program keeps it locked", 8, "it can only be read",
+        11, "it is damaged", 13, "there is no room left for it", 14, "it cannot be opened",
+        26, "it is no SQLite database");
+
+    private final String file;
+
+    Sqlite(String file) {
+        this.file = file;
+    }
+
+    @Override
+    String name() {
+        return file;
+    }
+
+    @Override
+    boolean exists() {
+        return Files.exists(path());
+    }
+
+    private Path path() {
+        try {
+            return Path.of(file).toAbsolutePath();
+        } catch (InvalidPathException impossible) {
+            throw new StoreException(file + ": no name of a file", impossible);
+        }
+    }
+
+    @Override
+    Connection connect(boolean toWrite) throws SQLException {
+        if (Files.isDirectory(path())) {
+            throw new StoreException(file + ": it is a folder, no SQLite database", null);
+        }
+        Properties properties = new Properties();
+        properties.setProperty("busy_timeout", PATIENCE);
+        properties.setProperty("foreign_keys", "true");
+        if (toWrite) {
+            // Who writes takes its turn at once: two who have read could not both go on to write.
+            properties.setProperty("transaction_mode", "IMMEDIATE");
+        } else {
+            properties.setProperty("open_mode", "1");
+        }
+        // As a URI, in which a name may hold anything.
+        Connection connection =
+            DriverManager.getConnection("jdbc:sqlite:file:" + path().toUri().getRawPath(), properties);
+        try {
+            if (toWrite) {
+                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL");
+            }
+            return connection;
+        } catch (SQLException failed) {
+            connection.close();
+            throw failed;
+        }
+    }
+
+    private static void execute(Connection connection, String... statements) throws SQLException {
+        try (Statement statement = connection.createStatement()) {
+            for (String each : statements) {
+                statement.execute(each);
+            }
+        }
+    }
+
+    @Override
+    String numbering() {
+        return "INTEGER PRIMARY KEY";
+    }
+
+    @Override
+    void lockSchema(Connection connection) {
+        // whoever writes is alone
+    }
+
+    @Override
+    String tables() {
+        return "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite%'";
+    }
+
+    @Override
+    int writers(int processors) {
+        return 1;
+    }
+
+    /** Whoever may only read the file needs no more files beside it then; while others have it open, it stays as it is. */
+    @Override
+    void leave(Connection connection) {
+        try {
+            execute(connection, "PRAGMA busy_timeout = 0", "PRAGMA journal_mode = DELETE");
+        } catch (SQLException inUse) {
+            // the last one does it
+        }
+    }
+
+    @Override
+    String reason(SQLException failed) {
+        return REASONS.get(failed.getErrorCode() & 0xff);
+    }
+}
