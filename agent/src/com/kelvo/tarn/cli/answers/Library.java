@@ -4,6 +4,7 @@ import com.kelvo.tarn.InstanceReceiver;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.inventory.Inventory;
 import com.kelvo.tarn.inventory.InventoryHost;
 import com.kelvo.tarn.inventory.Sample;
@@ -35,8 +36,9 @@ public final class Library {
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
     private Instant recordedAt;
-    /** Of the host that was loaded last; the inventory, a library of its own, reads it as a sampler is made. */
+    /** Of the host that was loaded last; the inventory, a library of its own, reads it when it is first asked. */
     private String description;
+    private boolean isInventoryTold;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -62,6 +64,7 @@ public final class Library {
         String told = ReplayHost.load(path);
         recordedAt = told == null ? null : Instant.parse(told);
         description = path;
+        isInventoryTold = false;
     }
 
     /** {@return whether a host that was loaded answers, and not the one at hand} */
@@ -188,6 +191,22 @@ public final class Library {
         return fabric(Disks.NONE);
     }
 
+    /**
+     * {@return what each disk is, in their order}
+     *
+     * @throws RuntimeException when that cannot be told
+     * @throws LinkageError when the inventory's library is not there
+     */
+    public List<Identity> identities() {
+        tellInventory();
+        return Inventory.identities();
+    }
+
+    /** {@return what each disk is; nothing where that cannot be told, which is a line in the log} */
+    public List<Identity> knownIdentities() {
+        return orNone("identities", this::identities);
+    }
+
     /** The storage network, with device names as the HBA library gives them. */
     Fabric fabric(Disks disks) {
         HbaCache.Hba[] adapters = hba(true, false, false);
@@ -200,10 +219,11 @@ public final class Library {
      * @param adapters what a fill answered, whatever its device names
      * @param ownNames whether these are those of the HBA library
      * @param asAgent whether people are shown these, and not disks
+     * @param identities what its disks are, as far as that matters
      */
-    public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent) {
+    public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent, List<Identity> identities) {
         Disks disks = new Disks(orNone("disks", () -> log.unheard(this::disks)), List.of(), List.of(),
-                                orNone("logical-disks", () -> log.unheard(this::logicalDisks)));
+                                orNone("logical-disks", () -> log.unheard(this::logicalDisks)), identities);
         return new Fabric(disks, adapters, ownNames ? adapters : log.unheard(() -> hba(true, false, false)),
                           asAgent);
     }
@@ -212,7 +232,7 @@ public final class Library {
     <T> List<T> orNone(String command, Supplier<List<T>> question) {
         try {
             return question.get();
-        } catch (RuntimeException failed) {
+        } catch (RuntimeException | LinkageError failed) {
             log.warn(command + ": " + failed.getMessage());
             return List.of();
         }
@@ -252,15 +272,21 @@ public final class Library {
      * @throws IllegalArgumentException when the description of the host cannot be read once more
      */
     public Sampler sampler() {
-        if (description != null) {
+        tellInventory();
+        return Inventory.sampler();
+    }
+
+    /** To be called before the inventory is asked. */
+    private synchronized void tellInventory() {
+        if (description != null && !isInventoryTold) {
             if (!Files.isRegularFile(Path.of(description))) {
                 throw new IllegalArgumentException(
-                    description + ": no file; what disks and ports do needs one, "
+                    description + ": no file; what disks are, and what they and ports do, needs one, "
                     + "since the description is read twice for it");
             }
             InventoryHost.load(description);
+            isInventoryTold = true;
         }
-        return Inventory.sampler();
     }
 
     /** {@return one reading of the activity of disks and ports} */
