@@ -18,7 +18,7 @@ NO_NAME = "0" * 16
 def recorded(tarn, path):
     """The recording of a description. TARN is the command's words."""
     def ask(command):
-        told = subprocess.run([*tarn, "--host", str(path), "--json", command], capture_output=True, check=True, text=True)
+        told = subprocess.run([*tarn, "--host", str(path), "--json", command], stdout=subprocess.PIPE, check=True)
         return json.loads(told.stdout)["result"]
     description = json.loads(path.read_text())
     return {"host": description["sysinfo"]["SI_HOSTNAME"], "recordedAt": description["recordedAt"],
@@ -53,14 +53,14 @@ def ports(recording):
         about = adapter["instance"]["properties"]
         for port in adapter["ports"]:
             own = port["instance"]["properties"]
+            seen = [each["instance"]["properties"] for each in port["discoveredPorts"]]
             fabric = own["fabricName"].replace(NO_NAME, "")
             yield SimpleNamespace(
                 host=recording["host"], adapter=f"{recording['host']}/{a}", port=own["permanentAddress"], fabric=fabric,
                 switches=switch(fabric, own["portFcId"]), online=own["portState"] == ONLINE, model=about["model"],
                 firmware=about["firmwareVersion"], driver=about["driverVersion"], names=set(), unit=None, disk=None,
-                array=None, array_port=None, far={
-                    each["instance"]["properties"]["permanentAddress"]: switch(fabric, each["instance"]["properties"]["portFcId"])
-                    for each in port["discoveredPorts"]})
+                array=None, array_port=None,
+                far={each["permanentAddress"]: switch(fabric, each["portFcId"]) for each in seen})
 
 
 def paths(recording):
@@ -71,8 +71,9 @@ def paths(recording):
         for path in unit["paths"]:
             row = local[f"{recording['host']}/{path['adapter']}", path["portWWN"]]
             yield SimpleNamespace(**{
-                **vars(row), "unit": unit["designator"] or place, "array": unit["node"], "array_port": path["remotePort"],
-                "online": path["portState"] == path["remotePortState"] == ONLINE, "disk": path["disk"],
+                **vars(row), "unit": unit["designator"] or place, "array": unit["node"],
+                "array_port": path["remotePort"], "disk": path["disk"],
+                "online": path["portState"] == path["remotePortState"] == ONLINE,
                 "switches": row.switches | row.far[path["remotePort"]], "array_switches": row.far[path["remotePort"]],
                 "mounts": unit["mounts"], "names": {place, path["disk"], path["osDeviceName"], *unit["mounts"]}})
 
@@ -139,7 +140,8 @@ def check(network, now, max_age):
     for each in network.latest:
         if each["recordedAt"] and now - datetime.fromisoformat(each["recordedAt"].replace("Z", "+00:00")) > max_age:
             found["host-old", each["host"]] = {each["host"]}
-    return [{"code": code, "subject": subject, "hosts": sorted(hosts)} for (code, subject), hosts in sorted(found.items())]
+    return [{"code": code, "subject": subject, "hosts": sorted(hosts)}
+            for (code, subject), hosts in sorted(found.items())]
 
 
 def one_way(network):

@@ -2,9 +2,9 @@
 
 python3 tests/san/network.py [--healthy | --seed N | --hosts N [--paths N] [--faults N]] FOLDER
 
-Writes the descriptions to FOLDER/hosts and to FOLDER/expected.json what `san check` has to find: {code, subject, hosts}.
-Without an option it is the planted network, --healthy the same without its faults; --seed is a random one, of which
-nothing is expected; --hosts is a large one, in which each FAULTS-th host has a fault.
+Writes the descriptions to FOLDER/hosts, and to FOLDER/expected.json what is to be found in them, each finding with its
+code, subject and hosts. Without an option it is the planted network, --healthy the same without its faults; --seed is a
+random one, of which nothing is expected; --hosts is a large one, in which each FAULTS-th host has a fault.
 """
 
 import argparse
@@ -18,10 +18,11 @@ from pathlib import Path
 from types import SimpleNamespace
 
 # fabric NAME [SWITCH...], by domain; without a switch it is a loop, which has no name
-# array NAME IDENTITY SWITCH..., one for each of its ports, which are NAME.1, NAME.2 and so on; by IDENTITY it tells of a
-#     unit a designator of that kind, or a serial number only: address
-# hosts GROUP COUNT MODEL SWITCH,SWITCH/SWITCH [mpxio] [zfs]: a host's ports by adapter; it is GROUP1, its ports GROUP1.0 ...
-# units GROUP SHARED OWN ARRAYPORT...: units GROUP/1 ... of all hosts of the group, and OWN ones of each, GROUP1/1 ...
+# array NAME IDENTITY SWITCH..., a switch for each of its ports NAME.1, NAME.2 and so on; its units tell a designator of
+#     that kind, or a serial number only, and are known by their address
+# hosts GROUP COUNT MODEL SWITCH,SWITCH/SWITCH [mpxio] [zfs]: the switches of its ports, with a slash between adapters;
+#     hosts are GROUP1 and so on, their ports GROUP1.0 and so on
+# units GROUP SHARED OWN ARRAYPORT...: all hosts have GROUP/1 and so on, the first has GROUP1/1 and so on for itself
 HEALTHY = """
 fabric A 1 2
 fabric B 3 4
@@ -50,9 +51,9 @@ hosts isle 2 FX-1100 C.1/C.2 mpxio
 units isle 2 0 isle.1 isle.2 isle.3 isle.4
 hosts rock 2 FX-1100 D.5/D.5
 units rock 2 0 rock.1 rock.2
-silent db5
+set db5 talks
 earlier db1
-name twin2 o'twin<b>"2"
+set twin2 name o'twin<b>"2"
 """
 
 # What is done to the network => what has to be found, CODE SUBJECT HOST...
@@ -62,26 +63,24 @@ plug isle1.1 C.1                                 => unit-one-switch isle/1 isle1
 hide rock1 rock/1 rock.2                         => unit-one-array-port rock/1 rock1
 unzone db2 vault.2                               => zoning-gap vault.2 db2
 wwn mail3.0 mail5.0                              => duplicate-wwn mail5.0 mail3 mail5
-age mail6 0.1; name mail6 mail2                  => duplicate-host mail2 mail2
+age mail6 0.1; set mail6 name mail2                  => duplicate-host mail2 mail2
 hide web4 web/2                                  => host-lacks-unit web/2 web4
 show lone2 db/5                                  => unit-shared-apart db/5 db* lone2
-firmware app5 3.3.001                            => firmware-drift 375-3108-xx app5
-driver lone3 1.99                                => driver-drift FX-2404 lone3
+set app5 firmware 3.3.001                         => firmware-drift 375-3108-xx app5
+set lone3 driver 1.99                              => driver-drift FX-2404 lone3
 move app* hoard.2 hoard.1                        => array-port-crowded hoard.1 app* web*
 age lone4 720                                    => host-old lone4 lone4
 earlier lone1; hide lone1 lone1/2                => unit-vanished lone1/2 lone1
-earlier mail1; down mail1.1                      => host-lost-paths mail1 mail1
+earlier mail1; set mail1.1 state 6                      => host-lost-paths mail1 mail1
 """
 
 VENDORS = {"naa": ("SUN", "CSM200_R", "0610"), "t10": ("SUN", "SE9980", "5004"), "eui": ("SUN", "SE6920", "0201"),
-           "address": ("SUN", "T300", "0301")}
-ONLINE, OFFLINE = 2, 6
+           "address": ("SUN", "T300", "0301"), "inner": ("SEAGATE", "ST373207LSUN72G", "045A")}
+DESIGNATORS = {"naa": "0103", "t10": "0201", "eui": "0102"}  # code set and type, as INQUIRY page 0x83 has them
+INNER = SimpleNamespace(kind="inner", lun=0)
+ONLINE = 2
 COUNTERS = {"SecondsSinceLastReset": 3542400, "TxFrames": 342652724, "TxWords": 89089708240, "RxFrames": 306360675,
             "RxWords": 154712140875, "LIPCount": -1, "LinkFailureCount": 1, "LossOfSyncCount": 2}
-
-
-def hexadecimal(text):
-    return text.encode().hex()
 
 
 class Network:
@@ -180,9 +179,6 @@ class Network:
         self.ports[port].fabric = fabric
         self.ports[port].address = int(domain) << 16 | self.areas[switch] << 8 if domain else self.areas[switch]
 
-    def do_down(self, port):
-        self.ports[port].state = OFFLINE
-
     def do_wwn(self, port, like):
         self.ports[port].wwn = self.ports[like].wwn
 
@@ -200,20 +196,12 @@ class Network:
     def do_show(self, host, unit):
         """Through the ports of its array that the host has other units from."""
         sees = self.hosts[host].sees
-        sees[unit] = {port for other in sees for port in sees[other] if self.units[other].array == self.units[unit].array}
+        array = self.units[unit].array
+        sees[unit] = set().union(*(seen for other, seen in sees.items() if self.units[other].array == array))
 
-    def do_name(self, host, name):
-        self.hosts[host].name = name
-
-    def do_silent(self, host):
-        """Its devices answer no command: what they are is in their names at most."""
-        self.hosts[host].talks = False
-
-    def do_firmware(self, host, version):
-        self.hosts[host].firmware = version
-
-    def do_driver(self, host, version):
-        self.hosts[host].driver = version
+    def do_set(self, key, member, value=None):
+        """Of a port its state; of a host its name, firmware or driver, or whether its devices answer commands."""
+        setattr(self.ports.get(key) or self.hosts[key], member, int(value) if member == "state" else value)
 
     def do_age(self, host, hours):
         self.hosts[host].recorded -= timedelta(hours=float(hours))
@@ -227,28 +215,26 @@ class Network:
     # What a host tells.
 
     def description(self, host):
-        entries, disks = defaultdict(list), {}
-        zoned = {port for seen in host.sees.values() for port in seen}
-        zoned = [key for key in self.ports if key in zoned]
-        for i, near in enumerate(map(self.ports.get, host.at)):
-            for target, key in enumerate(zoned):
-                far = self.ports[key]
-                if far.fabric != near.fabric or near.state != ONLINE:
-                    continue
-                for unit in [self.units[name] for name, seen in host.sees.items() if key in seen]:
+        near, adapters, disks = [self.ports[key] for key in host.at], defaultdict(list), {}
+        zoned = {key: self.ports[key] for key in sorted(set().union(*host.sees.values()))}
+        for i, port in enumerate(near):
+            adapters[port.adapter] += []
+            for target, (key, far) in enumerate(zoned.items()):
+                units = [self.units[unit] for unit, seen in host.sees.items() if key in seen]
+                for unit in units if far.fabric == port.fabric and port.state == ONLINE else []:
                     if host.mpxio and unit.kind in ("naa", "eui"):
                         disk, path = f"c9t{unit.digits.upper()}d0", f"/scsi_vhci/ssd@g{unit.digits}"
                     else:
                         disk = f"c{2 + i}t{far.wwn.upper()}d{unit.lun}"
-                        path = f"/pci@1d,700000/SUNW,qlc@{near.adapter},{i}/fp@0,0/ssd@w{far.wwn},{unit.lun:x}"
+                        path = f"/pci@1d,700000/SUNW,qlc@{port.adapter},{i}/fp@0,0/ssd@w{far.wwn},{unit.lun:x}"
                     disks.setdefault(disk, (path, unit))
-                    entries[near.adapter].append({
+                    adapters[port.adapter].append({
                         "ScsiId": {"OSDeviceName": f"/dev/rdsk/{disk}s2", "ScsiBusNumber": 2 + i,
                                    "ScsiTargetNumber": target, "ScsiOSLun": unit.lun},
-                        "FcpId": {"FcId": far.address, "NodeWWN": far.node, "PortWWN": far.wwn, "FcpLun": unit.lun << 48}})
-        first = next(iter(disks), None)
+                        "FcpId": {"FcId": far.address, "NodeWWN": far.node, "PortWWN": far.wwn,
+                                  "FcpLun": unit.lun << 48}})
         mounts = [("/dev/dsk/c0t0d0s0", "/", "ufs")]
-        mounts += [(f"/dev/dsk/{first}s0", f"/{host.group}", "ufs")] if first else []
+        mounts += [(f"/dev/dsk/{disk}s0", f"/{host.group}", "ufs") for disk in list(disks)[:1]]
         mounts += [(f"pool/{host.group}", "/pool", "zfs")] if host.zfs else []
         release = {"sysname": "SunOS", "release": "5.10", "version": "Generic_118833-36"}
         return {
@@ -259,82 +245,73 @@ class Network:
             "sysconf": {"_SC_PAGESIZE": 8192, "_SC_PHYS_PAGES": 1048576, "_SC_AVPHYS_PAGES": 262144,
                         "_SC_NPROCESSORS_CONF": 1, "_SC_CPUID_MAX": 0},
             "processors": [{"id": 0, "pi_state": "P_ONLINE", "pi_processor_type": "sparcv9", "pi_clock": 1281}],
-            "kstat": self.statistics(disks),
+            "kstat": self.statistics([unit for _, unit in disks.values()]),
             "mnttab": [f"{device}\t{mount}\t{kind}\trw\t1130837021" for device, mount, kind in mounts],
             "statvfs": {mount: {"f_bsize": 8192, "f_frsize": 1024, "f_blocks": 8000000, "f_bfree": 5000000,
                                 "f_bavail": 4900000} for _, mount, _ in mounts},
-            "disks": [disk_of("c0t0d0", "/pci@1f,700000/scsi@2/sd@0,0", 32, 0, None, False)] + [
+            "disks": [disk_of("c0t0d0", "/pci@1f,700000/scsi@2/sd@0,0", 32, 0, INNER, True)] + [
                 disk_of(disk, path, 118, i, unit, host.talks) for i, (disk, (path, unit)) in enumerate(disks.items())],
             "hba": {"adapters": [
                 {"name": f"{host.model}-{a}", "attributes": {
                     "Manufacturer": "Fabric Components", "Model": host.model, "FirmwareVersion": host.firmware,
-                    "NodeWWN": ports[0].node, "SerialNumber": ports[0].node[8:], "DriverName": "fcx",
-                    "DriverVersion": host.driver},
-                 "ports": [self.port_of(port, zoned) for port in ports], "targetMapping": entries[a]}
-                for a, ports in self.by_adapter(host)]}}
-
-    def by_adapter(self, host):
-        found = defaultdict(list)
-        for key in host.at:
-            found[self.ports[key].adapter].append(self.ports[key])
-        return found.items()
-
-    def attributes(self, port):
-        online = port.state == ONLINE
-        return {"PortWWN": port.wwn, "NodeWWN": port.node, "PortState": port.state, "PortType": 5 if online else 1,
-                "PortFcId": port.address if online else 0, "PortSpeed": 2 if online else 0, "PortSupportedSpeed": 3,
-                "PortMaxFrameSize": 2048, "PortActiveFc4Types": "00 00 01", "PortSupportedFc4Types": "00 00 01"}
+                    "DriverVersion": host.driver, "DriverName": "fcx", "SerialNumber": f"{host.name}-{a}",
+                    "NodeWWN": next(port.node for port in near if port.adapter == a)},
+                 "ports": [self.port_of(port, zoned.values()) for port in near if port.adapter == a],
+                 "targetMapping": mapping} for a, mapping in adapters.items()]}}
 
     def port_of(self, port, zoned):
-        named = port.state == ONLINE and self.fabrics[port.fabric]
-        far = [self.attributes(self.ports[key]) for key in zoned
-               if port.state == ONLINE and self.ports[key].fabric == port.fabric]
-        return {"attributes": {**self.attributes(port), **({"FabricName": named} if named else {})},
-                "statistics": COUNTERS, "discovered": [{"attributes": each} for each in far]}
+        """A local port with what it sees; nothing while it is not online."""
+        is_online = port.state == ONLINE
+        named = {"FabricName": self.fabrics[port.fabric]} if is_online and self.fabrics[port.fabric] else {}
+        return {"attributes": {**attributes(port), **named}, "statistics": COUNTERS, "discovered": [
+            {"attributes": attributes(far)} for far in zoned if is_online and far.fabric == port.fabric]}
 
-    def statistics(self, disks):
+    @staticmethod
+    def statistics(units):
         records = [{"ks_module": "unix", "ks_name": "vminfo", "ks_class": "vm",
                     "samples": [{"freemem": 100, "swap_resv": 10, "swap_avail": 20, "swap_free": 25}] * 2},
                    {"ks_module": "cpu_stat", "ks_name": "cpu_stat0", "ks_class": "misc",
                     "data": {"idle": 290594171, "user": 41001031, "kernel": 19745259, "wait": 4074567}}]
-        for i, unit in enumerate([None] + [unit for _, unit in disks.values()]):
+        for i, unit in enumerate([INNER] + units):
             driver, instance = ("ssd", i - 1) if i else ("sd", 0)
             records.append({"ks_module": driver, "ks_instance": instance, "ks_name": f"{driver}{instance}",
                             "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO",
-                            "data": {"nread": 24090648576, "nwritten": 32605282304, "reads": 2940753, "writes": 3980137}})
-            if unit and unit.kind == "address":
+                            "data": {"nread": 24090648576, "nwritten": 32605282304, "reads": 2940753}})
+            if unit.kind == "address":
                 vendor, product, revision = VENDORS[unit.kind]
                 records.append({"ks_module": "ssderr", "ks_instance": instance, "ks_name": f"ssd{instance},err",
                                 "ks_class": "device_error", "ks_type": "KSTAT_TYPE_NAMED",
                                 "data": {"Soft Errors": 0, "Vendor": f"{vendor:<8}", "Product": f"{product:<16}",
-                                         "Revision": revision, "Serial No": unit.serial, "Size": size_of(unit)}})
+                                         "Revision": revision, "Serial No": unit.serial,
+                                         "Size": 512 * 64 * 128 * cylinders(unit)}})
         return records
 
 
+def attributes(port):
+    is_online = port.state == ONLINE
+    return {"PortWWN": port.wwn, "NodeWWN": port.node, "PortState": port.state, "PortType": 5 if is_online else 1,
+            "PortFcId": port.address if is_online else 0, "PortSpeed": 2 if is_online else 0, "PortSupportedSpeed": 3,
+            "PortMaxFrameSize": 2048, "PortActiveFc4Types": "00 00 01", "PortSupportedFc4Types": "00 00 01"}
+
+
 def cylinders(unit):
-    return 1024 * (1 + unit.lun % 32) if unit else 14087
+    return 1024 * (1 + unit.lun % 32)
 
 
-def size_of(unit):
-    return 512 * 64 * 128 * cylinders(unit)
-
-
-def page(code, data):
-    return f"00{code:02x}00{len(data) // 2:02x}{data}"
+def page(code, digits):
+    return f"00{code:02x}00{len(digits) // 2:02x}{digits}"
 
 
 def disk_of(name, path, major, instance, unit, talks):
-    vendor, product, revision = VENDORS[unit.kind] if unit else ("SEAGATE", "ST373207LSUN72G", "045A")
-    scsi = {}
+    vendor, product, revision = VENDORS[unit.kind]
+    scsi, size = {}, cylinders(unit)
     if talks:
-        designator = {"naa": lambda: ("0103", unit.digits), "eui": lambda: ("0102", unit.digits),
-                      "t10": lambda: ("0201", hexadecimal(unit.digits)), "address": lambda: ("", "")}[unit.kind]
-        kind, digits = designator()
-        version = "05" if kind else "02"
-        scsi = {"INQUIRY": f"0000{version}021f000002" + hexadecimal(f"{vendor:<8}{product:<16}{revision:<4}")}
-        scsi.update({"INQUIRY 00": page(0, "008083"), "INQUIRY 80": page(0x80, hexadecimal(unit.serial)),
-                     "INQUIRY 83": page(0x83, f"{kind}00{len(digits) // 2:02x}{digits}")} if kind else {})
-    size = cylinders(unit)
+        texts = f"{vendor:<8}{product:<16}{revision}".encode().hex()
+        scsi = {"INQUIRY": f"0000{'05' if unit.kind in DESIGNATORS else '02'}021f000002{texts}"}
+        if unit.kind in DESIGNATORS:
+            digits = unit.digits.encode().hex() if unit.kind == "t10" else unit.digits
+            scsi.update({"INQUIRY 00": page(0, "008083"), "INQUIRY 80": page(0x80, unit.serial.encode().hex()),
+                         "INQUIRY 83": page(0x83, f"{DESIGNATORS[unit.kind]}00{len(digits) // 2:02x}{digits}")})
     return {"name": name, "path": path, "major": major, "minor": 8 * instance, "scsi": scsi,
             "geometry": {"dkg_ncyl": size, "dkg_acyl": 2, "dkg_nhead": 64, "dkg_nsect": 128, "dkg_pcyl": size + 2},
             "vtoc": {"v_asciilabel": f"{vendor}-{product}-{revision} cyl {size} alt 2 hd 64 sec 128",
@@ -362,7 +339,7 @@ def large(hosts, paths, every):
         faults.append([f"unzone {host} a{array}.2 => zoning-gap a{array}.2 {host}",
                        f"hide {host} g{group}h/1 => host-lacks-unit g{group}h/1 {host}",
                        f"wwn {host}.0 {peer}.0 => duplicate-wwn {peer}.0 {host} {peer}",
-                       f"firmware {host} 3.3.001 => firmware-drift FX-2302 {host}",
+                       f"set {host} firmware 3.3.001 => firmware-drift FX-2302 {host}",
                        f"show {host} g{other}h/1 => unit-shared-apart g{other}h/1 {host} g{other}h*"][turn % kinds])
     return "\n".join(lines + faults)
 
@@ -370,19 +347,21 @@ def large(hosts, paths, every):
 def anything(seed):
     """A random network, of which nothing is expected."""
     dice = random.Random(seed)
-    switches = {name: [f"{name}.{domain}" for domain in range(1, dice.randrange(2, 4))] for name in "ABC"} | {"L": ["L"]}
+    switches = {name: [f"{name}.{domain}" for domain in range(1, dice.randrange(2, 4))] for name in "ABC"}
+    switches["L"] = ["L"]
     lines = [f"fabric {name} " + " ".join(each.partition(".")[2] for each in at) for name, at in switches.items()]
     at = [each for some in switches.values() for each in some]
     ports = {f"array{i}": dice.choices(at, k=dice.randrange(1, 6)) for i in range(4)}
-    lines += [f"array {name} {dice.choice(list(VENDORS))} {' '.join(each)}" for name, each in ports.items()]
+    lines += [f"array {name} {dice.choice(['address', *DESIGNATORS])} {' '.join(each)}" for name, each in ports.items()]
     hosts, units, near, far = [], [], [], [f"{name}.{i + 1}" for name, each in ports.items() for i in range(len(each))]
     for group in "pqrst":
         count, local = dice.randrange(1, 7), dice.choices(at, k=dice.randrange(1, 5))
         lines.append(f"hosts {group} {count} FX-{dice.randrange(3)} " + "".join(
             each + dice.choice(",/") for each in local)[:-1] + dice.choice(["", " mpxio", " zfs"]))
         for name in dice.sample(list(ports), 2):
-            seen = dice.sample([port for port in far if port.startswith(name + ".")], dice.randrange(1, len(ports[name]) + 1))
-            lines.append(f"units {group} {dice.randrange(1, 5)} {dice.randrange(2)} " + " ".join(seen))
+            seen = dice.sample(range(len(ports[name])), dice.randrange(1, len(ports[name]) + 1))
+            lines.append(f"units {group} {dice.randrange(1, 5)} {dice.randrange(2)} " + " ".join(
+                f"{name}.{port + 1}" for port in seen))
         hosts += [f"{group}{i + 1}" for i in range(count)]
         near += [f"{host}.{i}" for host in hosts[-count:] for i in range(len(local))]
         units.append(f"{group}/1")
@@ -390,10 +369,10 @@ def anything(seed):
     for _ in range(dice.randrange(4, 16)):
         host, other, version = dice.choice(hosts), dice.choice(units), dice.randrange(2)
         lines.append(dice.choice([
-            f"unzone {host} {dice.choice(far)}", f"hide {host} {host[0]}/1 {dice.choice(far)}", f"hide {host} {host[0]}/1",
-            f"show {host} {other}", f"plug {dice.choice(near)} {dice.choice(at)}", f"down {dice.choice(near + far)}",
-            f"wwn {dice.choice(near)} {dice.choice(near)}", f"firmware {host} 3.{version}", f"driver {host} 1.{version}",
-            f"silent {host}"]))
+            f"unzone {host} {dice.choice(far)}", f"plug {dice.choice(near)} {dice.choice(at)}",
+            f"hide {host} {host[0]}/1 {dice.choice(far)}", f"hide {host} {host[0]}/1", f"show {host} {other}",
+            f"set {dice.choice(near + far)} state 6", f"wwn {dice.choice(near)} {dice.choice(near)}",
+            f"set {host} firmware 3.{version}", f"set {host} driver 1.{version}", f"set {host} talks"]))
     return "\n".join(lines)
 
 
