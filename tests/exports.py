@@ -2,6 +2,7 @@
 """Holds what a built library exports against the native methods of a jar's classes, in both directions: python3
 tests/exports.py LIBRARY JAR PACKAGE. The methods are those of the package, or with "-PACKAGE" all others."""
 
+import itertools
 import re
 import subprocess
 import sys
@@ -10,20 +11,23 @@ import zipfile
 
 def mangled(name):
     """A dotted name as the Java Native Interface writes it."""
-    return re.sub(r"[_$]", lambda found: {"_": "_1", "$": "_00024"}[found[0]], name).replace(".", "_")
+    return re.sub(r"[_$;[]", lambda found: {"_": "_1", "$": "_00024", ";": "_2", "[": "_3"}[found[0]], name).replace(".", "_")
 
 
 def native_methods(jar):
     with zipfile.ZipFile(jar) as archive:
         classes = [name[:-6].replace("/", ".") for name in archive.namelist() if name.endswith(".class")]
-    listing = subprocess.run(["javap", "-p", "-cp", jar, *classes], check=True, capture_output=True, text=True).stdout
-    methods = set()
-    for line in listing.splitlines():
+    listing = subprocess.run(["javap", "-p", "-s", "-cp", jar, *classes], check=True, capture_output=True,
+                             text=True).stdout
+    methods = {}  # the arguments of each overload, by name
+    for line, below in itertools.pairwise(listing.splitlines()):
         if declared := re.match(r"\S.*?\b(?:class|interface|enum) ([\w.$]+)", line):
             owner = declared[1]
         elif method := re.match(r"  .*\bnative .* (\w+)\(", line):
-            methods.add(f"Java_{mangled(owner)}_{mangled(method[1])}")
-    return methods
+            arguments = re.match(r"    descriptor: \((.*)\)", below)[1].replace("/", ".")
+            methods.setdefault(f"Java_{mangled(owner)}_{mangled(method[1])}", []).append(mangled(arguments))
+    return {name if len(overloads) == 1 else f"{name}__{overload}"
+            for name, overloads in methods.items() for overload in overloads}
 
 
 def exported_names(library):

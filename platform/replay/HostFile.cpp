@@ -93,15 +93,38 @@ private:
     std::array<char, 65536> buffer;
 };
 
+/// What `make` makes; what it complains of is told with the description's name.
+template <class Make>
+auto named(const std::string &name, const Make &make) {
+    try {
+        return make();
+    } catch (const HostDescriptionError &error) {
+        throw HostDescriptionError(name, error.what());
+    }
+}
+
 } // namespace
 
+std::string readHostFileText(const std::string &path, std::chrono::milliseconds silence) {
+    return named(path, [&] {
+        HostFile file(path, silence);
+        std::string text;
+        for (std::string_view part = file.nextPart(); !part.empty(); part = file.nextPart()) {
+            text += part;
+        }
+        return text;
+    });
+}
+
+std::shared_ptr<const Host> readHostText(const description::TextSource &text, const std::string &name) {
+    return named(name, [&] { return std::make_shared<const Host>(description::readHost(text)); });
+}
+
 std::shared_ptr<const Host> readHostFile(const std::string &path, std::chrono::milliseconds silence) {
-    try {
+    return named(path, [&] {
         HostFile file(path, silence);
         return std::make_shared<const Host>(description::readHost([&] { return file.nextPart(); }));
-    } catch (const HostDescriptionError &error) {
-        throw HostDescriptionError(path, error.what());
-    }
+    });
 }
 
 } // namespace replay

@@ -5,12 +5,22 @@
 #include "platform/replay/HostFile.h"
 
 namespace replay {
+namespace {
 
-std::string loadHostFile(const std::string &path, std::chrono::milliseconds silence) {
-    std::shared_ptr<const Host> loaded = readHostFile(path, silence);
+std::string loadHost(std::shared_ptr<const Host> loaded) {
     std::string recordedAt = loaded->recordedAt;
     makeCurrent(std::move(loaded));
     return recordedAt;
+}
+
+} // namespace
+
+std::string loadHostFile(const std::string &path, std::chrono::milliseconds silence) {
+    return loadHost(readHostFile(path, silence));
+}
+
+std::string loadHostText(const std::function<std::string_view()> &text, const std::string &name) {
+    return loadHost(readHostText(text, name));
 }
 
 void loadHostText(const std::string &json) {

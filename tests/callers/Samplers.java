@@ -4,7 +4,9 @@ import com.kelvo.tarn.inventory.InventoryHost;
 import com.kelvo.tarn.inventory.Mount;
 import com.kelvo.tarn.inventory.Sample;
 import com.kelvo.tarn.inventory.Sampler;
+import com.kelvo.tarn.replay.ReplayHost;
 import java.io.IOException;
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.time.Duration;
@@ -14,6 +16,7 @@ import java.util.concurrent.Callable;
 import java.util.concurrent.ExecutorService;
 import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
+import java.util.function.Supplier;
 
 /** What the inventory tells in a virtual machine, and samplers that are read on many threads, and closed meanwhile. */
 final class Samplers {
@@ -50,25 +53,46 @@ final class Samplers {
         }
     }
 
-    /** A mount that tells its sizes, one that hangs, and one of another kind; then a host that tells nothing. */
-    private static void tellsOfMounts() throws IOException {
-        Path host = Files.createTempFile("tarn-samplers-", ".json");
+    private static String load(String description) {
+        return InventoryHost.load(description.replace('\'', '"').getBytes(StandardCharsets.UTF_8), "it");
+    }
+
+    /** What is read once answers both libraries; what is no description is named, and the host before it stays. */
+    private static void takesTexts() throws IOException {
+        Path file = Files.createTempFile("tarn-\u2603-", ".json");
         try {
-            Files.writeString(host, ("{'mnttab': ['pool\\t/z\\tzfs\\trw\\t1', 'vol\\t/v\\tvxfs\\trw\\t1', "
-                    + "'d\\t/\\tufs\\trw\\t1'], 'statvfs': {'/z': {'f_frsize': 1024, 'f_blocks': 10, 'f_bfree': 5, 'f_bavail': 4}, "
-                    + "'/v': {'seconds': 3600}}}").replace('\'', '"'));
-            InventoryHost.load(host.toString());
-            List<Mount> mounts = Inventory.mounts(Duration.ofSeconds(2));
-            Mount told = mounts.get(0);
-            Mount hangs = mounts.get(1);
-            expect("mounts", mounts.size() == 2 && told.mountPoint.equals("/z") && told.device.equals("pool")
-                    && told.fileSystemType.equals("zfs") && told.totalBytes == 10240 && told.freeBytes == 5120
-                    && told.availableBytes == 4096 && hangs.mountPoint.equals("/v") && hangs.totalBytes == null);
-            Files.writeString(host, "{}");
-            InventoryHost.load(host.toString());
+            Files.writeString(file, "{\"recordedAt\": \"2026-11-24T10:00:00Z\", \"mnttab\": []}" + " ".repeat(200000));
+            byte[] text = ReplayHost.read(file.toString());
+            expect("recordedAt", ReplayHost.load(text, "it").equals("2026-11-24T10:00:00Z")
+                    && InventoryHost.load(text, "it").equals(ReplayHost.load(file.toString())));
         } finally {
-            Files.delete(host);
+            Files.delete(file);
         }
+        List<Supplier<?>> refused = List.of(() -> ReplayHost.read(file.toString()), () -> load("{'mnttab': 1}"),
+                () -> InventoryHost.load(null, "it"), () -> load("{}" + " ".repeat(200000) + "x"));
+        List<String> reasons = List.of(file + ": No such file", "it: mnttab: ", "no text", "it: not JSON: line 1, column 200003");
+        for (int i = 0; i < reasons.size(); ++i) {
+            try {
+                expect("unlike " + reasons.get(i) + ": " + refused.get(i).get(), false);
+            } catch (IllegalArgumentException complaint) {
+                expect(complaint.getMessage(), complaint.getMessage().startsWith(reasons.get(i)));
+            }
+        }
+        expect("the host before", Inventory.mounts(Duration.ofSeconds(2)).isEmpty() && load("{}") == null);
+    }
+
+    /** A mount that tells its sizes, one that hangs, and one of another kind; then a host that tells nothing. */
+    private static void tellsOfMounts() {
+        load("{'mnttab': ['pool\\t/z\\tzfs\\trw\\t1', 'vol\\t/v\\tvxfs\\trw\\t1', 'd\\t/\\tufs\\trw\\t1'], "
+                + "'statvfs': {'/z': {'f_frsize': 1024, 'f_blocks': 10, 'f_bfree': 5, 'f_bavail': 4}, "
+                + "'/v': {'seconds': 3600}}}");
+        List<Mount> mounts = Inventory.mounts(Duration.ofSeconds(2));
+        Mount told = mounts.get(0);
+        Mount hangs = mounts.get(1);
+        expect("mounts", mounts.size() == 2 && told.mountPoint.equals("/z") && told.device.equals("pool")
+                && told.fileSystemType.equals("zfs") && told.totalBytes == 10240 && told.freeBytes == 5120
+                && told.availableBytes == 4096 && hangs.mountPoint.equals("/v") && hangs.totalBytes == null);
+        load("{}");
         try (Sampler sampler = Inventory.sampler()) {
             expect("no statistics, and no complaint from " + sampler, false);
         } catch (RuntimeException refused) {
@@ -112,6 +136,7 @@ final class Samplers {
     public static void main(String[] arguments) throws Exception {
         tellsWhatTheHostTells();
         closesUnderReadings();
+        takesTexts();
         tellsOfMounts();
         System.out.println(passed + " passed, " + failed + " failed");
         System.exit(failed == 0 ? 0 : 1);

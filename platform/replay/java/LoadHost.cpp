@@ -1,5 +1,7 @@
 #include "platform/replay/java/LoadHost.h"
 
+#include <algorithm>
+#include <array>
 #include <exception>
 #include <optional>
 #include <string>
@@ -38,16 +40,20 @@ std::optional<std::string> toUtf8(JNIEnv *env, jstring text) {
     return characters;
 }
 
-jstring toJava(JNIEnv *env, std::string_view text) {
+jbyteArray toBytes(JNIEnv *env, std::string_view text) {
     const auto size = static_cast<jsize>(text.size());
+    const jbyteArray bytes = env->NewByteArray(size);
+    if (bytes != nullptr) {
+        env->SetByteArrayRegion(bytes, 0, size, reinterpret_cast<const jbyte *>(text.data()));
+    }
+    return bytes;
+}
+
+jstring toJava(JNIEnv *env, std::string_view text) {
     const JavaMethod string(env, "java/lang/String", "<init>", "([BLjava/lang/String;)V");
     const jstring charset = string.id == nullptr ? nullptr : env->NewStringUTF("UTF-8");
-    const jbyteArray bytes = charset == nullptr ? nullptr : env->NewByteArray(size);
-    if (bytes == nullptr) {
-        return nullptr;
-    }
-    env->SetByteArrayRegion(bytes, 0, size, reinterpret_cast<const jbyte *>(text.data()));
-    return static_cast<jstring>(env->NewObject(string.cls, string.id, bytes, charset));
+    const jbyteArray bytes = charset == nullptr ? nullptr : toBytes(env, text);
+    return bytes == nullptr ? nullptr : static_cast<jstring>(env->NewObject(string.cls, string.id, bytes, charset));
 }
 
 void throwIllegalArgument(JNIEnv *env, std::string_view message) {
@@ -64,9 +70,9 @@ void throwIllegalArgument(JNIEnv *env, std::string_view message) {
     }
 }
 
-} // namespace
-
-jstring loadHost(JNIEnv *env, jstring path) {
+/// What `use` makes of a description's path, or of the name of its text.
+template <class Use>
+auto withPath(JNIEnv *env, jstring path, const Use &use) -> decltype(use(std::string())) {
     if (path == nullptr) {
         throwIllegalArgument(env, "no path of a host description");
         return nullptr;
@@ -76,13 +82,46 @@ jstring loadHost(JNIEnv *env, jstring path) {
         if (characters && characters->find('\0') != std::string::npos) {
             throwIllegalArgument(env, "a path with a NUL character names no host description");
         } else if (characters) {
-            const std::string recordedAt = loadHostFile(*characters);
-            return recordedAt.empty() ? nullptr : toJava(env, recordedAt);
+            return use(*characters);
         }
     } catch (const std::exception &error) {
         throwIllegalArgument(env, error.what());
     }
     return nullptr;
+}
+
+/// When the host was recorded.
+jstring told(JNIEnv *env, const std::string &recordedAt) {
+    return recordedAt.empty() ? nullptr : toJava(env, recordedAt);
+}
+
+} // namespace
+
+jstring loadHost(JNIEnv *env, jstring path) {
+    return withPath(env, path, [&](const std::string &file) { return told(env, loadHostFile(file)); });
+}
+
+jstring loadHost(JNIEnv *env, jbyteArray text, jstring name) {
+    if (text == nullptr) {
+        throwIllegalArgument(env, "no text of a host description");
+        return nullptr;
+    }
+    return withPath(env, name, [&](const std::string &called) {
+        const jsize size = env->GetArrayLength(text);
+        jsize taken = 0;
+        std::array<char, 65536> part;
+        const auto nextPart = [&]() -> std::string_view {
+            const jsize count = std::min(size - taken, static_cast<jsize>(part.size()));
+            env->GetByteArrayRegion(text, taken, count, reinterpret_cast<jbyte *>(part.data()));
+            taken += count;
+            return {part.data(), static_cast<std::size_t>(count)};
+        };
+        return told(env, loadHostText(nextPart, called));
+    });
+}
+
+jbyteArray readHost(JNIEnv *env, jstring path) {
+    return withPath(env, path, [&](const std::string &file) { return toBytes(env, readHostFileText(file)); });
 }
 
 } // namespace replay

@@ -14,7 +14,19 @@ public final class InventoryHost {
      * reading, as if devices had come and gone.
      *
      * @param path the description's file
+     * @return when the host was recorded, in UTC, such as "2026-11-24T10:00:00Z"; null when the description does not
+     *     say
      * @throws IllegalArgumentException when it cannot be read, naming the file and the member; the host before it stays
      */
-    public static native void load(String path);
+    public static native String load(String path);
+
+    /**
+     * The same of a description that is at hand.
+     *
+     * @param text the description, in UTF-8
+     * @param name what complaints call it: its file's path
+     * @return when the host was recorded; null when the description does not say
+     * @throws IllegalArgumentException when it cannot be used, or an argument is null; the host before it stays
+     */
+    public static native String load(byte[] text, String name);
 }

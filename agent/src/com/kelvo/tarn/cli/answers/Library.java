@@ -22,8 +22,7 @@ import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import com.kelvo.tarn.replay.ReplayHost;
-import java.nio.file.Files;
-import java.nio.file.Path;
+import java.io.File;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
@@ -35,8 +34,9 @@ public final class Library {
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
     private Instant recordedAt;
-    /** Of the host that was loaded last; the inventory, a library of its own, reads it as a sampler is made. */
-    private String description;
+    private boolean isDescribed;
+    /** Lets the host that was loaded last answer the inventory, a library of its own; null once it does. */
+    private Runnable pending;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -59,14 +59,19 @@ public final class Library {
      * @throws IllegalArgumentException when it cannot be read; the message names what is wrong
      */
     public void load(String path) {
-        String told = ReplayHost.load(path);
+        boolean isFile = new File(path).isFile(); // what is none, such as a pipe, is read but once
+        byte[] text = isFile ? null : ReplayHost.read(path);
+        String told = isFile ? ReplayHost.load(path) : ReplayHost.load(text, path);
         recordedAt = told == null ? null : Instant.parse(told);
-        description = path;
+        isDescribed = true;
+        synchronized (this) {
+            pending = isFile ? () -> InventoryHost.load(path) : () -> InventoryHost.load(text, path);
+        }
     }
 
     /** {@return whether a host that was loaded answers, and not the one at hand} */
     boolean isDescribed() {
-        return description != null;
+        return isDescribed;
     }
 
     /** {@return when the host that was loaded was recorded; null when its description does not say} */
@@ -252,15 +257,16 @@ public final class Library {
      * @throws IllegalArgumentException when the description of the host cannot be read once more
      */
     public Sampler sampler() {
-        if (description != null) {
-            if (!Files.isRegularFile(Path.of(description))) {
-                throw new IllegalArgumentException(
-                    description + ": no file; what disks and ports do needs one, "
-                    + "since the description is read twice for it");
-            }
-            InventoryHost.load(description);
-        }
+        tellInventory();
         return Inventory.sampler();
+    }
+
+    /** To be called before the inventory is asked. */
+    private synchronized void tellInventory() {
+        if (pending != null) {
+            pending.run();
+            pending = null;
+        }
     }
 
     /** {@return one reading of the activity of disks and ports} */
