@@ -181,6 +181,14 @@ monitor() {
     exit
 }
 
+# Sets lines and columns to the size of the terminal that standard input is.
+terminal_size() {
+    lines=0 columns=0
+    read -r lines columns < <(stty size 2>/dev/null) || true
+    [ "${lines:-0}" -gt 0 ] || lines=24
+    [ "${columns:-0}" -gt 0 ] || columns=80
+}
+
 # Prints where native libraries are: ours, and those that the jars of the system need.
 library_path() {
     local dir path=$library_dir
@@ -193,7 +201,7 @@ library_path() {
 # Ends this process with the command line.
 launch() {
     export LC_ALL=C.UTF-8 # arguments and file names are UTF-8 whatever the terminal says
-    local run=exec
+    local run=exec lines columns
     find_java
     find_jars
     # What the virtual machine itself would say of an archive it cannot use is no part of a result.
@@ -202,11 +210,12 @@ launch() {
     classes=("-Djava.library.path=$(library_path)" "-Dtarn.recorder=$recorder" -cp "$class_path")
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
-        local lines=0 columns=0
-        read -r lines columns 3<&1 < <(stty size <&3 2>/dev/null) || true
-        [ "${lines:-0}" -gt 0 ] || lines=24
-        [ "${columns:-0}" -gt 0 ] || columns=80
+        terminal_size <&1
         virtual_machine+=("-Dtarn.lines=$lines" "-Dtarn.columns=$columns")
+    fi
+    if [ -t 2 ]; then
+        terminal_size <&2
+        virtual_machine+=("-Dtarn.errorColumns=$columns")
     fi
     if [ -n "${found:-}" ]; then
         run=monitor

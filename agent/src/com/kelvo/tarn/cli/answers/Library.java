@@ -62,11 +62,29 @@ public final class Library {
     public void load(String path) {
         boolean isFile = new File(path).isFile(); // what is none, such as a pipe, is read but once
         byte[] text = isFile ? null : ReplayHost.read(path);
-        String told = isFile ? ReplayHost.load(path) : ReplayHost.load(text, path);
-        recordedAt = told == null ? null : Instant.parse(told);
+        if (isFile) {
+            answerBy(ReplayHost.load(path), () -> InventoryHost.load(path));
+        } else {
+            load(text, path);
+        }
+    }
+
+    /**
+     * Lets a host answer from now on.
+     *
+     * @param text its description, in UTF-8
+     * @param name what complaints call that
+     * @throws IllegalArgumentException when it cannot be used; the message names what is wrong
+     */
+    public void load(byte[] text, String name) {
+        answerBy(ReplayHost.load(text, name), () -> InventoryHost.load(text, name));
+    }
+
+    private void answerBy(String recorded, Runnable loadIntoInventory) {
+        recordedAt = recorded == null ? null : Instant.parse(recorded);
         isDescribed = true;
         synchronized (this) {
-            pending = isFile ? () -> InventoryHost.load(path) : () -> InventoryHost.load(text, path);
+            pending = loadIntoInventory;
         }
     }
 

@@ -54,10 +54,22 @@ public final class LibraryLog extends AppenderSkeleton {
     }
 
     private final ThreadLocal<Kept> kept = ThreadLocal.withInitial(Kept::new);
+    /** Whose lines these are; null: everyone's. */
+    private final Thread only;
 
     /** Collects from now on. */
     public LibraryLog() {
+        this(null);
+    }
+
+    private LibraryLog(Thread only) {
+        this.only = only;
         KelvoLogger.deliverTo(this);
+    }
+
+    /** {@return what collects from now on what the calls of this thread log, and of no other} */
+    public static LibraryLog ofThisThread() {
+        return new LibraryLog(Thread.currentThread());
     }
 
     /** {@return the lines since the last time, in order} */
@@ -132,6 +144,9 @@ public final class LibraryLog extends AppenderSkeleton {
 
     @Override
     protected void append(LoggingEvent event) {
+        if (only != null && only != Thread.currentThread()) {
+            return;
+        }
         add(event.getLevel().toString().toLowerCase(Locale.ROOT), event.getRenderedMessage());
     }
 

@@ -2,12 +2,12 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.output.Json;
-import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.Progress;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.san.Load;
 import com.kelvo.tarn.cli.san.Store;
 import java.io.File;
-import java.io.PrintWriter;
+import java.nio.file.Path;
 import java.util.List;
 import java.util.Locale;
 import java.util.stream.Collectors;
@@ -36,20 +36,38 @@ public final class SanLoadCommand extends StoreCommand {
         if (keep != null && keep < 1) {
             throw refusal("--keep: '" + keep + "' is not 1 or more");
         }
-        PrintWriter err = spec().commandLine().getErr();
+        List<Path> named = files.stream().map(File::toPath).collect(Collectors.toList());
+        Progress progress = new Progress(spec().commandLine().getErr());
+        if (progress.isSeen()) {
+            progress.expect(Load.count(named));
+        }
         long start = System.nanoTime();
-        Load load = Load.into(
-            database(), files.stream().map(File::toPath).collect(Collectors.toList()), keep == null ? 0 : keep,
-            (file, reason) -> {
-                Page.complain(err, file + ": " + reason);
-                err.flush();
-            });
+        Load load;
+        try {
+            load = Load.into(database(), named, keep == null ? 0 : keep, observer(progress));
+        } finally {
+            progress.erase();
+        }
         double seconds = (System.nanoTime() - start) / 1e9;
         Object result = Json.object("loaded", load.loaded(), "unchanged", load.unchanged(), "refused", load.refused(),
                                     "seconds", Math.round(seconds * 1000) / 1000.0);
         return Answer.table(result, () -> table(load)).shownAs(out -> out.println(String.format(
             Locale.ROOT, "%d loaded, %d unchanged, %d refused", load.loaded(), load.unchanged(), load.refused().size())))
             .withStatus(load.refused().isEmpty() ? 0 : 1);
+    }
+
+    private static Load.Observer observer(Progress progress) {
+        return new Load.Observer() {
+            @Override
+            public void advanced() {
+                progress.advance();
+            }
+
+            @Override
+            public void refused(Load.Refusal refusal) {
+                progress.complain(refusal.file + ": " + refusal.reason);
+            }
+        };
     }
 
     private static Table<?> table(Load load) {

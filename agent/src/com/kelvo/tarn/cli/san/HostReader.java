@@ -5,8 +5,9 @@ public interface HostReader {
     /**
      * {@return what a host tells}
      *
-     * @param path its description
+     * @param text its description, in UTF-8
+     * @param name what complaints call that
      * @throws IllegalArgumentException when it cannot be used; the message names it
      */
-    HostFacts read(String path);
+    HostFacts read(byte[] text, String name);
 }

@@ -26,17 +26,17 @@ import java.util.function.Function;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
-/** Asks the library, as the commands do that are about one host. */
+/** Asks the library, as the commands do that are about one host; only the thread that has made it may use it. */
 public final class LibraryReader implements HostReader {
     private static final BigInteger MOST = BigInteger.valueOf(Long.MAX_VALUE);
     private static final int AREA_AND_PORT = 16;
 
-    private final LibraryLog log = new LibraryLog();
+    private final LibraryLog log = LibraryLog.ofThisThread();
     private final Library library = new Library(log);
 
     @Override
-    public HostFacts read(String path) {
-        library.load(path);
+    public HostFacts read(byte[] text, String name) {
+        library.load(text, name);
         Asked asked = new Asked(library, List.of());
         asked.requireAnswer("hba"); // without it, paths would seem to have vanished
         HostFacts facts = new HostFacts(

@@ -1,22 +1,30 @@
 package com.kelvo.tarn.cli.san;
 
 import java.io.IOException;
-import java.nio.file.Files;
 import java.nio.file.Path;
-import java.nio.file.attribute.BasicFileAttributes;
-import java.security.MessageDigest;
-import java.security.NoSuchAlgorithmException;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.Locale;
 import java.util.concurrent.ArrayBlockingQueue;
 import java.util.concurrent.BlockingQueue;
 import java.util.concurrent.atomic.AtomicLong;
-import java.util.function.BiConsumer;
+import java.util.concurrent.atomic.AtomicReference;
 
-/** Puts what descriptions tell into a store. */
+/** Puts what descriptions tell into a store, on all processors. */
 public final class Load {
+    /** Is told how it goes, by one thread at a time. */
+    public interface Observer {
+        /** One file more has been dealt with. */
+        void advanced();
+
+        /**
+         * A file or a folder cannot be used.
+         *
+         * @param refusal which, and why
+         */
+        void refused(Refusal refusal);
+    }
+
     /** A file or a folder that could not be used. */
     public static final class Refusal {
         /** Its path, as it was named or found. */
@@ -30,19 +38,33 @@ public final class Load {
         }
     }
 
-    private final Store store;
-    private final int keep;
-    private final BiConsumer<String, String> told;
+    private final Descriptions descriptions;
+    private final Observer observer;
     private final AtomicLong loaded = new AtomicLong();
     private final AtomicLong unchanged = new AtomicLong();
     private final List<Refusal> refused = new ArrayList<>();
-    private BlockingQueue<HostWriter> writers;
-    private volatile RuntimeException failure;
+    private final BlockingQueue<HostWriter> writers;
+    /** What ends it all, once it is not null. */
+    private final AtomicReference<Throwable> failure = new AtomicReference<>();
 
-    private Load(Store store, int keep, BiConsumer<String, String> told) {
-        this.store = store;
-        this.keep = keep;
-        this.told = told;
+    private Load(List<Path> named, Observer observer, int writers) {
+        descriptions = new Descriptions(named, (path, reason) -> refuse(path.toString(), reason));
+        this.observer = observer;
+        this.writers = new ArrayBlockingQueue<>(writers);
+    }
+
+    /**
+     * {@return how many files there are to be loaded}
+     *
+     * @param named files, and folders of files
+     */
+    public static long count(List<Path> named) {
+        Descriptions descriptions = new Descriptions(named, (path, reason) -> { });
+        long count = 0;
+        while (descriptions.next() != null) {
+            count++;
+        }
+        return count;
     }
 
     /**
@@ -51,12 +73,20 @@ public final class Load {
      * @param database the store's file or URL; it is made where there is none
      * @param named files, and folders of files
      * @param keep how many recordings of each host are kept; 0 for all
-     * @param told is told of each file that cannot be used, with the reason, as it happens
+     * @param observer is told how it goes
      */
-    public static Load into(String database, List<Path> named, int keep, BiConsumer<String, String> told) {
+    public static Load into(String database, List<Path> named, int keep, Observer observer) {
+        int processors = Runtime.getRuntime().availableProcessors();
         try (Store store = Store.openToWrite(database)) {
-            Load load = new Load(store, keep, told);
-            load.run(named);
+            Load load = new Load(named, observer, store.writers(processors));
+            try {
+                while (load.writers.remainingCapacity() > 0) {
+                    load.writers.add(new HostWriter(store.again(), keep));
+                }
+                load.run(store, processors);
+            } finally {
+                load.writers.forEach(HostWriter::close);
+            }
             return load;
         }
     }
@@ -76,40 +106,59 @@ public final class Load {
         return refused;
     }
 
-    private void run(List<Path> named) {
-        Descriptions descriptions = new Descriptions(named, (path, reason) -> refuse(path.toString(), reason));
-        writers = new ArrayBlockingQueue<>(1);
-        writers.add(new HostWriter(store.again(), keep));
-        try (Store known = store.again()) {
-            HostReader reader = new LibraryReader();
-            for (Path path = descriptions.next(); path != null && failure == null; path = descriptions.next()) {
-                load(path, reader, known);
+    private void run(Store store, int processors) {
+        List<Thread> threads = new ArrayList<>();
+        for (int i = 0; i < processors; i++) {
+            boolean isFirst = i == 0;
+            threads.add(new Thread(() -> work(store, isFirst), "load " + i));
+        }
+        threads.forEach(Thread::start);
+        for (Thread thread : threads) {
+            try {
+                thread.join();
+            } catch (InterruptedException hurried) {
+                failure.compareAndSet(null, hurried);
             }
-        } finally {
-            writers.forEach(HostWriter::close);
+        }
+        Throwable failed = failure.get();
+        if (failed instanceof StoreException) {
+            throw (StoreException) failed;
+        } else if (failed != null) {
+            throw new IllegalStateException(failed);
         }
     }
 
-    private void load(Path path, HostReader reader, Store known) {
-        try {
-            BasicFileAttributes before = Files.readAttributes(path, BasicFileAttributes.class);
-            if (!before.isRegularFile()) {
-                throw new IllegalArgumentException("it is no regular file");
+    /** One thread's share. The first has the libraries of the program itself; with a single file, no other is needed. */
+    private void work(Store store, boolean isFirst) {
+        try (Store known = store.again()) {
+            HostReader reader = null;
+            for (Path path = descriptions.next(); path != null && failure.get() == null; path = descriptions.next()) {
+                if (reader == null) {
+                    reader = isFirst ? new LibraryReader() : Isolation.reader();
+                }
+                load(path, reader, known);
+                synchronized (this) {
+                    observer.advanced();
+                }
             }
-            String digest = digest(Files.readAllBytes(path));
+        } catch (Throwable failed) {
+            failure.compareAndSet(null, failed);
+        }
+    }
+
+    private void load(Path path, HostReader reader, Store known) throws InterruptedException {
+        try {
+            DescriptionText description = new DescriptionText(path);
+            String digest = description.digest();
             if (!known.query("SELECT id FROM snapshot WHERE digest = ?", row -> row.getLong(1), digest).isEmpty()) {
                 unchanged.incrementAndGet();
                 return;
             }
-            HostFacts facts = reader.read(path.toString());
-            BasicFileAttributes after = Files.readAttributes(path, BasicFileAttributes.class);
-            if (before.size() != after.size() || !before.lastModifiedTime().equals(after.lastModifiedTime())) {
-                throw new IllegalArgumentException("it changed while it was read");
-            }
+            HostFacts facts = reader.read(description.text, path.toString());
             if (facts.host.isBlank()) {
                 throw new IllegalArgumentException("it does not tell the host's name");
             }
-            Instant recordedAt = facts.recordedAt != null ? facts.recordedAt : before.lastModifiedTime().toInstant();
+            Instant recordedAt = facts.recordedAt != null ? facts.recordedAt : description.writtenAt;
             HostWriter writer = writers.take();
             try {
                 (writer.write(facts, recordedAt, digest) ? loaded : unchanged).incrementAndGet();
@@ -120,26 +169,15 @@ public final class Load {
             refuse(path.toString(), Reasons.of(failed));
         } catch (IllegalArgumentException | IllegalStateException unusable) {
             refuse(path.toString(), unusable.getMessage());
-        } catch (InterruptedException hurried) {
-            Thread.currentThread().interrupt();
-        }
-    }
-
-    private static String digest(byte[] text) {
-        try {
-            StringBuilder digits = new StringBuilder();
-            for (byte each : MessageDigest.getInstance("SHA-256").digest(text)) {
-                digits.append(String.format(Locale.ROOT, "%02x", each));
-            }
-            return digits.toString();
-        } catch (NoSuchAlgorithmException impossible) {
-            throw new IllegalStateException(impossible);
+        } catch (OutOfMemoryError tooLarge) {
+            refuse(path.toString(), "it is too large for the memory of this virtual machine");
         }
     }
 
     private synchronized void refuse(String file, String reason) {
-        String plain = reason.startsWith(file + ": ") ? reason.substring(file.length() + 2) : reason;
-        refused.add(new Refusal(file, plain));
-        told.accept(file, plain);
+        Refusal refusal = new Refusal(file, reason.startsWith(file + ": ") ? reason.substring(file.length() + 2)
+                                      : reason);
+        refused.add(refusal);
+        observer.refused(refusal);
     }
 }
