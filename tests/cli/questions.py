@@ -28,8 +28,9 @@ def walk(adapters):
                 yield (a, p, r), properties(port["instance"]), remote
 
 
-def paths(adapters, own, disks, mounted):
-    """Units of the adapters; the same with the HBA library's own device names, the drives and the file systems."""
+def paths(adapters, own, disks, mounted, volumes):
+    """Units of the adapters; the same with the HBA library's own device names, the drives, the file systems, and the
+    designators of disks."""
     drives = {properties(drive)["name"]: properties(drive) for drive in disks or []}
     units = defaultdict(list)
     for ((a, p, _), port, remote), (_, _, other) in zip(walk(adapters), walk(own)):
@@ -48,8 +49,11 @@ def paths(adapters, own, disks, mounted):
         names = list(dict.fromkeys(way["disk"] for way in ways if way["disk"]))
         size = names and drives[names[0]]
         size = size and 512 * size["heads"] * size["sectorsPerTrack"] * size["dataCylinders"]
-        found.append({"node": node, "lun": lun, "disk": names[0] if names else None, "sizeBytes": size or None,
-                      "mounts": list(dict.fromkeys(one["mountPoint"] for name in names for one in mounted or []
+        volume = next((volumes[name] for name in names if name in volumes), None)
+        same = [name for name in drives if volume and volumes.get(name) == volume and name not in names]
+        found.append({"node": node, "lun": lun, "designator": volume, "disk": names[0] if names else None,
+                      "sizeBytes": size or None,
+                      "mounts": list(dict.fromkeys(one["mountPoint"] for name in names + same for one in mounted or []
                                                    if one["device"] == f"/dev/dsk/{name}s0")), "paths": ways})
     return found
 
@@ -185,6 +189,10 @@ def random_host(random):
                            "ScsiBusNumber": random.randrange(9)},
                 "FcpId": {"PortWWN": random.choice(remotes), "FcpLun": random.choice([0, 1, 2, 0x8001, 0xffff]) << 48}}
 
+    def pages():
+        volume = f"600a0b80{random.randrange(5):024x}"
+        return {"INQUIRY": "00000502" + 32 * "00", "INQUIRY 00": "000000020083", "INQUIRY 83": "0083001401030010" + volume}
+
     def sizes():
         total = random.choice([0, 1000, 1001, 100000, 2 ** 53, 2 ** 54])
         free = random.choice([0, total // 10, total // 10, total // 2, total + 1])
@@ -203,7 +211,7 @@ def random_host(random):
         statvfs={mount: sizes() for mount in mounts if random.random() < 0.8},
         disks=[present(name=name, path=f"/pci@1f/sd@{number},0", major=32, minor=8 * number,
                        geometry=maybe(0.8, {"dkg_nhead": 2, "dkg_nsect": 3, "dkg_ncyl": number}), vtoc=maybe(0.8, {"v_asciilabel": "SUN72G cyl"}),
-                       fails=maybe(0.2, {"open": "EBUSY"})) for number, name in enumerate(disks)],
+                       scsi=maybe(0.7, pages()), fails=maybe(0.2, {"open": "EBUSY"})) for number, name in enumerate(disks)],
         hba={"adapters": [present(name=f"hba-{number}", openFailures=maybe(0.2, 2),
                                   attributes={"NodeWWN": "2000%012x" % number},
                                   ports=[port(4 * number + each) for each in range(random.randrange(1, 5))],

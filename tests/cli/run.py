@@ -143,12 +143,14 @@ class CommandLine(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, b""))
 
     def test_paths_and_check_follow_from_the_single_commands(self):
-        seen, asked = set(), []
+        seen, asked, volumes = set(), [], []
         own = "hba --keep-os-device-name"
         for seed in range(1, 1 + RANDOM_HOSTS):
             host, was = (questions.random_host(random.Random(each)) for each in (seed, 1000 + seed))
             paths = [write_host(each) for each in (host, was)]
             mounts = dict.fromkeys(line.split("\t")[1] for line in host.get("mnttab", []))
+            volumes.append({disk["name"]: "naa." + disk["scsi"]["INQUIRY 83"][16:] for disk in host["disks"]
+                            if "scsi" in disk})
             check = f"check --baseline {paths[1]}"
             asked += [(check, mounts, *([f"--host {path} --json {command}" for command in commands] for path, commands in
                                         zip(paths, ([*questions.SECTIONS, "paths", own, check] +
@@ -165,7 +167,7 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(findings, questions.check(now, told, before), seed)
             self.assertEqual(found["state"], findings[0][0].upper() if findings else "OK", seed)
             self.assertEqual(now["paths"]["result"], questions.paths(
-                *(now[command]["result"] for command in ("hba", own, "disks", "logical-disks"))), seed)
+                *(now[command]["result"] for command in ("hba", own, "disks", "logical-disks")), volumes[seed - 1]), seed)
         self.assertEqual(set(questions.CODES) - {code for _, code, _ in seen}, set())
 
     def assert_close(self, shown, expected, place):

@@ -2,8 +2,8 @@ package com.kelvo.tarn.inventory;
 
 /** What a disk is. Texts have no blanks at their ends; what is unknown is null. */
 public final class Identity {
-    /** The disk's name, such as "c1t0d0". */
-    public final String disk;
+    /** The disk's name, such as "c1t0d0"; where an identity is written out, it stands under that. */
+    public final transient String disk;
     /** Who made it, as the driver or its standard INQUIRY tells. */
     public final String vendor;
     /** Its product identification. */

@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
@@ -18,6 +19,8 @@ import java.util.function.Supplier;
 
 /** What a host answered to all that a check is about. */
 public final class Asked {
+    private static final String IDENTITIES = "identities";
+
     /** What it is; null when it could not be asked, which is no failure of a check's. */
     public final SolarisComputerSystem computerSystem;
     /** What it calls itself; empty when it does not say. */
@@ -39,6 +42,8 @@ public final class Asked {
     public final List<SolarisDiskIOInformation> io;
 
     final List<TrInstance> drives;
+    private final List<Identity> identities;
+    private final Library library;
     final Disks disks;
     /** By mount point: how it is used; null when the system does not tell. */
     public final Map<String, FileSystemUse> fileSystems;
@@ -48,6 +53,8 @@ public final class Asked {
     final ArrayReport array;
     /** By the command that makes it: what a call raised. */
     final Map<String, String> failures = new LinkedHashMap<>();
+    /** The same of what a check is not about. */
+    private final Map<String, String> failuresAside = new LinkedHashMap<>();
     /** Commands whose answer was not waited for. */
     private final Set<String> silent = new HashSet<>();
     /** The warnings that the library logged, by the command that made it log them. */
@@ -71,6 +78,7 @@ public final class Asked {
      * @param asking how each question is put
      */
     public Asked(Library library, List<String> arrayArguments, Asking asking) {
+        this.library = library;
         Questions questions = new Questions(library.log(), asking);
         computerSystem = questions.ask(
             "computer-system", () -> library.log().unheard(library::computerSystem), null);
@@ -86,12 +94,26 @@ public final class Asked {
         processors = questions.ask("processors", library::processors, List.of());
         io = questions.ask("disk-io", library::diskIo, List.of());
         drives = questions.ask("disks", library::disks, List.of());
-        disks = new Disks(drives, List.of(), io, mounted.listed);
+        identities = askIdentities(questions);
+        disks = new Disks(drives, List.of(), io, mounted.listed, identities);
         fabric = questions.ask("hba", () -> library.fabric(disks),
                                new Fabric(disks, new HbaCache.Hba[0], new HbaCache.Hba[0], false));
         paths = new Paths(fabric);
         array = arrayArguments.isEmpty() ? null : questions.ask(
             "array", () -> new ArrayReport(library.array(arrayArguments), arrayArguments.subList(0, 2)), null);
+    }
+
+    /** Where the disks hang, a second call would hang in them too. */
+    private List<Identity> askIdentities(Questions questions) {
+        if (silent.contains("disks")) {
+            failuresAside.put(IDENTITIES, failures.get("disks"));
+            return List.of();
+        }
+        List<Identity> told = questions.ask(IDENTITIES, library::identities, List.of());
+        if (failures.containsKey(IDENTITIES)) {
+            failuresAside.put(IDENTITIES, failures.remove(IDENTITIES));
+        }
+        return told;
     }
 
     /** Asks what commands ask, whatever comes of it. */
@@ -133,7 +155,7 @@ public final class Asked {
             int mark = log.mark();
             try {
                 answer = question.get();
-            } catch (RuntimeException | StackOverflowError | OutOfMemoryError thrown) {
+            } catch (RuntimeException | LinkageError | StackOverflowError | OutOfMemoryError thrown) {
                 failure = Objects.requireNonNullElse(thrown.getMessage(), thrown.toString());
             }
             warnings = log.since(mark);
@@ -175,9 +197,18 @@ public final class Asked {
      * @param command the one that asks it
      */
     public void requireAnswer(String command) {
-        if (failures.containsKey(command)) {
-            throw new IllegalStateException(command + ": " + failures.get(command));
+        String failure = failures.getOrDefault(command, failuresAside.get(command));
+        if (failure != null) {
+            throw new IllegalStateException(command + ": " + failure);
         }
+    }
+
+    /** {@return what each disk is; nothing where that cannot be told, which is a line in the log} */
+    public List<Identity> identities() {
+        if (failuresAside.containsKey(IDENTITIES)) {
+            library.log().warn(IDENTITIES + ": " + failuresAside.get(IDENTITIES));
+        }
+        return identities;
     }
 
     /**

@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
@@ -24,7 +25,7 @@ public final class Disks {
     public static final int SECTOR = 512;
 
     /** Where nothing is known of any. */
-    public static final Disks NONE = new Disks(List.of(), List.of(), List.of(), List.of());
+    public static final Disks NONE = new Disks(List.of(), List.of(), List.of(), List.of(), List.of());
 
     private static final String DEVICES = "/devices";
 
@@ -38,11 +39,20 @@ public final class Disks {
     private final Map<String, String> slices = new HashMap<>();
     private final Map<String, String> devicePaths = new HashMap<>();
     private final Map<String, List<String>> mountPoints = new HashMap<>();
+    private final Map<String, Identity> identities = new HashMap<>();
+    /** The disks that are the volume of a designator: a device for each path to it, and pseudo devices over them. */
+    private final Map<String, List<String>> volumes = new HashMap<>();
 
     /** What a host tells of its disks; the slices are needed for slices that are not called like their disk. */
     Disks(List<TrInstance> drives, List<TrInstance> partitions, List<SolarisDiskIOInformation> io,
-          List<SolarisLogicalDisk> mounted) {
+          List<SolarisLogicalDisk> mounted, List<Identity> identities) {
         this.mounted = mounted;
+        for (Identity identity : identities) {
+            this.identities.put(identity.disk, identity);
+            if (identity.designator != null) {
+                volumes.computeIfAbsent(identity.designator, added -> new ArrayList<>()).add(identity.disk);
+            }
+        }
         for (TrInstance drive : drives) {
             String name = Instances.text(drive, SolarisDiskDriveProvider.name);
             this.drives.put(name, drive);
@@ -117,6 +127,22 @@ public final class Disks {
     String ofMapping(String ownName, String numberedName) {
         String named = ownName.startsWith(DEVICES) ? ofDevice(ownName) : ofEntry(DeviceNames.withoutDirectory(ownName));
         return Stream.of(named == null ? "" : named, numberedName).filter(drives::containsKey).findFirst().orElse(null);
+    }
+
+    /** What a disk is; null when that is not told. */
+    Identity identity(String disk) {
+        return identities.get(disk);
+    }
+
+    /** The designator of the first of these disks that has one, or null. */
+    String designator(Collection<String> disks) {
+        return disks.stream().map(identities::get).filter(Objects::nonNull).map(identity -> identity.designator)
+            .filter(Objects::nonNull).findFirst().orElse(null);
+    }
+
+    /** The disks that are the volume of that designator; none for null. */
+    List<String> ofVolume(String designator) {
+        return volumes.getOrDefault(designator, List.of());
     }
 
     /** Where file systems on these disks are mounted. */

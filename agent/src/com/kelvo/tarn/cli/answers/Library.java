@@ -4,6 +4,7 @@ import com.kelvo.tarn.InstanceReceiver;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.inventory.Inventory;
 import com.kelvo.tarn.inventory.InventoryHost;
 import com.kelvo.tarn.inventory.Sample;
@@ -211,6 +212,22 @@ public final class Library {
         return fabric(Disks.NONE);
     }
 
+    /**
+     * {@return what each disk is, in their order}
+     *
+     * @throws RuntimeException when that cannot be told
+     * @throws LinkageError when the inventory's library is not there
+     */
+    public List<Identity> identities() {
+        tellInventory();
+        return Inventory.identities();
+    }
+
+    /** {@return what each disk is; nothing where that cannot be told, which is a line in the log} */
+    public List<Identity> knownIdentities() {
+        return orNone("identities", this::identities);
+    }
+
     /** The storage network, with device names as the HBA library gives them. */
     Fabric fabric(Disks disks) {
         HbaCache.Hba[] adapters = hba(true, false, false);
@@ -223,10 +240,11 @@ public final class Library {
      * @param adapters what a fill answered, whatever its device names
      * @param ownNames whether these are those of the HBA library
      * @param asAgent whether people are shown these, and not disks
+     * @param identities what its disks are, as far as that matters
      */
-    public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent) {
+    public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent, List<Identity> identities) {
         Disks disks = new Disks(orNone("disks", () -> log.unheard(this::disks)), List.of(), List.of(),
-                                orNone("logical-disks", () -> log.unheard(this::logicalDisks)));
+                                orNone("logical-disks", () -> log.unheard(this::logicalDisks)), identities);
         return new Fabric(disks, adapters, ownNames ? adapters : log.unheard(() -> hba(true, false, false)),
                           asAgent);
     }
@@ -235,7 +253,7 @@ public final class Library {
     <T> List<T> orNone(String command, Supplier<List<T>> question) {
         try {
             return question.get();
-        } catch (RuntimeException failed) {
+        } catch (RuntimeException | LinkageError failed) {
             log.warn(command + ": " + failed.getMessage());
             return List.of();
         }

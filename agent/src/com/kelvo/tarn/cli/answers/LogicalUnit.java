@@ -6,6 +6,7 @@ import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import java.util.ArrayList;
 import java.util.Collection;
+import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -114,14 +115,18 @@ public final class LogicalUnit {
     public final String node;
     /** The unit's number as the array exports it. */
     public final UnsignedInt lun;
+    /** The identifier of the volume behind it, as its first drive tells that has one; null when none has. */
+    public String designator;
     /** The drive of the first path that has one; null when none has. */
     public String disk;
     /** The capacity of that drive; null when it is not known. */
     public Long sizeBytes;
-    /** Where file systems on any of its drives are mounted. */
+    /** Where file systems on any of its drives, or of its pseudo devices, are mounted. */
     public List<String> mounts;
     /** What the label of that drive calls it; empty when it is not known. */
     public transient String driveType = "";
+    /** The disks that no path leads to, and that are the same volume. */
+    public transient List<String> pseudoDevices = List.of();
     /** In the order of the library's walk. */
     public final List<Path> paths = new ArrayList<>();
 
@@ -141,7 +146,11 @@ public final class LogicalUnit {
         long capacity = disk == null ? 0 : Disks.capacity(known.drives.get(disk));
         sizeBytes = capacity == 0 ? null : capacity;
         driveType = disk == null ? "" : Instances.text(known.drives.get(disk), SolarisDiskDriveProvider.diskType);
-        mounts = known.mountPointsOn(drives);
+        designator = known.designator(drives);
+        pseudoDevices = new ArrayList<>(known.ofVolume(designator));
+        pseudoDevices.removeAll(new HashSet<>(drives));
+        mounts = known.mountPointsOn(
+            Stream.concat(drives.stream(), pseudoDevices.stream()).collect(Collectors.toList()));
     }
 
     /** {@return the drives that its paths lead to} */

@@ -97,7 +97,8 @@ public final class OneDisk {
             List<TrInstance> drives = library.orNone("disks", library::disks);
             partitions = library.orNone("partitions", library::partitions);
             io = library.orNone("disk-io", library::diskIo);
-            disks = new Disks(drives, partitions, io, library.orNone("logical-disks", library::logicalDisks));
+            disks = new Disks(drives, partitions, io, library.orNone("logical-disks", library::logicalDisks),
+                              library.knownIdentities());
             paths = new Paths(library.orNone("hba", () -> List.of(library.fabric(disks))).stream().findFirst()
                                   .orElseGet(() -> new Fabric(disks, new HbaCache.Hba[0], new HbaCache.Hba[0], false)));
             allPaths().map(LogicalUnit.Path::deviceName).forEach(disks::knowDevice);

@@ -16,6 +16,7 @@ import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
+import java.util.List;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
@@ -34,7 +35,7 @@ public final class HbaCommand extends TableCommand {
     public Answer ask() {
         HbaOptions names = options.and(tarn().hba());
         HbaCache.Hba[] adapters = names.fill(library());
-        Fabric seen = tarn().json() ? null : names.fabric(library(), adapters);
+        Fabric seen = tarn().json() ? null : names.fabric(library(), adapters, List.of());
         Fabric before = baseline == null ? null : tarn().at(baseline, spec().commandLine(), library()::fabric);
         return Answer.table(adapters, () -> ports(seen)).shownAs(out -> print(seen, new HbaTree(false, before), out))
             .summarizedAs(out -> print(seen, new HbaTree(true, before), out))

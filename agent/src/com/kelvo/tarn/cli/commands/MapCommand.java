@@ -80,9 +80,9 @@ public final class MapCommand extends Export {
 
     private Topology topology() {
         HbaOptions names = options.and(tarn().hba());
-        Fabric fabric = names.fabric(library(), names.fill(library()));
         SolarisComputerSystem system = library().computerSystem();
         Asked asked = library().log().unheard(() -> new Asked(library(), List.of())); // what it logs is a finding
+        Fabric fabric = names.fabric(library(), names.fill(library()), asked.identities());
         boolean isExample = tarn().isBuiltInHost();
         Asked before = baseline == null ? null
             : tarn().at(baseline, spec().commandLine(), () -> new Asked(library(), List.of()));

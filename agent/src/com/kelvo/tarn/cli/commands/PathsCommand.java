@@ -56,7 +56,7 @@ public final class PathsCommand extends TableCommand {
     @Override
     public Answer ask() {
         HbaOptions names = options.and(tarn().hba());
-        Fabric fabric = names.fabric(library(), names.fill(library()));
+        Fabric fabric = names.fabric(library(), names.fill(library()), library().knownIdentities());
         Paths paths = new Paths(fabric);
         for (String name : wanted) {
             if (paths.units.stream().noneMatch(unit -> unit.answersTo(name))) {

@@ -197,7 +197,8 @@ public final class WatchCommand implements Callable<Integer> {
 
     private void askFabric() {
         Library library = tarn.library();
-        Fabric fabric = library.log().unheard(() -> library.fabric(library.hba(true, false, false), true, false));
+        Fabric fabric = library.log().unheard(
+            () -> library.fabric(library.hba(true, false, false), true, false, List.of()));
         paths = new Paths(fabric);
         payloads = new PayloadRates(fabric);
     }

@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.frame;
 
 import com.kelvo.tarn.cli.answers.Fabric;
 import com.kelvo.tarn.cli.answers.Library;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import java.util.ArrayList;
 import java.util.List;
@@ -84,8 +85,9 @@ public final class HbaOptions {
      *
      * @param library what is asked
      * @param adapters what a fill with these options answered
+     * @param identities what its disks are, as far as that matters
      */
-    public Fabric fabric(Library library, HbaCache.Hba[] adapters) {
-        return library.fabric(adapters, keepOsDeviceName, any());
+    public Fabric fabric(Library library, HbaCache.Hba[] adapters, List<Identity> identities) {
+        return library.fabric(adapters, keepOsDeviceName, any(), identities);
     }
 }

@@ -11,6 +11,7 @@ import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.output.PortWords;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
 import java.math.BigInteger;
@@ -92,10 +93,15 @@ public final class LibraryReader implements HostReader {
     private static void addUnits(HostFacts facts, Asked asked) {
         Map<String, List<LogicalUnit.Path>> online = new LinkedHashMap<>();
         Map<String, String> mounted = new LinkedHashMap<>();
+        Map<String, Identity> volumes = asked.identities().stream().filter(each -> each.designator != null)
+            .collect(Collectors.toMap(each -> each.designator, each -> each, (one, other) -> one));
         for (LogicalUnit unit : asked.paths.units) {
-            String identity = unit.place();
-            facts.units.computeIfAbsent(identity, added -> new HostFacts.Unit(true, null, null, unit.sizeBytes))
-                .nodes.add(unit.node);
+            Identity volume = volumes.get(unit.designator);
+            String identity = volume == null ? unit.place() : volume.designator;
+            facts.units.computeIfAbsent(identity, added -> volume == null
+                ? new HostFacts.Unit(true, null, null, unit.sizeBytes)
+                : new HostFacts.Unit(false, volume.vendor, volume.product,
+                                     unit.sizeBytes == null ? volume.sizeBytes : unit.sizeBytes)).nodes.add(unit.node);
             unit.mounts.forEach(mountPoint -> mounted.put(mountPoint, identity));
             online.computeIfAbsent(identity, added -> new ArrayList<>()).addAll(unit.online());
             for (LogicalUnit.Path path : unit.paths) {

@@ -1,0 +1,73 @@
+"""Loads the planted network into a store, and holds it against what the hosts say one by one: run.py TARN"""
+
+import json
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import unittest
+from concurrent.futures import ThreadPoolExecutor
+from datetime import datetime, timedelta, timezone
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parents[1]))
+import model
+import network
+import verdict
+
+TARN = sys.argv.pop()
+PATHS = "SELECT host, identity, wwn, remote_wwn FROM latest_path"
+
+
+class San(unittest.TestCase):
+    def setUp(self):
+        scratch = tempfile.TemporaryDirectory()
+        self.addCleanup(scratch.cleanup)
+        self.folder = Path(scratch.name)
+        self.store = self.folder / "network.db"
+        network.write(network.Network(network.HEALTHY + network.FAULTS), self.folder)
+        self.files = sorted(Path(self.folder, "hosts").glob("*.json"))
+
+    def load(self, *more):
+        return subprocess.run([TARN, "--json", "san", "load", "--db", self.store, *more], capture_output=True, text=True)
+
+    def rows(self, query):
+        with sqlite3.connect(self.store) as store:
+            return store.execute(query).fetchall()
+
+    def test_a_store_holds_the_paths_that_its_hosts_tell(self):
+        first = self.load(*self.files)
+        self.assertEqual(first.returncode, 0, first.stderr)
+        self.assertEqual(json.loads(first.stdout)["result"]["loaded"], len(self.files))
+        with ThreadPoolExecutor(2) as pool:
+            recordings = list(pool.map(lambda file: model.recorded([TARN], file), self.files))
+        told = [(each["host"], unit["designator"] or f"{unit['node']} LUN {unit['lun']}", path["portWWN"],
+                 path["remotePort"])
+                for each in recordings for unit in each["paths"] for path in unit["paths"]]
+        self.assertGreater(len(told), 500)
+        self.assertEqual(sorted(self.rows(PATHS)), sorted(told))
+        again = json.loads(self.load(*self.files).stdout)["result"]
+        self.assertEqual((again["loaded"], again["unchanged"]), (0, len(self.files)))
+        # What takes an earlier recording to be seen is not among these files.
+        planted = [each for each in json.loads(Path(self.folder, "expected.json").read_text())
+                   if each["code"] not in ("unit-vanished", "host-lost-paths", "duplicate-host")]
+        found = model.check(model.Network(recordings), datetime.now(timezone.utc), timedelta(days=7))
+        self.assertEqual({(each["code"], each["subject"], *sorted(each["hosts"])) for each in found},
+                         {(each["code"], each["subject"], *sorted(each["hosts"])) for each in planted})
+
+    def test_what_cannot_be_used_is_told_in_a_line_and_the_rest_is_loaded(self):
+        torn = Path(self.folder, "hosts", "torn.json")
+        torn.write_text(self.files[0].read_text()[:1000])
+        loaded = self.load(torn, self.files[0])
+        self.assertEqual(loaded.returncode, 1)
+        self.assertEqual(json.loads(loaded.stdout)["result"]["loaded"], 1)
+        self.assertEqual([str(torn) in line for line in loaded.stderr.splitlines()], [True])
+        with sqlite3.connect(Path(self.folder, "other.db")) as other:
+            other.execute("CREATE TABLE theirs (x)")
+        self.store = Path(self.folder, "other.db")
+        refused = self.load(self.files[0])
+        self.assertEqual((refused.returncode, len(refused.stderr.splitlines())), (2, 1), refused.stderr)
+
+
+if __name__ == "__main__":
+    sys.exit(verdict.report(unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(San))))
