@@ -9,7 +9,7 @@ build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcry
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
                libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck pyflakes3 eslint
                librust-libc-dev golang-golang-x-sys-dev libjna-platform-java
-               chromium chromium-driver python3-selenium)
+               chromium chromium-driver python3-selenium sqlite3)
 bench_packages=(libbenchmark-dev)
 
 # What a virtual machine that runs the agent is to find, once it is built.

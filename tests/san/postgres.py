@@ -16,7 +16,7 @@ class Server:
     """Runs while it is entered; packages is where Debian's are unpacked."""
 
     def __init__(self, packages):
-        self.packages = Path(packages)
+        self.packages = Path(packages).absolute()
         self.process = None
 
     def __enter__(self):

@@ -1,13 +1,14 @@
 package com.kelvo.tarn.cli.san;
 
-import java.net.URI;
-import java.net.URISyntaxException;
 import java.sql.Connection;
 import java.sql.DriverManager;
 import java.sql.SQLException;
 import java.sql.Statement;
+import java.util.Locale;
+import java.util.Objects;
 import java.util.Properties;
-import java.util.stream.Stream;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
 
 /** A database of a PostgreSQL server. */
 final class Postgresql extends Dialect {
@@ -15,30 +16,22 @@ final class Postgresql extends Dialect {
     /** For an advisory lock that nobody else takes. */
     private static final long LOCK = 0x7461726e73616eL;
 
+    private static final Pattern URL = Pattern.compile("(?:jdbc:)?postgresql:(//)?(?:([^@:/?]*)@)?([^@?]*)(\\?.*)?");
+
     private final String url;
     private final String name;
     private final String user;
 
     Postgresql(String given) {
-        String plain = given.startsWith("jdbc:") ? given.substring("jdbc:".length()) : given;
-        URI uri;
-        try {
-            uri = new URI(plain);
-        } catch (URISyntaxException malformed) {
-            throw new StoreException("the URL of the store is none such as postgresql://server/database", null);
+        Matcher parts = URL.matcher(given);
+        if (!parts.matches() || parts.group(4) != null && parts.group(4).toLowerCase(Locale.ROOT).contains("password")) {
+            throw new StoreException("the URL of the store has to be one such as postgresql://SERVER/DATABASE or "
+                                     + "postgresql://USER@SERVER/DATABASE; a password, which everyone on this machine "
+                                     + "could see there, belongs into PGPASSWORD or ~/.pgpass", null);
         }
-        String userInfo = uri.getRawUserInfo();
-        if (userInfo != null && userInfo.contains(":")
-            || Stream.of(String.valueOf(uri.getRawQuery()).split("&"))
-                .anyMatch(parameter -> parameter.toLowerCase(java.util.Locale.ROOT).startsWith("password="))) {
-            throw new StoreException("the URL of the store holds a password, which all users of this machine could see;"
-                                     + " it belongs into PGPASSWORD or ~/.pgpass", null);
-        }
-        user = uri.getUserInfo();
-        String place = uri.getRawSchemeSpecificPart();
-        place = user == null ? place : place.replaceFirst("^//[^@/]*@", "//");
-        url = "jdbc:" + SCHEME + place;
-        name = SCHEME + place.replaceFirst("\\?.*", "");
+        user = parts.group(2) == null ? System.getenv("PGUSER") : parts.group(2);
+        name = SCHEME + Objects.requireNonNullElse(parts.group(1), "") + parts.group(3);
+        url = "jdbc:" + name + Objects.requireNonNullElse(parts.group(4), "");
     }
 
     static boolean isMeantBy(String store) {
@@ -65,9 +58,8 @@ final class Postgresql extends Dialect {
         properties.setProperty("tcpKeepAlive", "true");
         properties.setProperty("reWriteBatchedInserts", "true");
         properties.setProperty("options", "-c client_min_messages=error -c lock_timeout=60s");
-        String named = user != null ? user : System.getenv("PGUSER");
-        if (named != null) {
-            properties.setProperty("user", named);
+        if (user != null) {
+            properties.setProperty("user", user);
         }
         String password = System.getenv("PGPASSWORD");
         if (password != null) { // the driver reads ~/.pgpass itself
@@ -108,7 +100,8 @@ final class Postgresql extends Dialect {
     @Override
     String reason(SQLException failed) {
         String state = String.valueOf(failed.getSQLState());
-        return state.startsWith("08001") ? "no server answers there"
+        return state.equals("08001") ? "no server answers there"
+            : state.equals("08004") ? "it does not let us in: " + failed.getMessage().replaceFirst("(?s)\\R.*", "")
             : state.startsWith("08") || state.startsWith("57P") ? "the server has gone away"
             : state.equals("25006") ? "it can only be read"
             : state.equals("53100") ? "there is no room left for it"

@@ -13,12 +13,12 @@ import java.util.Properties;
 /** A file. */
 final class Sqlite extends Dialect {
     /** How long one who wants to write waits for another, in milliseconds. */
-    private static final String PATIENCE = "30000";
+    private static final String PATIENCE = "10000";
 
     /** By SQLite's primary result codes. */
     private static final Map<Integer, String> REASONS = Map.of(
         5, "another program keeps it locked", 6, "another program keeps it locked", 8, "it can only be read",
-        11, "it is damaged", 13, "there is no room left for it", 14, "it cannot be opened",
+        10, "its device reports an error", 11, "it is damaged", 13, "there is no room left for it", 14, "it cannot be opened",
         26, "it is no SQLite database");
 
     private final String file;
