@@ -4,14 +4,21 @@ import java.util.List;
 
 /** The tables whose rows are each of one snapshot, with their other columns. */
 public enum HostTable {
+    /** The host bus adapters. */
     ADAPTER("adapter", "model", "firmware", "driver", "node_wwn"),
+    /** Their ports. */
     PORT("adapter", "port", "wwn", "fabric", "fc_address", "domain", "state", "speed"),
+    /** The target mappings. */
     PATH("adapter", "port", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state",
          "unit_id", "lun", "disk"),
+    /** The file systems that tell their sizes. */
     MOUNT("mount_point", "disk", "unit_id", "total_bytes", "available_bytes"),
+    /** What the check of the host alone finds. */
     FINDING("severity", "code", "subject"),
+    /** How each unit is reached over online paths. */
     REACH("unit_id", "paths", "adapters", "fabrics", "switches", "array_ports", "one_fabric", "one_switch",
           "one_array_port"),
+    /** The array ports that are seen, by fabric. */
     SIGHT("fabric", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state", "initiators",
           "units");
 
