@@ -30,8 +30,8 @@ class Server:
         (self.folder / "password").write_text(PASSWORD, encoding="utf-8")
         os.chmod(self.folder / "password", 0o644)
         try:
-            self.run("initdb", "--pgdata", self.folder / "data", "--username", USER, "--auth=scram-sha-256", "--no-locale",
-                     "--encoding=UTF8", "--pwfile", self.folder / "password")
+            self.run("initdb", "--pgdata", self.folder / "data", "--username", USER, "--auth=scram-sha-256",
+                     "--no-locale", "--encoding=UTF8", "--pwfile", self.folder / "password")
             with socket.socket() as free:
                 free.bind(("127.0.0.1", 0))
                 self.port = free.getsockname()[1]

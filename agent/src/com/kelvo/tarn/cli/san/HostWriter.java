@@ -130,8 +130,9 @@ final class HostWriter implements AutoCloseable {
             addRows(connection, table, snapshot, facts, learned);
         }
         if (keep > 0) {
-            execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at) FROM"
-                    + " (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?) AS kept)",
+            execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at)"
+                    + " FROM (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?)"
+                    + " AS kept)",
                     host, host, keep);
         }
         return true;

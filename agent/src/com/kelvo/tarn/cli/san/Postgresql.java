@@ -24,7 +24,8 @@ final class Postgresql extends Dialect {
 
     Postgresql(String given) {
         Matcher parts = URL.matcher(given);
-        if (!parts.matches() || parts.group(4) != null && parts.group(4).toLowerCase(Locale.ROOT).contains("password")) {
+        if (!parts.matches()
+            || parts.group(4) != null && parts.group(4).toLowerCase(Locale.ROOT).contains("password")) {
             throw new StoreException("the URL of the store has to be one such as postgresql://SERVER/DATABASE or "
                                      + "postgresql://USER@SERVER/DATABASE; a password, which everyone on this machine "
                                      + "could see there, belongs into PGPASSWORD or ~/.pgpass", null);

@@ -18,7 +18,8 @@ final class Sqlite extends Dialect {
     /** By SQLite's primary result codes. */
     private static final Map<Integer, String> REASONS = Map.of(
         5, "another program keeps it locked", 6, "another program keeps it locked", 8, "it can only be read",
-        10, "its device reports an error", 11, "it is damaged", 13, "there is no room left for it", 14, "it cannot be opened",
+        10, "its device reports an error", 11, "it is damaged", 13, "there is no room left for it",
+        14, "it cannot be opened",
         26, "it is no SQLite database");
 
     private final String file;
@@ -101,7 +102,7 @@ final class Sqlite extends Dialect {
         return 1;
     }
 
-    /** Whoever may only read the file needs no more files beside it then; while others have it open, it stays as it is. */
+    /** Whoever may only read the file needs no others beside it then; while somebody else has it open, it stays. */
     @Override
     void leave(Connection connection) {
         try {
