@@ -17,6 +17,7 @@ import tempfile
 import time
 import unittest
 from contextlib import closing
+from datetime import datetime, timezone
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).parents[1]))
@@ -29,6 +30,8 @@ TARN = sys.argv.pop()
 ROOT = Path(__file__).parents[2]
 HOSTS, PATHS = 120, 32
 KILLS = 10  # of each store
+NOW = datetime.now(timezone.utc).replace(microsecond=0)
+ROOT = Path(__file__).parents[2]
 SERVER = None
 
 # All that is in a store, without the numbers that it gives.
@@ -61,6 +64,7 @@ class Stores:
     """What both kinds of stores are held to."""
 
     number = itertools.count()
+    answers = {}  # of the kind of store that was asked first
 
     @classmethod
     def setUpClass(cls):
@@ -169,6 +173,23 @@ class Stores:
             self.ask(statement, store)
             self.assertEqual(self.load(self.hosts, status=2, store=store), [f"tarn: {self.shown(store)}: {reason}"])
 
+    def test_what_the_documents_say_of_a_store_is_so(self):
+        hosts = self.folder / "hosts"
+        network.write(network.Network(network.HEALTHY + network.FAULTS, NOW), self.folder)
+        self.load(ROOT / "hosts" / "rill.json", hosts)
+        documented = dict(re.findall(r"^\| `(\w+)` \| .* \| (.*) \|$", (ROOT / "docs/san.md").read_text(), re.M))
+        tables = self.ask(self.TABLES)
+        self.assertEqual(sorted(tables), sorted(documented))
+        for table in tables:
+            self.assertEqual(self.columns(table), re.findall(r"`(\w+)`", re.sub(r"\(.*?\)", "", documented[table])))
+        queries = re.findall("^```sql\n(.*?)^```$", (ROOT / "docs/san-queries.md").read_text(), re.M | re.S)
+        self.assertGreater(len(queries), 10)
+        for query in queries:
+            rows = self.ask(query)
+            self.assertTrue(rows, query)
+            if "unit_id" not in query.partition("FROM")[0]:  # which each store numbers as it comes
+                self.assertEqual(rows, self.answers.setdefault(query, rows))
+
     def content(self, store=None):
         return sorted(self.ask(CONTENT, store))
 
@@ -218,6 +239,11 @@ class Stores:
 
 
 class Sqlite(Stores, unittest.TestCase):
+    TABLES = "SELECT name FROM sqlite_master WHERE type IN ('table', 'view')"
+
+    def columns(self, table):
+        return self.ask(f"SELECT name FROM pragma_table_info('{table}') ORDER BY cid")
+
     def new_store(self):
         return self.scratch / f"näm? %{next(self.number)}.db"
 
@@ -268,6 +294,12 @@ class Sqlite(Stores, unittest.TestCase):
 
 
 class Postgresql(Stores, unittest.TestCase):
+    TABLES = "SELECT table_name FROM information_schema.tables WHERE table_schema = 'public'"
+
+    def columns(self, table):
+        return self.ask("SELECT column_name FROM information_schema.columns WHERE table_schema = 'public'"
+                        f" AND table_name = '{table}' ORDER BY ordinal_position")
+
     def new_store(self):
         return SERVER.create(f"net{next(self.number)}")
 

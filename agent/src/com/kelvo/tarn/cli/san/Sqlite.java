@@ -65,7 +65,8 @@ final class Sqlite extends Dialect {
             DriverManager.getConnection("jdbc:sqlite:file:" + path().toUri().getRawPath(), properties);
         try {
             if (toWrite) {
-                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL");
+                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
+                        "PRAGMA cache_size = -32768");
             }
             return connection;
         } catch (SQLException failed) {
