@@ -4,6 +4,7 @@
 #   library_dir    the folder with the native library
 #   recorder       the program that records a host
 #   library_jars   the jars that the agent needs, without the ending
+#   driver_jars    those that only stores need, each of its kind; there may be none
 #   jar_dirs       where to look for them, first to last
 #   archive_dir    where the class-data archive may be put; empty: none is used
 #   training       the commands whose classes belong into the archive, each a word of the array
@@ -57,7 +58,7 @@ find_jars() {
     local name dir found
     jars=("$jar")
     class_path=$jar
-    for name in "${library_jars[@]}"; do
+    for name in "${library_jars[@]}" "${driver_jars[@]}"; do
         found=
         for dir in "${jar_dirs[@]}"; do
             if [ -f "$dir/$name.jar" ]; then
@@ -65,7 +66,10 @@ find_jars() {
                 break
             fi
         done
-        [ -n "$found" ] || complain "$name.jar is needed, and is not in ${jar_dirs[*]}"
+        if [ -z "$found" ]; then
+            [[ " ${driver_jars[*]} " == *" $name "* ]] || complain "$name.jar is needed, and is not in ${jar_dirs[*]}"
+            continue
+        fi
         jars+=("$found")
         class_path+=:$found
     done

@@ -15,7 +15,8 @@ bench_packages=(libbenchmark-dev)
 # What a virtual machine that runs the agent is to find, once it is built.
 class_path=$root/build/release/tarn.jar
 mapfile -t library_jars <"$root/tools/jars"
-for jar in "${library_jars[@]}"; do
+mapfile -t driver_jars <"$root/tools/drivers"
+for jar in "${library_jars[@]}" "${driver_jars[@]}"; do
     class_path+=:/usr/share/java/$jar.jar
 done
 

@@ -19,6 +19,9 @@ abstract class Dialect {
     /** Connects; to write, or only to read. */
     abstract Connection connect(boolean toWrite) throws SQLException;
 
+    /** The jar that connects to it. */
+    abstract String driver();
+
     /** How a column is declared that numbers the rows. */
     abstract String numbering();
 
@@ -38,7 +41,8 @@ abstract class Dialect {
     abstract String reason(SQLException failed);
 
     final StoreException failure(SQLException failed) {
-        String reason = reason(failed);
+        String reason = String.valueOf(failed.getMessage()).startsWith("No suitable driver")
+            ? "its driver is missing, " + driver() : reason(failed);
         return new StoreException(name() + ": " + (reason == null ? firstLine(failed) : reason), failed);
     }
 

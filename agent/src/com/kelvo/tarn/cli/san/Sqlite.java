@@ -84,6 +84,11 @@ final class Sqlite extends Dialect {
     }
 
     @Override
+    String driver() {
+        return "sqlite-jdbc.jar";
+    }
+
+    @Override
     String numbering() {
         return "INTEGER PRIMARY KEY";
     }
