@@ -71,31 +71,11 @@ final class HostWriter implements AutoCloseable {
      * @throws IllegalArgumentException when another recording of that host and time is there
      */
     boolean write(HostFacts facts, Instant recordedAt, String digest) {
-        return store.work(connection -> {
-            connection.setAutoCommit(false);
-            try {
-                Map<String, Stored> learned = new TreeMap<>();
-                boolean added = add(connection, facts, recordedAt.truncatedTo(ChronoUnit.SECONDS).toString(), digest,
-                                    learned);
-                if (added) {
-                    connection.commit();
-                    units.putAll(learned);
-                }
-                return added;
-            } finally {
-                rollBack(connection);
-            }
-        });
-    }
-
-    private static void rollBack(Connection connection) throws SQLException {
-        if (!connection.isClosed()) {
-            try {
-                connection.rollback();
-            } catch (SQLException gone) {
-                // a connection that is lost has nothing to take back, and what lost it is told
-            }
-        }
+        Map<String, Stored> learned = new TreeMap<>();
+        boolean added = store.transaction(connection -> add(
+            connection, facts, recordedAt.truncatedTo(ChronoUnit.SECONDS).toString(), digest, learned));
+        units.putAll(learned);
+        return added;
     }
 
     private boolean add(Connection connection, HostFacts facts, String recordedAt, String digest,

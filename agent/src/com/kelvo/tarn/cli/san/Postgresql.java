@@ -3,7 +3,6 @@ package com.kelvo.tarn.cli.san;
 import java.sql.Connection;
 import java.sql.DriverManager;
 import java.sql.SQLException;
-import java.sql.Statement;
 import java.util.Locale;
 import java.util.Objects;
 import java.util.Properties;
@@ -72,6 +71,21 @@ final class Postgresql extends Dialect {
     }
 
     @Override
+    void begin(Connection connection) throws SQLException {
+        connection.setAutoCommit(false);
+    }
+
+    @Override
+    void commit(Connection connection) throws SQLException {
+        connection.commit();
+    }
+
+    @Override
+    void rollBack(Connection connection) throws SQLException {
+        connection.rollback();
+    }
+
+    @Override
     String driver() {
         return "postgresql.jar";
     }
@@ -83,9 +97,7 @@ final class Postgresql extends Dialect {
 
     @Override
     void lockSchema(Connection connection) throws SQLException {
-        try (Statement statement = connection.createStatement()) {
-            statement.execute("SELECT pg_advisory_xact_lock(" + LOCK + ")");
-        }
+        execute(connection, "SELECT pg_advisory_xact_lock(" + LOCK + ")");
     }
 
     @Override

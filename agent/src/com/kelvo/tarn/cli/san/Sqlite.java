@@ -6,7 +6,6 @@ import java.nio.file.Path;
 import java.sql.Connection;
 import java.sql.DriverManager;
 import java.sql.SQLException;
-import java.sql.Statement;
 import java.util.Map;
 import java.util.Properties;
 
@@ -54,10 +53,7 @@ final class Sqlite extends Dialect {
         Properties properties = new Properties();
         properties.setProperty("busy_timeout", PATIENCE);
         properties.setProperty("foreign_keys", "true");
-        if (toWrite) {
-            // Who writes takes its turn at once: two who have read could not both go on to write.
-            properties.setProperty("transaction_mode", "IMMEDIATE");
-        } else {
+        if (!toWrite) {
             properties.setProperty("open_mode", "1");
         }
         // As a URI, in which a name may hold anything.
@@ -75,12 +71,20 @@ final class Sqlite extends Dialect {
         }
     }
 
-    private static void execute(Connection connection, String... statements) throws SQLException {
-        try (Statement statement = connection.createStatement()) {
-            for (String each : statements) {
-                statement.execute(each);
-            }
-        }
+    /** At once in turn: two who have read could not both go on to write. The driver's own commit begins the next one. */
+    @Override
+    void begin(Connection connection) throws SQLException {
+        execute(connection, "BEGIN IMMEDIATE");
+    }
+
+    @Override
+    void commit(Connection connection) throws SQLException {
+        execute(connection, "COMMIT");
+    }
+
+    @Override
+    void rollBack(Connection connection) throws SQLException {
+        execute(connection, "ROLLBACK");
     }
 
     @Override
