@@ -4,6 +4,7 @@
 #   library_dir    the folder with the native library
 #   recorder       the program that records a host
 #   library_jars   the jars that the agent needs, without the ending
+#   driver_jars    those that only stores need, each of its kind; there may be none
 #   jar_dirs       where to look for them, first to last
 #   archive_dir    where the class-data archive may be put; empty: none is used
 #   training       the commands whose classes belong into the archive, each a word of the array
@@ -57,7 +58,7 @@ find_jars() {
     local name dir found
     jars=("$jar")
     class_path=$jar
-    for name in "${library_jars[@]}"; do
+    for name in "${library_jars[@]}" "${driver_jars[@]}"; do
         found=
         for dir in "${jar_dirs[@]}"; do
             if [ -f "$dir/$name.jar" ]; then
@@ -65,7 +66,10 @@ find_jars() {
                 break
             fi
         done
-        [ -n "$found" ] || complain "$name.jar is needed, and is not in ${jar_dirs[*]}"
+        if [ -z "$found" ]; then
+            [[ " ${driver_jars[*]} " == *" $name "* ]] || complain "$name.jar is needed, and is not in ${jar_dirs[*]}"
+            continue
+        fi
         jars+=("$found")
         class_path+=:$found
     done
@@ -181,12 +185,12 @@ monitor() {
     exit
 }
 
-# Sets lines and columns to the size of the terminal that standard input is.
+# Sets height and width to the size of the terminal that standard input is.
 terminal_size() {
-    lines=0 columns=0
-    read -r lines columns < <(stty size 2>/dev/null) || true
-    [ "${lines:-0}" -gt 0 ] || lines=24
-    [ "${columns:-0}" -gt 0 ] || columns=80
+    height=0 width=0
+    read -r height width < <(stty size 2>/dev/null) || true
+    [ "${height:-0}" -gt 0 ] || height=24
+    [ "${width:-0}" -gt 0 ] || width=80
 }
 
 # Prints where native libraries are: ours, and those that the jars of the system need.
@@ -201,7 +205,7 @@ library_path() {
 # Ends this process with the command line.
 launch() {
     export LC_ALL=C.UTF-8 # arguments and file names are UTF-8 whatever the terminal says
-    local run=exec lines columns
+    local run=exec height width
     find_java
     find_jars
     # What the virtual machine itself would say of an archive it cannot use is no part of a result.
@@ -211,11 +215,11 @@ launch() {
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
         terminal_size <&1
-        virtual_machine+=("-Dtarn.lines=$lines" "-Dtarn.columns=$columns")
+        virtual_machine+=("-Dtarn.lines=$height" "-Dtarn.columns=$width")
     fi
     if [ -t 2 ]; then
         terminal_size <&2
-        virtual_machine+=("-Dtarn.errorColumns=$columns")
+        virtual_machine+=("-Dtarn.errorColumns=$width")
     fi
     if [ -n "${found:-}" ]; then
         run=monitor

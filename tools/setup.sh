@@ -9,13 +9,14 @@ build_packages=(cmake ninja-build ccache g++ libc6-dev nlohmann-json3-dev libcry
 test_packages=(googletest clang libclang-rt-14-dev g++-sparc64-linux-gnu qemu-user python3
                libhbaapi2 libhbaapi-dev dpkg-dev lintian clang-format clang-tidy shellcheck pyflakes3 eslint
                librust-libc-dev golang-golang-x-sys-dev libjna-platform-java
-               chromium chromium-driver python3-selenium)
+               chromium chromium-driver python3-selenium sqlite3)
 bench_packages=(libbenchmark-dev)
 
 # What a virtual machine that runs the agent is to find, once it is built.
 class_path=$root/build/release/tarn.jar
 mapfile -t library_jars <"$root/tools/jars"
-for jar in "${library_jars[@]}"; do
+mapfile -t driver_jars <"$root/tools/drivers"
+for jar in "${library_jars[@]}" "${driver_jars[@]}"; do
     class_path+=:/usr/share/java/$jar.jar
 done
 

@@ -31,7 +31,8 @@ CREATE TABLE adapter (
     PRIMARY KEY (snapshot_id, adapter)
 );
 
--- The domain is the first byte of the address: the switch's, within its fabric; 0 is none. The speed is in bits a second.
+-- The domain is the first byte of the address: the switch's, within its fabric, or 0 for none. The speed is in bits a
+-- second.
 CREATE TABLE port (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
     adapter INTEGER NOT NULL,
@@ -114,7 +115,8 @@ CREATE TABLE reach (
 );
 CREATE INDEX reach_unit ON reach (unit_id);
 
--- The remote ports that a host has discovered, summed up: by how many of its ports, and how many units it reaches there.
+-- The remote ports that a host has discovered, summed up: by how many of its ports, and how many units it reaches
+-- there.
 CREATE TABLE sight (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
     fabric TEXT NOT NULL,
@@ -135,15 +137,15 @@ FROM snapshot s JOIN host h ON h.id = s.host_id
 WHERE s.is_latest;
 
 CREATE VIEW latest_port AS
-SELECT s.host_id, s.host, p.snapshot_id, p.adapter, p.port, a.model, a.firmware, a.driver, p.wwn, p.fabric, p.fc_address,
-    p.domain, p.state, p.speed
+SELECT s.host_id, s.host, p.snapshot_id, p.adapter, p.port, a.model, a.firmware, a.driver, p.wwn, p.fabric,
+    p.fc_address, p.domain, p.state, p.speed
 FROM latest_snapshot s
 JOIN port p ON p.snapshot_id = s.snapshot_id
 JOIN adapter a ON a.snapshot_id = p.snapshot_id AND a.adapter = p.adapter;
 
 CREATE VIEW latest_path AS
-SELECT s.host_id, s.host, p.snapshot_id, p.adapter, p.port, n.wwn, n.fabric, n.domain, n.state, p.remote_wwn, p.remote_node,
-    p.remote_fc_address, p.remote_domain, p.remote_state, p.unit_id, u.identity, p.lun, p.disk,
+SELECT s.host_id, s.host, p.snapshot_id, p.adapter, p.port, n.wwn, n.fabric, n.domain, n.state, p.remote_wwn,
+    p.remote_node, p.remote_fc_address, p.remote_domain, p.remote_state, p.unit_id, u.identity, p.lun, p.disk,
     (n.state = 'online' AND p.remote_state = 'online') AS is_online
 FROM latest_snapshot s
 JOIN path p ON p.snapshot_id = s.snapshot_id

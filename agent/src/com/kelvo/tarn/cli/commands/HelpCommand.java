@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.commands;
 
+import java.util.List;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.ParameterException;
@@ -13,15 +14,17 @@ public final class HelpCommand implements Runnable {
     @Spec
     private CommandSpec spec;
 
-    @Parameters(arity = "0..1", paramLabel = "COMMAND", description = "Only of this one.")
-    private String command;
+    @Parameters(arity = "0..*", paramLabel = "COMMAND", description = "Only of this one; \"san load\" is two words.")
+    private List<String> words = List.of();
 
     @Override
     public void run() {
-        CommandLine tarn = spec.root().commandLine();
-        CommandLine shown = command == null ? tarn : tarn.getSubcommands().get(command);
-        if (shown == null) {
-            throw new ParameterException(spec.commandLine(), "unknown command '" + command + "'");
+        CommandLine shown = spec.root().commandLine();
+        for (String word : words) {
+            shown = shown.getSubcommands().get(word);
+            if (shown == null) {
+                throw new ParameterException(spec.commandLine(), "unknown command '" + String.join(" ", words) + "'");
+            }
         }
         shown.usage(spec.commandLine().getOut());
     }

@@ -16,12 +16,12 @@ import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
 /** {@code san load}: a {@link Load}. */
-@Command(name = "load", description = "Put what descriptions of hosts tell into the store, which is made where there is "
-             + "none.",
-         footer = "A recording is told apart by the host's name and the time that it was made at; one that does not say "
-             + "has that of its file. The same again changes nothing; a later one becomes the host's present, earlier "
-             + "ones are its history. Exit status: 0 done; 1 a file could not be used, which is told in a line; 2 bad "
-             + "usage, or a store that cannot be used.")
+@Command(name = "load", description = "Put what descriptions of hosts tell into the store, which is made where there "
+             + "is none.",
+         footer = "A recording is told apart by the host's name and the time that it was made at; one that does not "
+             + "say has that of its file. The same again changes nothing; a later one becomes the host's present, "
+             + "earlier ones are its history. Exit status: 0 done; 1 a file could not be used, which is told in a line; "
+             + "2 bad usage, or a store that cannot be used.")
 public final class SanLoadCommand extends StoreCommand {
     @Parameters(arity = "1..*", paramLabel = "FILE|FOLDER", description = "Descriptions, and folders in which all "
             + ".json and .json.gz are such, however deep.")
@@ -52,7 +52,8 @@ public final class SanLoadCommand extends StoreCommand {
         Object result = Json.object("loaded", load.loaded(), "unchanged", load.unchanged(), "refused", load.refused(),
                                     "seconds", Math.round(seconds * 1000) / 1000.0);
         return Answer.table(result, () -> table(load)).shownAs(out -> out.println(String.format(
-            Locale.ROOT, "%d loaded, %d unchanged, %d refused", load.loaded(), load.unchanged(), load.refused().size())))
+            Locale.ROOT, "%d loaded, %d unchanged, %d refused", load.loaded(), load.unchanged(),
+            load.refused().size())))
             .withStatus(load.refused().isEmpty() ? 0 : 1);
     }
 

@@ -10,9 +10,9 @@ import picocli.CommandLine.ParameterException;
 
 /** A command that asks the store of the storage network, and no host. */
 abstract class StoreCommand extends TableCommand {
-    @Option(names = "--db", paramLabel = "FILE|URL", description = "The store: a file of SQLite, or the URL of a database "
-            + "of PostgreSQL, postgresql://SERVER/DATABASE. Without it, the one that the environment variable TARN_DB "
-            + "names. A password is taken from PGPASSWORD or ~/.pgpass.")
+    @Option(names = "--db", paramLabel = "FILE|URL", description = "The store: a file of SQLite, or the URL of a "
+            + "database of PostgreSQL, postgresql://SERVER/DATABASE. Without it, the one that the environment "
+            + "variable TARN_DB names. A password is taken from PGPASSWORD or ~/.pgpass.")
     private String database;
 
     @Override

@@ -51,7 +51,7 @@ public final class ManualPage {
         root.options().forEach(this::writeArgument);
         lines.add(".SH COMMANDS");
         root.subcommands().values().stream().map(command -> command.getCommandSpec())
-            .filter(command -> !command.usageMessage().hidden()).forEach(this::writeCommand);
+            .filter(command -> !command.usageMessage().hidden()).forEach(command -> writeCommand("", command));
         for (String paragraph : root.usageMessage().footer()) {
             int colon = paragraph.indexOf(':');
             if (colon > 0) {
@@ -62,10 +62,12 @@ public final class ManualPage {
         MORE.forEach(line -> lines.add(line.startsWith(".") ? line : escape(line)));
     }
 
-    private void writeCommand(CommandSpec command) {
+    /** Those below it follow it, after its name. */
+    private void writeCommand(String above, CommandSpec command) {
         List<ArgSpec> own = Stream.concat(command.options().stream().filter(option -> !option.inherited()),
                                           command.positionalParameters().stream()).collect(Collectors.toList());
-        lines.add(".SS " + escape(Stream.concat(Stream.of(command.name()), own.stream().map(ManualPage::usage))
+        String name = above + command.name();
+        lines.add(".SS " + escape(Stream.concat(Stream.of(name), own.stream().map(ManualPage::usage))
                                       .collect(Collectors.joining(" "))));
         lines.add(escape(text(command.usageMessage().description())));
         own.stream().filter(argument -> !isExplainedBefore(argument, command.root())).forEach(this::writeArgument);
@@ -73,6 +75,7 @@ public final class ManualPage {
             lines.add(".PP");
             lines.add(escape(text(command.usageMessage().footer())));
         }
+        command.subcommands().values().forEach(below -> writeCommand(name + " ", below.getCommandSpec()));
     }
 
     private static boolean isExplainedBefore(ArgSpec argument, CommandSpec root) {

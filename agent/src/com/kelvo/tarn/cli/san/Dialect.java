@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.san;
 
 import java.sql.Connection;
 import java.sql.SQLException;
+import java.sql.Statement;
 
 /** What sets one database system apart from another. */
 abstract class Dialect {
@@ -18,6 +19,17 @@ abstract class Dialect {
 
     /** Connects; to write, or only to read. */
     abstract Connection connect(boolean toWrite) throws SQLException;
+
+    /** The jar that connects to it. */
+    abstract String driver();
+
+    /** Begins a transaction that is to write. */
+    abstract void begin(Connection connection) throws SQLException;
+
+    abstract void commit(Connection connection) throws SQLException;
+
+    /** Takes back what the transaction did, if it is still there. */
+    abstract void rollBack(Connection connection) throws SQLException;
 
     /** How a column is declared that numbers the rows. */
     abstract String numbering();
@@ -37,8 +49,37 @@ abstract class Dialect {
     /** What has happened, in a few words; null when the system's own are to be shown. */
     abstract String reason(SQLException failed);
 
+    /** What comes of work that is done wholly or not at all. */
+    final <R> R transaction(Connection connection, Store.Work<R> work) throws SQLException {
+        begin(connection);
+        boolean isDone = false;
+        try {
+            R result = work.on(connection);
+            commit(connection);
+            isDone = true;
+            return result;
+        } finally {
+            if (!isDone) {
+                try {
+                    rollBack(connection);
+                } catch (SQLException gone) {
+                    // what failed before tells more
+                }
+            }
+        }
+    }
+
+    static void execute(Connection connection, String... statements) throws SQLException {
+        try (Statement statement = connection.createStatement()) {
+            for (String each : statements) {
+                statement.execute(each);
+            }
+        }
+    }
+
     final StoreException failure(SQLException failed) {
-        String reason = reason(failed);
+        String reason = String.valueOf(failed.getMessage()).startsWith("No suitable driver")
+            ? "its driver is missing, " + driver() : reason(failed);
         return new StoreException(name() + ": " + (reason == null ? firstLine(failed) : reason), failed);
     }
 

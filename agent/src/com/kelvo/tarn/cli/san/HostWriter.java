@@ -71,31 +71,11 @@ final class HostWriter implements AutoCloseable {
      * @throws IllegalArgumentException when another recording of that host and time is there
      */
     boolean write(HostFacts facts, Instant recordedAt, String digest) {
-        return store.work(connection -> {
-            connection.setAutoCommit(false);
-            try {
-                Map<String, Stored> learned = new TreeMap<>();
-                boolean added = add(connection, facts, recordedAt.truncatedTo(ChronoUnit.SECONDS).toString(), digest,
-                                    learned);
-                if (added) {
-                    connection.commit();
-                    units.putAll(learned);
-                }
-                return added;
-            } finally {
-                rollBack(connection);
-            }
-        });
-    }
-
-    private static void rollBack(Connection connection) throws SQLException {
-        if (!connection.isClosed()) {
-            try {
-                connection.rollback();
-            } catch (SQLException gone) {
-                // a connection that is lost has nothing to take back, and what lost it is told
-            }
-        }
+        Map<String, Stored> learned = new TreeMap<>();
+        boolean added = store.transaction(connection -> add(
+            connection, facts, recordedAt.truncatedTo(ChronoUnit.SECONDS).toString(), digest, learned));
+        units.putAll(learned);
+        return added;
     }
 
     private boolean add(Connection connection, HostFacts facts, String recordedAt, String digest,
@@ -130,8 +110,9 @@ final class HostWriter implements AutoCloseable {
             addRows(connection, table, snapshot, facts, learned);
         }
         if (keep > 0) {
-            execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at) FROM"
-                    + " (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?) AS kept)",
+            execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at)"
+                    + " FROM (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?)"
+                    + " AS kept)",
                     host, host, keep);
         }
         return true;

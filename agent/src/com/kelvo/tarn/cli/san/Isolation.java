@@ -5,18 +5,20 @@ import java.io.InputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.Set;
+import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 /**
- * The agent's classes once more, with native libraries of their own. A library replays one host at a time: whoever is to
- * ask several at once needs several libraries, and a virtual machine loads one for a class loader, and a file only once.
+ * The agent's classes once more, with native libraries of their own. A library replays one host at a time: whoever is
+ * to ask several at once needs several libraries, and a virtual machine loads one for a class loader, and a file only
+ * once.
  */
 final class Isolation extends ClassLoader {
     private static final String OURS = "com.kelvo.tarn.";
     /** What both sides know: what goes from one to the other. */
     private static final Set<String> SHARED = Stream.of(
         HostReader.class, HostFacts.class, HostFacts.Unit.class, HostTable.class).map(Class::getName)
-        .collect(java.util.stream.Collectors.toSet());
+        .collect(Collectors.toSet());
 
     static {
         registerAsParallelCapable();

@@ -112,8 +112,8 @@ public final class LibraryReader implements HostReader {
         }
         online.forEach((identity, paths) -> addReach(facts, identity, paths));
         asked.fileSystems.forEach((mountPoint, use) -> facts.add(
-            HostTable.MOUNT, mountPoint, asked.diskAt(mountPoint), mounted.get(mountPoint), bytes(use, FileSystemUse::total),
-            bytes(use, FileSystemUse::available)));
+            HostTable.MOUNT, mountPoint, asked.diskAt(mountPoint), mounted.get(mountPoint),
+            bytes(use, FileSystemUse::total), bytes(use, FileSystemUse::available)));
     }
 
     private static Long bytes(FileSystemUse use, Function<FileSystemUse, BigInteger> size) {

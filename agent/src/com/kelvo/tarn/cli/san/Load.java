@@ -128,7 +128,7 @@ public final class Load {
         }
     }
 
-    /** One thread's share. The first has the libraries of the program itself; with a single file, no other is needed. */
+    /** One thread's share. The first has the libraries of the program itself, and a single file needs no other. */
     private void work(Store store, boolean isFirst) {
         try (Store known = store.again()) {
             HostReader reader = null;

@@ -33,19 +33,15 @@ final class Schema {
         if (!toWrite) {
             throw refusal("it is of an earlier version, which the next san load brings up to date");
         }
-        connection.setAutoCommit(false);
-        try {
-            dialect.lockSchema(connection);
+        dialect.transaction(connection, writing -> {
+            dialect.lockSchema(writing);
             if (!isCurrent()) { // another may have made it so meanwhile
                 for (int version = version(); version < VERSION; version++) {
                     apply(version + 1);
                 }
             }
-            connection.commit();
-        } finally {
-            connection.rollback();
-            connection.setAutoCommit(true);
-        }
+            return null;
+        });
     }
 
     private boolean isCurrent() throws SQLException {
@@ -82,15 +78,9 @@ final class Schema {
 
     private void apply(int version) throws SQLException {
         String script = script("schema-" + version + ".sql").replace("${id}", dialect.numbering());
-        try (Statement statement = connection.createStatement()) {
-            for (String each : script.split(";\n")) {
-                if (!each.isBlank()) {
-                    statement.execute(each);
-                }
-            }
-            statement.execute("DELETE FROM " + TABLE);
-            statement.execute("INSERT INTO " + TABLE + " (version) VALUES (" + version + ")");
-        }
+        Dialect.execute(connection, script.strip().split(";\n"));
+        Dialect.execute(connection, "DELETE FROM " + TABLE,
+                        "INSERT INTO " + TABLE + " (version) VALUES (" + version + ")");
     }
 
     private static String script(String name) {

@@ -6,19 +6,19 @@ import java.nio.file.Path;
 import java.sql.Connection;
 import java.sql.DriverManager;
 import java.sql.SQLException;
-import java.sql.Statement;
 import java.util.Map;
 import java.util.Properties;
 
 /** A file. */
 final class Sqlite extends Dialect {
     /** How long one who wants to write waits for another, in milliseconds. */
-    private static final String PATIENCE = "30000";
+    private static final String PATIENCE = "10000";
 
     /** By SQLite's primary result codes. */
     private static final Map<Integer, String> REASONS = Map.of(
         5, "another program keeps it locked", 6, "another program keeps it locked", 8, "it can only be read",
-        11, "it is damaged", 13, "there is no room left for it", 14, "it cannot be opened",
+        10, "its device reports an error", 11, "it is damaged", 13, "there is no room left for it",
+        14, "it cannot be opened",
         26, "it is no SQLite database");
 
     private final String file;
@@ -53,10 +53,7 @@ final class Sqlite extends Dialect {
         Properties properties = new Properties();
         properties.setProperty("busy_timeout", PATIENCE);
         properties.setProperty("foreign_keys", "true");
-        if (toWrite) {
-            // Who writes takes its turn at once: two who have read could not both go on to write.
-            properties.setProperty("transaction_mode", "IMMEDIATE");
-        } else {
+        if (!toWrite) {
             properties.setProperty("open_mode", "1");
         }
         // As a URI, in which a name may hold anything.
@@ -64,7 +61,8 @@ final class Sqlite extends Dialect {
             DriverManager.getConnection("jdbc:sqlite:file:" + path().toUri().getRawPath(), properties);
         try {
             if (toWrite) {
-                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL");
+                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
+                        "PRAGMA cache_size = -32768");
             }
             return connection;
         } catch (SQLException failed) {
@@ -73,12 +71,25 @@ final class Sqlite extends Dialect {
         }
     }
 
-    private static void execute(Connection connection, String... statements) throws SQLException {
-        try (Statement statement = connection.createStatement()) {
-            for (String each : statements) {
-                statement.execute(each);
-            }
-        }
+    /** At once in turn: two who have read could not both go on to write. The driver's own commit begins the next one. */
+    @Override
+    void begin(Connection connection) throws SQLException {
+        execute(connection, "BEGIN IMMEDIATE");
+    }
+
+    @Override
+    void commit(Connection connection) throws SQLException {
+        execute(connection, "COMMIT");
+    }
+
+    @Override
+    void rollBack(Connection connection) throws SQLException {
+        execute(connection, "ROLLBACK");
+    }
+
+    @Override
+    String driver() {
+        return "sqlite-jdbc.jar";
     }
 
     @Override
@@ -101,7 +112,7 @@ final class Sqlite extends Dialect {
         return 1;
     }
 
-    /** Whoever may only read the file needs no more files beside it then; while others have it open, it stays as it is. */
+    /** Whoever may only read the file needs no others beside it then; while somebody else has it open, it stays. */
     @Override
     void leave(Connection connection) {
         try {

@@ -119,6 +119,11 @@ public final class Store implements AutoCloseable {
         }
     }
 
+    /** The same, done wholly or not at all. */
+    <R> R transaction(Work<R> work) {
+        return work(database -> dialect.transaction(database, work));
+    }
+
     @Override
     public void close() {
         if (toWrite) {
