@@ -114,7 +114,7 @@ public final class Disks {
     /** The disk that is called so, or has a slice that is; null when there is none. */
     String ofEntry(String entry) {
         return Stream.of(entry, slices.getOrDefault(entry, ""), DeviceNames.withoutSlice(entry),
-                         entry.replaceFirst("(?<=\\d)[a-p]$", "")) // as pseudo devices number their slices
+                         DeviceNames.withoutLetter(entry))
             .flatMap(name -> Stream.of(name, name.toLowerCase(Locale.ROOT))).map(names::get)
             .filter(Objects::nonNull).findFirst().orElse(null);
     }

@@ -211,9 +211,11 @@ public final class LogicalUnit {
      */
     public boolean answersTo(String name) {
         String device = DeviceNames.withoutDirectory(name);
+        List<String> disks =
+            List.of(device, DeviceNames.withoutSlice(device), DeviceNames.withoutLetter(device));
         return isNamed(name) || mounts.contains(name) || Identifiers.isNamed(identity, name)
-            || pseudoDevices.stream().anyMatch(disk -> disk.equalsIgnoreCase(device)) || paths.stream().anyMatch(
-            path -> path.isAt(name) || Stream.of(device, DeviceNames.withoutSlice(device)).anyMatch(
+            || pseudoDevices.stream().anyMatch(pseudo -> disks.stream().anyMatch(pseudo::equalsIgnoreCase))
+            || paths.stream().anyMatch(path -> path.isAt(name) || disks.stream().limit(2).anyMatch(
                 disk -> disk.equalsIgnoreCase(path.deviceName()) || disk.equalsIgnoreCase(path.disk)
                     || disk.equalsIgnoreCase(path.osDeviceName)));
     }
