@@ -57,7 +57,7 @@ public final class Snapshot {
     public Snapshot(Library library) {
         this.library = library;
         Asked asked = new Asked(library, List.of());
-        asked.identities();
+        asked.identities(); // where they cannot be told, that is to be said
         recordedAt = asked.recordedAt;
         failures.putAll(asked.failures);
         ask("computer-system", this::addComputerSystem);
