@@ -126,6 +126,7 @@ class Browser(unittest.TestCase):
         unit = "50060e8000c3a200 LUN 0"
         for text, found, told in (("/oracle", [unit], "1 of 19 things, 2 of 8 paths"), ("FX02-118734", [], "nothing found"),
                                   ("?FX02-118734", ["adapter 1"], "1 of 19 things, 0 of 8 paths"),
+                                  ("naa.60060E8004C3A2000000C3A200000100", [unit], "1 of 19 things, 2 of 8 paths"),
                                   ("10:00:00:1b:32:0a:77:e0", ["adapter 1 port 0", "50060e8000c3a200 LUN 2"],
                                    "2 of 19 things, 1 of 8 paths"), ("", list(things), "")):
             self.assertEqual((self.filter(text), sorted(self.hits())), (told, sorted(found)), text)

@@ -179,6 +179,21 @@ MANY_PATHS = word(adapter(  # all of one unit
     ports=[{"discovered": [{"attributes": {"PortWWN": FAR}}]}], targetMapping=[
         {"ScsiId": {"ScsiTargetNumber": number}, "FcpId": {"PortWWN": FAR}} for number in range(65536)]))
 
+VOLUME = "naa.60060e8004c3a2000000c3a200000100"
+PSEUDO_DEVICE = {**RILL, "mnttab": [*RILL["mnttab"], "/dev/dsk/emcpower0g\t/u09\tufs\trw\t1"], "disks": [
+    *(disk for disk in RILL["disks"] if disk["name"] != "emcpower0"),
+    {"name": "emcpower0", "slices": ["g", "s2"], "path": "/pseudo/emcp@0", "scsi": next(
+        disk["scsi"] for disk in RILL["disks"] if disk["name"] == "c3t50060E8000C3A2B2d0")}]}
+
+
+def other_volume(old, new):
+    """The word for rill with other bytes in what its disks answer."""
+    return word({**RILL, "disks": json.loads(json.dumps(RILL["disks"]).replace(old, new))})
+
+
+OTHER_VOLUME = other_volume("c3 a2 00 00 01 00", "c3 a2 00 00 05 00")
+NO_DESIGNATORS = other_volume('"00 00 00 03 00 80 83"', '"00 00 00 02 00 80"')
+
 STEERING = {"mnttab": ["@\x1b\u202e\t=1+1\tufs\trw\t1", "b\t-5\tnfs\trw\t1"]}
 
 CASES = [
@@ -269,7 +284,7 @@ CASES = [
     *(picks(f"paths {names}", {"0.node": "50060e8000c3a200", "0.lun": lun, str(count): IndexError})
       for names, lun, count in (("/oracle", 0, 1), ("C4T50060E8000C3A2B1D2", 2, 1), ("c4t0d2", 2, 1),
                                 ("50060e8000c3a200", 0, 3), ("'50060E8000C3A200 LUN 3'", 3, 1),
-                                ("1000001B320A77E0", 2, 1), ("/dev/rdsk/c4t50060E8000C3A2B1d2s2 /oracle", 0, 2))),
+                                ("1000001B320A77E0", 2, 1), ("'50 0a0002'", 2, 1), (VOLUME.upper(), 0, 1), ("/dev/rdsk/c4t50060E8000C3A2B1d2s2 /oracle", 0, 2))),
     picks("paths --only single", {"3.lun": 3, "4": IndexError}),
     picks("paths --only shared", {"0.lun": 31, "1.mounts": ["/oracle"], "2": IndexError}),
     gives("paths --only lost", []),
@@ -355,7 +370,25 @@ CASES = [
     refuses("--odd check", "--odd", status=3),
     refuses("check", "HOST.json", host="no JSON", status=3),
 
+    picks("paths /dev/dsk/emcpower0g", {"0.designator": VOLUME, "0.disk": "c2t50060E8000C3A2B1d0",
+                                        "0.mounts": ["/oracle", "/u09"], "1": IndexError}, PSEUDO_DEVICE),
+    shows("paths emcpower0", f"│ SUN SE9980, serial 50 0A0000, {VOLUME}, used as emcpower0 ├─", host=PSEUDO_DEVICE),
+
     # One disk
+    *(picks(f"disk {name}", {"name": disk, "mounts.0.mountPoint": "/oracle", "mounts.1.mountPoint": "/u09",
+                             "paths.1.disk": "c3t50060E8000C3A2B2d0"}, PSEUDO_DEVICE, log=ANY)
+      for name, disk in (("emcpower0", "emcpower0"), ("/u09", "emcpower0"), ("/oracle", "c2t50060E8000C3A2B1d0"),
+                         (VOLUME[4:], "c2t50060E8000C3A2B1d0"))),
+    shows("disk /oracle", "Also: emcpower0 Vendor:", host=PSEUDO_DEVICE, log=ANY),
+    picks("disk 0545b1a0c2", {"name": "c1t0d0", "identity": {
+        "vendor": "SEAGATE", "product": "ST373207LSUN72G", "revision": "045A", "serial": "0545B1A0C2",
+        "designator": "naa.5000c5000a2b3c41", "sizeBytes": 73394847744, "from": "device"}}, log=ANY),
+    shows("disk 50:00:C5:00:0A:2B:3C:41", "Instance: sd0 Vendor: SEAGATE Product: ST373207LSUN72G Revision: 045A Serial: "
+          "0545B1A0C2 Designator: naa.5000c5000a2b3c41 Size: 73394847744 bytes (68.4 GiB) Told by: the device D", log=ANY),
+    refuses("disk 1T54412346", "serial number: c2t200400A0B8160A01d0, c2t200400A0B8160A01d31, c3t200500A0B", status=1),
+    Case("--csv disks c1t0d0", prints="Disk,Type,Capacity,Heads,Sectors/track,Cylinders,Data,Alternate,Device,Vendor,"
+         'Product,Revision,Serial,Designator,Size\nc1t0d0,SUN72G,73394847744,24,424,14089,14087,2,"/pci@1f,700000/scsi@2/'
+         'sd@0,0",SEAGATE,ST373207LSUN72G,045A,0545B1A0C2,naa.5000c5000a2b3c41,73394847744\n'),
     shows("disk c4t1d0", "Disk: c4t1d0 Instance: - Drive: !! cannot be opened", "no slices", " LUN 0, ", host=RICH,
           log=ANY),
     shows("disk c0t0d0", "Drive: T, capacity unknown", "c0t0d0s0 0 B 77 wm", host=ODD_DISK, log=ANY),
@@ -427,6 +460,11 @@ CASES = [
     refuses("compare hosts/rill.json /no/such", "/no/such"),
     refuses("--host hosts/rill.json compare a b", "--host"),
 
+    shows(f"compare hosts/rill.json {OTHER_VOLUME}", "changed disk c3t50060E8000C3A2B2d0: another disk has this name: "
+          f"designator {VOLUME} →", "changed logical unit 50060e8000c3a200 LUN 0: another volume stands behind this number: "
+          f"designator {VOLUME} → naa.60060e8004c3a2000000c3a200000500", log=ANY, status=1),
+    picks(f"compare hosts/rill.json {NO_DESIGNATORS}", {"changes": []}, log=ANY),
+
     # Activity
     Case("watch 1 9 --errors", disks("sd0", "sd1", errors=(1, 3), later="ENXIO"), prints="""\
 Since boot
@@ -482,7 +520,7 @@ sd1     20.0  1.0  20.0   0.0   0.0   2.1     0.0   100.0   0  50
          prints="Mount point  Type  Device\n/\u4e2d\u0301          ufs   a\n/long        ufs   b\n"
          "--sizes shows how large and how full they are\n"),
     Case("--csv paths", {}, prints="Node,LUN,Adapter,Port,Port WWN,Port state,Fabric,Remote port,Remote port state,Disk,"
-         "Device,Bus,Target,SCSI LUN\n"),
+         "Device,Bus,Target,SCSI LUN,Designator\n"),
 
     # Help
     shows("--help", "Usage: tarn", "Exit status", *SECTIONS, "array", "authenticate"),

@@ -191,6 +191,8 @@ class Exports(unittest.TestCase):
             "tarn_host_recorded_timestamp_seconds", 'tarn_check_findings{severity="critical"}',
             'tarn_lun_path_up{node="50060e8000c3a200",lun="2",disk="c4t50060E8000C3A2B1d2",adapter="1",port="0",'
             'wwn="1000001b320a77e0",remote_wwn="50060e8000c3a2b1"}')], ["1134383021", "1", "1"])
+        self.assertEqual(recorded['tarn_disk_info{disk="c1t1d0",instance="sd1",vendor="SEAGATE",product="ST373207LSUN72G",'
+                                  'serial="0545B1A0F7",designator="naa.5000c5000a2b3d92"}'], "1")
         self.check_rules(self.check_metrics(self.tarn("metrics", host=troubled())[0]))
 
     def check_rules(self, values):

@@ -224,6 +224,16 @@ class CommandLine(unittest.TestCase):
             self.assertEqual([(way["node"], way["lun"]) for way in disk["paths"]],
                              [("50060e8000c3a200", 2 * (2 - count))] * count)
 
+    def test_without_the_inventory(self):
+        folder = tempfile.mkdtemp(dir=SCRATCH)
+        os.symlink(ROOT / "build/release/libtarnsolaris.so", Path(folder, "libtarnsolaris.so"))
+        for command, shown in (("disk c1t0d0", b"SUN72G"), ("paths /oracle", b"LUN 0"), ("disks c1t0d0", b"SUN72G"),
+                               ("map", b"LUN 0")):
+            done = subprocess.run(["java", f"-Djava.library.path={folder}", "-cp", sys.argv[2], "com.kelvo.tarn.cli.Tarn",
+                                   *command.split()], cwd=ROOT, capture_output=True, timeout=120)
+            self.assertIn(shown, done.stdout)
+            self.assertEqual((done.returncode, done.stderr.count(b"warn: identities: no tarninventory")), (0, 1), done.stderr)
+
     def test_each_description_is_read_once(self):
         was, now = (str(ROOT / "hosts" / name) for name in ("rill.json", "rill-cable-pulled.json"))
         script = (f"mkfifo pipe; cat {was} > pipe & %s --json compare pipe <(cat {now})")
@@ -292,8 +302,8 @@ class CommandLine(unittest.TestCase):
 
     def test_a_terminal_shows_what_fits_and_trouble_in_colour(self):
         for columns, command, left_out in (
-                (80, "disks", "Cylinders, Data, Alternate, Device"), (200, "disks", None), (50, "paths", None),
-                (30, "disks", "Type, Capacity, Heads"), (80, "hba", None),
+                (80, "disks", "Type, Heads, Sectors/track"), (220, "disks", None), (50, "paths", None),
+                (30, "disks", "Capacity, Vendor, Product, Serial"), (80, "hba", None),
                 (80, "array 1T54412345 1T54412346 SUN CSM200_R", "Unrecovered, !! Timeouts, !! Retries"),
                 (80, "disk-io", "Busy (s), Queue last")):
             _, shown = self.on_terminal(command.split(), columns)

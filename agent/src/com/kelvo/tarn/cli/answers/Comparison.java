@@ -14,6 +14,9 @@ import java.util.Set;
  * are rates; nor is how much of a file system is used.
  */
 public final class Comparison {
+    /** What a thing is: that one of the two times does not tell it is no change of the thing. */
+    private static final Set<String> IDENTITY = Set.of("vendor", "product", "revision", "serial", "designator");
+
     /** One thing that is not as it was. */
     public static final class Change {
         /** What it is, and its name. */
@@ -124,7 +127,8 @@ public final class Comparison {
         Set<String> properties = new LinkedHashSet<>(was.keySet());
         properties.addAll(is.keySet());
         for (String property : properties) {
-            if (!Objects.equals(was.get(property), is.get(property)) && told.add(List.of(subject, property))) {
+            boolean isTold = !IDENTITY.contains(property) || was.containsKey(property) && is.containsKey(property);
+            if (isTold && !Objects.equals(was.get(property), is.get(property)) && told.add(List.of(subject, property))) {
                 changes.add(new Change(subject, "changed", property, was.get(property), is.get(property)));
             }
         }

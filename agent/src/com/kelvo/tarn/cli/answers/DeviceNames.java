@@ -7,6 +7,8 @@ final class DeviceNames {
     private static final Pattern DIRECTORY = Pattern.compile("^/dev/r?dsk/");
     private static final Pattern SLICE = Pattern.compile("s\\d+$");
 
+    private static final Pattern LETTER = Pattern.compile("(?<=\\d)[a-p]$");
+
     private DeviceNames() {
     }
 
@@ -23,5 +25,10 @@ final class DeviceNames {
     /** The name without the slice at its end, such as "s2". */
     static String withoutSlice(String name) {
         return SLICE.matcher(name).replaceFirst("");
+    }
+
+    /** The name without the letter at its end, by which pseudo devices number their slices. */
+    static String withoutLetter(String name) {
+        return LETTER.matcher(name).replaceFirst("");
     }
 }

@@ -42,6 +42,7 @@ public final class Disks {
     private final Map<String, Identity> identities = new HashMap<>();
     /** The disks that are the volume of a designator: a device for each path to it, and pseudo devices over them. */
     private final Map<String, List<String>> volumes = new HashMap<>();
+    private final Map<String, List<String>> identified = new HashMap<>();
 
     /** What a host tells of its disks; the slices are needed for slices that are not called like their disk. */
     Disks(List<TrInstance> drives, List<TrInstance> partitions, List<SolarisDiskIOInformation> io,
@@ -52,6 +53,8 @@ public final class Disks {
             if (identity.designator != null) {
                 volumes.computeIfAbsent(identity.designator, added -> new ArrayList<>()).add(identity.disk);
             }
+            Identifiers.of(identity).forEach(
+                name -> identified.computeIfAbsent(name, added -> new ArrayList<>()).add(identity.disk));
         }
         for (TrInstance drive : drives) {
             String name = Instances.text(drive, SolarisDiskDriveProvider.name);
@@ -111,7 +114,7 @@ public final class Disks {
     /** The disk that is called so, or has a slice that is; null when there is none. */
     String ofEntry(String entry) {
         return Stream.of(entry, slices.getOrDefault(entry, ""), DeviceNames.withoutSlice(entry),
-                         entry.replaceFirst("(?<=\\d)[a-p]$", "")) // as pseudo devices number their slices
+                         DeviceNames.withoutLetter(entry))
             .flatMap(name -> Stream.of(name, name.toLowerCase(Locale.ROOT))).map(names::get)
             .filter(Objects::nonNull).findFirst().orElse(null);
     }
@@ -134,15 +137,21 @@ public final class Disks {
         return identities.get(disk);
     }
 
-    /** The designator of the first of these disks that has one, or null. */
-    String designator(Collection<String> disks) {
-        return disks.stream().map(identities::get).filter(Objects::nonNull).map(identity -> identity.designator)
-            .filter(Objects::nonNull).findFirst().orElse(null);
+    /** What the first of these disks is that has a designator, or else the first of which anything is told; or null. */
+    Identity identity(Collection<String> disks) {
+        List<Identity> told = disks.stream().map(identities::get).filter(Objects::nonNull).collect(Collectors.toList());
+        return told.stream().filter(identity -> identity.designator != null).findFirst()
+            .orElse(told.isEmpty() ? null : told.get(0));
     }
 
-    /** The disks that are the volume of that designator; none for null. */
-    List<String> ofVolume(String designator) {
-        return volumes.getOrDefault(designator, List.of());
+    /** The disks that are the same volume; none for null, or where no designator is told. */
+    List<String> sameVolume(Identity identity) {
+        return identity == null ? List.of() : volumes.getOrDefault(identity.designator, List.of());
+    }
+
+    /** The disks that have that serial number or that designator. */
+    List<String> identifiedBy(String name) {
+        return identified.getOrDefault(Identifiers.plain(name), List.of());
     }
 
     /** Where file systems on these disks are mounted. */

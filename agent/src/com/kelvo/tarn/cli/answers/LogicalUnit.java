@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
@@ -103,11 +104,14 @@ public final class LogicalUnit {
         public final String node;
         /** The unit's number as the array exports it. */
         public final UnsignedInt lun;
+        /** The identifier of the volume behind the unit; null when none is told. */
+        public final transient String designator;
 
         private NamedPath(LogicalUnit unit, Path path) {
             super(path.remote, path.mapping);
             node = unit.node;
             lun = unit.lun;
+            designator = unit.designator;
         }
     }
 
@@ -125,6 +129,8 @@ public final class LogicalUnit {
     public List<String> mounts;
     /** What the label of that drive calls it; empty when it is not known. */
     public transient String driveType = "";
+    /** What that first drive is, or the first of which anything is told; null when nothing is. */
+    public transient Identity identity;
     /** The disks that no path leads to, and that are the same volume. */
     public transient List<String> pseudoDevices = List.of();
     /** In the order of the library's walk. */
@@ -146,8 +152,9 @@ public final class LogicalUnit {
         long capacity = disk == null ? 0 : Disks.capacity(known.drives.get(disk));
         sizeBytes = capacity == 0 ? null : capacity;
         driveType = disk == null ? "" : Instances.text(known.drives.get(disk), SolarisDiskDriveProvider.diskType);
-        designator = known.designator(drives);
-        pseudoDevices = new ArrayList<>(known.ofVolume(designator));
+        identity = known.identity(drives);
+        designator = identity == null ? null : identity.designator;
+        pseudoDevices = new ArrayList<>(known.sameVolume(identity));
         pseudoDevices.removeAll(new HashSet<>(drives));
         mounts = known.mountPointsOn(
             Stream.concat(drives.stream(), pseudoDevices.stream()).collect(Collectors.toList()));
@@ -197,14 +204,18 @@ public final class LogicalUnit {
     }
 
     /**
-     * {@return whether it is meant by a name: its own or its array's, a port's, a disk's or a mount point's}
+     * {@return whether it is meant by a name: its own or its array's, a port's, a disk's or a mount point's, its
+     * volume's serial number or designator}
      *
      * @param name in letters of any case, but for a mount point
      */
     public boolean answersTo(String name) {
         String device = DeviceNames.withoutDirectory(name);
-        return isNamed(name) || mounts.contains(name) || paths.stream().anyMatch(
-            path -> path.isAt(name) || Stream.of(device, DeviceNames.withoutSlice(device)).anyMatch(
+        List<String> disks =
+            List.of(device, DeviceNames.withoutSlice(device), DeviceNames.withoutLetter(device));
+        return isNamed(name) || mounts.contains(name) || Identifiers.isNamed(identity, name)
+            || pseudoDevices.stream().anyMatch(pseudo -> disks.stream().anyMatch(pseudo::equalsIgnoreCase))
+            || paths.stream().anyMatch(path -> path.isAt(name) || disks.stream().limit(2).anyMatch(
                 disk -> disk.equalsIgnoreCase(path.deviceName()) || disk.equalsIgnoreCase(path.disk)
                     || disk.equalsIgnoreCase(path.osDeviceName)));
     }

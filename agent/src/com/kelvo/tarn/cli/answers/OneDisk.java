@@ -1,12 +1,18 @@
 package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
+import java.util.HashMap;
+import java.util.HashSet;
+import java.util.LinkedHashSet;
 import java.util.List;
+import java.util.Map;
 import java.util.Objects;
+import java.util.Set;
 import java.util.function.Consumer;
 import java.util.function.Supplier;
 import java.util.stream.Collectors;
@@ -18,19 +24,23 @@ public final class OneDisk {
     public final String name;
     /** What the kernel calls it, such as "sd0"; null when it does not count the disk's I/O. */
     public final String instance;
+    /** What it is; null when that is not told. */
+    public final Identity identity;
     /** Null: the disk cannot be opened. */
     public final TrInstance drive;
     /** The slices that can be read. */
     public final List<TrInstance> partitions;
     /** Null: the kernel does not count its I/O. */
     public final SolarisDiskIOInformation io;
-    /** The file systems on it, with their sizes. */
+    /** The file systems on it, by whichever device, with their sizes. */
     public final List<SolarisLogicalDisk> mounts;
-    /** All paths to the logical units behind Fibre Channel that the disk is one path to. */
+    /** All paths to the logical units behind Fibre Channel that the disk is one path to, or a pseudo device over. */
     public final List<LogicalUnit.NamedPath> paths;
 
     /** The units that the paths lead to. */
     public final transient List<LogicalUnit> units;
+    /** Other disks that are the same volume, beside those that the paths lead to. */
+    public final transient List<String> alike;
 
     private final transient Everything host;
 
@@ -43,12 +53,18 @@ public final class OneDisk {
             .collect(Collectors.toList());
         io = host.counted(name);
         instance = io == null ? null : io.instanceName();
-        mounts = host.disks.mounted.stream().filter(mounted -> name.equals(host.disks.ofDevice(mounted.device())))
+        identity = host.disks.identity(List.of(name));
+        Set<String> volume = new LinkedHashSet<>(host.disks.sameVolume(identity));
+        volume.add(name);
+        mounts = host.disks.mounted.stream().filter(mounted -> volume.contains(host.disks.ofDevice(mounted.device())))
             .map(host.library::withSizes).collect(Collectors.toList());
         units = host.paths.units.stream()
-            .filter(unit -> unit.paths.stream().anyMatch(path -> name.equals(host.diskOf(path))))
+            .filter(unit -> unit.paths.stream().anyMatch(path -> volume.contains(host.diskOf(path))))
             .collect(Collectors.toList());
         paths = units.stream().flatMap(unit -> unit.namedPaths().stream()).collect(Collectors.toList());
+        volume.remove(name);
+        paths.forEach(path -> volume.remove(path.disk));
+        alike = List.copyOf(volume);
     }
 
     /** {@return how long the host is known to have been up, in nanoseconds: when I/O was last queued; else 0} */
@@ -70,8 +86,8 @@ public final class OneDisk {
 
     /**
      * Finds a disk by its own name, a slice's or an instance's, with or without a directory, a device's physical path,
-     * the mount point of a file system on it or a path below that, a logical unit's "NODE LUN 2", or the world-wide
-     * name of a port that it alone is behind.
+     * the mount point of a file system on it or a path below that, its serial number or designator, a logical unit's
+     * "NODE LUN 2", or the world-wide name of a port that it alone is behind.
      *
      * @param asked any of these
      * @param library what is asked; what could not be is said in its log
@@ -89,6 +105,7 @@ public final class OneDisk {
         private final Library library;
         private final List<TrInstance> partitions;
         private final List<SolarisDiskIOInformation> io;
+        private final Map<String, SolarisDiskIOInformation> counted = new HashMap<>();
         private final Disks disks;
         private final Paths paths;
 
@@ -97,6 +114,7 @@ public final class OneDisk {
             List<TrInstance> drives = library.orNone("disks", library::disks);
             partitions = library.orNone("partitions", library::partitions);
             io = library.orNone("disk-io", library::diskIo);
+            io.forEach(each -> counted.putIfAbsent(Disks.nameOf(each), each));
             disks = new Disks(drives, partitions, io, library.orNone("logical-disks", library::logicalDisks),
                               library.knownIdentities());
             paths = new Paths(library.orNone("hba", () -> List.of(library.fabric(disks))).stream().findFirst()
@@ -105,7 +123,7 @@ public final class OneDisk {
         }
 
         private SolarisDiskIOInformation counted(String disk) {
-            return io.stream().filter(each -> Disks.nameOf(each).equals(disk)).findFirst().orElse(null);
+            return counted.get(disk);
         }
 
         /** The disk that a path leads to, though it cannot be opened; null when it is none. */
@@ -130,8 +148,18 @@ public final class OneDisk {
             return named != null ? named : resolveElsewhere(asked, remark);
         }
 
-        /** By what names more than a disk: a file system, a unit, a port. */
+        /** By what names more than a disk: an identifier, a file system, a unit, a port. */
         private String resolveElsewhere(String asked, Consumer<String> remark) {
+            List<String> identified = disks.identifiedBy(asked);
+            if (!identified.isEmpty()) {
+                String first = identified.get(0);
+                boolean oneVolume = identified.size() == 1
+                    || new HashSet<>(disks.sameVolume(disks.identity(List.of(first)))).containsAll(identified);
+                if (!oneVolume) {
+                    remark.accept("several disks have that serial number: " + String.join(", ", identified));
+                }
+                return oneVolume ? first : null;
+            }
             SolarisLogicalDisk mounted = disks.mountedAt(asked);
             if (mounted != null) {
                 String disk = disks.ofDevice(mounted.device());

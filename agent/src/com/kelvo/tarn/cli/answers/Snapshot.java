@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
@@ -56,6 +57,7 @@ public final class Snapshot {
     public Snapshot(Library library) {
         this.library = library;
         Asked asked = new Asked(library, List.of());
+        asked.identities(); // where they cannot be told, that is to be said
         recordedAt = asked.recordedAt;
         failures.putAll(asked.failures);
         ask("computer-system", this::addComputerSystem);
@@ -125,8 +127,26 @@ public final class Snapshot {
     }
 
     private void addDisks(Asked asked, Map<String, Map<String, Object>> found) {
-        asked.drives.forEach(drive -> add(found, "disk " + drive.get(SolarisDiskDriveProvider.name),
-                                          properties(drive, SolarisDiskDriveProvider.name)));
+        asked.drives.forEach(drive -> {
+            Map<String, Object> values = properties(drive, SolarisDiskDriveProvider.name);
+            String name = Instances.text(drive, SolarisDiskDriveProvider.name);
+            values.putAll(properties(asked.disks.identity(List.of(name))));
+            add(found, "disk " + name, values);
+        });
+    }
+
+    /** What of it is told. */
+    private static Map<String, Object> properties(Identity identity) {
+        Map<String, Object> values = new LinkedHashMap<>();
+        if (identity != null) {
+            values.put("vendor", identity.vendor);
+            values.put("product", identity.product);
+            values.put("revision", identity.revision);
+            values.put("serial", identity.serial);
+            values.put("designator", identity.designator);
+        }
+        values.values().removeIf(Objects::isNull);
+        return values;
     }
 
     private void addSlices(Map<String, Map<String, Object>> found) {
@@ -162,7 +182,8 @@ public final class Snapshot {
         fabric.remotePorts().forEach(remote -> add(
             found, name(remote) + " at " + name(remote.port),
             properties(remote.instance, HbaPortProvider.permanentAddress)));
-        asked.paths.units.forEach(unit -> add(found, "logical unit " + unit.place(), Map.of()));
+        asked.paths.units.forEach(unit -> add(found, "logical unit " + unit.place(),
+                                                 properties(unit.identity)));
         asked.paths.units.forEach(unit -> unit.paths.forEach(path -> {
             Map<String, Object> values = new LinkedHashMap<>();
             values.put("osDeviceName", path.osDeviceName);

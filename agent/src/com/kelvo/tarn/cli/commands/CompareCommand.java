@@ -145,7 +145,8 @@ public final class CompareCommand extends TableCommand {
         }
         for (Comparison.Change change : comparison.changes) {
             out.printFolded(change.property == null ? change.change + "  " + change.subject
-                : change.change + "   " + change.subject + ": " + change.property + " " + words(change));
+                : change.change + "   " + change.subject + ": " + meaning(change) + change.property + " "
+                    + words(change));
         }
         comparison.added.forEach(
             finding -> out.printFolded("new       " + (finding.isCritical() ? Page.TROUBLE : "") + words(finding)));
@@ -192,6 +193,13 @@ public final class CompareCommand extends TableCommand {
 
     private static String words(Check.Finding finding) {
         return finding.severity + " " + finding.code + " " + finding.subject + ": " + FindingWords.message(finding);
+    }
+
+    /** What it means that an identifier changed, before its values. */
+    private static String meaning(Comparison.Change change) {
+        boolean identifies = change.property.equals("designator") || change.property.equals("serial");
+        return identifies && change.subject.startsWith("logical unit ") ? "another volume stands behind this number: "
+            : identifies && change.subject.startsWith("disk ") ? "another disk has this name: " : "";
     }
 
     /** Both values as the other commands show them; as they are where that would not tell them apart. */

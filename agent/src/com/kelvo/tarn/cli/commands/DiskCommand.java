@@ -11,11 +11,13 @@ import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
 import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Map;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import picocli.CommandLine.Command;
@@ -26,9 +28,12 @@ import picocli.CommandLine.Parameters;
          description = "All that is known of one disk: drive, counters, slices, file systems, ways to it.",
          footer = "The ways are all those to the logical unit, under whichever device name.")
 public final class DiskCommand extends TableCommand {
+    private static final Map<String, String> TELLERS = Map.of(
+        "driver", "the driver's statistics", "device", "the device", "name", "its name alone");
+
     @Parameters(arity = "1..*", paramLabel = "NAME", description = "Any of its names: c1t0d0, c1t0d0s0, "
-                + "/dev/dsk/c1t0d0s0, /devices/..., sd0, a mount point or a path below one, NODE LUN number, the WWN "
-                + "of a port that it alone is behind.")
+                + "/dev/dsk/c1t0d0s0, /devices/..., sd0, a mount point or a path below one, its serial number or "
+                + "designator, NODE LUN number, the WWN of a port that it alone is behind.")
     private List<String> names;
 
     @Override
@@ -65,9 +70,29 @@ public final class DiskCommand extends TableCommand {
     }
 
     private static Table<OneDisk> summary(OneDisk disk) {
-        return new Table<>(List.of(disk))
+        Table<OneDisk> table = new Table<>(List.of(disk))
             .text("Disk", found -> found.name)
-            .text("Instance", found -> found.instance)
+            .text("Instance", found -> found.instance);
+        Identity identity = disk.identity;
+        known(table, "Also", disk.alike.isEmpty() ? null : String.join(", ", disk.alike));
+        known(table, "Vendor", identity == null ? null : identity.vendor);
+        known(table, "Product", identity == null ? null : identity.product);
+        known(table, "Revision", identity == null ? null : identity.revision);
+        known(table, "Serial", identity == null ? null : identity.serial);
+        known(table, "Designator", identity == null ? null : identity.designator);
+        Long size = identity == null ? null : identity.sizeBytes;
+        if (size == null) {
+            table.exact("Size", found -> null);
+        } else {
+            table.number("Size", found -> size, found -> size + " bytes (" + Units.bytes(size) + ")");
+        }
+        String from = identity == null ? null : identity.from;
+        if (from == null) {
+            table.exact("Told by", found -> null);
+        } else {
+            table.text("Told by", found -> from, found -> TELLERS.getOrDefault(from, from));
+        }
+        return table
             .text("Drive", found -> found.drive == null ? null : found.drive.get(SolarisDiskDriveProvider.diskType),
                   DiskCommand::drive)
             .text("Geometry", found -> DisksCommand.geometry(found.drive))
@@ -79,6 +104,15 @@ public final class DiskCommand extends TableCommand {
                     found -> found.io == null ? null : count(found.io.bytesWritten()))
             .number("Busy", found -> found.io == null ? null : Units.seconds(new Counter(found.io.runTime())),
                     found -> found.io == null ? null : busy(new Counter(found.io.runTime()), found.sinceBoot()));
+    }
+
+    /** What is not known has no line. */
+    private static void known(Table<OneDisk> table, String heading, String value) {
+        if (value == null) {
+            table.exact(heading, found -> null);
+        } else {
+            table.text(heading, found -> value);
+        }
     }
 
     private static String drive(OneDisk disk) {

@@ -14,10 +14,12 @@ import com.kelvo.tarn.cli.output.PortWords;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Tree;
 import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.inventory.Identity;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
+import java.util.Objects;
 import java.util.function.Function;
 import java.util.function.Predicate;
 import java.util.stream.Collectors;
@@ -35,8 +37,9 @@ public final class PathsCommand extends TableCommand {
     @Mixin
     private HbaOptions options;
 
-    @Parameters(arity = "0..*", paramLabel = "NODE|WWN|DISK|MOUNT", description = "Only the units of this array or "
-            + "this unit (\"NODE LUN 2\"), behind a port of this WWN, or on this disk or mount point; any of several.")
+    @Parameters(arity = "0..*", paramLabel = "NODE|WWN|DISK|MOUNT|SERIAL|DESIGNATOR", description = "Only the units of "
+            + "this array or this unit (\"NODE LUN 2\"), behind a port of this WWN, on this disk or mount point, or with "
+            + "this serial number or designator; any of several.")
     private List<String> wanted = new ArrayList<>();
 
     /** What the shell completes. */
@@ -70,7 +73,11 @@ public final class PathsCommand extends TableCommand {
             if (units.isEmpty()) {
                 out.println(paths.units.isEmpty() ? "no logical units behind Fibre Channel" : "no such logical units");
             }
-            units.forEach(unit -> tree(unit, path -> "").print(out));
+            units.forEach(unit -> {
+                Tree tree = tree(unit, path -> "");
+                tree.remark(volume(unit));
+                tree.print(out);
+            });
         });
     }
 
@@ -110,6 +117,16 @@ public final class PathsCommand extends TableCommand {
             .filter(part -> !part.isEmpty()).collect(Collectors.joining(", "));
     }
 
+    /** What is behind the unit, as far as it is told: make, serial number, designator, and what else is that volume. */
+    private static String volume(LogicalUnit unit) {
+        Identity identity = unit.identity;
+        return identity == null ? "" : Stream.of(
+            Stream.of(identity.vendor, identity.product).filter(Objects::nonNull).collect(Collectors.joining(" ")),
+            identity.serial == null ? "" : "serial " + identity.serial, Objects.toString(identity.designator, ""),
+            unit.pseudoDevices.isEmpty() ? "" : "used as " + String.join(", ", unit.pseudoDevices))
+            .filter(part -> !part.isEmpty()).collect(Collectors.joining(", "));
+    }
+
     private static String end(String name, UnsignedInt state) {
         String shown = PortWords.state(state);
         return known(name, "unknown") + " "
@@ -131,6 +148,7 @@ public final class PathsCommand extends TableCommand {
             .text("Remote port state", path -> PortWords.state(path.remotePortState))
             .text("Disk", LogicalUnit.Path::deviceName).text("Device", path -> path.osDeviceName)
             .number("Bus", path -> path.scsiBus)
-            .number("Target", path -> path.targetId).number("SCSI LUN", path -> path.scsiLun);
+            .number("Target", path -> path.targetId).number("SCSI LUN", path -> path.scsiLun)
+            .text("Designator", path -> path.designator);
     }
 }

@@ -1,7 +1,6 @@
 package com.kelvo.tarn.cli.frame;
 
 import com.kelvo.tarn.cli.answers.Library;
-import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.PrintWriter;
@@ -57,11 +56,11 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
         chooseHost();
         Answer answer = answer();
         int status = answer.thrown == null ? answer.status() : spec.exitCodeOnExecutionException();
-        List<LibraryLog.Line> log = tarn.log().take();
         PrintWriter out = spec.commandLine().getOut();
         PrintWriter err = spec.commandLine().getErr();
         if (tarn.json()) {
-            out.println(Json.text(Json.object("result", answer.result, "log", log, "exception", answer.thrown)));
+            out.println(Json.text(Json.object("result", answer.result, "log", tarn.log().take(),
+                                              "exception", answer.thrown)));
             return status;
         }
         if (answer.complaint == null) {
@@ -72,7 +71,7 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
             }
             out.flush();
         }
-        log.stream().filter(answer.shownLog).map(line -> line.level + ": " + line.text()).distinct()
+        tarn.log().take().stream().filter(answer.shownLog).map(line -> line.level + ": " + line.text()).distinct()
             .forEach(err::println);
         if (answer.complaint != null) {
             Page.complain(err, answer.complaint);

@@ -114,7 +114,9 @@ final class MapPage {
             things.add(Json.object(
                 "name", Page.printable(node.name), "state", name(node.state),
                 "reasons", node.reasons.stream().map(Page::printable).collect(Collectors.toList()), "facts", facts,
-                "column", node.kind.ordinal(), "text", Page.printable(node.title + " " + String.join(" ", node.lines)),
+                "column", node.kind.ordinal(), "text",
+                Page.printable(node.title + " " + String.join(" ", node.lines) + " "
+                               + String.join(" ", node.identifiers)),
                 "members", node.members.stream().map(member -> List.of(
                     Page.printable(member.name), Page.printable(member.text))).collect(Collectors.toList())));
         }

@@ -52,6 +52,8 @@ public final class Topology {
         final List<String> lines = new ArrayList<>();
         /** All that is known, by what it is called; shown when the thing is pointed at. */
         final Map<String, String> facts = new LinkedHashMap<>();
+        /** What it is found by, beside what the box says, and what pointing at it in a picture tells after its name. */
+        final List<String> identifiers = new ArrayList<>();
         /** Why the state is not good, the worst first; empty when it is. */
         final Set<String> reasons = new LinkedHashSet<>();
         /** Those that share the box; empty when it is one thing's own. */
@@ -138,7 +140,7 @@ public final class Topology {
     /** What the table's columns are called. */
     static final List<String> COLUMNS = List.of("Array", "LUN", "Remark", "Device", "Adapter", "Port", "Port WWN",
                                                 "Port state", "Remote port", "Remote port state", "Size", "Mounted",
-                                                "Bus", "Target");
+                                                "Bus", "Target", "Serial number", "Designator");
 
     final String title;
     /** What there is, and how many. */

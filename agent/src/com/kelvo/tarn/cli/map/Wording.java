@@ -9,6 +9,7 @@ import com.kelvo.tarn.cli.map.Topology.Member;
 import com.kelvo.tarn.cli.map.Topology.Node;
 import com.kelvo.tarn.cli.output.PortWords;
 import com.kelvo.tarn.cli.output.Units;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
 import java.util.ArrayList;
@@ -16,6 +17,7 @@ import java.util.Collection;
 import java.util.List;
 import java.util.Locale;
 import java.util.Objects;
+import java.util.function.Function;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
@@ -80,6 +82,8 @@ final class Wording {
                 box.lines.add(String.format(Locale.ROOT, "and %,d more", devices.size() - NAMES_IN_BOX));
             }
             box.fact("Devices", String.join(", ", devices));
+            box.fact("Used as", String.join(", ", first.pseudoDevices));
+            describe(box, first.identity);
         } else {
             box.line("LUNs", oneArray ? "LUN " + luns(units)
                 : "of " + count(units.stream().map(unit -> unit.node).distinct().count(), "array"));
@@ -87,11 +91,30 @@ final class Wording {
             box.lines.add("+ opens it");
             units.forEach(unit -> box.members.add(new Member(
                 oneArray ? "LUN " + unit.lun : unit.place(), Stream.of(
-                    unit.paths.get(0).deviceName(), size(unit), String.join(", ", unit.mounts))
+                    unit.paths.get(0).deviceName(), size(unit), String.join(", ", unit.mounts),
+                    told(unit.identity, identity -> identity.serial),
+                    told(unit.identity, identity -> identity.designator))
                     .filter(text -> !text.isEmpty()).collect(Collectors.joining(", ")))));
         }
         box.fact("Array", oneArray ? first.node : "");
         box.order = order(first);
+    }
+
+    /** What a volume is; null leaves the box as it is. */
+    private static void describe(Node box, Identity volume) {
+        Stream.of(told(volume, identity -> identity.vendor) + " " + told(volume, identity -> identity.product),
+                  told(volume, identity -> identity.serial), told(volume, identity -> identity.designator))
+            .map(String::strip).filter(text -> !text.isEmpty()).forEach(box.identifiers::add);
+        box.fact("Vendor", told(volume, identity -> identity.vendor));
+        box.fact("Product", told(volume, identity -> identity.product));
+        box.fact("Revision", told(volume, identity -> identity.revision));
+        box.fact("Serial number", told(volume, identity -> identity.serial));
+        box.fact("Designator", told(volume, identity -> identity.designator));
+    }
+
+    /** Empty when it is not known. */
+    private static String told(Identity volume, Function<Identity, String> text) {
+        return volume == null ? "" : text(text.apply(volume));
     }
 
     /** By the array, then by number. */
@@ -146,7 +169,9 @@ final class Wording {
         return List.of(unit.node, unit.lun.toString(), remark, path.deviceName(), String.valueOf(path.adapter),
                        String.valueOf(path.port), text(path.portWWN), PortWords.state(path.portState),
                        text(path.remotePort), PortWords.state(path.remotePortState), size(unit),
-                       String.join(", ", unit.mounts), text(path.scsiBus), text(path.targetId));
+                       String.join(", ", unit.mounts), text(path.scsiBus), text(path.targetId),
+                       told(unit.identity, identity -> identity.serial),
+                       told(unit.identity, identity -> identity.designator));
     }
 
     /** What is to be remarked on a unit; mostly nothing. */

@@ -16,6 +16,7 @@ import com.kelvo.tarn.cli.answers.PayloadRates;
 import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.cli.answers.PortStates;
 import com.kelvo.tarn.inventory.DiskActivity;
+import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.inventory.PortTraffic;
 import com.kelvo.tarn.inventory.Sample;
 import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
@@ -66,6 +67,7 @@ public final class HostMetrics {
         metrics.section("activity", () -> metrics.add(metrics.sample(asking, sampling)));
         metrics.answered("disk-io", () -> asked.io.forEach(metrics::add));
         metrics.answered("disks", () -> { });
+        metrics.answered("identities", metrics::addDisks);
         metrics.answered("hba", metrics::addFabric);
         metrics.addCheck();
         return metrics.out;
@@ -187,6 +189,22 @@ public final class HostMetrics {
         if (time.isKept()) {
             busy.sample(new BigDecimal(time.value(), 9), labels);
         }
+    }
+
+    /** What each disk is; a text that is not told is empty. */
+    private void addDisks() {
+        Map<String, String> instances = new HashMap<>();
+        asked.io.forEach(counted -> instances.putIfAbsent(counted.diskName(), counted.instanceName()));
+        Exposition.Family disks = out.gauge("tarn_disk_info", "What a disk is, always 1.");
+        for (Identity identity : asked.identities()) {
+            disks.sample(1, "disk", identity.disk, "instance", instances.getOrDefault(identity.disk, ""),
+                         "vendor", text(identity.vendor), "product", text(identity.product),
+                         "serial", text(identity.serial), "designator", text(identity.designator));
+        }
+    }
+
+    private static String text(String told) {
+        return Objects.toString(told, "");
     }
 
     /** What the agent's own counters leave out. */

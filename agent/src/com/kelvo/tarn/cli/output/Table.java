@@ -23,7 +23,7 @@ public final class Table<R> {
     private static final class Column<R> {
         private final String heading;
         private final boolean right;
-        /** For programs; null in a column that only reads the one before it for people. */
+        /** For programs; null in a column that only people see. */
         private final Function<R, ?> exact;
         /** For people; null in a column that only programs see. */
         private final Function<R, ?> shown;
@@ -64,7 +64,7 @@ public final class Table<R> {
      * Adds a column of texts that people see otherwise than programs.
      *
      * @param heading what stands over it
-     * @param exact what programs see in a row of it
+     * @param exact what programs see in a row of it; null when they see no such column
      * @param shown what people see
      * @return this table
      */

@@ -6,6 +6,7 @@ import java.util.List;
 /** A tree for people: a line per node, the branches drawn before it. */
 public final class Tree {
     private final String label;
+    private final List<String> remarks = new ArrayList<>();
     private final List<Tree> children = new ArrayList<>();
 
     /**
@@ -27,6 +28,17 @@ public final class Tree {
     }
 
     /**
+     * Adds a line under the node's own.
+     *
+     * @param text the line; an empty one is none
+     */
+    public void remark(String text) {
+        if (!text.isEmpty()) {
+            remarks.add(text);
+        }
+    }
+
+    /**
      * Prints the node and all below it.
      *
      * @param out where
@@ -36,7 +48,9 @@ public final class Tree {
     }
 
     private void print(Page out, String branch, String margin) {
-        out.printFolded(branch, margin + (children.isEmpty() ? "  " : "│ "), label);
+        String under = margin + (children.isEmpty() ? "  " : "│ ");
+        out.printFolded(branch, under, label);
+        remarks.forEach(text -> out.printFolded(under, under, text));
         for (Tree child : children) {
             boolean last = child == children.get(children.size() - 1);
             child.print(out, margin + (last ? "└─ " : "├─ "), margin + (last ? "   " : "│  "));
