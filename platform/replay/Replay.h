@@ -21,8 +21,8 @@ inline constexpr std::chrono::milliseconds usualSilence = std::chrono::seconds(3
 
 /// Make this description the current host, from the next call on. What was opened before keeps the host it was opened
 /// on. Raise HostDescriptionError, and leave the host as it is, when the description cannot be used; a file also when it
-/// is a device, larger than 1 GB, or a pipe from which nothing comes for so long. A file is read once. A text comes part by
-/// part, an empty one at its end, and errors call it by its name. The answer is when the host was recorded, in UTC
+/// is a device, larger than 1 GB, or a pipe from which nothing comes for so long. A file is read once. A text comes part
+/// by part, an empty one at its end, and errors call it by its name. The answer is when the host was recorded, in UTC
 /// ("2026-11-24T10:00:00Z"), empty when the description does not say.
 std::string loadHostFile(const std::string &path, std::chrono::milliseconds silence = usualSilence);
 std::string loadHostText(const std::function<std::string_view()> &text, const std::string &name);

@@ -31,7 +31,6 @@ ROOT = Path(__file__).parents[2]
 HOSTS, PATHS = 120, 32
 KILLS = 10  # of each store
 NOW = datetime.now(timezone.utc).replace(microsecond=0)
-ROOT = Path(__file__).parents[2]
 SERVER = None
 
 # All that is in a store, without the numbers that it gives.

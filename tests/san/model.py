@@ -1,4 +1,4 @@
-"""What `san` has to answer, worked out plainly from what each host's `paths` and `hba` say.
+"""What is wrong with a storage network, worked out plainly from what each host's `paths` and `hba` say.
 
 A recording is {"host", "recordedAt", "paths", "hba"}, the last two the results of those commands.
 """
@@ -58,8 +58,8 @@ def ports(recording):
             yield SimpleNamespace(
                 host=recording["host"], adapter=f"{recording['host']}/{a}", port=own["permanentAddress"], fabric=fabric,
                 switches=switch(fabric, own["portFcId"]), online=own["portState"] == ONLINE, model=about["model"],
-                firmware=about["firmwareVersion"], driver=about["driverVersion"], names=set(), unit=None, disk=None,
-                array=None, array_port=None,
+                firmware=about["firmwareVersion"], driver=about["driverVersion"], unit=None, array=None,
+                array_port=None,
                 far={each["permanentAddress"]: switch(fabric, each["portFcId"]) for each in seen})
 
 
@@ -72,64 +72,14 @@ def paths(recording):
             row = local[f"{recording['host']}/{path['adapter']}", path["portWWN"]]
             yield SimpleNamespace(**{
                 **vars(row), "unit": unit["designator"] or place, "array": unit["node"],
-                "array_port": path["remotePort"], "disk": path["disk"],
+                "array_port": path["remotePort"],
                 "online": path["portState"] == path["remotePortState"] == ONLINE,
-                "switches": row.switches | row.far[path["remotePort"]], "array_switches": row.far[path["remotePort"]],
-                "mounts": unit["mounts"], "names": {place, path["disk"], path["osDeviceName"], *unit["mounts"]}})
-
-
-KINDS = {"port": lambda row: {row.port, row.array_port}, "array": lambda row: {row.array},
-         "fabric": lambda row: {row.fabric}, "switch": lambda row: row.switches, "unit": lambda row: {row.unit},
-         "adapter": lambda row: {row.adapter}, "model": lambda row: {row.model}, "firmware": lambda row: {row.firmware},
-         "host": lambda row: {row.host}}
-
-
-def things(network):
-    """Everything that can be asked about, with its kind."""
-    return sorted({(kind, name) for kind, of in KINDS.items() for row in network.ports + network.paths
-                   for name in of(row) if name})
-
-
-def of_thing(network, thing):
-    """The kind, and the rows that go through it. A unit may be called by any name that any host has for it."""
-    rows = network.ports + network.paths
-    for kind, of in KINDS.items():
-        touched = [row for row in rows if thing in of(row)]
-        if touched:
-            return kind, touched
-    units = {row.unit for row in network.paths if thing in row.names}
-    return "unit" if units else None, [row for row in network.paths if row.unit in units]
-
-
-def who(network, thing):
-    kind, rows = of_thing(network, thing)
-    hosts = []
-    for host in sorted({row.host for row in rows}):
-        own = [row for row in rows if row.host == host]
-        hosts.append({"host": host, **{plural: sorted({getattr(row, one) for row in own} - {None}) for plural, one in (
-            ("ports", "port"), ("units", "unit"), ("disks", "disk"))}})
-    return {"thing": thing, "kind": kind, "hosts": hosts}
+                "switches": row.switches | row.far[path["remotePort"]], "array_switches": row.far[path["remotePort"]]})
 
 
 def online_paths(rows):
     """A path is a local port, an array port and a unit, however often it is listed."""
     return {(row.port, row.array_port) for row in rows if row.online}
-
-
-def impact(network, failing):
-    """Units that lose their last path, and those of which one is left that had more, by host."""
-    gone = {id(row) for thing in failing for row in of_thing(network, thing)[1]}
-    answer = {"thing": failing, "lost": [], "lastPath": []}
-    for host, unit in sorted((host, unit) for host, seen in network.seen.items() for unit in seen):
-        rows = [row for row in network.paths if (row.host, row.unit) == (host, unit)]
-        before, after = online_paths(rows), online_paths(row for row in rows if id(row) not in gone)
-        told = {"host": host, "unit": unit, "disks": sorted({row.disk for row in rows} - {None}),
-                "mounts": sorted({mount for row in rows for mount in row.mounts})}
-        if before and not after:
-            answer["lost"].append(told)
-        elif len(after) == 1 < len(before):
-            answer["lastPath"].append(told)
-    return answer
 
 
 def check(network, now, max_age):

@@ -1,16 +1,15 @@
 """Host descriptions of a whole storage network, made from a few lines of what it is and of what is wrong with it.
 
-python3 tests/san/network.py [--healthy | --seed N | --hosts N [--paths N] [--faults N]] FOLDER
+python3 tests/san/network.py [--healthy | --hosts N [--paths N] [--faults N]] FOLDER
 
 Writes the descriptions to FOLDER/hosts, and to FOLDER/expected.json what is to be found in them, each finding with its
-code, subject and hosts. Without an option it is the planted network, --healthy the same without its faults; --seed is a
-random one, of which nothing is expected; --hosts is a large one, in which each FAULTS-th host has a fault.
+code, subject and hosts. Without an option it is the planted network, --healthy the same without its faults; --hosts is
+a large one, in which each FAULTS-th host has a fault.
 """
 
 import argparse
 import gzip
 import json
-import random
 from collections import defaultdict
 from datetime import datetime, timedelta, timezone
 from fnmatch import fnmatchcase
@@ -344,38 +343,6 @@ def large(hosts, paths, every):
     return "\n".join(lines + faults)
 
 
-def anything(seed):
-    """A random network, of which nothing is expected."""
-    dice = random.Random(seed)
-    switches = {name: [f"{name}.{domain}" for domain in range(1, dice.randrange(2, 4))] for name in "ABC"}
-    switches["L"] = ["L"]
-    lines = [f"fabric {name} " + " ".join(each.partition(".")[2] for each in at) for name, at in switches.items()]
-    at = [each for some in switches.values() for each in some]
-    ports = {f"array{i}": dice.choices(at, k=dice.randrange(1, 6)) for i in range(4)}
-    lines += [f"array {name} {dice.choice(['address', *DESIGNATORS])} {' '.join(each)}" for name, each in ports.items()]
-    hosts, units, near, far = [], [], [], [f"{name}.{i + 1}" for name, each in ports.items() for i in range(len(each))]
-    for group in "pqrst":
-        count, local = dice.randrange(1, 7), dice.choices(at, k=dice.randrange(1, 5))
-        lines.append(f"hosts {group} {count} FX-{dice.randrange(3)} " + "".join(
-            each + dice.choice(",/") for each in local)[:-1] + dice.choice(["", " mpxio", " zfs"]))
-        for name in dice.sample(list(ports), 2):
-            seen = dice.sample(range(len(ports[name])), dice.randrange(1, len(ports[name]) + 1))
-            lines.append(f"units {group} {dice.randrange(1, 5)} {dice.randrange(2)} " + " ".join(
-                f"{name}.{port + 1}" for port in seen))
-        hosts += [f"{group}{i + 1}" for i in range(count)]
-        near += [f"{host}.{i}" for host in hosts[-count:] for i in range(len(local))]
-        units.append(f"{group}/1")
-    lines += [f"earlier {host}" for host in dice.sample(hosts, 2)]
-    for _ in range(dice.randrange(4, 16)):
-        host, other, version = dice.choice(hosts), dice.choice(units), dice.randrange(2)
-        lines.append(dice.choice([
-            f"unzone {host} {dice.choice(far)}", f"plug {dice.choice(near)} {dice.choice(at)}",
-            f"hide {host} {host[0]}/1 {dice.choice(far)}", f"hide {host} {host[0]}/1", f"show {host} {other}",
-            f"set {dice.choice(near + far)} state 6", f"wwn {dice.choice(near)} {dice.choice(near)}",
-            f"set {host} firmware 3.{version}", f"set {host} driver 1.{version}", f"set {host} talks"]))
-    return "\n".join(lines)
-
-
 def write(network, folder):
     """The descriptions in FOLDER/hosts, what is to be found in them in FOLDER/expected.json."""
     for name, description in network.descriptions():
@@ -390,14 +357,13 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     kind = parser.add_mutually_exclusive_group()
     kind.add_argument("--healthy", action="store_true")
-    kind.add_argument("--seed", type=int)
     kind.add_argument("--hosts", type=int)
     parser.add_argument("--paths", type=int, default=128)
     parser.add_argument("--faults", type=int, default=100)
     parser.add_argument("folder")
     told = parser.parse_args()
-    write(Network(large(told.hosts, told.paths, told.faults) if told.hosts else anything(told.seed)
-                  if told.seed is not None else HEALTHY if told.healthy else HEALTHY + FAULTS), told.folder)
+    write(Network(large(told.hosts, told.paths, told.faults) if told.hosts
+                  else HEALTHY if told.healthy else HEALTHY + FAULTS), told.folder)
 
 
 if __name__ == "__main__":

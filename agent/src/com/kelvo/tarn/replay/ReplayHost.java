@@ -22,8 +22,8 @@ public final class ReplayHost {
     public static native String load(String path);
 
     /**
-     * The same of a description that is at hand, such as one that was compressed, or came through a pipe and is to answer
-     * the inventory, too.
+     * The same of a description that is at hand, such as one that was compressed, or came through a pipe and is to
+     * answer the inventory, too.
      *
      * @param text the description, in UTF-8
      * @param name what complaints call it: its file's path
@@ -33,8 +33,8 @@ public final class ReplayHost {
     public static native String load(byte[] text, String name);
 
     /**
-     * What the file of a description holds, read once under the rules of {@link #load(String)}; whether it is a description
-     * shows when it is loaded.
+     * What the file of a description holds, read once under the rules of {@link #load(String)}; whether it is a
+     * description shows when it is loaded.
      *
      * @param path the file
      * @return its bytes

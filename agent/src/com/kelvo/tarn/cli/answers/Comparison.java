@@ -127,8 +127,9 @@ public final class Comparison {
         Set<String> properties = new LinkedHashSet<>(was.keySet());
         properties.addAll(is.keySet());
         for (String property : properties) {
-            boolean isTold = !IDENTITY.contains(property) || was.containsKey(property) && is.containsKey(property);
-            if (isTold && !Objects.equals(was.get(property), is.get(property)) && told.add(List.of(subject, property))) {
+            boolean isKnown = !IDENTITY.contains(property) || was.containsKey(property) && is.containsKey(property);
+            if (isKnown && !Objects.equals(was.get(property), is.get(property))
+                && told.add(List.of(subject, property))) {
                 changes.add(new Change(subject, "changed", property, was.get(property), is.get(property)));
             }
         }

@@ -39,6 +39,8 @@ public final class Disks {
     private final Map<String, String> slices = new HashMap<>();
     private final Map<String, String> devicePaths = new HashMap<>();
     private final Map<String, List<String>> mountPoints = new HashMap<>();
+    /** The disk of the first that is mounted there; null for one that is on none. */
+    private final Map<String, String> mountedOn = new HashMap<>();
     private final Map<String, Identity> identities = new HashMap<>();
     /** The disks that are the volume of a designator: a device for each path to it, and pseudo devices over them. */
     private final Map<String, List<String>> volumes = new HashMap<>();
@@ -71,6 +73,9 @@ public final class Disks {
         mounted.stream().map(SolarisLogicalDisk::device).filter(DeviceNames::hasDirectory).forEach(this::knowDevice);
         for (SolarisLogicalDisk each : mounted) {
             String disk = ofDevice(each.device());
+            if (!mountedOn.containsKey(each.mountPoint())) {
+                mountedOn.put(each.mountPoint(), disk);
+            }
             if (disk != null) {
                 List<String> there = mountPoints.computeIfAbsent(disk, added -> new ArrayList<>());
                 if (!there.contains(each.mountPoint())) {
@@ -162,8 +167,7 @@ public final class Disks {
 
     /** The disk that the file system is on that is mounted there, or null. */
     String diskAt(String mountPoint) {
-        return mounted.stream().filter(each -> each.mountPoint().equals(mountPoint)).findFirst()
-            .map(each -> ofDevice(each.device())).orElse(null);
+        return mountedOn.get(mountPoint);
     }
 
     /** The mount point at or above a path, with what is mounted there; null when the path is no such. */

@@ -60,12 +60,10 @@ public final class Library {
      * @throws IllegalArgumentException when it cannot be read; the message names what is wrong
      */
     public void load(String path) {
-        boolean isFile = new File(path).isFile(); // what is none, such as a pipe, is read but once
-        byte[] text = isFile ? null : ReplayHost.read(path);
-        if (isFile) {
+        if (new File(path).isFile()) {
             answerBy(ReplayHost.load(path), () -> InventoryHost.load(path));
-        } else {
-            load(text, path);
+        } else { // what is none, such as a pipe, can be read but once
+            load(ReplayHost.read(path), path);
         }
     }
 
@@ -290,7 +288,7 @@ public final class Library {
     /**
      * {@return what reads the activity of disks and ports, to be closed}
      *
-     * @throws IllegalArgumentException when the description of the host cannot be read once more
+     * @throws IllegalArgumentException when the file of the host's description cannot be read once more
      */
     public Sampler sampler() {
         tellInventory();

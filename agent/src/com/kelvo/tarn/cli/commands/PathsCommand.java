@@ -38,8 +38,8 @@ public final class PathsCommand extends TableCommand {
     private HbaOptions options;
 
     @Parameters(arity = "0..*", paramLabel = "NODE|WWN|DISK|MOUNT|SERIAL|DESIGNATOR", description = "Only the units of "
-            + "this array or this unit (\"NODE LUN 2\"), behind a port of this WWN, on this disk or mount point, or with "
-            + "this serial number or designator; any of several.")
+            + "this array or this unit (\"NODE LUN 2\"), behind a port of this WWN, on this disk or mount point, or "
+            + "with this serial number or designator; any of several.")
     private List<String> wanted = new ArrayList<>();
 
     /** What the shell completes. */

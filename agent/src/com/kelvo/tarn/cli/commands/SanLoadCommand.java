@@ -20,8 +20,8 @@ import picocli.CommandLine.Parameters;
              + "is none.",
          footer = "A recording is told apart by the host's name and the time that it was made at; one that does not "
              + "say has that of its file. The same again changes nothing; a later one becomes the host's present, "
-             + "earlier ones are its history. Exit status: 0 done; 1 a file could not be used, which is told in a line; "
-             + "2 bad usage, or a store that cannot be used.")
+             + "earlier ones are its history. Exit status: 0 done; 1 a file could not be used, which is told in a "
+             + "line; 2 bad usage, or a store that cannot be used.")
 public final class SanLoadCommand extends StoreCommand {
     @Parameters(arity = "1..*", paramLabel = "FILE|FOLDER", description = "Descriptions, and folders in which all "
             + ".json and .json.gz are such, however deep.")

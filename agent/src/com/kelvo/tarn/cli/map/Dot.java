@@ -128,7 +128,8 @@ final class Dot {
                   "color", hued ? node.hue : style.frame, "fillcolor", style.fill, "fontcolor", style.ink,
                   "penwidth", hued ? "1.6" : style.width,
                   "tooltip", node.identifiers.isEmpty() ? node.name
-                      : node.name + ": " + String.join(", ", node.identifiers), style == Style.LOST ? List.of("style", "rounded,filled,dashed") : NOTHING,
+                      : node.name + ": " + String.join(", ", node.identifiers),
+                  style == Style.LOST ? List.of("style", "rounded,filled,dashed") : NOTHING,
                   layout == null ? NOTHING : place(layout.boxes.get(node)));
     }
 

@@ -71,7 +71,9 @@ final class Sqlite extends Dialect {
         }
     }
 
-    /** At once in turn: two who have read could not both go on to write. The driver's own commit begins the next one. */
+    /**
+     * At once in turn: two who have read could not both go on to write. The driver's own commit would begin the next one.
+     */
     @Override
     void begin(Connection connection) throws SQLException {
         execute(connection, "BEGIN IMMEDIATE");
