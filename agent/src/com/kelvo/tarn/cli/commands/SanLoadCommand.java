@@ -5,7 +5,6 @@ import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Progress;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.san.Load;
-import com.kelvo.tarn.cli.san.Store;
 import java.io.File;
 import java.nio.file.Path;
 import java.util.List;
@@ -74,10 +73,5 @@ public final class SanLoadCommand extends StoreCommand {
     private static Table<?> table(Load load) {
         return new Table<>(load.refused()).text("File", refusal -> refusal.file)
             .text("Reason", refusal -> refusal.reason);
-    }
-
-    @Override
-    Answer ask(Store store) {
-        throw new IllegalStateException("it is written to, not asked");
     }
 }

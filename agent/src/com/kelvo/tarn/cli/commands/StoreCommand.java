@@ -2,7 +2,6 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.TableCommand;
-import com.kelvo.tarn.cli.san.Store;
 import com.kelvo.tarn.cli.san.StoreException;
 import java.io.IOException;
 import picocli.CommandLine.Option;
@@ -32,7 +31,7 @@ abstract class StoreCommand extends TableCommand {
     }
 
     @Override
-    public final Answer ask() throws Exception {
+    public final Answer ask() {
         try {
             return askStore();
         } catch (StoreException unusable) {
@@ -41,17 +40,6 @@ abstract class StoreCommand extends TableCommand {
         }
     }
 
-    /** What is to be asked; here of a store that is there. */
-    Answer askStore() throws Exception {
-        try (Store store = Store.open(database())) {
-            return ask(store);
-        }
-    }
-
-    /**
-     * Asks the store; all that the answer shows is read now.
-     *
-     * @param store open until this returns
-     */
-    abstract Answer ask(Store store) throws Exception;
+    /** What the store answers. */
+    abstract Answer askStore();
 }

@@ -14,11 +14,8 @@ abstract class Dialect {
     /** What messages call the store; never with a password. */
     abstract String name();
 
-    /** Whether there is anything by that name; a server is asked as it is connected to. */
-    abstract boolean exists();
-
-    /** Connects; to write, or only to read. */
-    abstract Connection connect(boolean toWrite) throws SQLException;
+    /** Connects to it. */
+    abstract Connection connect() throws SQLException;
 
     /** The jar that connects to it. */
     abstract String driver();

@@ -5,6 +5,7 @@ import java.nio.file.Path;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Objects;
 import java.util.concurrent.ArrayBlockingQueue;
 import java.util.concurrent.BlockingQueue;
 import java.util.concurrent.atomic.AtomicLong;
@@ -77,7 +78,7 @@ public final class Load {
      */
     public static Load into(String database, List<Path> named, int keep, Observer observer) {
         int processors = Runtime.getRuntime().availableProcessors();
-        try (Store store = Store.openToWrite(database)) {
+        try (Store store = Store.open(database)) {
             Load load = new Load(named, observer, store.writers(processors));
             try {
                 while (load.writers.remainingCapacity() > 0) {
@@ -121,8 +122,8 @@ public final class Load {
             }
         }
         Throwable failed = failure.get();
-        if (failed instanceof StoreException) {
-            throw (StoreException) failed;
+        if (failed instanceof RuntimeException) {
+            throw (RuntimeException) failed;
         } else if (failed != null) {
             throw new IllegalStateException(failed);
         }
@@ -134,7 +135,7 @@ public final class Load {
             HostReader reader = null;
             for (Path path = descriptions.next(); path != null && failure.get() == null; path = descriptions.next()) {
                 if (reader == null) {
-                    reader = isFirst ? new LibraryReader() : Isolation.reader();
+                    reader = isFirst ? new LibraryReader() : anotherReader();
                 }
                 load(path, reader, known);
                 synchronized (this) {
@@ -146,11 +147,20 @@ public final class Load {
         }
     }
 
+    private static HostReader anotherReader() {
+        try {
+            return Isolation.reader();
+        } catch (IOException | LinkageError failed) {
+            throw new IllegalStateException("the libraries cannot be copied to the temporary folder, or not run there: "
+                                            + failed.getMessage(), failed);
+        }
+    }
+
     private void load(Path path, HostReader reader, Store known) throws InterruptedException {
         try {
             DescriptionText description = new DescriptionText(path);
             String digest = description.digest();
-            if (!known.query("SELECT id FROM snapshot WHERE digest = ?", row -> row.getLong(1), digest).isEmpty()) {
+            if (known.finds("SELECT id FROM snapshot WHERE digest = ?", digest)) {
                 unchanged.incrementAndGet();
                 return;
             }
@@ -167,8 +177,10 @@ public final class Load {
             }
         } catch (IOException failed) {
             refuse(path.toString(), Reasons.of(failed));
-        } catch (IllegalArgumentException | IllegalStateException unusable) {
-            refuse(path.toString(), unusable.getMessage());
+        } catch (StoreException ended) {
+            throw ended;
+        } catch (RuntimeException unusable) { // whatever a host makes of those who ask it, the others can be asked
+            refuse(path.toString(), Objects.requireNonNullElse(unusable.getMessage(), unusable.toString()));
         } catch (OutOfMemoryError tooLarge) {
             refuse(path.toString(), "it is too large for the memory of this virtual machine");
         }

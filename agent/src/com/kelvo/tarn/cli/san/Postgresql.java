@@ -44,12 +44,7 @@ final class Postgresql extends Dialect {
     }
 
     @Override
-    boolean exists() {
-        return true;
-    }
-
-    @Override
-    Connection connect(boolean toWrite) throws SQLException {
+    Connection connect() throws SQLException {
         Properties properties = new Properties();
         properties.setProperty("ApplicationName", "tarn");
         properties.setProperty("connectTimeout", "10");
@@ -65,9 +60,7 @@ final class Postgresql extends Dialect {
         if (password != null) { // the driver reads ~/.pgpass itself
             properties.setProperty("password", password);
         }
-        Connection connection = DriverManager.getConnection(url, properties);
-        connection.setReadOnly(!toWrite);
-        return connection;
+        return DriverManager.getConnection(url, properties);
     }
 
     @Override

@@ -25,13 +25,10 @@ final class Schema {
         this.connection = connection;
     }
 
-    /** Refuses what is no store of this version; whoever writes makes it one, if it may be. */
-    void require(boolean toWrite) throws SQLException {
+    /** Makes it a store of this version; refuses what cannot be one. */
+    void require() throws SQLException {
         if (isCurrent()) {
             return;
-        }
-        if (!toWrite) {
-            throw refusal("it is of an earlier version, which the next san load brings up to date");
         }
         dialect.transaction(connection, writing -> {
             dialect.lockSchema(writing);

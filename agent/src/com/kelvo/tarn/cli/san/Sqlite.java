@@ -32,11 +32,6 @@ final class Sqlite extends Dialect {
         return file;
     }
 
-    @Override
-    boolean exists() {
-        return Files.exists(path());
-    }
-
     private Path path() {
         try {
             return Path.of(file).toAbsolutePath();
@@ -46,24 +41,19 @@ final class Sqlite extends Dialect {
     }
 
     @Override
-    Connection connect(boolean toWrite) throws SQLException {
+    Connection connect() throws SQLException {
         if (Files.isDirectory(path())) {
             throw new StoreException(file + ": it is a folder, no SQLite database", null);
         }
         Properties properties = new Properties();
         properties.setProperty("busy_timeout", PATIENCE);
         properties.setProperty("foreign_keys", "true");
-        if (!toWrite) {
-            properties.setProperty("open_mode", "1");
-        }
         // As a URI, in which a name may hold anything.
         Connection connection =
             DriverManager.getConnection("jdbc:sqlite:file:" + path().toUri().getRawPath(), properties);
         try {
-            if (toWrite) {
-                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
-                        "PRAGMA cache_size = -32768");
-            }
+            execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
+                    "PRAGMA cache_size = -32768");
             return connection;
         } catch (SQLException failed) {
             connection.close();
