@@ -53,6 +53,9 @@ class San(unittest.TestCase):
         found = model.check(model.Network(recordings), datetime.now(timezone.utc), timedelta(days=7))
         self.assertEqual({(each["code"], each["subject"], *sorted(each["hosts"])) for each in found},
                          {(each["code"], each["subject"], *sorted(each["hosts"])) for each in planted})
+        self.assertEqual(set(self.rows("SELECT remote_wwn, host FROM zoning_gap")),
+                         {(each["subject"], host) for each in found if each["code"] == "zoning-gap"
+                          for host in each["hosts"]})
 
 
 if __name__ == "__main__":
