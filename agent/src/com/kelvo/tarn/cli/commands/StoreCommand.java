@@ -7,7 +7,7 @@ import java.io.IOException;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
 
-/** A command that asks the store of the storage network, and no host. */
+/** A command that is about the store of the storage network, and no host. */
 abstract class StoreCommand extends TableCommand {
     @Option(names = "--db", paramLabel = "FILE|URL", description = "The store: a file of SQLite, or the URL of a "
             + "database of PostgreSQL, postgresql://SERVER/DATABASE. Without it, the one that the environment "

@@ -14,8 +14,11 @@ abstract class Dialect {
     /** What messages call the store; never with a password. */
     abstract String name();
 
-    /** Connects to it. */
-    abstract Connection connect() throws SQLException;
+    /** Whether there can be something to connect to; else it would be made. */
+    abstract boolean exists();
+
+    /** Connects to it; without being written to, it is seen as it is at one moment. */
+    abstract Connection connect(boolean isWritten) throws SQLException;
 
     /** The jar that connects to it. */
     abstract String driver();

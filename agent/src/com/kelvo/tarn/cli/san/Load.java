@@ -78,7 +78,7 @@ public final class Load {
      */
     public static Load into(String database, List<Path> named, int keep, Observer observer) {
         int processors = Runtime.getRuntime().availableProcessors();
-        try (Store store = Store.open(database)) {
+        try (Store store = Store.openToWrite(database)) {
             Load load = new Load(named, observer, store.writers(processors));
             try {
                 while (load.writers.remainingCapacity() > 0) {

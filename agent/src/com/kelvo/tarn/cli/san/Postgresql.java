@@ -44,7 +44,12 @@ final class Postgresql extends Dialect {
     }
 
     @Override
-    Connection connect() throws SQLException {
+    boolean exists() {
+        return true;
+    }
+
+    @Override
+    Connection connect(boolean isWritten) throws SQLException {
         Properties properties = new Properties();
         properties.setProperty("ApplicationName", "tarn");
         properties.setProperty("connectTimeout", "10");
@@ -60,7 +65,13 @@ final class Postgresql extends Dialect {
         if (password != null) { // the driver reads ~/.pgpass itself
             properties.setProperty("password", password);
         }
-        return DriverManager.getConnection(url, properties);
+        Connection connection = DriverManager.getConnection(url, properties);
+        if (!isWritten) {
+            connection.setReadOnly(true);
+            connection.setTransactionIsolation(Connection.TRANSACTION_REPEATABLE_READ);
+            connection.setAutoCommit(false);
+        }
+        return connection;
     }
 
     @Override

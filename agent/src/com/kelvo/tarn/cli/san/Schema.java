@@ -25,10 +25,14 @@ final class Schema {
         this.connection = connection;
     }
 
-    /** Makes it a store of this version; refuses what cannot be one. */
-    void require() throws SQLException {
+    /** Refuses what is no store of this version; what is to be written to is made one, if it can be. */
+    void require(boolean isWritten) throws SQLException {
         if (isCurrent()) {
             return;
+        }
+        if (!isWritten) {
+            throw refusal(version() == 0 ? "there is nothing in it; san load makes it a store"
+                                         : "it is of an earlier version, which the next san load brings up to date");
         }
         dialect.transaction(connection, writing -> {
             dialect.lockSchema(writing);

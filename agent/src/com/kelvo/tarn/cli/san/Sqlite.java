@@ -41,19 +41,31 @@ final class Sqlite extends Dialect {
     }
 
     @Override
-    Connection connect() throws SQLException {
+    boolean exists() {
+        return Files.exists(path());
+    }
+
+    @Override
+    Connection connect(boolean isWritten) throws SQLException {
         if (Files.isDirectory(path())) {
             throw new StoreException(file + ": it is a folder, no SQLite database", null);
         }
         Properties properties = new Properties();
         properties.setProperty("busy_timeout", PATIENCE);
         properties.setProperty("foreign_keys", "true");
+        if (!isWritten) {
+            properties.setProperty("open_mode", "1"); // for reading
+        }
         // As a URI, in which a name may hold anything.
         Connection connection =
             DriverManager.getConnection("jdbc:sqlite:file:" + path().toUri().getRawPath(), properties);
         try {
-            execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
-                    "PRAGMA cache_size = -32768");
+            execute(connection, "PRAGMA cache_size = -32768");
+            if (isWritten) {
+                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL");
+            } else {
+                execute(connection, "BEGIN");
+            }
             return connection;
         } catch (SQLException failed) {
             connection.close();

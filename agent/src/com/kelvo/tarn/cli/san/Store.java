@@ -4,40 +4,73 @@ import java.sql.Connection;
 import java.sql.PreparedStatement;
 import java.sql.ResultSet;
 import java.sql.SQLException;
+import java.util.ArrayList;
+import java.util.List;
 
 /**
  * The storage network as its hosts have told it: a database of SQLite or PostgreSQL. What goes wrong with it is a
  * {@link StoreException}.
  */
-final class Store implements AutoCloseable {
+public final class Store implements AutoCloseable {
+    /** Makes something of a row. */
+    @FunctionalInterface
+    public interface Row<R> {
+        /**
+         * {@return what it makes}
+         *
+         * @param row the result, standing at the row
+         * @throws SQLException as the driver does
+         */
+        R read(ResultSet row) throws SQLException;
+    }
+
     /** Works with the database. */
     @FunctionalInterface
     interface Work<R> {
         R on(Connection connection) throws SQLException;
     }
 
+    /** How many rows come at a time, where a server sends them. */
+    private static final int FETCHED = 10_000;
+
     private final Dialect dialect;
     private final Connection connection;
 
-    private Store(Dialect dialect) throws SQLException {
+    private final boolean isWritten;
+
+    private Store(Dialect dialect, boolean isWritten) throws SQLException {
         this.dialect = dialect;
-        connection = dialect.connect();
+        this.isWritten = isWritten;
+        connection = dialect.connect(isWritten);
         try {
-            new Schema(dialect, connection).require();
+            new Schema(dialect, connection).require(isWritten);
         } catch (SQLException | RuntimeException unusable) {
             connection.close();
             throw unusable;
         }
     }
 
-    /** The store of that name, its file or its URL; it is made where there is none. */
-    static Store open(String name) {
-        return connect(Dialect.of(name));
+    /**
+     * {@return a store that is asked, all of whose answers are of one moment}
+     *
+     * @param name its file, or its URL
+     */
+    public static Store open(String name) {
+        Dialect dialect = Dialect.of(name);
+        if (!dialect.exists()) {
+            throw new StoreException(dialect.name() + ": there is no such store; san load makes one", null);
+        }
+        return connect(dialect, false);
     }
 
-    private static Store connect(Dialect dialect) {
+    /** The store of that name, to write to; it is made where there is none. */
+    static Store openToWrite(String name) {
+        return connect(Dialect.of(name), true);
+    }
+
+    private static Store connect(Dialect dialect, boolean isWritten) {
         try {
-            return new Store(dialect);
+            return new Store(dialect, isWritten);
         } catch (SQLException failed) {
             throw dialect.failure(failed);
         }
@@ -45,7 +78,7 @@ final class Store implements AutoCloseable {
 
     /** Another connection to the same, for another thread. */
     Store again() {
-        return connect(dialect);
+        return connect(dialect, isWritten);
     }
 
     int writers(int processors) {
@@ -54,15 +87,32 @@ final class Store implements AutoCloseable {
 
     /** Whether a query finds anything, with these values for its question marks. */
     boolean finds(String sql, Object... values) {
+        return !query(sql, row -> true, values).isEmpty();
+    }
+
+    /**
+     * {@return what the rows of a query come to}
+     *
+     * @param <R> what each comes to
+     * @param sql a query in words that both systems know
+     * @param row makes something of each row
+     * @param values what its question marks stand for
+     */
+    public <R> List<R> query(String sql, Row<R> row, Object... values) {
         return work(database -> {
+            List<R> found = new ArrayList<>();
             try (PreparedStatement statement = database.prepareStatement(sql)) {
+                statement.setFetchSize(FETCHED);
                 for (int i = 0; i < values.length; i++) {
                     statement.setObject(i + 1, values[i]);
                 }
                 try (ResultSet rows = statement.executeQuery()) {
-                    return rows.next();
+                    while (rows.next()) {
+                        found.add(row.read(rows));
+                    }
                 }
             }
+            return found;
         });
     }
 
@@ -82,7 +132,9 @@ final class Store implements AutoCloseable {
 
     @Override
     public void close() {
-        dialect.leave(connection);
+        if (isWritten) {
+            dialect.leave(connection);
+        }
         try {
             connection.close();
         } catch (SQLException gone) {
