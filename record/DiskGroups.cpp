@@ -246,6 +246,25 @@ void Answers::add(Answers &&other) {
     addTo(label, other.label);
 }
 
+// Labels are large: an empty one is not copied over them, entry by entry.
+void Answers::clear() {
+    outcomes = {};
+    geometry.reset();
+    label.reset();
+    for (std::vector<unsigned char> &command : commands) {
+        command.clear();
+    }
+}
+
+void SeenEntry::clear() {
+    name = {};
+    link = {};
+    device.reset();
+    partition.reset();
+    isMounted = false;
+    answers.clear();
+}
+
 std::string_view diskNameOf(std::string_view entryName) {
     return takeApart(entryName).disk;
 }
