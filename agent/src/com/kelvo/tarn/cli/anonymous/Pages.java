@@ -1,0 +1,206 @@
+package com.kelvo.tarn.cli.anonymous;
+
+import java.nio.charset.StandardCharsets;
+import java.util.Arrays;
+import java.util.Map;
+import java.util.function.UnaryOperator;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+
+/** What the answers of SCSI devices become. Each byte of which nothing says what it is is replaced. */
+final class Pages {
+    private static final Pattern HEXADECIMAL = Pattern.compile("\\s*(?:[0-9A-Fa-f]{2}\\s*)*");
+    private static final Pattern NAME_STRING = Pattern.compile("(naa|eui)\\.([0-9A-Fa-f]+)(.*)", Pattern.DOTALL);
+
+    private static final int HEADER = 4; // of a page: what device, which page, and how many bytes follow
+
+    private final Words words;
+    private final Identifiers identifiers;
+    private final UnaryOperator<String> product;
+
+    /** With what a maker's text becomes. */
+    Pages(Words words, Identifiers identifiers, UnaryOperator<String> product) {
+        this.words = words;
+        this.identifiers = identifiers;
+        this.product = product;
+    }
+
+    /** {@return what stands for the bytes, in hexadecimal like them} */
+    String of(Kind kind, String hexadecimal) {
+        if (!HEXADECIMAL.matcher(hexadecimal).matches()) {
+            return words.each(hexadecimal);
+        }
+        byte[] page = bytes(hexadecimal);
+        replace(kind, page);
+        return text(page, hexadecimal);
+    }
+
+    /** {@return the bytes that a text in hexadecimal stands for; null when it is none} */
+    static byte[] bytesOrNull(String hexadecimal) {
+        return HEXADECIMAL.matcher(hexadecimal).matches() ? bytes(hexadecimal) : null;
+    }
+
+    private static byte[] bytes(String hexadecimal) {
+        String digits = hexadecimal.replaceAll("\\s", "");
+        byte[] bytes = new byte[digits.length() / 2];
+        for (int i = 0; i < bytes.length; i++) {
+            bytes[i] = (byte) Integer.parseInt(digits, 2 * i, 2 * i + 2, 16);
+        }
+        return bytes;
+    }
+
+    /** In hexadecimal, with blanks between them where the model has such. */
+    static String text(byte[] bytes, String model) {
+        String between = model.strip().matches("[0-9A-Fa-f]{2,}") ? "" : " ";
+        StringBuilder text = new StringBuilder();
+        for (byte each : bytes) {
+            text.append(text.length() == 0 ? "" : between).append(String.format("%02x", each));
+        }
+        return text.toString();
+    }
+
+    private void replace(Kind kind, byte[] page) {
+        switch (kind) {
+        case BITS:
+            break;
+        case INQUIRY:
+            // Vendor, product and revision; what the vendor likes, mostly serial numbers; versions of standards; again.
+            maker(page, 8, 36);
+            unknown(page, 36, 56);
+            unknown(page, 74, page.length);
+            break;
+        case INQUIRY_00:
+            unknown(page, end(page, 3), page.length);
+            break;
+        case INQUIRY_83:
+            designators(page, end(page, 2));
+            unknown(page, end(page, 2), page.length);
+            break;
+        case DIAGNOSTIC_A0:
+            // Eight bytes, then places of drives in numbers.
+            unknown(page, HEADER, HEADER + 8);
+            unknown(page, end(page, 2), page.length);
+            break;
+        case LOG_3B:
+            unknown(page, parameters(page, end(page, 2)), page.length);
+            break;
+        case INQUIRY_80:
+        case INQUIRY_C0:
+            unknown(page, HEADER, page.length);
+            break;
+        default:
+            unknown(page, 0, page.length);
+        }
+    }
+
+    /** Where a page ends whose length stands in the bytes from there to the end of its header. */
+    private static int end(byte[] page, int lengthAt) {
+        if (page.length < HEADER) {
+            return 0;
+        }
+        int length = 0;
+        for (int i = lengthAt; i < HEADER; i++) {
+            length = length << 8 | Byte.toUnsignedInt(page[i]);
+        }
+        return Math.min(HEADER + length, page.length);
+    }
+
+    private void maker(byte[] page, int start, int end) {
+        put(page, start, product.apply(text(page, start, Math.min(end, page.length))));
+    }
+
+    /** Run by run of what is not blank: text word by word, all else byte by byte. */
+    private void unknown(byte[] page, int start, int end) {
+        int limit = Math.min(end, page.length);
+        for (int from = start; from < limit;) {
+            int to = from;
+            boolean isText = true;
+            while (to < limit && page[to] != 0 && page[to] != ' ') {
+                isText = isText && page[to] > ' ' && page[to] < 0x7F;
+                to++;
+            }
+            if (isText) {
+                put(page, from, words.each(text(page, from, to)));
+            } else {
+                words.bytes(page, from, to);
+            }
+            from = to + 1;
+        }
+    }
+
+    private static String text(byte[] page, int start, int end) {
+        return start >= end ? "" : new String(page, start, end - start, StandardCharsets.ISO_8859_1);
+    }
+
+    private static void put(byte[] page, int at, String text) {
+        byte[] bytes = text.getBytes(StandardCharsets.ISO_8859_1);
+        System.arraycopy(bytes, 0, page, at, bytes.length);
+    }
+
+    /** Each has a header of four bytes: how it is written, what it is, and at last its length. */
+    private void designators(byte[] page, int end) {
+        int at = HEADER;
+        while (at + HEADER <= end && at + HEADER + Byte.toUnsignedInt(page[at + 3]) <= end) {
+            int start = at + HEADER;
+            int next = start + Byte.toUnsignedInt(page[at + 3]);
+            designator(page, page[at] & 15, page[at + 1] & 15, start, next);
+            at = next;
+        }
+        unknown(page, at, end);
+    }
+
+    private void designator(byte[] page, int writtenAs, int type, int start, int end) {
+        int length = end - start;
+        boolean isBinary = writtenAs == 1;
+        if (type == 1) {
+            maker(page, start, Math.min(start + 8, end));
+            unknown(page, start + 8, end);
+        } else if (type == 2 && isBinary && (length == 8 || length == 12 || length == 16)) {
+            identifier(page, start, end, identifiers::eui);
+        } else if (type == 3 && isBinary && (length == 8 || length == 16)) {
+            identifier(page, start, end, identifiers::naa);
+        } else if (type == 8) {
+            put(page, start, nameString(text(page, start, end)));
+        } else if (type < 4 || type > 6 || length != 4) { // those are numbers of ports and groups
+            unknown(page, start, end);
+        }
+    }
+
+    private void identifier(byte[] page, int start, int end, UnaryOperator<String> replaced) {
+        byte[] bytes = Arrays.copyOfRange(page, start, end);
+        System.arraycopy(bytes(replaced.apply(text(bytes, "00"))), 0, page, start, bytes.length);
+    }
+
+    private String nameString(String text) {
+        Matcher name = NAME_STRING.matcher(text);
+        int digits = name.matches() ? name.group(2).length() : 0;
+        return digits != 16 && digits != 32 ? words.each(text)
+            : name.group(1) + "." + (name.group(1).equals("naa") ? identifiers.naa(name.group(2))
+                                     : identifiers.eui(name.group(2))) + words.each(name.group(3));
+    }
+
+    /** What the parameters of an array's statistics hold beside numbers, by their codes. */
+    private static final Map<Integer, Boolean> TEXTS = Map.of(0x8100, true, 0x8200, false);
+    private static final int ERRORS_BY_INITIATOR = 0x8160;
+
+    /** Each has a header of four bytes: its code, one that controls it, and at last its length. Returns where they end. */
+    private int parameters(byte[] page, int end) {
+        int at = Math.min(HEADER, end);
+        while (at + HEADER <= end && at + HEADER + Byte.toUnsignedInt(page[at + 3]) <= end) {
+            int code = Byte.toUnsignedInt(page[at]) << 8 | Byte.toUnsignedInt(page[at + 1]);
+            int start = at + HEADER;
+            int next = start + Byte.toUnsignedInt(page[at + 3]);
+            boolean isDrive = (code & 0xF000) == 0xC000;
+            boolean isNumber = code == 0x0030 || code >= 0x8101 && code <= 0x8421;
+            int known = isDrive ? 36 : code == ERRORS_BY_INITIATOR ? 128 : isNumber ? 4 : 0;
+            Boolean isSerial = TEXTS.get(code);
+            if (Boolean.FALSE.equals(isSerial)) {
+                maker(page, start, next);
+            } else {
+                unknown(page, isSerial != null ? start : Math.min(start + known, next), next);
+            }
+            at = next;
+        }
+        return at;
+    }
+}
