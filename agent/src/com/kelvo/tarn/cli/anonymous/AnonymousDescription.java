@@ -208,7 +208,7 @@ public final class AnonymousDescription {
 
         /** Bytes in place of a text. */
         private String rawBytes(Kind kind, String hexadecimal) {
-            byte[] bytes = Pages.bytesOrNull(hexadecimal);
+            byte[] bytes = Pages.bytes(hexadecimal);
             return bytes == null ? replaced.apply(Kind.UNKNOWN, hexadecimal)
                 : Pages.text(Bytes.of(replaced.apply(kind, Bytes.text(bytes))), hexadecimal);
         }

@@ -1,14 +1,22 @@
 package com.kelvo.tarn.cli.anonymous;
 
 import java.math.BigInteger;
+import java.util.HashMap;
 import java.util.Locale;
+import java.util.Map;
+import java.util.function.UnaryOperator;
+import java.util.regex.Pattern;
 
 /**
  * Pseudonyms of world-wide names and other identifiers of the same authorities, in hexadecimal. Which kind it is and the
  * identifier of the company stay.
  */
 final class Identifiers {
+    private static final Pattern NONE = Pattern.compile("0+|[fF]+");
+    private static final int MOST_KNOWN = 200_000;
+
     private final Permutation permutation;
+    private final Map<String, String> known = new HashMap<>();
 
     Identifiers(Permutation permutation) {
         this.permutation = permutation;
@@ -20,9 +28,22 @@ final class Identifiers {
      * @param digits 16 of them
      */
     String worldWide(String digits) {
-        if (digits.matches("0+|(?i:f+)")) {
-            return digits; // none
+        return NONE.matcher(digits).matches() ? digits : remembered(digits, this::otherWorldWide);
+    }
+
+    private String remembered(String digits, UnaryOperator<String> replaced) {
+        if (known.size() >= MOST_KNOWN) {
+            known.clear();
         }
+        String found = known.get(digits);
+        if (found == null) {
+            found = replaced.apply(digits);
+            known.put(digits, found);
+        }
+        return found;
+    }
+
+    private String otherWorldWide(String digits) {
         switch (digits.charAt(0)) {
         case '1':
         case '2':
@@ -42,7 +63,7 @@ final class Identifiers {
     /** Another one that may be as long as a logical unit's, of the NAA form. */
     String naa(String digits) {
         return digits.length() == 16 ? worldWide(digits)
-            : withOthersBehind(digits.charAt(0) == '6' ? 7 : 1, digits);
+            : remembered(digits, all -> withOthersBehind(all.charAt(0) == '6' ? 7 : 1, all));
     }
 
     /** Another one of the EUI-64 form, which may be within a longer one. */

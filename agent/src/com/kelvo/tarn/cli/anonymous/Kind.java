@@ -12,7 +12,7 @@ enum Kind {
     HOST, USER, PASSWORD, SERIAL, WWN,
     /** Text of somebody's choice. */
     WORDS,
-    LABEL, DISK, SLICE, ENTRY, DEVICE, DRIVER, INSTANCE,
+    LABEL, DISK, SLICE, ENTRY, DEVICE, DRIVER, INSTANCE, ADAPTER,
     MOUNT_LINE, MOUNT_POINT, SPECIAL, FILE_SYSTEM_TYPE, OPTIONS,
     /** Bytes in hexadecimal, which are numbers. */
     BITS,

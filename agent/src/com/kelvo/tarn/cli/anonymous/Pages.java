@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.anonymous;
 
+import java.io.ByteArrayOutputStream;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 import java.util.Map;
@@ -9,7 +10,6 @@ import java.util.regex.Pattern;
 
 /** What the answers of SCSI devices become. Each byte of which nothing says what it is is replaced. */
 final class Pages {
-    private static final Pattern HEXADECIMAL = Pattern.compile("\\s*(?:[0-9A-Fa-f]{2}\\s*)*");
     private static final Pattern NAME_STRING = Pattern.compile("(naa|eui)\\.([0-9A-Fa-f]+)(.*)", Pattern.DOTALL);
 
     private static final int HEADER = 4; // of a page: what device, which page, and how many bytes follow
@@ -27,34 +27,37 @@ final class Pages {
 
     /** {@return what stands for the bytes, in hexadecimal like them} */
     String of(Kind kind, String hexadecimal) {
-        if (!HEXADECIMAL.matcher(hexadecimal).matches()) {
+        byte[] page = bytes(hexadecimal);
+        if (page == null) {
             return words.each(hexadecimal);
         }
-        byte[] page = bytes(hexadecimal);
         replace(kind, page);
         return text(page, hexadecimal);
     }
 
-    /** {@return the bytes that a text in hexadecimal stands for; null when it is none} */
-    static byte[] bytesOrNull(String hexadecimal) {
-        return HEXADECIMAL.matcher(hexadecimal).matches() ? bytes(hexadecimal) : null;
-    }
-
-    private static byte[] bytes(String hexadecimal) {
-        String digits = hexadecimal.replaceAll("\\s", "");
-        byte[] bytes = new byte[digits.length() / 2];
-        for (int i = 0; i < bytes.length; i++) {
-            bytes[i] = (byte) Integer.parseInt(digits, 2 * i, 2 * i + 2, 16);
+    /** {@return the bytes that a text in hexadecimal stands for, with blanks between them or without; null for another} */
+    static byte[] bytes(String hexadecimal) {
+        ByteArrayOutputStream bytes = new ByteArrayOutputStream(hexadecimal.length() / 2);
+        for (int i = 0; i < hexadecimal.length(); i++) {
+            if (hexadecimal.charAt(i) != ' ') {
+                int upper = Character.digit(hexadecimal.charAt(i), 16);
+                int lower = ++i < hexadecimal.length() ? Character.digit(hexadecimal.charAt(i), 16) : -1;
+                if (upper < 0 || lower < 0) {
+                    return null;
+                }
+                bytes.write(upper << 4 | lower);
+            }
         }
-        return bytes;
+        return bytes.toByteArray();
     }
 
     /** In hexadecimal, with blanks between them where the model has such. */
     static String text(byte[] bytes, String model) {
-        String between = model.strip().matches("[0-9A-Fa-f]{2,}") ? "" : " ";
-        StringBuilder text = new StringBuilder();
+        boolean isApart = model.length() == 0 || model.indexOf(' ') >= 0;
+        StringBuilder text = new StringBuilder(3 * bytes.length);
         for (byte each : bytes) {
-            text.append(text.length() == 0 ? "" : between).append(String.format("%02x", each));
+            text.append(isApart && text.length() > 0 ? " " : "").append(Character.forDigit(each >> 4 & 15, 16))
+                .append(Character.forDigit(each & 15, 16));
         }
         return text.toString();
     }
@@ -70,7 +73,7 @@ final class Pages {
             unknown(page, 74, page.length);
             break;
         case INQUIRY_00:
-            unknown(page, end(page, 3), page.length);
+            unknown(page, codes(page, end(page, 3)), page.length);
             break;
         case INQUIRY_83:
             designators(page, end(page, 2));
@@ -79,6 +82,7 @@ final class Pages {
         case DIAGNOSTIC_A0:
             // Eight bytes, then places of drives in numbers.
             unknown(page, HEADER, HEADER + 8);
+            places(page, end(page, 2));
             unknown(page, end(page, 2), page.length);
             break;
         case LOG_3B:
@@ -103,6 +107,24 @@ final class Pages {
             length = length << 8 | Byte.toUnsignedInt(page[i]);
         }
         return Math.min(HEADER + length, page.length);
+    }
+
+    /** Where the codes of the pages end that a device has, which ascend. */
+    private static int codes(byte[] page, int end) {
+        int at = Math.min(HEADER, end);
+        while (at < end && (at == HEADER || Byte.toUnsignedInt(page[at]) > Byte.toUnsignedInt(page[at - 1]))) {
+            at++;
+        }
+        return at;
+    }
+
+    /** Of drives: channel, which has five bits, identifier, tray and slot. What is none of such is unknown. */
+    private void places(byte[] page, int end) {
+        for (int at = HEADER + 8; at < end; at += 4) {
+            if ((page[at] & 0xE0) != 0) {
+                unknown(page, at, Math.min(at + 4, end));
+            }
+        }
     }
 
     private void maker(byte[] page, int start, int end) {
@@ -134,7 +156,9 @@ final class Pages {
 
     private static void put(byte[] page, int at, String text) {
         byte[] bytes = text.getBytes(StandardCharsets.ISO_8859_1);
-        System.arraycopy(bytes, 0, page, at, bytes.length);
+        for (int i = 0; i < bytes.length; i++) {
+            page[at + i] = bytes[i];
+        }
     }
 
     /** Each has a header of four bytes: how it is written, what it is, and at last its length. */

@@ -21,6 +21,7 @@ final class Pseudonyms {
 
     private static final Pattern TIME = Pattern.compile("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ");
     private static final Pattern SMALL_NUMBER = Pattern.compile("\\d{1,5}");
+    private static final Pattern NUMBER_ALONE = Pattern.compile("\\d+");
     private static final Pattern NUMBER = Pattern.compile("\\d{1,12}");
     private static final Pattern WWN = Pattern.compile("[0-9A-Fa-f]{16}");
     private static final Pattern WORD = Pattern.compile("[A-Za-z0-9]+");
@@ -41,6 +42,8 @@ final class Pseudonyms {
     private static final Pattern CRYPT_CHARACTER = Pattern.compile("[^$]");
     private static final String CRYPT_CHARACTERS = "./0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
+    private static final int LONGEST_FILE_NAME = 64;
+    private static final int LONGEST_ADDRESS = 64;
     private static final int SHORTEST_HOST_WORD = 3;
     private static final int SHORTEST_SERIAL_WORD = 5;
 
@@ -53,6 +56,7 @@ final class Pseudonyms {
     private final Set<String> disks = new HashSet<>();
     private final Set<String> slices = new HashSet<>(Set.of("s0", "s1", "s2", "s3", "s4", "s5", "s6", "s7"));
     private final Set<String> secrets = new HashSet<>();
+    private int longestSlice = 2;
     private String hostName;
     private String recordedAt;
 
@@ -65,7 +69,8 @@ final class Pseudonyms {
 
     /** {@return a name for the file of the result, which tells nothing that the result does not} */
     String fileName() {
-        return (hostName == null ? "host" : of(Kind.HOST, hostName).replaceAll("[^A-Za-z0-9._-]|^\\.", "_"))
+        String name = hostName == null ? "host" : of(Kind.HOST, hostName).replaceAll("[^A-Za-z0-9._-]|^\\.", "_");
+        return name.substring(0, Math.min(name.length(), LONGEST_FILE_NAME))
             + (recordedAt == null ? "" : "-" + recordedAt.replaceAll("[-:]", ""));
     }
 
@@ -80,6 +85,7 @@ final class Pseudonyms {
             break;
         case SLICE:
             slices.add(text);
+            longestSlice = Math.max(longestSlice, text.length());
             break;
         case HOST:
             hostName = text.isEmpty() ? hostName : text;
@@ -132,6 +138,8 @@ final class Pseudonyms {
             return driver(text);
         case INSTANCE:
             return Stream.of(text.split("(?<=[.,:])|(?=[.,:])")).map(this::instance).collect(Collectors.joining());
+        case ADAPTER:
+            return eachPart('-', text, this::instance);
         case MOUNT_LINE:
             return mountLine(text);
         case MOUNT_POINT:
@@ -141,7 +149,7 @@ final class Pseudonyms {
         case FILE_SYSTEM_TYPE:
             return words.whole(list("file-system-type"), text);
         case OPTIONS:
-            return eachPart(",", text, this::option);
+            return eachPart(',', text, this::option);
         default:
             return kind.isPage() ? pages.of(kind, text) : words.each(text);
         }
@@ -155,8 +163,14 @@ final class Pseudonyms {
         return isHarmless ? text : words.each(text);
     }
 
-    private static String eachPart(String between, String text, UnaryOperator<String> replaced) {
-        return Stream.of(text.split(Pattern.quote(between), -1)).map(replaced).collect(Collectors.joining(between));
+    private static String eachPart(char between, String text, UnaryOperator<String> replaced) {
+        StringBuilder parts = new StringBuilder(text.length());
+        int start = 0;
+        for (int end = text.indexOf(between); end >= 0; end = text.indexOf(between, start)) {
+            parts.append(replaced.apply(text.substring(start, end))).append(between);
+            start = end + 1;
+        }
+        return parts.append(replaced.apply(text.substring(start))).toString();
     }
 
     private static boolean isCall(String text) {
@@ -190,17 +204,21 @@ final class Pseudonyms {
         return label.matches() ? words.eachBut(list("label"), label.group(1)) + label.group(2) : words.each(text);
     }
 
+    private static boolean isAddress(String name) {
+        return name.length() <= LONGEST_ADDRESS && ADDRESS.matcher(name).matches();
+    }
+
     private String disk(String name) {
         Matcher byNames = FIBRE_CHANNEL_DISK.matcher(name);
         if (byNames.matches()) {
             String digits = byNames.group(2);
             String replaced = identifiers.naa(digits);
             // Disks are named in capitals, also those whose digits do not show it.
-            return byNames.group(1) + (digits.matches("\\d+") ? replaced.toUpperCase(Locale.ROOT) : replaced)
+            return byNames.group(1) + (NUMBER_ALONE.matcher(digits).matches() ? replaced.toUpperCase(Locale.ROOT) : replaced)
                 + byNames.group(3) + byNames.group(4);
         }
         Matcher pseudo = NUMBERED.matcher(name);
-        boolean stays = ADDRESS.matcher(name).matches()
+        boolean stays = isAddress(name)
             || pseudo.matches() && !pseudo.group(2).isEmpty() && list("pseudo").contains(pseudo.group(1));
         return staying(stays, name);
     }
@@ -211,7 +229,7 @@ final class Pseudonyms {
 
     /** A disk with a slice: one that the description has, or what looks like it. */
     private String entry(String name) {
-        for (int end = name.length(); end > 0; end--) {
+        for (int end = name.length(); end > 0 && end >= name.length() - longestSlice; end--) {
             if (slices.contains(name.substring(end)) && disks.contains(name.substring(0, end))) {
                 return disk(name.substring(0, end)) + slice(name.substring(end));
             }
@@ -233,7 +251,7 @@ final class Pseudonyms {
             isNode = isNode || part.contains("@");
             boolean isDisk = i > 0 && (parts[i - 1].equals("dsk") || parts[i - 1].equals("rdsk"));
             replaced.add(isNode ? node(part) : isDisk ? entry(part)
-                         : list("driver").contains(part) || ADDRESS.matcher(part).matches() ? part
+                         : list("driver").contains(part) || isAddress(part) ? part
                          : words.whole(list("path"), part));
             isNode = isNode || part.equals("devices");
         }
@@ -246,8 +264,8 @@ final class Pseudonyms {
         if (!node.matches()) {
             return words.each(part);
         }
-        String name = eachPart(",", node.group(1), word -> BUS_NUMBER.matcher(word).matches() ? word : driver(word));
-        String address = node.group(2) == null ? "" : "@" + eachPart(",", node.group(2).substring(1), this::address);
+        String name = eachPart(',', node.group(1), word -> BUS_NUMBER.matcher(word).matches() ? word : driver(word));
+        String address = node.group(2) == null ? "" : "@" + eachPart(',', node.group(2).substring(1), this::address);
         String minor = node.group(3) == null ? "" : node.group(3);
         return name + address + (MINOR_NODE.matcher(minor).matches() ? minor : words.eachBut(list("driver"), minor));
     }
@@ -269,10 +287,8 @@ final class Pseudonyms {
             return unit.group(1) + identifiers.naa(unit.group(2));
         }
         Matcher numbered = NUMBERED.matcher(text);
-        if (ADDRESS.matcher(text).matches() || !numbered.matches() || numbered.group(2).isEmpty()) {
-            return ADDRESS.matcher(text).matches() ? text : driver(text);
-        }
-        return driver(numbered.group(1)) + numbered.group(2) + numbered.group(3);
+        return isAddress(text) ? text : !numbered.matches() || numbered.group(2).isEmpty() ? driver(text)
+            : driver(numbered.group(1)) + numbered.group(2) + numbered.group(3);
     }
 
     private String mountLine(String line) {
@@ -287,7 +303,7 @@ final class Pseudonyms {
 
     /** Part by part: what is below another path stays below it. */
     private String path(String text) {
-        return eachPart("/", text, part -> words.whole(list("path"), part));
+        return eachPart('/', text, part -> words.whole(list("path"), part));
     }
 
     private String special(String text) {

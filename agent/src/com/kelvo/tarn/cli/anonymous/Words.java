@@ -22,9 +22,9 @@ final class Words {
 
     /** Ranges of characters that become each other. Bytes that are no UTF-8 stand in the lower half of surrogates. */
     private enum Alphabet {
-        DIGIT('0', '9'), LETTER('a', 'z'), TWO_BYTES(0x80, 0x7FF), THREE_BYTES(0x800, 0xD7FF), HIGH(0xD800, 0xDC7F),
-        LONE_BYTE(0xDC80, 0xDCFF), LOW(0xDD00, 0xDFFF), THREE_BYTES_MORE(0xE000, 0xFFFF), FOUR_BYTES(0x10000, 0x10FFFF),
-        BYTE(FIRST_BYTE, FIRST_BYTE + 0xFD);
+        DIGIT('0', '9'), LETTER('a', 'z'), SIGN(0x80, 0xBF), LATIN(0xC0, 0x17F), TWO_BYTES(0x180, 0x7FF),
+        THREE_BYTES(0x800, 0xD7FF), HIGH(0xD800, 0xDC7F), LONE_BYTE(0xDC80, 0xDCFF), LOW(0xDD00, 0xDFFF),
+        THREE_BYTES_MORE(0xE000, 0xFFFF), FOUR_BYTES(0x10000, 0x10FFFF), BYTE(FIRST_BYTE, FIRST_BYTE + 0xFD);
 
         private final int first;
         private final int last;
@@ -106,6 +106,10 @@ final class Words {
     /** As a number whose digits are the characters' places in their alphabets. */
     private void replacePart(int[] characters, int start, int length, int[] into) {
         StringBuilder form = new StringBuilder("word");
+        for (int i = Math.max(0, start - PART); i < start; i++) { // else a part would show where it comes again
+            form.appendCodePoint(lower(characters[i]) % FIRST_BYTE);
+        }
+        form.append('\0').append(start).append(' ');
         BigInteger number = BigInteger.ZERO;
         BigInteger limit = BigInteger.ONE;
         Alphabet[] alphabets = new Alphabet[length];

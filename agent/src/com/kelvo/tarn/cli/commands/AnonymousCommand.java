@@ -8,6 +8,7 @@ import java.io.File;
 import java.io.IOException;
 import java.io.PrintWriter;
 import java.nio.file.AccessDeniedException;
+import java.nio.file.FileSystemException;
 import java.nio.file.Files;
 import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
@@ -94,7 +95,10 @@ public final class AnonymousCommand implements Callable<Integer> {
         Map<Path, File> made = new LinkedHashMap<>();
         boolean isNew = !Files.exists(folder);
         try {
-            Files.createDirectories(unfinished);
+            if (isNew) {
+                Files.createDirectory(folder);
+            }
+            Files.createDirectory(unfinished);
             for (File file : files) {
                 AnonymousDescription description = read(file, opened);
                 Path name = unused(unfinished, description.fileName(), description.isCompressed() ? ".json.gz" : ".json");
@@ -107,15 +111,14 @@ public final class AnonymousCommand implements Callable<Integer> {
                 Files.move(each.getKey(), named, StandardCopyOption.ATOMIC_MOVE);
                 out.println(each.getValue() + ": " + named);
             }
-        } catch (AccessDeniedException | NoSuchFileException refused) {
-            throw new IOException("'" + folder + "' cannot be written to", refused);
+        } catch (FileSystemException refused) {
+            throw new IOException("'" + folder + "' cannot be written to"
+                                  + (refused.getReason() == null ? "" : ": " + refused.getReason()), refused);
         } finally {
-            for (Path left : made.keySet()) {
-                Files.deleteIfExists(left);
-            }
-            Files.deleteIfExists(unfinished);
-            if (isNew && folder.toFile().list() != null && folder.toFile().list().length == 0) {
-                Files.delete(folder);
+            made.keySet().forEach(left -> left.toFile().delete());
+            unfinished.toFile().delete();
+            if (isNew) {
+                folder.toFile().delete(); // only when it is empty
             }
         }
     }

@@ -152,7 +152,7 @@ public final class RecordCommand implements Callable<Integer> {
         synchronized (started) {
             Process recorder = started.get();
             if (recorder != null) {
-                recorder.destroy();
+                recorder.toHandle().destroy(); // what it still has to say can be read
             }
         }
         if (anonymous != null) {
