@@ -8,8 +8,8 @@ import java.util.function.UnaryOperator;
 import java.util.regex.Pattern;
 
 /**
- * Pseudonyms of world-wide names and other identifiers of the same authorities, in hexadecimal. Which kind it is and the
- * identifier of the company stay.
+ * Pseudonyms of world-wide names and other identifiers of the same authorities, in hexadecimal. Which kind it is and
+ * the identifier of the company stay.
  */
 final class Identifiers {
     private static final Pattern NONE = Pattern.compile("0+|[fF]+");
@@ -86,7 +86,7 @@ final class Identifiers {
         BigInteger value = new BigInteger(number, 16);
         return value.signum() == 0 ? number
             : text(permutation.of("number " + company.toLowerCase(Locale.ROOT), value.subtract(BigInteger.ONE),
-                                  BigInteger.ONE.shiftLeft(12).subtract(BigInteger.ONE)).add(BigInteger.ONE), 3, digits);
+                                  BigInteger.valueOf(0xFFF)).add(BigInteger.ONE), 3, digits);
     }
 
     private String other(String domain, String part, String digits) {

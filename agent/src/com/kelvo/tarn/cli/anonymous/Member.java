@@ -50,7 +50,8 @@ final class Member {
             }
             String[] parts = row.split(" {2,}", 2);
             Member member = parts.length == 1 ? new Member(Kind.UNKNOWN)
-                : parts[1].startsWith("=") ? alike(description, parts[1].substring(1)) : new Member(Kind.named(parts[1]));
+                : parts[1].startsWith("=") ? alike(description, parts[1].substring(1))
+                : new Member(Kind.named(parts[1]));
             around.peek().add(parts[0], member);
             around.push(member);
         }

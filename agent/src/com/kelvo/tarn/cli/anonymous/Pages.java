@@ -35,7 +35,7 @@ final class Pages {
         return text(page, hexadecimal);
     }
 
-    /** {@return the bytes that a text in hexadecimal stands for, with blanks between them or without; null for another} */
+    /** {@return the bytes that a text in hexadecimal stands for, which may have blanks between them; else null} */
     static byte[] bytes(String hexadecimal) {
         ByteArrayOutputStream bytes = new ByteArrayOutputStream(hexadecimal.length() / 2);
         for (int i = 0; i < hexadecimal.length(); i++) {
@@ -207,7 +207,7 @@ final class Pages {
     private static final Map<Integer, Boolean> TEXTS = Map.of(0x8100, true, 0x8200, false);
     private static final int ERRORS_BY_INITIATOR = 0x8160;
 
-    /** Each has a header of four bytes: its code, one that controls it, and at last its length. Returns where they end. */
+    /** Each has a header of four bytes: its code, one that controls it, and its length. {@return where they end} */
     private int parameters(byte[] page, int end) {
         int at = Math.min(HEADER, end);
         while (at + HEADER <= end && at + HEADER + Byte.toUnsignedInt(page[at + 3]) <= end) {

@@ -214,7 +214,8 @@ final class Pseudonyms {
             String digits = byNames.group(2);
             String replaced = identifiers.naa(digits);
             // Disks are named in capitals, also those whose digits do not show it.
-            return byNames.group(1) + (NUMBER_ALONE.matcher(digits).matches() ? replaced.toUpperCase(Locale.ROOT) : replaced)
+            boolean hasNoLetters = NUMBER_ALONE.matcher(digits).matches();
+            return byNames.group(1) + (hasNoLetters ? replaced.toUpperCase(Locale.ROOT) : replaced)
                 + byNames.group(3) + byNames.group(4);
         }
         Matcher pseudo = NUMBERED.matcher(name);

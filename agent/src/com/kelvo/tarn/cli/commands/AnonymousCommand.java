@@ -53,9 +53,9 @@ public final class AnonymousCommand implements Callable<Integer> {
     private List<File> files;
 
     @Option(names = "--output", paramLabel = "FILE", description = "Make or replace this file, in one step, compressed "
-            + "where its name ends in .gz. For several descriptions, or when it is a folder: make a file in it for each, "
-            + "called by the host's pseudonym and the time of the recording, and print their names. Without it, print "
-            + "the result.")
+            + "where its name ends in .gz. For several descriptions, or when it is a folder: make a file in it for "
+            + "each, called by the host's pseudonym and the time of the recording, and print their names. Without it, "
+            + "print the result.")
     private File output;
 
     @Override
@@ -101,7 +101,8 @@ public final class AnonymousCommand implements Callable<Integer> {
             Files.createDirectory(unfinished);
             for (File file : files) {
                 AnonymousDescription description = read(file, opened);
-                Path name = unused(unfinished, description.fileName(), description.isCompressed() ? ".json.gz" : ".json");
+                Path name = unused(unfinished, description.fileName(),
+                                   description.isCompressed() ? ".json.gz" : ".json");
                 OutputFile.write(name.toString(), out -> description.writeTo(out, description.isCompressed()));
                 made.put(name, file);
             }

@@ -57,8 +57,8 @@ public final class RecordCommand implements Callable<Integer> {
     private boolean quiet;
 
     @Option(names = "--anonymous", paramLabel = "KEYFILE", description = "Replace what is not known to be harmless by "
-            + "pseudonyms, which follow from this file's bytes, as the command anonymous does. What the host tells itself "
-            + "is on no disk then.")
+            + "pseudonyms, which follow from this file's bytes, as the command anonymous does. What the host itself "
+            + "tells is on no disk then.")
     private File anonymous;
 
     @Option(names = "--array", arity = "4", paramLabel = "CONTROLLER1 CONTROLLER2 VENDOR PRODUCT",
@@ -114,7 +114,7 @@ public final class RecordCommand implements Callable<Integer> {
         return recorder;
     }
 
-    /** Lets the recorder write into a pipe. What it could not finish is written as far as it goes, as it does itself. */
+    /** Lets the recorder write into a pipe. What it could not finish is written as far as it goes. */
     private int recordAnonymously(Key key) throws IOException, InterruptedException {
         if (output != null && Files.exists(Path.of(output), LinkOption.NOFOLLOW_LINKS)) {
             throw new IOException("'" + output + "' cannot be written: there is a file of that name");
