@@ -1,11 +1,13 @@
 """Holds descriptions with pseudonyms to their originals: python3 tests/record/anonymous.py TARN BUILD CLASS-PATH"""
 
+import contextlib
 import gzip
 import json
 import os
 import random
 import re
 import signal
+import sqlite3
 import stat
 import subprocess
 import sys
@@ -16,10 +18,16 @@ from pathlib import Path
 import hosts
 import run
 
-sys.path += [str(hosts.ROOT / "tests"), str(hosts.ROOT / "tests/cli")]
+sys.path += [str(hosts.ROOT / "tests"), str(hosts.ROOT / "tests/cli"), str(hosts.ROOT / "tests/san")]
+import network
 import questions
 import verdict
 
+# What hangs together across hosts.
+ABOUT_NETWORK = [
+    "SELECT identity, host, paths, adapters, fabrics, switches, array_ports FROM unit_redundancy JOIN unit ON id = unit_id",
+    "SELECT identity, hosts FROM shared_unit", "SELECT * FROM array_port",
+    "SELECT host, fabric, remote_wwn FROM zoning_gap", "SELECT severity, code, subject FROM finding"]
 RILL, PULLED = (json.loads((hosts.ROOT / f"hosts/{name}.json").read_text()) for name in ("rill", "rill-cable-pulled"))
 WORD = re.compile(r"[^\W_]+")
 # Members whose texts tell of hardware, software and numbers; all others' are somebody's own.
@@ -31,6 +39,7 @@ HARMLESS = {
 TABLES = hosts.ROOT / "agent/resources/com/kelvo/tarn/cli/anonymous"
 KNOWN = {word.lower() for table in ("words.txt", "members.txt") for line in (TABLES / table).read_text().splitlines()
          if line[:1] != "#" for word in WORD.findall(line)}
+PAGES = ("INQUIRY", "RECEIVE DIAGNOSTIC", "LOG SENSE")
 MARK = "Zanzibar7"
 # What stands in for each text: the mark as it is, and in what has the form of something.
 HEX = MARK.encode().hex(" ")
@@ -59,11 +68,11 @@ def texts(value):
     """The same with what the bytes of pages and other hexadecimal say, each identifier of theirs as its digits."""
     for name, text in leaves(value):
         yield name, text
-        if re.fullmatch(r"([0-9a-fA-F]{2} ?)+", text) and (" " in text or name in ("hex", "scsi")):
+        if (name == "hex" or name.startswith(PAGES)) and re.fullmatch(r"([0-9a-fA-F]{2} ?)+", text):
             data = bytes.fromhex(text)
             yield name, data.decode("latin-1")
             at = 4
-            while text.startswith("00 83") and at + 4 <= len(data):
+            while data[:2] == b"\0\x83" and at + 4 <= len(data):
                 yield name, data[at + 4:at + 4 + data[at + 3]].hex()
                 at += 4 + data[at + 3]
 
@@ -221,21 +230,45 @@ class Anonymous(unittest.TestCase):
             self.assertNotIn(MARK.lower()[:-1], told.lower().replace(" ", ""), form)
             self.assertNotIn(MARK.encode().hex(), re.sub(r"\s", "", text.lower()), form)
 
-    def test_a_key_joins_hosts_and_another_does_not(self):
-        brook = json.dumps(RILL).replace("rill", "brook").replace("e08b", "e0aa").replace("001b32", "001b33")
-        brook = json.loads(brook)
-        other = key(self.folder, "other", bytes(range(100, 200)))
-        first, second = (json.loads(text) for text in self.anonymous(RILL, brook))
-        both = Renaming((RILL, first), (brook, second)).known
-        apart = Renaming((RILL, json.loads(self.anonymous(RILL, with_key=other)[0]))).known
-        changed = [word for word in both if len(word) > 5 and word not in both[word]]
-        self.assertGreater(len(changed), 40)
-        self.assertEqual([word for word in both if len(word) > 5 and len(both[word] - {word}) > 1], [])
-        self.assertEqual(len(set().union(*(both[word] for word in changed))), len(changed))  # no two are one
-        self.assertEqual([word for word in changed if word in apart and apart[word] & both[word]], [])
+    def test_names_in_unusual_places_are_gone_and_joined(self):
+        page = {"INQUIRY": "000005021f000002" + b"SUN     SE6920          0201".hex(), "INQUIRY 00": "00000001 83",
+                "INQUIRY 83": "0083000c 010200086000000000c0ffee"}
+        host = {**RILL, "hba": {"adapters": [{"name": "LP-200000e08bc0ffee-1", "attributes": {
+                    "Model": "Rill-1", "DriverVersion": "RILL 2"}}]},
+                "mnttab": ["/dev/md/s12/dsk/d10\t/a\tufs\trw\t1", "/dev/vx/dsk/c12/v1\t/b\tvxfs\trw,addr=12.1\t1"],
+                "disks": [{"name": "c9t6000000000C0FFEEd0", "scsi": page, "path": "/scsi_vhci/ssd@g6000000000c0ffee"}]}
+        text = self.anonymous(host)[0]
+        for gone in ("c0ffee", "/s12/", "/c12/", "rill", "12.1"):
+            self.assertNotIn(gone, text.lower())
+        made = json.loads(text)["disks"][0]
+        self.assertEqual({made["path"][-16:], made["name"][3:-2].lower()}, {made["scsi"]["INQUIRY 83"].replace(" ", "")[16:]})
+
+    def test_a_key_joins_the_hosts_of_a_network_and_another_does_not(self):
+        planted = network.Network(network.HEALTHY + network.FAULTS)
+        names, originals = zip(("rill.json", RILL), *(
+            (name, each) for name, each in planted.descriptions() if name.endswith(".json")))
+        made = [json.loads(text) for text in self.anonymous(*originals)]
+        joined = Renaming(*zip(originals, made))
+        changed = [word for word in joined.known if len(word) > 5 and word not in joined.known[word]]
+        self.assertGreater(len(changed), 150)
+        self.assertEqual([word for word, found in joined.known.items() if len(word) > 5 and len(found - {word}) > 1], [])
+        self.assertEqual(len(set().union(*(joined.known[word] for word in changed))), len(changed))  # no two are one
         for word, company in (("50060e8000c3a2b1", "0060e8"), ("60060e8004c3a2000000c3a200000100", "0060e8"),
                               ("100000606950a1c4", "006069")):
-            self.assertIn(company, next(iter(both[word]))[1:10])
+            self.assertIn(company, next(iter(joined.known[word]))[1:10])
+        other = key(self.folder, "other", bytes(range(100, 200)))
+        apart = Renaming((RILL, json.loads(self.anonymous(RILL, with_key=other)[0]))).known
+        self.assertEqual([word for word in changed if apart.get(word, set()) & joined.known[word]], [])
+        stores = []
+        for side, descriptions in enumerate((originals, made)):
+            store, folder = str(Path(self.folder, f"{side}.db")), Path(tempfile.mkdtemp(dir=self.folder))
+            for name, each in zip(names, descriptions):
+                write(folder, name, each)
+            self.tarn("san", "load", "--db", store, folder)
+            with contextlib.closing(sqlite3.connect(store)) as opened:
+                stores.append([[list(row) for row in opened.execute(asked)] for asked in ABOUT_NETWORK])
+        for asked, was, now in zip(ABOUT_NETWORK, *stores):
+            self.assertTrue(was and joined.relates(was, now), (asked, was, now))
 
     def test_files_go_where_they_are_wanted(self):
         plain = write(self.folder, "rill.json", RILL)
@@ -245,7 +278,10 @@ class Anonymous(unittest.TestCase):
         self.tarn("anonymous", self.key, plain, "--output", single)
         self.assertEqual(gzip.decompress(single.read_bytes()), shown)
         self.assertEqual(self.tarn("anonymous", self.key, "-", input=Path(plain).read_bytes()).stdout, shown)
-        self.tarn("anonymous", self.key, plain, packed, plain, "--output", out)
+        refused = [write(self.folder, "cut", b"{"), str(Path(self.folder, "none"))]
+        done = self.tarn("anonymous", self.key, plain, *refused, packed, plain, "--output", out, status=1)
+        self.assertEqual(done.stderr.decode().splitlines(), [
+            f"tarn: {refused[0]}: not JSON: it ends too early", f"tarn: {refused[1]}: there is no such file"])
         host = json.loads(shown)["uname"]["nodename"]
         self.assertEqual(sorted(path.name for path in out.iterdir()), [
             f"{host}-20051212T092341Z-2.json", f"{host}-20051212T092341Z.json", f"{host}-20051212T102341Z.json.gz"])
@@ -279,8 +315,8 @@ class Anonymous(unittest.TestCase):
                 ("key latin.json", "latin.json: not JSON: it is not UTF-8"),
                 ("key deep.json", "deep.json: no description of a host: it has more than 32 levels of brackets"),
                 ("key more.json", "more.json: not JSON: "), ("key no.gz", "no.gz: what gzip made of it is damaged"),
-                ("key a.json cut.json --output new", "cut.json: not JSON: "),
-                ("key a.json a.json --output a.json", "'a.json' cannot be written to"),
+                ("key a.json --output key", "'key' is the key"),
+                ("key a.json a.json --output a.json", "'a.json' cannot be a folder"),
                 ("key a.json --output no/where", "'no/where' cannot be written: there is no such directory"),
                 ("key a.json a.json", "--output names a folder for several descriptions"),
                 ("key a.json --json", "A description is JSON as it is; --host, --json, --csv and device names")):

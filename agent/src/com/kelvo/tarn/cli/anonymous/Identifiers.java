@@ -53,7 +53,6 @@ final class Identifiers {
         case '3':
             return withOthersBehind(1, digits);
         case '5':
-        case '6':
             return withOthersBehind(7, digits);
         default:
             return withOthersBehind(6, digits); // the company comes first
@@ -66,10 +65,13 @@ final class Identifiers {
             : remembered(digits, all -> withOthersBehind(all.charAt(0) == '6' ? 7 : 1, all));
     }
 
-    /** Another one of the EUI-64 form, which may be within a longer one. */
+    /**
+     * Another one of the EUI-64 form, which may be within a longer one. One of 16 digits is as a world-wide name: the
+     * name of a disk does not tell them apart.
+     */
     String eui(String digits) {
         if (digits.length() != 32) {
-            return withOthersBehind(6, digits);
+            return digits.length() == 16 ? worldWide(digits) : withOthersBehind(6, digits);
         }
         String company = digits.substring(16, 22);
         String replaced = other("eui " + company, digits.substring(0, 16) + digits.substring(22), digits);

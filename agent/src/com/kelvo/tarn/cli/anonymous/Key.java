@@ -1,13 +1,13 @@
 package com.kelvo.tarn.cli.anonymous;
 
+import com.kelvo.tarn.cli.output.Reasons;
 import java.io.IOException;
 import java.io.InputStream;
-import java.nio.file.AccessDeniedException;
+import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
 import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
-import java.nio.file.attribute.PosixFileAttributeView;
 import java.nio.file.attribute.PosixFilePermission;
 import java.util.EnumSet;
 import java.util.Set;
@@ -38,12 +38,11 @@ public final class Key {
     public static Key read(String file) throws IOException {
         try {
             Path path = Path.of(file);
-            PosixFileAttributeView rights = Files.getFileAttributeView(path, PosixFileAttributeView.class);
             if (Files.isDirectory(path)) {
                 throw new IOException("it is a directory");
             }
             Set<PosixFilePermission> granted = EnumSet.copyOf(OF_OTHERS);
-            granted.retainAll(rights == null ? Set.of() : rights.readAttributes().permissions());
+            granted.retainAll(Files.getPosixFilePermissions(path));
             if (!granted.isEmpty()) {
                 throw new IOException("others may read or write it (chmod 600 makes it the owner's)");
             }
@@ -53,27 +52,18 @@ public final class Key {
             }
             String flaw = bytes.length < LEAST ? "it is shorter than " + LEAST + " bytes"
                 : bytes.length > MOST ? "it is longer than " + MOST + " bytes"
-                : different(bytes) < LEAST_DIFFERENT ? "its bytes are not random" : null;
+                : new String(bytes, StandardCharsets.ISO_8859_1).chars().distinct().count() < LEAST_DIFFERENT
+                ? "its bytes are not random" : null;
             if (flaw != null) {
                 throw new IOException(flaw);
             }
             return new Key(bytes);
+        } catch (NoSuchFileException missing) {
+            throw new IOException("'" + file + "' cannot be the key: there is no such file (32 bytes of /dev/urandom "
+                                  + "make one)", missing);
         } catch (IOException | InvalidPathException unusable) {
-            throw new IOException("'" + file + "' cannot be the key: "
-                                  + (unusable instanceof NoSuchFileException ? "there is no such file"
-                                     : unusable instanceof AccessDeniedException ? "permission denied"
-                                     : unusable.getMessage()), unusable);
+            throw new IOException("'" + file + "' cannot be the key: " + Reasons.of(unusable), unusable);
         }
-    }
-
-    private static int different(byte[] bytes) {
-        boolean[] seen = new boolean[256];
-        int count = 0;
-        for (byte each : bytes) {
-            count += seen[Byte.toUnsignedInt(each)] ? 0 : 1;
-            seen[Byte.toUnsignedInt(each)] = true;
-        }
-        return count;
     }
 
     /** {@return its pseudonyms, for one description} */

@@ -3,7 +3,6 @@ package com.kelvo.tarn.cli.anonymous;
 import java.io.ByteArrayOutputStream;
 import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
-import java.util.Map;
 import java.util.function.UnaryOperator;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
@@ -177,8 +176,7 @@ final class Pages {
         int length = end - start;
         boolean isBinary = writtenAs == 1;
         if (type == 1) {
-            maker(page, start, Math.min(start + 8, end));
-            unknown(page, start + 8, end);
+            unknown(page, start + 8, end); // behind the vendor, whose names are registered
         } else if (type == 2 && isBinary && (length == 8 || length == 12 || length == 16)) {
             identifier(page, start, end, identifiers::eui);
         } else if (type == 3 && isBinary && (length == 8 || length == 16)) {
@@ -203,8 +201,7 @@ final class Pages {
                                      : identifiers.eui(name.group(2))) + words.each(name.group(3));
     }
 
-    /** What the parameters of an array's statistics hold beside numbers, by their codes. */
-    private static final Map<Integer, Boolean> TEXTS = Map.of(0x8100, true, 0x8200, false);
+    private static final int DRIVER_VERSION = 0x8200;
     private static final int ERRORS_BY_INITIATOR = 0x8160;
 
     /** Each has a header of four bytes: its code, one that controls it, and its length. {@return where they end} */
@@ -213,18 +210,19 @@ final class Pages {
         while (at + HEADER <= end && at + HEADER + Byte.toUnsignedInt(page[at + 3]) <= end) {
             int code = Byte.toUnsignedInt(page[at]) << 8 | Byte.toUnsignedInt(page[at + 1]);
             int start = at + HEADER;
-            int next = start + Byte.toUnsignedInt(page[at + 3]);
-            boolean isDrive = (code & 0xF000) == 0xC000;
-            boolean isNumber = code == 0x0030 || code >= 0x8101 && code <= 0x8421;
-            int known = isDrive ? 36 : code == ERRORS_BY_INITIATOR ? 128 : isNumber ? 4 : 0;
-            Boolean isSerial = TEXTS.get(code);
-            if (Boolean.FALSE.equals(isSerial)) {
-                maker(page, start, next);
+            at = start + Byte.toUnsignedInt(page[at + 3]);
+            if (code == DRIVER_VERSION) {
+                maker(page, start, at);
             } else {
-                unknown(page, isSerial != null ? start : Math.min(start + known, next), next);
+                unknown(page, Math.min(start + bytesOfNumbers(code), at), at);
             }
-            at = next;
         }
         return at;
+    }
+
+    private static int bytesOfNumbers(int code) {
+        boolean isDrive = (code & 0xF000) == 0xC000;
+        boolean isCounter = code == 0x0030 || code >= 0x8101 && code <= 0x8421;
+        return isDrive ? 36 : code == ERRORS_BY_INITIATOR ? 128 : isCounter ? 4 : 0;
     }
 }

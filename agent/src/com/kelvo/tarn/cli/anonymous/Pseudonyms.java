@@ -26,14 +26,15 @@ final class Pseudonyms {
     private static final Pattern WWN = Pattern.compile("[0-9A-Fa-f]{16}");
     private static final Pattern WORD = Pattern.compile("[A-Za-z0-9]+");
     /** Names that number and do not name. */
-    private static final Pattern ADDRESS = Pattern.compile("(?:[a-z]\\d{1,5})+");
+    private static final Pattern ADDRESS =
+        Pattern.compile("(?:c\\d{1,5})?(?:t\\d{1,5})?(?:d\\d{1,5})?(?:[sp]\\d{1,2})?");
     private static final Pattern SLICE = Pattern.compile("|[a-z]|[a-z]?\\d{1,2}");
     private static final Pattern SLICE_AT_END = Pattern.compile("[sp]\\d{1,2}$");
     private static final Pattern FIBRE_CHANNEL_DISK =
         Pattern.compile("(c\\d{1,5}t)([0-9A-Fa-f]{16}|[0-9A-Fa-f]{32})(d\\d{1,5})(|[sp]\\d{1,2})");
-    private static final Pattern NUMBERED = Pattern.compile("(.*?)(\\d{0,5})(|[a-z])", Pattern.DOTALL);
+    private static final Pattern NUMBERED = Pattern.compile("([^0-9]*)(\\d{0,5})(|[a-z])");
     private static final Pattern NODE = Pattern.compile("([^@:]*)(@[^:]*)?(:.*)?", Pattern.DOTALL);
-    private static final Pattern UNIT_NAME = Pattern.compile("([wgt])([0-9A-Fa-f]{16}|[0-9A-Fa-f]{32})");
+    private static final Pattern UNIT_NAME = Pattern.compile("([wgt]?)([0-9A-Fa-f]{16}|[0-9A-Fa-f]{32})");
     private static final Pattern UNIT_NUMBER = Pattern.compile("[0-9a-f]{1,8}|[0-9a-f]{4}0{12}");
     private static final Pattern BUS_NUMBER = Pattern.compile("(?:pci|pciex|pciclass)?\\d[0-9a-f]{0,3}");
     private static final Pattern MINOR_NODE = Pattern.compile(":[a-z]{1,2}(,raw)?");
@@ -43,7 +44,6 @@ final class Pseudonyms {
     private static final String CRYPT_CHARACTERS = "./0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
     private static final int LONGEST_FILE_NAME = 64;
-    private static final int LONGEST_ADDRESS = 64;
     private static final int SHORTEST_HOST_WORD = 3;
     private static final int SHORTEST_SERIAL_WORD = 5;
 
@@ -102,7 +102,7 @@ final class Pseudonyms {
 
     private void learnSecrets(String text, int shortest) {
         WORD.matcher(text).results().map(found -> found.group()).filter(word -> word.length() >= shortest)
-            .forEach(secrets::add);
+            .forEach(word -> secrets.add(word.toLowerCase(Locale.ROOT)));
     }
 
     /** {@return what stands for the text, of the same form and length} */
@@ -182,7 +182,7 @@ final class Pseudonyms {
 
     private String product(String text) {
         return WORD.matcher(text).replaceAll(
-            found -> secrets.contains(found.group()) ? words.each(found.group()) : found.group());
+            found -> staying(!secrets.contains(found.group().toLowerCase(Locale.ROOT)), found.group()));
     }
 
     /** Nothing leads back to a hash: its characters follow from it, but it does not follow from them. */
@@ -204,10 +204,6 @@ final class Pseudonyms {
         return label.matches() ? words.eachBut(list("label"), label.group(1)) + label.group(2) : words.each(text);
     }
 
-    private static boolean isAddress(String name) {
-        return name.length() <= LONGEST_ADDRESS && ADDRESS.matcher(name).matches();
-    }
-
     private String disk(String name) {
         Matcher byNames = FIBRE_CHANNEL_DISK.matcher(name);
         if (byNames.matches()) {
@@ -219,7 +215,7 @@ final class Pseudonyms {
                 + byNames.group(3) + byNames.group(4);
         }
         Matcher pseudo = NUMBERED.matcher(name);
-        boolean stays = isAddress(name)
+        boolean stays = ADDRESS.matcher(name).matches()
             || pseudo.matches() && !pseudo.group(2).isEmpty() && list("pseudo").contains(pseudo.group(1));
         return staying(stays, name);
     }
@@ -250,10 +246,10 @@ final class Pseudonyms {
         for (int i = 0; i < parts.length; i++) {
             String part = parts[i];
             isNode = isNode || part.contains("@");
-            boolean isDisk = i > 0 && (parts[i - 1].equals("dsk") || parts[i - 1].equals("rdsk"));
+            String above = i > 0 ? parts[i - 1] : "";
+            boolean isDisk = i == parts.length - 1 && List.of("dsk", "rdsk", "cfg").contains(above);
             replaced.add(isNode ? node(part) : isDisk ? entry(part)
-                         : list("driver").contains(part) || isAddress(part) ? part
-                         : words.whole(list("path"), part));
+                         : list("driver").contains(part) ? part : words.whole(list("path"), part));
             isNode = isNode || part.equals("devices");
         }
         return String.join("/", replaced);
@@ -273,8 +269,8 @@ final class Pseudonyms {
 
     private String address(String part) {
         Matcher unit = UNIT_NAME.matcher(part);
-        return unit.matches() ? unit.group(1) + identifiers.naa(unit.group(2))
-            : staying(UNIT_NUMBER.matcher(part).matches(), part);
+        return UNIT_NUMBER.matcher(part).matches() ? part
+            : unit.matches() ? unit.group(1) + identifiers.naa(unit.group(2)) : words.each(part);
     }
 
     private String driver(String name) {
@@ -288,7 +284,8 @@ final class Pseudonyms {
             return unit.group(1) + identifiers.naa(unit.group(2));
         }
         Matcher numbered = NUMBERED.matcher(text);
-        return isAddress(text) ? text : !numbered.matches() || numbered.group(2).isEmpty() ? driver(text)
+        return ADDRESS.matcher(text).matches() ? text
+            : !numbered.matches() || numbered.group(2).isEmpty() ? driver(text)
             : driver(numbered.group(1)) + numbered.group(2) + numbered.group(3);
     }
 

@@ -4,18 +4,16 @@ import com.kelvo.tarn.cli.anonymous.AnonymousDescription;
 import com.kelvo.tarn.cli.anonymous.Key;
 import com.kelvo.tarn.cli.frame.TarnOptions;
 import com.kelvo.tarn.cli.output.OutputFile;
+import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.Reasons;
 import java.io.File;
 import java.io.IOException;
-import java.io.PrintWriter;
-import java.nio.file.AccessDeniedException;
-import java.nio.file.FileSystemException;
 import java.nio.file.Files;
-import java.nio.file.NoSuchFileException;
+import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
-import java.nio.file.StandardCopyOption;
-import java.util.LinkedHashMap;
+import java.util.HashSet;
 import java.util.List;
-import java.util.Map;
+import java.util.Set;
 import java.util.concurrent.Callable;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
@@ -30,8 +28,8 @@ import picocli.CommandLine.Spec;
          + "serial numbers and all else that is not known to be harmless.",
          footer = "A name has the same pseudonym in all descriptions with the same key, of the same form and length; "
              + "without the key nothing leads back. Numbers, models and firmware stay, and so does what "
-             + "check finds. Exit status: 0 done, 2 bad usage, an unreadable description, or a result that cannot be "
-             + "written; then nothing is made.")
+             + "check finds. Exit status: 0 done; 1 some of several descriptions cannot be used, each told in "
+             + "a line; 2 bad usage, a single description that cannot be used, or a result that cannot be written.")
 public final class AnonymousCommand implements Callable<Integer> {
     private static final long MOST = 1 << 30;
     private static final int FILE_TYPE = 0170000;
@@ -69,10 +67,12 @@ public final class AnonymousCommand implements Callable<Integer> {
         try {
             Key opened = Key.read(key.getPath());
             if (output != null && (files.size() > 1 || output.isDirectory())) {
-                fill(output.toPath(), opened);
-                return 0;
+                return fill(output.toPath(), opened);
             }
             AnonymousDescription description = read(files.get(0), opened);
+            if (output != null && output.exists() && Files.isSameFile(output.toPath(), key.toPath())) {
+                throw new IOException("'" + output + "' is the key");
+            }
             if (output == null) {
                 description.writeTo(spec.commandLine().getOut());
             } else {
@@ -89,47 +89,33 @@ public final class AnonymousCommand implements Callable<Integer> {
         return new ParameterException(spec.commandLine(), message);
     }
 
-    /** Makes all files, or none: they get their names when the last is whole. */
-    private void fill(Path folder, Key opened) throws IOException {
-        Path unfinished = folder.resolve(".tarn." + ProcessHandle.current().pid() + ".tmp");
-        Map<Path, File> made = new LinkedHashMap<>();
-        boolean isNew = !Files.exists(folder);
-        try {
-            if (isNew) {
-                Files.createDirectory(folder);
+    /** Makes a file of each description that can be used, and tells of the others why they cannot. */
+    private int fill(Path folder, Key opened) throws IOException {
+        Set<Path> made = new HashSet<>();
+        int status = 0;
+        for (File file : files) {
+            AnonymousDescription description;
+            try {
+                description = read(file, opened);
+            } catch (IOException unusable) {
+                Page.complain(spec.commandLine().getErr(), unusable.getMessage());
+                status = 1;
+                continue;
             }
-            Files.createDirectory(unfinished);
-            for (File file : files) {
-                AnonymousDescription description = read(file, opened);
-                Path name = unused(unfinished, description.fileName(),
-                                   description.isCompressed() ? ".json.gz" : ".json");
-                OutputFile.write(name.toString(), out -> description.writeTo(out, description.isCompressed()));
-                made.put(name, file);
+            try {
+                Files.createDirectories(folder);
+            } catch (IOException refused) {
+                throw new IOException("'" + folder + "' cannot be a folder", refused);
             }
-            PrintWriter out = spec.commandLine().getOut();
-            for (Map.Entry<Path, File> each : made.entrySet()) {
-                Path named = folder.resolve(each.getKey().getFileName());
-                Files.move(each.getKey(), named, StandardCopyOption.ATOMIC_MOVE);
-                out.println(each.getValue() + ": " + named);
+            String ending = description.isCompressed() ? ".json.gz" : ".json";
+            Path path = folder.resolve(description.fileName() + ending);
+            for (int number = 2; !made.add(path); number++) {
+                path = folder.resolve(description.fileName() + "-" + number + ending);
             }
-        } catch (FileSystemException refused) {
-            throw new IOException("'" + folder + "' cannot be written to"
-                                  + (refused.getReason() == null ? "" : ": " + refused.getReason()), refused);
-        } finally {
-            made.keySet().forEach(left -> left.toFile().delete());
-            unfinished.toFile().delete();
-            if (isNew) {
-                folder.toFile().delete(); // only when it is empty
-            }
+            OutputFile.write(path.toString(), out -> description.writeTo(out, description.isCompressed()));
+            spec.commandLine().getOut().println(file + ": " + path);
         }
-    }
-
-    private static Path unused(Path folder, String name, String ending) {
-        Path path = folder.resolve(name + ending);
-        for (int number = 2; Files.exists(path); number++) {
-            path = folder.resolve(name + "-" + number + ending);
-        }
-        return path;
+        return status;
     }
 
     private static AnonymousDescription read(File file, Key opened) throws IOException {
@@ -142,10 +128,8 @@ public final class AnonymousCommand implements Callable<Integer> {
                 bytes = Files.readAllBytes(file.toPath());
             }
             return new AnonymousDescription(bytes, opened);
-        } catch (IOException unusable) {
-            throw new IOException(file + ": " + (unusable instanceof NoSuchFileException ? "there is no such file"
-                                                 : unusable instanceof AccessDeniedException ? "permission denied"
-                                                 : unusable.getMessage()), unusable);
+        } catch (IOException | InvalidPathException unusable) {
+            throw new IOException(file + ": " + Reasons.of(unusable), unusable);
         }
     }
 
