@@ -4,9 +4,9 @@
 #include <condition_variable>
 #include <csignal>
 #include <deque>
-#include <iterator>
 #include <memory>
 #include <mutex>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <unordered_map>
@@ -59,9 +59,9 @@ public:
         return question;
     }
 
-    /// Waits until all are answered, or the time is over for each. What they tell, by then.
-    std::vector<std::optional<MountSizes>> await(const std::vector<QuestionPointer> &asked,
-                                                 std::chrono::milliseconds limit) {
+    /// Waits until all are answered, or the time is over for each. The mounts, in that order, get what is told.
+    void await(const std::vector<QuestionPointer> &asked, std::chrono::milliseconds limit,
+               std::vector<InventoryMount> &mounts) {
         const Clock::time_point end = Clock::now() + limit;
         std::unique_lock lock(mutex);
         const auto isSettled = [&](const QuestionPointer &question) {
@@ -77,10 +77,10 @@ public:
                 open.erase(question->mountPoint); // nobody has come to it, or waits for it
             }
         }
-        std::vector<std::optional<MountSizes>> sizes;
-        std::ranges::transform(asked, std::back_inserter(sizes),
-                               [](const QuestionPointer &question) { return question->sizes; });
-        return sizes;
+        for (std::size_t i = 0; i < mounts.size(); ++i) {
+            mounts[i].isAnswered = asked[i]->isAnswered;
+            mounts[i].sizes = asked[i]->sizes;
+        }
     }
 
 private:
@@ -126,30 +126,40 @@ private:
     std::size_t threads = 0;
 };
 
+/// Each entry of the mount table whose kind passes.
+template <class Passes, class Take>
+void forEachMount(const Passes &passes, const Take &take) {
+    MountTable table;
+    if (!table.isOpen()) {
+        throw InventoryError(std::string("Unable to open mount table file: ") + mountTablePath);
+    }
+    while (const mnttab *const entry = table.nextOf(passes)) {
+        take(*entry);
+    }
+}
+
 } // namespace
 
 std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit) {
     static const auto questions = std::make_shared<Questions>();
     std::vector<InventoryMount> mounts;
     std::vector<QuestionPointer> asked;
-    {
-        MountTable table;
-        if (!table.isOpen()) {
-            throw InventoryError(std::string("Unable to open mount table file: ") + mountTablePath);
-        }
-        while (const mnttab *const entry = table.nextOf(isOfInventory)) {
-            mounts.push_back({entry->mnt_mountp, entry->mnt_special, entry->mnt_fstype, {}});
-        }
-    }
+    forEachMount(isOfInventory, [&](const mnttab &entry) {
+        mounts.push_back({entry.mnt_mountp, entry.mnt_special, entry.mnt_fstype, false, {}});
+    });
     asked.reserve(mounts.size());
     for (const InventoryMount &mount : mounts) {
         asked.push_back(questions->ask(mount.mountPoint));
     }
-    const std::vector<std::optional<MountSizes>> sizes = questions->await(asked, limit);
-    for (std::size_t i = 0; i < mounts.size(); ++i) {
-        mounts[i].sizes = sizes[i];
-    }
+    questions->await(asked, limit, mounts);
     return mounts;
+}
+
+std::vector<std::string> readOtherKinds() {
+    std::vector<std::string> kinds;
+    const auto isOther = [](std::string_view kind) { return !isOfLogicalDisk(kind) && !isOfInventory(kind); };
+    forEachMount(isOther, [&](const mnttab &entry) { kinds.emplace_back(entry.mnt_fstype); });
+    return kinds;
 }
 
 } // namespace tarn

@@ -19,7 +19,8 @@ struct InventoryMount {
     std::string mountPoint;
     std::string device;
     std::string fileSystemType;
-    std::optional<MountSizes> sizes; // where they were told in time
+    bool isAnswered;                 // in time, whatever the answer is
+    std::optional<MountSizes> sizes; // where they were told
 };
 
 /// The mounts of the inventory's kinds, in the table's order, asked at once for their sizes. One that does not answer
@@ -28,5 +29,8 @@ struct InventoryMount {
 std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit);
 
 inline constexpr std::size_t mostThreads = 64;
+
+/// The kind of each mount that neither the agent's calls tell of nor readMounts, in the table's order. Throws likewise.
+std::vector<std::string> readOtherKinds();
 
 } // namespace tarn

@@ -144,16 +144,17 @@ class CommandLine(unittest.TestCase):
 
     def test_paths_and_check_follow_from_the_single_commands(self):
         seen, asked, volumes = set(), [], []
-        own = "hba --keep-os-device-name"
+        own, everywhere = "hba --keep-os-device-name", "logical-disks --all"
         for seed in range(1, 1 + RANDOM_HOSTS):
             host, was = (questions.random_host(random.Random(each)) for each in (seed, 1000 + seed))
             paths = [write_host(each) for each in (host, was)]
-            mounts = dict.fromkeys(line.split("\t")[1] for line in host.get("mnttab", []))
+            mounts = dict.fromkeys(mount for kind in ("ufs", "vxfs") for _, mount, *of in (
+                line.split("\t") for line in host.get("mnttab", [])) if of[0] == kind)  # the agent's own come first
             volumes.append({disk["name"]: "naa." + disk["scsi"]["INQUIRY 83"][16:] for disk in host["disks"]
                             if "scsi" in disk})
             check = f"check --baseline {paths[1]}"
             asked += [(check, mounts, *([f"--host {path} --json {command}" for command in commands] for path, commands in
-                                        zip(paths, ([*questions.SECTIONS, "paths", own, check] +
+                                        zip(paths, ([*questions.SECTIONS, "paths", own, check, everywhere] +
                                                     [f"logical-disks {mount}" for mount in mounts],
                                                     ["disks", "hba", "paths"]))))]
         documents = {line: json.loads(document) for line, document in
@@ -167,7 +168,7 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(findings, questions.check(now, told, before), seed)
             self.assertEqual(found["state"], findings[0][0].upper() if findings else "OK", seed)
             self.assertEqual(now["paths"]["result"], questions.paths(
-                *(now[command]["result"] for command in ("hba", own, "disks", "logical-disks")), volumes[seed - 1]), seed)
+                *(now[command]["result"] for command in ("hba", own, "disks", everywhere)), volumes[seed - 1]), seed)
         self.assertEqual(set(questions.CODES) - {code for _, code, _ in seen}, set())
 
     def assert_close(self, shown, expected, place):
@@ -249,6 +250,15 @@ class CommandLine(unittest.TestCase):
                             for host in (f"<(cat {ROOT}/hosts/rill.json)", f"{ROOT}/hosts/rill.json"))
             self.assertEqual((piped.returncode, piped.stdout, piped.stderr), (0, plain.stdout, plain.stderr))
             self.assertIn(b"c1t0d0", piped.stdout)
+
+    def test_a_machine_without_the_inventory(self):
+        folder = Path(tempfile.mkdtemp(dir=SCRATCH))
+        os.symlink(ROOT / "build/release/libtarnsolaris.so", folder / "libtarnsolaris.so")
+        done = subprocess.run(["java", f"-Djava.library.path={folder}", "-cp", sys.argv[2], "com.kelvo.tarn.cli.Tarn",
+                               "--host", ROOT / "tests/hosts/mounts.json", "logical-disks", "--sizes"],
+                              capture_output=True, text=True, timeout=120)
+        self.assertEqual((done.returncode, done.stdout.split()[8:11]), (0, ["/", "ufs", "1000.0"]))
+        self.assertRegex(done.stderr, "^warn: the inventory cannot be asked: no tarninventory in [^\n]*\n$")
 
     def test_the_cookbook(self):
         recipes = re.findall(r"```console\n(.*?)```", (ROOT / "docs/cookbook.md").read_text(), re.S)

@@ -212,6 +212,18 @@ class Serve(unittest.TestCase):
                 return
         self.fail(str(told))
 
+    def test_a_mount_that_hangs(self):
+        served = Served(self, "--fresh", "1", "--timeout", "2", host=ROOT / "tests/hosts/mounts.json")
+        full = 'tarn_filesystem_bytes{mountpoint="/export/home",device="pool/home",fstype="zfs",kind="available"}'
+        for _ in range(3):
+            metrics = served.metrics()
+            self.assertEqual((metrics['tarn_section_up{section="logical-disks"}'], metrics[full]), ("1", "0"))
+            self.assertFalse([name for name in metrics if "/var/mail" in name])
+            findings = json.loads(served.get("/check")[2])["findings"]
+            self.assertIn(("/var/mail", "it gave no sizes within 1 second"),
+                          [(finding["subject"], finding["message"]) for finding in findings])
+            time.sleep(1.1)
+
     def test_bad_usage(self):
         served = Served(self)
         for options, complaint in (

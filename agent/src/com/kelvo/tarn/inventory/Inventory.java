@@ -40,7 +40,8 @@ public final class Inventory {
      * The mounts of the kinds zfs and vxfs, with their sizes. They are asked at once, and one that does not answer
      * costs its own row's sizes; it is not asked again before it has answered.
      *
-     * @param limit how long each has to tell its sizes, in milliseconds and at most an hour
+     * @param limit how long each has to tell its sizes, in milliseconds and at most an hour; with none,
+     *     they are listed and not asked
      * @return an unmodifiable list, in the mount table's order
      * @throws IllegalArgumentException when the limit is negative
      * @throws RuntimeException when the mount table cannot be opened
@@ -51,6 +52,17 @@ public final class Inventory {
         }
         Duration most = Duration.ofHours(1);
         return List.of(readMounts((limit.compareTo(most) < 0 ? limit : most).toMillis()));
+    }
+
+    /**
+     * The kinds of the mounts of which neither {@link #mounts()} tells nor the agent, such as "proc" and "tmpfs": one
+     * for each such mount.
+     *
+     * @return an unmodifiable list, in the mount table's order
+     * @throws RuntimeException when the mount table cannot be opened
+     */
+    public static List<String> otherKinds() {
+        return List.of(readOtherKinds());
     }
 
     /**
@@ -66,4 +78,6 @@ public final class Inventory {
     private static native Identity[] readIdentities();
 
     private static native Mount[] readMounts(long milliseconds);
+
+    private static native String[] readOtherKinds();
 }

@@ -5,8 +5,8 @@ import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
+import java.time.Duration;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.HashSet;
@@ -34,8 +34,8 @@ public final class Asked {
 
     /** Whether a description answered. */
     final boolean isDescribed;
-    /** Those that were asked for by their mount points, each once. */
-    public final List<SolarisLogicalDisk> sizedFileSystems;
+    /** Those that answered with their sizes or without, one of each mount point. */
+    public final List<FileSystem> sizedFileSystems;
     /** All of them. */
     public final List<SolarisProcessorData> processors;
     /** The counters of each disk. */
@@ -47,8 +47,8 @@ public final class Asked {
     final Disks disks;
     /** By mount point: how it is used; null when the system does not tell. */
     public final Map<String, FileSystemUse> fileSystems;
-    /** By mount point: why it could not be asked. */
-    final Map<String, String> unreadable;
+    /** By mount point: why it could not be asked, or how long it has been waited for. */
+    final Map<String, Object> unreadable;
     /** Null: no array was asked about. */
     final ArrayReport array;
     /** By the command that makes it: what a call raised. */
@@ -87,7 +87,8 @@ public final class Asked {
         warnings.clear();
         recordedAt = library.recordedAt();
         isDescribed = library.isDescribed();
-        FileSystems mounted = questions.ask("logical-disks", () -> new FileSystems(library), new FileSystems());
+        FileSystems mounted = questions.ask("logical-disks", () -> new FileSystems(library, asking.mountLimit()),
+                                           new FileSystems());
         fileSystems = mounted.uses;
         unreadable = mounted.unreadable;
         sizedFileSystems = mounted.sized;
@@ -163,31 +164,42 @@ public final class Asked {
         }
     }
 
-    /** Each mount point is asked once by name, too: only that tells the sizes. */
+    /** Those of the agent's kinds are asked once by name, too: only that tells the sizes. */
     private static final class FileSystems {
-        private final List<SolarisLogicalDisk> listed;
-        private final List<SolarisLogicalDisk> sized = new ArrayList<>();
+        private final List<FileSystem> listed;
+        private final List<FileSystem> sized = new ArrayList<>();
         private final Map<String, FileSystemUse> uses = new LinkedHashMap<>();
-        private final Map<String, String> unreadable = new LinkedHashMap<>();
+        private final Map<String, Object> unreadable = new LinkedHashMap<>();
 
         /** None. */
         FileSystems() {
             listed = List.of();
         }
 
-        FileSystems(Library library) {
-            listed = library.logicalDisks();
-            listed.stream().map(SolarisLogicalDisk::mountPoint).distinct().forEach(mountPoint -> {
+        FileSystems(Library library, Duration mountLimit) {
+            listed = new ArrayList<>(library.logicalDisks());
+            listed.stream().map(each -> each.mountPoint).distinct().forEach(mountPoint -> {
                 try {
-                    SolarisLogicalDisk disk = library.logicalDisk(mountPoint);
-                    FileSystemUse use = new FileSystemUse(disk);
-                    sized.add(disk);
-                    uses.put(mountPoint, use.isKnown() ? use : null);
+                    add(library.logicalDisk(mountPoint));
                 } catch (RuntimeException refused) {
                     uses.put(mountPoint, null);
                     unreadable.put(mountPoint, refused.getMessage());
                 }
             });
+            for (FileSystem mount : library.mounts(mountLimit)) {
+                listed.add(mount);
+                if (!uses.containsKey(mount.mountPoint)) { // the sizes are those of what is mounted over the other
+                    add(mount);
+                }
+            }
+        }
+
+        private void add(FileSystem disk) {
+            sized.add(disk);
+            uses.put(disk.mountPoint, disk.isSized() ? new FileSystemUse(disk) : null);
+            if (disk.silence != null) {
+                unreadable.put(disk.mountPoint, disk.silence);
+            }
         }
     }
 

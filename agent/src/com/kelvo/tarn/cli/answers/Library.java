@@ -16,7 +16,6 @@ import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisCom
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
 import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
 import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
@@ -24,11 +23,14 @@ import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformati
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import com.kelvo.tarn.replay.ReplayHost;
 import java.io.File;
+import java.time.Duration;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.function.Consumer;
 import java.util.function.Supplier;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /** The one door to the native calls. The log lines are named after the disk that they are about. */
 public final class Library {
@@ -38,6 +40,8 @@ public final class Library {
     private boolean isDescribed;
     /** Lets the host that was loaded last answer the inventory, a library of its own; null once it does. */
     private Runnable pending;
+    /** Why the inventory is not there, when it was first asked; null when it is. */
+    private String missing;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -106,28 +110,52 @@ public final class Library {
         return host.getOperatingSystem();
     }
 
-    /** {@return the mounted file systems, without their sizes} */
-    public List<SolarisLogicalDisk> logicalDisks() {
-        return host.enumerateLogicalDiskNames();
+    /** {@return the mounted file systems of the agent's kinds, ufs and nfs, without their sizes} */
+    public List<FileSystem> logicalDisks() {
+        return host.enumerateLogicalDiskNames().stream().map(FileSystem::new).collect(Collectors.toList());
     }
 
     /**
-     * {@return the file system that is mounted there, with its sizes}
+     * {@return the file system of the agent's kinds that is mounted there, with its sizes}
      *
      * @param mountPoint where
      */
-    public SolarisLogicalDisk logicalDisk(String mountPoint) {
-        return host.getLogicalDiskByName(mountPoint);
+    public FileSystem logicalDisk(String mountPoint) {
+        return new FileSystem(host.getLogicalDiskByName(mountPoint));
     }
 
     /**
-     * {@return the same disk with its sizes; as it is when it was unmounted since}
+     * {@return the mounted file systems of the kinds that the inventory adds, zfs and vxfs, with their sizes}
+     *
+     * @param limit how long each has to tell them; with none, they are listed and not asked
+     */
+    public List<FileSystem> mounts(Duration limit) {
+        return ofInventory(() -> Inventory.mounts(limit)).stream().map(mount -> new FileSystem(mount, limit))
+            .collect(Collectors.toList());
+    }
+
+    /** {@return the kind of each mount that is of none of these kinds} */
+    public List<String> otherKinds() {
+        return ofInventory(Inventory::otherKinds);
+    }
+
+    /** The mounted file systems of all these kinds, without their sizes. */
+    List<FileSystem> fileSystems() {
+        return Stream.concat(logicalDisks().stream(), mounts(Duration.ZERO).stream()).collect(Collectors.toList());
+    }
+
+    /**
+     * {@return the same file system with its sizes; as it is when it was unmounted since}
      *
      * @param disk one without
      */
-    public SolarisLogicalDisk withSizes(SolarisLogicalDisk disk) {
+    public FileSystem withSizes(FileSystem disk) {
+        if (disk.isOfInventory()) {
+            return mounts(Inventory.MOUNT_LIMIT).stream().filter(each -> each.mountPoint.equals(disk.mountPoint))
+                .findFirst().orElse(disk);
+        }
         try {
-            return logicalDisk(disk.mountPoint());
+            return logicalDisk(disk.mountPoint);
         } catch (RuntimeException gone) {
             return disk;
         }
@@ -242,7 +270,7 @@ public final class Library {
      */
     public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent, List<Identity> identities) {
         Disks disks = new Disks(orNone("disks", () -> log.unheard(this::disks)), List.of(), List.of(),
-                                orNone("logical-disks", () -> log.unheard(this::logicalDisks)), identities);
+                                orNone("logical-disks", () -> log.unheard(this::fileSystems)), identities);
         return new Fabric(disks, adapters, ownNames ? adapters : log.unheard(() -> hba(true, false, false)),
                           asAgent);
     }
@@ -293,6 +321,22 @@ public final class Library {
     public Sampler sampler() {
         tellInventory();
         return Inventory.sampler();
+    }
+
+    /** What the inventory lists. Where it cannot be asked, that is a line in the log; no mount table is none. */
+    private <T> List<T> ofInventory(Supplier<List<T>> question) {
+        try {
+            tellInventory();
+            return question.get();
+        } catch (LinkageError absent) {
+            missing = missing == null ? absent.getMessage() : missing; // later ones say only that there was a first
+            log.warn("the inventory cannot be asked: " + missing);
+        } catch (IllegalArgumentException unreadable) {
+            log.warn("the inventory cannot be asked: " + unreadable.getMessage());
+        } catch (RuntimeException untold) {
+            // as the agent has it where there is no mount table
+        }
+        return List.of();
     }
 
     /** To be called before the inventory is asked. */

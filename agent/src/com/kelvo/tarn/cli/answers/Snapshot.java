@@ -159,12 +159,12 @@ public final class Snapshot {
     private void addFileSystems(Asked asked, Map<String, Map<String, Object>> found) {
         asked.disks.mounted.forEach(disk -> {
             Map<String, Object> values = new LinkedHashMap<>();
-            values.put("device", disk.device());
-            values.put("fileSystemType", disk.fileSystemType());
-            FileSystemUse use = asked.fileSystems.get(disk.mountPoint());
+            values.put("device", disk.device);
+            values.put("fileSystemType", disk.fileSystemType);
+            FileSystemUse use = asked.fileSystems.get(disk.mountPoint);
             values.put("totalBytes", use == null ? null : use.total().longValue());
-            usage.put(disk.mountPoint(), use == null ? null : use.usedPercent());
-            add(found, "file system " + disk.mountPoint(), values);
+            usage.put(disk.mountPoint, use == null ? null : use.usedPercent());
+            add(found, "file system " + disk.mountPoint, values);
         });
     }
 
