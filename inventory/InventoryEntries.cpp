@@ -4,6 +4,7 @@
 
 #include "common/jni/ClassProxy.h"
 #include "common/jni/EntryPoint.h"
+#include "common/jni/JniString.h"
 #include "common/system/Hexadecimal.h"
 #include "inventory/Activity.h"
 #include "inventory/Identities.h"
@@ -75,9 +76,10 @@ jobjectArray makeIdentities(JNIEnv *env) {
     });
 }
 
-jobjectArray makeMounts(JNIEnv *env, std::chrono::milliseconds limit) {
+jobjectArray makeMounts(JNIEnv *env, jstring mountPoint, std::chrono::milliseconds limit) {
     const Mount made(env);
-    return makeArray(made, readMounts(limit), [&](const InventoryMount &mount) {
+    const JniString wanted(env, mountPoint);
+    return makeArray(made, readMounts(limit, wanted.utf8()), [&](const InventoryMount &mount) {
         const auto size = [&](std::uint64_t MountSizes::*of) { return mount.sizes ? bytes(*mount.sizes.*of) : -1; };
         // More than any file system has are blocks overdrawn from a reserve.
         const bool isOverdrawn = mount.sizes && mount.sizes->available > std::numeric_limits<jlong>::max();
@@ -156,8 +158,10 @@ TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory
 }
 
 TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory_readMounts(JNIEnv *env, jclass,
+                                                                                            jstring mountPoint,
                                                                                             jlong milliseconds) {
-    return tarn::runInventoryEntry(env, [&] { return tarn::makeMounts(env, std::chrono::milliseconds(milliseconds)); });
+    return tarn::runInventoryEntry(
+        env, [&] { return tarn::makeMounts(env, mountPoint, std::chrono::milliseconds(milliseconds)); });
 }
 
 TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory_readOtherKinds(JNIEnv *env, jclass) {

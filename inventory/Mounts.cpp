@@ -67,16 +67,21 @@ public:
         const auto isSettled = [&](const QuestionPointer &question) {
             return question->isAnswered || (question->begun && Clock::now() - *question->begun >= limit);
         };
-        const auto areSettled = [&] { return std::ranges::all_of(asked, isSettled); };
+        auto firstOpen = asked.begin(); // what is settled stays so, and is looked at once
+        const auto areSettled = [&] {
+            firstOpen = std::find_if_not(firstOpen, asked.end(), isSettled);
+            return firstOpen == asked.end();
+        };
         while (!areSettled() && Clock::now() < end) {
             startThreads();
             changed.wait_until(lock, std::min(end, Clock::now() + stuckAfter), areSettled);
         }
         for (const QuestionPointer &question : asked) {
-            if (--question->askers == 0 && std::erase(waiting, question) != 0) {
-                open.erase(question->mountPoint); // nobody has come to it, or waits for it
-            }
+            --question->askers;
         }
+        std::erase_if(waiting, [&](const QuestionPointer &question) { // nobody has come to it, or waits for it
+            return question->askers == 0 && open.erase(question->mountPoint) != 0;
+        });
         for (std::size_t i = 0; i < mounts.size(); ++i) {
             mounts[i].isAnswered = asked[i]->isAnswered;
             mounts[i].sizes = asked[i]->sizes;
@@ -140,13 +145,18 @@ void forEachMount(const Passes &passes, const Take &take) {
 
 } // namespace
 
-std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit) {
+std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit, std::string_view mountPoint) {
     static const auto questions = std::make_shared<Questions>();
     std::vector<InventoryMount> mounts;
     std::vector<QuestionPointer> asked;
     forEachMount(isOfInventory, [&](const mnttab &entry) {
-        mounts.push_back({entry.mnt_mountp, entry.mnt_special, entry.mnt_fstype, false, {}});
+        if (mountPoint.empty() || mountPoint == entry.mnt_mountp) {
+            mounts.push_back({entry.mnt_mountp, entry.mnt_special, entry.mnt_fstype, false, {}});
+        }
     });
+    if (limit == limit.zero()) {
+        return mounts;
+    }
     asked.reserve(mounts.size());
     for (const InventoryMount &mount : mounts) {
         asked.push_back(questions->ask(mount.mountPoint));

@@ -47,11 +47,29 @@ public final class Inventory {
      * @throws RuntimeException when the mount table cannot be opened
      */
     public static List<Mount> mounts(Duration limit) {
+        return List.of(readMounts("", milliseconds(limit)));
+    }
+
+    /**
+     * The mount of one of these kinds that is mounted there, with its sizes. No other is asked or waited for.
+     *
+     * @param mountPoint where
+     * @param limit how long it has to tell its sizes, as above
+     * @return null when there is none
+     * @throws IllegalArgumentException when the limit is negative
+     * @throws RuntimeException when the mount table cannot be opened
+     */
+    public static Mount mount(String mountPoint, Duration limit) {
+        Mount[] there = mountPoint.isEmpty() ? new Mount[0] : readMounts(mountPoint, milliseconds(limit));
+        return there.length == 0 ? null : there[0];
+    }
+
+    private static long milliseconds(Duration limit) {
         if (limit.isNegative()) {
             throw new IllegalArgumentException("a negative limit: " + limit);
         }
         Duration most = Duration.ofHours(1);
-        return List.of(readMounts((limit.compareTo(most) < 0 ? limit : most).toMillis()));
+        return (limit.compareTo(most) < 0 ? limit : most).toMillis();
     }
 
     /**
@@ -77,7 +95,8 @@ public final class Inventory {
 
     private static native Identity[] readIdentities();
 
-    private static native Mount[] readMounts(long milliseconds);
+    /** Those of a mount point; of the empty one, all. */
+    private static native Mount[] readMounts(String mountPoint, long milliseconds);
 
     private static native String[] readOtherKinds();
 }

@@ -6,7 +6,6 @@ import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
-import java.time.Duration;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.HashSet;
@@ -53,7 +52,7 @@ public final class Asked {
     final ArrayReport array;
     /** By the command that makes it: what a call raised. */
     final Map<String, String> failures = new LinkedHashMap<>();
-    /** The same of what a check is not about. */
+    /** The same of what a check does without. */
     private final Map<String, String> failuresAside = new LinkedHashMap<>();
     /** Commands whose answer was not waited for. */
     private final Set<String> silent = new HashSet<>();
@@ -87,8 +86,8 @@ public final class Asked {
         warnings.clear();
         recordedAt = library.recordedAt();
         isDescribed = library.isDescribed();
-        FileSystems mounted = questions.ask("logical-disks", () -> new FileSystems(library, asking.mountLimit()),
-                                           new FileSystems());
+        FileSystems mounted = questions.ask("logical-disks", () -> new FileSystems(library), new FileSystems());
+        mounted.addMounts(askMounts(questions, asking));
         fileSystems = mounted.uses;
         unreadable = mounted.unreadable;
         sizedFileSystems = mounted.sized;
@@ -102,6 +101,15 @@ public final class Asked {
         paths = new Paths(fabric);
         array = arrayArguments.isEmpty() ? null : questions.ask(
             "array", () -> new ArrayReport(library.array(arrayArguments), arrayArguments.subList(0, 2)), null);
+    }
+
+    /** Where there is no inventory, a check is without its mounts. */
+    private List<FileSystem> askMounts(Questions questions, Asking asking) {
+        List<FileSystem> told = questions.ask(Library.MOUNTS, () -> library.mounts(asking.mountLimit()), List.of());
+        if (library.lacksInventory()) {
+            failuresAside.put(Library.MOUNTS, failures.remove(Library.MOUNTS));
+        }
+        return told;
     }
 
     /** Where the disks hang, a second call would hang in them too. */
@@ -164,20 +172,20 @@ public final class Asked {
         }
     }
 
-    /** Those of the agent's kinds are asked once by name, too: only that tells the sizes. */
+    /** What is mounted, and of each mount point what came of asking it for its sizes. */
     private static final class FileSystems {
-        private final List<FileSystem> listed;
+        private final List<FileSystem> listed = new ArrayList<>();
         private final List<FileSystem> sized = new ArrayList<>();
         private final Map<String, FileSystemUse> uses = new LinkedHashMap<>();
         private final Map<String, Object> unreadable = new LinkedHashMap<>();
 
         /** None. */
         FileSystems() {
-            listed = List.of();
         }
 
-        FileSystems(Library library, Duration mountLimit) {
-            listed = new ArrayList<>(library.logicalDisks());
+        /** The agent's. Each is asked once by name, too: only that tells the sizes. */
+        FileSystems(Library library) {
+            listed.addAll(library.logicalDisks());
             listed.stream().map(each -> each.mountPoint).distinct().forEach(mountPoint -> {
                 try {
                     add(library.logicalDisk(mountPoint));
@@ -186,19 +194,22 @@ public final class Asked {
                     unreadable.put(mountPoint, refused.getMessage());
                 }
             });
-            for (FileSystem mount : library.mounts(mountLimit)) {
-                listed.add(mount);
-                if (!uses.containsKey(mount.mountPoint)) { // the sizes are those of what is mounted over the other
-                    add(mount);
-                }
-            }
         }
 
+        /** The inventory's. */
+        void addMounts(List<FileSystem> mounts) {
+            listed.addAll(mounts);
+            mounts.forEach(this::add);
+        }
+
+        /** The sizes at a mount point are those of what was mounted there last, whoever tells them. */
         private void add(FileSystem disk) {
-            sized.add(disk);
-            uses.put(disk.mountPoint, disk.isSized() ? new FileSystemUse(disk) : null);
-            if (disk.silence != null) {
-                unreadable.put(disk.mountPoint, disk.silence);
+            if (!uses.containsKey(disk.mountPoint)) {
+                sized.add(disk);
+                uses.put(disk.mountPoint, disk.isSized() ? new FileSystemUse(disk) : null);
+                if (disk.silence != null) {
+                    unreadable.put(disk.mountPoint, disk.silence);
+                }
             }
         }
     }
@@ -217,10 +228,19 @@ public final class Asked {
 
     /** {@return what each disk is; nothing where that cannot be told, which is a line in the log} */
     public List<Identity> identities() {
-        if (failuresAside.containsKey(IDENTITIES)) {
-            library.log().warn(IDENTITIES + ": " + failuresAside.get(IDENTITIES));
-        }
+        warnAside(IDENTITIES);
         return identities;
+    }
+
+    /** Says in the log, where the inventory's mounts cannot be told of, that they cannot. */
+    public void warnOfMounts() {
+        warnAside(Library.MOUNTS);
+    }
+
+    private void warnAside(String question) {
+        if (failuresAside.containsKey(question)) {
+            library.log().warn(question + ": " + failuresAside.get(question));
+        }
     }
 
     /**

@@ -50,8 +50,8 @@ public final class FileSystem {
         silence = mount.isAnswered ? null : limit;
     }
 
-    /** Whether the inventory tells of it, and not the agent. */
-    boolean isOfInventory() {
+    /** {@return whether the inventory tells of it, and not the agent} */
+    public boolean isOfInventory() {
         return blockSize == null;
     }
 

@@ -114,8 +114,7 @@ public final class OneDisk {
             partitions = library.orNone("partitions", library::partitions);
             io = library.orNone("disk-io", library::diskIo);
             io.forEach(each -> counted.putIfAbsent(Disks.nameOf(each), each));
-            disks = new Disks(drives, partitions, io, library.orNone("logical-disks", library::fileSystems),
-                              library.knownIdentities());
+            disks = new Disks(drives, partitions, io, library.knownFileSystems(), library.knownIdentities());
             paths = new Paths(library.orNone("hba", () -> List.of(library.fabric(disks))).stream().findFirst()
                                   .orElseGet(() -> new Fabric(disks, new HbaCache.Hba[0], new HbaCache.Hba[0], false)));
             allPaths().map(LogicalUnit.Path::deviceName).forEach(disks::knowDevice);

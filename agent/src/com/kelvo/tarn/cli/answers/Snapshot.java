@@ -58,8 +58,12 @@ public final class Snapshot {
         this.library = library;
         Asked asked = new Asked(library, List.of());
         asked.identities(); // where they cannot be told, that is to be said
+        asked.warnOfMounts();
         recordedAt = asked.recordedAt;
         failures.putAll(asked.failures);
+        if (failures.containsKey(Library.MOUNTS)) { // else they would seem to have vanished
+            failures.putIfAbsent("logical-disks", failures.remove(Library.MOUNTS));
+        }
         ask("computer-system", this::addComputerSystem);
         ask("operating-system", this::addOperatingSystem);
         ask("processors", found -> addProcessors(asked, found));

@@ -12,6 +12,7 @@ import java.math.BigInteger;
 import java.time.Duration;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Optional;
 import java.util.function.Function;
 import java.util.stream.Collectors;
 import picocli.CommandLine.Command;
@@ -54,7 +55,7 @@ public final class LogicalDisksCommand extends TableCommand {
             disks.replaceAll(library()::withSizes);
         }
         if (all) {
-            disks.addAll(library().mounts(Inventory.MOUNT_LIMIT));
+            disks.addAll(library().knownMounts(Inventory.MOUNT_LIMIT));
         }
         return disks;
     }
@@ -64,19 +65,18 @@ public final class LogicalDisksCommand extends TableCommand {
         try {
             return library().logicalDisk(mountPoint);
         } catch (RuntimeException unknown) {
-            return library().mounts(Inventory.MOUNT_LIMIT).stream()
-                .filter(mount -> mount.mountPoint.equals(mountPoint)).findFirst().orElseThrow(() -> unknown);
+            return Optional.ofNullable(library().knownMount(mountPoint)).orElseThrow(() -> unknown);
         }
     }
 
     /** What of the mount table is not shown. */
     private List<String> leftOut() {
         List<String> lines = new ArrayList<>();
-        int mounts = all ? 0 : library().mounts(Duration.ZERO).size();
+        int mounts = all ? 0 : library().knownMounts(Duration.ZERO).size();
         if (mounts > 0) {
             lines.add("Left out: " + counted(mounts, "mount") + " of ZFS and VxFS (--all shows them)");
         }
-        List<String> others = library().otherKinds();
+        List<String> others = library().knownOtherKinds();
         if (!others.isEmpty()) {
             lines.add("Left out: " + counted(others.size(), "mount") + " of other kinds ("
                       + others.stream().sorted().distinct().collect(Collectors.joining(", ")) + ")");

@@ -61,7 +61,8 @@ public final class HostMetrics {
         metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
         metrics.section("operating-system",
                         () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
-        metrics.answered("logical-disks", metrics::addFileSystems);
+        metrics.answered("logical-disks", () -> metrics.addFileSystems(false));
+        metrics.answered("mounts", () -> metrics.addFileSystems(true));
         metrics.answered("processors", metrics::addProcessors);
         metrics.section("cpu", () -> asking.ask("cpu", library::cpu).forEach(metrics::add));
         metrics.section("activity", () -> metrics.add(metrics.sample(asking, sampling)));
@@ -146,12 +147,12 @@ public final class HostMetrics {
         }
     }
 
-    /** One that would not tell its sizes, or is not mounted any more, has none. */
-    private void addFileSystems() {
+    /** The agent's, or the inventory's. One that would not tell its sizes, or is not mounted any more, has none. */
+    private void addFileSystems(boolean ofInventory) {
         Exposition.Family sizes = out.gauge("tarn_filesystem_bytes", "The sizes of mounted file systems.");
         for (FileSystem disk : asked.sizedFileSystems) {
-            FileSystemUse use = new FileSystemUse(disk);
-            if (disk.isSized()) {
+            if (disk.isOfInventory() == ofInventory && disk.isSized()) {
+                FileSystemUse use = new FileSystemUse(disk);
                 Object[] labels = {"mountpoint", disk.mountPoint, "device", disk.device, "fstype",
                                    disk.fileSystemType};
                 sizes.sample(use.total(), with(labels, "kind", "total"));
