@@ -5,9 +5,6 @@ import java.util.List;
 
 /** What the host's disks are, how full its mounts of zfs and vxfs are, and what disks and ports do now. */
 public final class Inventory {
-    /** How long a mount has to tell its sizes, unless the caller says otherwise. */
-    public static final Duration MOUNT_LIMIT = Duration.ofSeconds(5);
-
     static {
         InventoryLibrary.load();
     }
@@ -27,13 +24,13 @@ public final class Inventory {
     }
 
     /**
-     * The mounts of the kinds zfs and vxfs, with their sizes, each with {@link #MOUNT_LIMIT} to tell them.
+     * The mounts of the kinds zfs and vxfs, with their sizes, each with {@link Mount#LIMIT} to tell them.
      *
      * @return an unmodifiable list, in the mount table's order
      * @throws RuntimeException when the mount table cannot be opened
      */
     public static List<Mount> mounts() {
-        return mounts(MOUNT_LIMIT);
+        return mounts(Mount.LIMIT);
     }
 
     /**

@@ -1,7 +1,12 @@
 package com.kelvo.tarn.inventory;
 
+import java.time.Duration;
+
 /** One mounted file system. Its sizes are all null where they were not told within the limit, or the host refused. */
 public final class Mount {
+    /** How long a mount has to tell its sizes, unless the caller says otherwise. */
+    public static final Duration LIMIT = Duration.ofSeconds(5);
+
     /** Where it is mounted. */
     public final String mountPoint;
     /** What is mounted: a device, or a file system of a pool. */

@@ -1,6 +1,6 @@
 package com.kelvo.tarn.cli.answers;
 
-import com.kelvo.tarn.inventory.Inventory;
+import com.kelvo.tarn.inventory.Mount;
 import java.time.Duration;
 import java.util.function.Supplier;
 
@@ -27,6 +27,6 @@ public interface Asking {
 
     /** {@return how long a mount that may hang has to tell its sizes: less than the question that it is part of has} */
     default Duration mountLimit() {
-        return Inventory.MOUNT_LIMIT;
+        return Mount.LIMIT;
     }
 }

@@ -141,7 +141,7 @@ public final class Library {
      * @param mountPoint where
      */
     public FileSystem knownMount(String mountPoint) {
-        Duration limit = Inventory.MOUNT_LIMIT;
+        Duration limit = Mount.LIMIT;
         return orNone(MOUNTS, () -> listed(() -> Stream.ofNullable(Inventory.mount(mountPoint, limit))
             .collect(Collectors.toList()), limit)).stream().findFirst().orElse(null);
     }

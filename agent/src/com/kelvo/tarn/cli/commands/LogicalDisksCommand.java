@@ -7,7 +7,7 @@ import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
-import com.kelvo.tarn.inventory.Inventory;
+import com.kelvo.tarn.inventory.Mount;
 import java.math.BigInteger;
 import java.time.Duration;
 import java.util.ArrayList;
@@ -55,7 +55,7 @@ public final class LogicalDisksCommand extends TableCommand {
             disks.replaceAll(library()::withSizes);
         }
         if (all) {
-            disks.addAll(library().knownMounts(Inventory.MOUNT_LIMIT));
+            disks.addAll(library().knownMounts(Mount.LIMIT));
         }
         return disks;
     }

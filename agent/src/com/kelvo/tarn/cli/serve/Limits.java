@@ -2,7 +2,7 @@ package com.kelvo.tarn.cli.serve;
 
 import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.answers.LibraryLog;
-import com.kelvo.tarn.inventory.Inventory;
+import com.kelvo.tarn.inventory.Mount;
 import java.time.Duration;
 import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
@@ -32,7 +32,7 @@ final class Limits implements Asking {
     @Override
     public Duration mountLimit() {
         Duration half = Duration.ofMillis(seconds * 500L);
-        return half.compareTo(Inventory.MOUNT_LIMIT) < 0 ? half : Inventory.MOUNT_LIMIT;
+        return half.compareTo(Mount.LIMIT) < 0 ? half : Mount.LIMIT;
     }
 
     @Override
