@@ -129,7 +129,7 @@ public final class Library {
         return new FileSystem(host.getLogicalDiskByName(mountPoint));
     }
 
-    /** The mounted file systems of the kinds that the inventory adds, zfs and vxfs, with their sizes, as it tells them. */
+    /** The mounted file systems of the kinds that the inventory adds, zfs and vxfs, with their sizes. */
     List<FileSystem> mounts(Duration limit) {
         return listed(() -> Inventory.mounts(limit), limit);
     }
@@ -151,8 +151,8 @@ public final class Library {
     }
 
     /**
-     * {@return the mounted file systems of the kinds that the inventory adds, zfs and vxfs, with their sizes; none where
-     * it cannot be asked, which is a line in the log}
+     * {@return the mounted file systems of the kinds that the inventory adds, zfs and vxfs, with their sizes; none
+     * where it cannot be asked, which is a line in the log}
      *
      * @param limit how long each has to tell them; with none, they are listed and not asked
      */

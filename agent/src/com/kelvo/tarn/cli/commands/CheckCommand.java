@@ -134,7 +134,8 @@ public final class CheckCommand extends TableCommand {
         asked.warnOfMounts();
         return Answer.table(Verdict.document(check, asked), () -> table(check))
             .shownAs(out -> Verdict.show(check, asked, rules, tarn().isBuiltInHost(), out))
-            .withStatus(STATES.indexOf(check.state)).withLog(line -> line.isOwn() || !line.isWarning()); // the library's are findings
+            .withStatus(STATES.indexOf(check.state))
+            .withLog(line -> line.isOwn() || !line.isWarning()); // the library's are findings
     }
 
     private static Table<?> table(Check check) {
