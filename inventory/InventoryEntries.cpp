@@ -4,6 +4,7 @@
 
 #include "common/jni/ClassProxy.h"
 #include "common/jni/EntryPoint.h"
+#include "common/jni/JniString.h"
 #include "common/system/Hexadecimal.h"
 #include "inventory/Activity.h"
 #include "inventory/Identities.h"
@@ -19,7 +20,7 @@ using Identity = NamedMadeClass<"com/kelvo/tarn/inventory/Identity",
                                 "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;"
                                 "Ljava/lang/String;Ljava/lang/String;JLjava/lang/String;)V">;
 using Mount =
-    NamedMadeClass<"com/kelvo/tarn/inventory/Mount", "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;JJJ)V">;
+    NamedMadeClass<"com/kelvo/tarn/inventory/Mount", "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;ZJJJ)V">;
 using Sample = NamedMadeClass<"com/kelvo/tarn/inventory/Sample",
                               "([Lcom/kelvo/tarn/inventory/DiskActivity;[Lcom/kelvo/tarn/inventory/PortTraffic;)V">;
 using Activity =
@@ -43,7 +44,7 @@ auto runInventoryEntry(JNIEnv *env, Body body) -> decltype(body()) {
 
 /// One object per record, made by `make` in a frame of its own.
 template <class Records, class Make>
-jobjectArray makeArray(const MadeClass &elements, const Records &records, Make make) {
+jobjectArray makeArray(const ClassProxy &elements, const Records &records, Make make) {
     constexpr jint references = 12;
     JNIEnv *const env = elements.env;
     const jobjectArray array = jni::newObjectArray(env, static_cast<jsize>(records.size()), elements.cls);
@@ -75,14 +76,23 @@ jobjectArray makeIdentities(JNIEnv *env) {
     });
 }
 
-jobjectArray makeMounts(JNIEnv *env, std::chrono::milliseconds limit) {
+jobjectArray makeMounts(JNIEnv *env, jstring mountPoint, std::chrono::milliseconds limit) {
     const Mount made(env);
-    return makeArray(made, readMounts(limit), [&](const InventoryMount &mount) {
+    const JniString wanted(env, mountPoint);
+    return makeArray(made, readMounts(limit, wanted.utf8()), [&](const InventoryMount &mount) {
         const auto size = [&](std::uint64_t MountSizes::*of) { return mount.sizes ? bytes(*mount.sizes.*of) : -1; };
+        // More than any file system has are blocks overdrawn from a reserve.
+        const bool isOverdrawn = mount.sizes && mount.sizes->available > std::numeric_limits<jlong>::max();
         return made.make(jni::newString(env, mount.mountPoint.c_str()), jni::newString(env, mount.device.c_str()),
-                         jni::newString(env, mount.fileSystemType.c_str()), size(&MountSizes::total),
-                         size(&MountSizes::free), size(&MountSizes::available));
+                         jni::newString(env, mount.fileSystemType.c_str()), jboolean{mount.isAnswered},
+                         size(&MountSizes::total), size(&MountSizes::free),
+                         isOverdrawn ? jlong{0} : size(&MountSizes::available));
     });
+}
+
+jobjectArray makeOtherKinds(JNIEnv *env) {
+    return makeArray(ClassProxy(env, "java/lang/String"), readOtherKinds(),
+                     [&](const std::string &kind) { return jni::newString(env, kind.c_str()); });
 }
 
 jobject makeErrors(const Errors &made, const ErrorCounts &counts) {
@@ -148,8 +158,14 @@ TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory
 }
 
 TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory_readMounts(JNIEnv *env, jclass,
+                                                                                            jstring mountPoint,
                                                                                             jlong milliseconds) {
-    return tarn::runInventoryEntry(env, [&] { return tarn::makeMounts(env, std::chrono::milliseconds(milliseconds)); });
+    return tarn::runInventoryEntry(
+        env, [&] { return tarn::makeMounts(env, mountPoint, std::chrono::milliseconds(milliseconds)); });
+}
+
+TARN_EXPORTED_ENTRY jobjectArray JNICALL Java_com_kelvo_tarn_inventory_Inventory_readOtherKinds(JNIEnv *env, jclass) {
+    return tarn::runInventoryEntry(env, [&] { return tarn::makeOtherKinds(env); });
 }
 
 TARN_EXPORTED_ENTRY jlong JNICALL Java_com_kelvo_tarn_inventory_Sampler_open(JNIEnv *env, jclass) {

@@ -4,9 +4,9 @@
 #include <condition_variable>
 #include <csignal>
 #include <deque>
-#include <iterator>
 #include <memory>
 #include <mutex>
+#include <string_view>
 #include <system_error>
 #include <thread>
 #include <unordered_map>
@@ -59,28 +59,33 @@ public:
         return question;
     }
 
-    /// Waits until all are answered, or the time is over for each. What they tell, by then.
-    std::vector<std::optional<MountSizes>> await(const std::vector<QuestionPointer> &asked,
-                                                 std::chrono::milliseconds limit) {
+    /// Waits until all are answered, or the time is over for each. The mounts, in that order, get what is told.
+    void await(const std::vector<QuestionPointer> &asked, std::chrono::milliseconds limit,
+               std::vector<InventoryMount> &mounts) {
         const Clock::time_point end = Clock::now() + limit;
         std::unique_lock lock(mutex);
         const auto isSettled = [&](const QuestionPointer &question) {
             return question->isAnswered || (question->begun && Clock::now() - *question->begun >= limit);
         };
-        const auto areSettled = [&] { return std::ranges::all_of(asked, isSettled); };
+        auto firstOpen = asked.begin(); // what is settled stays so, and is looked at once
+        const auto areSettled = [&] {
+            firstOpen = std::find_if_not(firstOpen, asked.end(), isSettled);
+            return firstOpen == asked.end();
+        };
         while (!areSettled() && Clock::now() < end) {
             startThreads();
             changed.wait_until(lock, std::min(end, Clock::now() + stuckAfter), areSettled);
         }
         for (const QuestionPointer &question : asked) {
-            if (--question->askers == 0 && std::erase(waiting, question) != 0) {
-                open.erase(question->mountPoint); // nobody has come to it, or waits for it
-            }
+            --question->askers;
         }
-        std::vector<std::optional<MountSizes>> sizes;
-        std::ranges::transform(asked, std::back_inserter(sizes),
-                               [](const QuestionPointer &question) { return question->sizes; });
-        return sizes;
+        std::erase_if(waiting, [&](const QuestionPointer &question) { // nobody has come to it, or waits for it
+            return question->askers == 0 && open.erase(question->mountPoint) != 0;
+        });
+        for (std::size_t i = 0; i < mounts.size(); ++i) {
+            mounts[i].isAnswered = asked[i]->isAnswered;
+            mounts[i].sizes = asked[i]->sizes;
+        }
     }
 
 private:
@@ -126,30 +131,45 @@ private:
     std::size_t threads = 0;
 };
 
+/// Each entry of the mount table whose kind passes.
+template <class Passes, class Take>
+void forEachMount(const Passes &passes, const Take &take) {
+    MountTable table;
+    if (!table.isOpen()) {
+        throw InventoryError(std::string("Unable to open mount table file: ") + mountTablePath);
+    }
+    while (const mnttab *const entry = table.nextOf(passes)) {
+        take(*entry);
+    }
+}
+
 } // namespace
 
-std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit) {
+std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit, std::string_view mountPoint) {
     static const auto questions = std::make_shared<Questions>();
     std::vector<InventoryMount> mounts;
     std::vector<QuestionPointer> asked;
-    {
-        MountTable table;
-        if (!table.isOpen()) {
-            throw InventoryError(std::string("Unable to open mount table file: ") + mountTablePath);
+    forEachMount(isOfInventory, [&](const mnttab &entry) {
+        if (mountPoint.empty() || mountPoint == entry.mnt_mountp) {
+            mounts.push_back({entry.mnt_mountp, entry.mnt_special, entry.mnt_fstype, false, {}});
         }
-        while (const mnttab *const entry = table.nextOf(isOfInventory)) {
-            mounts.push_back({entry->mnt_mountp, entry->mnt_special, entry->mnt_fstype, {}});
-        }
+    });
+    if (limit == limit.zero()) {
+        return mounts;
     }
     asked.reserve(mounts.size());
     for (const InventoryMount &mount : mounts) {
         asked.push_back(questions->ask(mount.mountPoint));
     }
-    const std::vector<std::optional<MountSizes>> sizes = questions->await(asked, limit);
-    for (std::size_t i = 0; i < mounts.size(); ++i) {
-        mounts[i].sizes = sizes[i];
-    }
+    questions->await(asked, limit, mounts);
     return mounts;
+}
+
+std::vector<std::string> readOtherKinds() {
+    std::vector<std::string> kinds;
+    const auto isOther = [](std::string_view kind) { return !isOfLogicalDisk(kind) && !isOfInventory(kind); };
+    forEachMount(isOther, [&](const mnttab &entry) { kinds.emplace_back(entry.mnt_fstype); });
+    return kinds;
 }
 
 } // namespace tarn

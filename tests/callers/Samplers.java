@@ -83,7 +83,8 @@ final class Samplers {
 
     /** A mount that tells its sizes, one that hangs, and one of another kind; then a host that tells nothing. */
     private static void tellsOfMounts() {
-        load("{'mnttab': ['pool\\t/z\\tzfs\\trw\\t1', 'vol\\t/v\\tvxfs\\trw\\t1', 'd\\t/\\tufs\\trw\\t1'], "
+        load("{'mnttab': ['pool\\t/z\\tzfs\\trw\\t1', 'vol\\t/v\\tvxfs\\trw\\t1', 'd\\t/\\tufs\\trw\\t1', "
+                + "'s\\t/t\\ttmpfs\\trw\\t1'], "
                 + "'statvfs': {'/z': {'f_frsize': 1024, 'f_blocks': 10, 'f_bfree': 5, 'f_bavail': 4}, "
                 + "'/v': {'seconds': 3600}}}");
         List<Mount> mounts = Inventory.mounts(Duration.ofSeconds(2));
@@ -91,7 +92,8 @@ final class Samplers {
         Mount hangs = mounts.get(1);
         expect("mounts", mounts.size() == 2 && told.mountPoint.equals("/z") && told.device.equals("pool")
                 && told.fileSystemType.equals("zfs") && told.totalBytes == 10240 && told.freeBytes == 5120
-                && told.availableBytes == 4096 && hangs.mountPoint.equals("/v") && hangs.totalBytes == null);
+                && told.availableBytes == 4096 && hangs.mountPoint.equals("/v") && hangs.totalBytes == null
+                && told.isAnswered && !hangs.isAnswered && Inventory.otherKinds().equals(List.of("tmpfs")));
         load("{}");
         try (Sampler sampler = Inventory.sampler()) {
             expect("no statistics, and no complaint from " + sampler, false);

@@ -59,6 +59,9 @@ def read(path):
 RICH = read("hosts/command-line.json")
 LUNS = read("hosts/array-luns.json")
 RILL = read("../hosts/rill.json")
+MOUNTS = read("hosts/mounts.json")  # one of which hangs
+SOUND = {**MOUNTS, "statvfs": {**MOUNTS["statvfs"],
+                               "/var/mail": {"f_frsize": 512, "f_blocks": 9, "f_bfree": 9, "f_bavail": 9}}}
 LUNS["B silent"] = {**LUNS["B"], "scsi": {**LUNS["B"]["scsi"], "LOG SENSE 3B": re.sub(
     "(?<=0024)[0-9a-f]{72}", "0" * 72, LUNS["B"]["scsi"]["LOG SENSE 3B"])}}
 BARE = {"sysconf": RICH["sysconf"], "kstat": []}  # nothing is wrong with it
@@ -246,6 +249,17 @@ CASES = [
     shows("logical-disks --sizes", "/u ufs 1000 B 900 B 101 B 89.9% d", host=file_system(1, 1000, 100, 101)),
     shows("logical-disks --sizes", "/u ufs 10 B 10 B 0 B !! 100.0% d", host=file_system(1, 10, 0, -1)),
     picks("logical-disks --sizes", {"0.totalBytes": 1024000, "1.totalBytes": 0}, RICH),
+    shows("logical-disks", "/ ufs /dev/dsk/c1t0d0s0 --sizes shows how large and how full they are Left out: 5 mounts "
+          "of ZFS and VxFS (--all shows them) Left out: 4 mounts of other kinds (ctfs, proc, tmpfs)", host=MOUNTS),
+    shows("logical-disks", "no logical disks Left out: 1 mount of ZFS", host={"mnttab": ["a\t/\tzfs\trw\t1"]}),
+    shows("logical-disks --all", "/export/home zfs 9.8 MiB 9.8 MiB 0 B !! 100.0% pool/home",
+          "/var/mail zfs not told not told not told - pool/mail /gone zfs unknown unknown unknown - pool/gone Left "
+          "out: 4 mounts of other", host=MOUNTS),
+    picks("logical-disks --all", {"0.blockSize": 8192, "1.totalBytes": 10240000, "3.mountPoint": "/var/spool",
+                                  "4.freeBytes": 4608, "6": IndexError}, SOUND),
+    gives("logical-disks /gone", {"device": "pool/gone", "mountPoint": "/gone", "fileSystemType": "zfs",
+                                  **dict.fromkeys(("totalBytes", "availableBytes", "freeBytes", "blockSize"))}, SOUND),
+    refuses("logical-disks /tmp", "Logical Disk Not Found: /tmp", host=SOUND, status=1),
 
     # Adapters
     picks("--keep-os-device-name hba", {DEVICE.format(0): "/dev/rdsk/c2t50060E8000C3A2B1d5s2",
@@ -333,6 +347,11 @@ CASES = [
     shows("check --full 'a=b|c'\\''d=95' -c 99", "; file-system-full a=b\\x7cc'd | ", "'a_b_c''d'=97.0%;95;99;0;100",
           host={**BARE, "mnttab": ["d\ta=b|c'd\tufs\trw\t1"],
                 "statvfs": {"a=b|c'd": {"f_frsize": 1, "f_blocks": 100, "f_bfree": 3, "f_bavail": 3}}}, status=1),
+    shows("check --full /oradata=75", "'/export/home'=100.0%;90;;0;100 '/oradata'=75.0%;75;;0;100 ",
+          "critical file-system-full /export/home: nothing is available warning file-system-unreadable /var/mail: it "
+          "gave no sizes within 5 seconds warning file-system-unreadable /gone: the system does not tell its sizes warning "
+          "file-system-full /oradata: 75.0% used, 1.0 MiB available warning file-system-full /var/spool (c1t0d0): 92",
+          host=MOUNTS, status=2),
     picks("check -w 100 -c 91", {"state": "CRITICAL", "findings.0.subject": "/backup"}, log=ANY, status=2),
     picks("check --max-age 9999999d --full 99", {"findings.8": IndexError}, log=ANY, status=1),
     picks("check --max-age 36h", {"findings.0.message": "it does not say when it was recorded"}, BARE, status=1),
@@ -399,6 +418,10 @@ CASES = [
     picks("disk 50:06:0E:80:00:C3:A2:00 LUN 2", {"name": "c4t50060E8000C3A2B1d2"}, log=ANY),
     refuses("disk nope", "no disk nope\n", host=RICH, status=1),
     refuses("disk /home/me", "no disk /home/me: srv:/home (nfs) is mounted there\n", host=RICH, status=1),
+    refuses("disk /export/home/me", "me: pool/home (zfs) is mounted there\n", host=SOUND, status=1),
+    refuses("disk /oradata", "/oradata: /dev/vx/dsk/oradg/data (vxfs) is mounted there\n", host=SOUND, status=1),
+    picks("disk /var/spool/x", {"name": "c1t0d0", "mounts.1.mountPoint": "/var/spool", "mounts.1.freeBytes": 81920},
+          SOUND),
     refuses("disk /md", "the metadevice /dev/md/dsk/d9 (ufs)", host={"mnttab": ["/dev/md/dsk/d9\t/md\tufs\trw\t1"]}, status=1),
     refuses("disk 50060e8000c3a2b1", "several behind it: c2t50060E8000C3A2B1d0, c4t50060E8000C3A2B1d2\n", status=1),
     shows("disk /oracle", "Busy: 35988.628 s, 1.0 % busy since boot", " online, 32.3% of the bytes └─ ", log=ANY),
@@ -448,6 +471,11 @@ CASES = [
     shows(f"compare {word({**RILL, 'statvfs': FULL})} {word({**RILL, 'recordedAt': '2005-12-14T09:00:00Z'})}",
           "rill, 2005-12-12 09:23:41 to 2005-12-14 09:00:00 UTC cleared critical file-system-full /oracle: nothing is "
           "available File system Used before", "/oracle 100.0% 74.7%", log=ANY, status=1),
+    picks(f"compare {word({**SOUND, 'mnttab': SOUND['mnttab'][:-1]})} {word(MOUNTS)}", {
+        "changes.0.subject": "file system /var/mail", "changes.0.was": 4608, "changes.0.is": None,
+        "changes.1": {"subject": "file system /gone", "change": "appeared"}, "findings.new.0.subject": "/var/mail",
+        "findings.cleared": [], "usage.1": {"mountPoint": "/export/home", "usedPercentBefore": 100.0,
+                                            "usedPercentAfter": 100.0}, "usage.4.usedPercentAfter": None}, status=1),
     shows(f"compare {word(adapter(attributes={'Model': 'a'}))} {word(adapter())}", 'model a → ""', "no rates: neither",
           log=ANY, status=1),
     Case(f"--csv compare {counting(0, (0, 0, 9))} {counting(10, (5, -1, 8))}", log=ANY, prints="".join(

@@ -77,10 +77,10 @@ def check(documents, mounts, before, full=90):
     for mount, document in mounts.items():
         disk = document["result"]
         sizes = disk and [disk[name] for name in ("totalBytes", "availableBytes", "freeBytes", "blockSize")]
-        if not disk or not any(sizes):
+        if not disk or sizes[0] is None or sizes[3] == 0 and not any(sizes):
             found.append(("warning", "file-system-unreadable", mount))
             continue
-        total, available, free, _ = (size % 2 ** 64 for size in sizes)
+        total, available, free = (size % 2 ** 64 for size in sizes[:3])
         available = 0 if available >= 2 ** 63 else available
         used = max(0, total - free)
         if available == 0 or 100 * used >= full * (used + available):
@@ -200,6 +200,9 @@ def random_host(random):
         return {"f_bsize": random.choice([0, 8192]), "f_frsize": 1024, "f_blocks": total, "f_bfree": free,
                 "f_bavail": max(0, available)}
 
+    def kind():
+        return random.choice(["ufs", "ufs", "vxfs", "tmpfs"])
+
     mounts = random.sample(["/", "/u01", "/u02", "/export/home", "/\u00fcbung"], random.randrange(1, 5))
     return present(
         sysconf=maybe(0.9, {"_SC_NPROCESSORS_CONF": 3, "_SC_CPUID_MAX": 7}),
@@ -207,7 +210,8 @@ def random_host(random):
                     for number in random.sample(range(8), 3)],
         kstat=maybe(0.8, [{"ks_name": f"sd{number}", "ks_class": "disk", "ks_type": "KSTAT_TYPE_IO", "data": {}}
                           for number in random.sample(range(9), 6)]),
-        mnttab=maybe(0.9, [f"/dev/dsk/{random.choice(disks)}s0\t{mount}\tufs\trw\t1" for mount in mounts + mounts[:1]]),
+        mnttab=maybe(0.9, [f"/dev/dsk/{random.choice(disks)}s0\t{mount}\t{kind()}\trw\t1"
+                           for mount in mounts + mounts[:1]]),
         statvfs={mount: sizes() for mount in mounts if random.random() < 0.8},
         disks=[present(name=name, path=f"/pci@1f/sd@{number},0", major=32, minor=8 * number,
                        geometry=maybe(0.8, {"dkg_nhead": 2, "dkg_nsect": 3, "dkg_ncyl": number}), vtoc=maybe(0.8, {"v_asciilabel": "SUN72G cyl"}),

@@ -144,16 +144,17 @@ class CommandLine(unittest.TestCase):
 
     def test_paths_and_check_follow_from_the_single_commands(self):
         seen, asked, volumes = set(), [], []
-        own = "hba --keep-os-device-name"
+        own, everywhere = "hba --keep-os-device-name", "logical-disks --all"
         for seed in range(1, 1 + RANDOM_HOSTS):
             host, was = (questions.random_host(random.Random(each)) for each in (seed, 1000 + seed))
             paths = [write_host(each) for each in (host, was)]
-            mounts = dict.fromkeys(line.split("\t")[1] for line in host.get("mnttab", []))
+            mounts = dict.fromkeys(mount for kind in ("ufs", "vxfs") for _, mount, *of in (
+                line.split("\t") for line in host.get("mnttab", [])) if of[0] == kind)  # the agent's own come first
             volumes.append({disk["name"]: "naa." + disk["scsi"]["INQUIRY 83"][16:] for disk in host["disks"]
                             if "scsi" in disk})
             check = f"check --baseline {paths[1]}"
             asked += [(check, mounts, *([f"--host {path} --json {command}" for command in commands] for path, commands in
-                                        zip(paths, ([*questions.SECTIONS, "paths", own, check] +
+                                        zip(paths, ([*questions.SECTIONS, "paths", own, check, everywhere] +
                                                     [f"logical-disks {mount}" for mount in mounts],
                                                     ["disks", "hba", "paths"]))))]
         documents = {line: json.loads(document) for line, document in
@@ -167,7 +168,7 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(findings, questions.check(now, told, before), seed)
             self.assertEqual(found["state"], findings[0][0].upper() if findings else "OK", seed)
             self.assertEqual(now["paths"]["result"], questions.paths(
-                *(now[command]["result"] for command in ("hba", own, "disks", "logical-disks")), volumes[seed - 1]), seed)
+                *(now[command]["result"] for command in ("hba", own, "disks", everywhere)), volumes[seed - 1]), seed)
         self.assertEqual(set(questions.CODES) - {code for _, code, _ in seen}, set())
 
     def assert_close(self, shown, expected, place):
@@ -227,12 +228,16 @@ class CommandLine(unittest.TestCase):
     def test_without_the_inventory(self):
         folder = tempfile.mkdtemp(dir=SCRATCH)
         os.symlink(ROOT / "build/release/libtarnsolaris.so", Path(folder, "libtarnsolaris.so"))
-        for command, shown in (("disk c1t0d0", b"SUN72G"), ("paths /oracle", b"LUN 0"), ("disks c1t0d0", b"SUN72G"),
-                               ("map", b"LUN 0")):
+        for command, shown, untold, status in (
+                ("disk c1t0d0", "SUN72G", ["mounts", "identities"], 0), ("paths /oracle", "LUN 0", ["identities"], 0),
+                ("disks c1t0d0", "SUN72G", ["identities"], 0), ("map", "LUN 0", ["identities"], 0),
+                ("logical-disks --all", "/oracle", ["mounts"], 0), ("check", "9 findings", ["mounts"], 1),
+                ("metrics", 'section_up{section="mounts"} 0', [], 0)):
             done = subprocess.run(["java", f"-Djava.library.path={folder}", "-cp", sys.argv[2], "com.kelvo.tarn.cli.Tarn",
-                                   *command.split()], cwd=ROOT, capture_output=True, timeout=120)
+                                   *command.split()], cwd=ROOT, capture_output=True, timeout=120, encoding="utf-8")
             self.assertIn(shown, done.stdout)
-            self.assertEqual((done.returncode, done.stderr.count(b"warn: identities: no tarninventory")), (0, 1), done.stderr)
+            self.assertEqual((done.returncode, re.findall(r"^warn: (\w+): no tarninventory in [^\n]*$", done.stderr, re.M),
+                              done.stderr.count("tarninventory")), (status, untold, len(untold)), done.stderr)
 
     def test_each_description_is_read_once(self):
         was, now = (str(ROOT / "hosts" / name) for name in ("rill.json", "rill-cable-pulled.json"))

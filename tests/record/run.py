@@ -46,6 +46,9 @@ def scratch_host(description, folder=None, name=None):
 
 def all_hosts():
     hosts_by_name = hosts.known() | {f"random-{seed}": hosts.anything(seed) for seed in range(RANDOM_HOSTS)}
+    for host in hosts_by_name.values():  # a file system that hangs is one that refuses, once it is recorded
+        for mount in [mount for mount, told in host.get("statvfs", {}).items() if "seconds" in told]:
+            host["statvfs"] = {**host["statvfs"], mount: {"fails": "ENOENT"}}
     return {name: {**host, "recordedAt": "2026-11-24T10:00:00Z"} for name, host in hosts_by_name.items()}
 
 

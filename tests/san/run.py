@@ -57,6 +57,16 @@ class San(unittest.TestCase):
                          {(each["subject"], host) for each in found if each["code"] == "zoning-gap"
                           for host in each["hosts"]})
 
+    def test_a_store_holds_the_mounts_of_both_libraries(self):
+        host = Path(__file__).parents[1] / "hosts/mounts.json"
+        self.assertEqual(self.load(host).returncode, 0)
+        told = subprocess.run([TARN, "--host", host, "--json", "logical-disks", "--all"], stdout=subprocess.PIPE, check=True)
+        self.assertEqual(sorted(self.rows("SELECT mount_point, total_bytes, available_bytes FROM mount")),
+                         sorted((each["mountPoint"], each["totalBytes"], each["availableBytes"])
+                                for each in json.loads(told.stdout)["result"]))
+        self.assertEqual(self.rows("SELECT mount_point FROM mount WHERE disk = 'c1t0d0' ORDER BY mount_point"),
+                         [("/",), ("/var/spool",)])
+
 
 if __name__ == "__main__":
     sys.exit(verdict.report(unittest.TextTestRunner().run(unittest.defaultTestLoader.loadTestsFromTestCase(San))))

@@ -212,6 +212,25 @@ class Serve(unittest.TestCase):
                 return
         self.fail(str(told))
 
+    def test_a_mount_that_hangs(self):
+        host = json.loads((ROOT / "tests/hosts/mounts.json").read_text())
+        of_agent, of_inventory = self.folder / "nfs.json", ROOT / "tests/hosts/mounts.json"
+        of_agent.write_text(json.dumps({**host, "mnttab": [*host["mnttab"], "srv:/a\t/net\tnfs\trw\t1"],
+                                        "statvfs": {**host["statvfs"], "/net": {"seconds": 3600}}}))
+        full = 'tarn_filesystem_bytes{mountpoint="/export/home",device="pool/home",fstype="zfs",kind="available"}'
+        for path, up in ((of_inventory, "1"), (of_agent, "0")):
+            served = Served(self, "--fresh", "1", "--timeout", "2", host=path)
+            for _ in range(3):
+                metrics = served.metrics()
+                self.assertEqual([metrics[f'tarn_section_up{{section="{name}"}}'] for name in ("logical-disks", "mounts")],
+                                 [up, "1"])
+                self.assertEqual(metrics[full], "0")
+                self.assertFalse([name for name in metrics if "/var/mail" in name])
+                findings = json.loads(served.get("/check")[2])["findings"]
+                self.assertIn(("/var/mail", "it gave no sizes within 1 second"),
+                              [(finding["subject"], finding["message"]) for finding in findings])
+                time.sleep(1.1)
+
     def test_bad_usage(self):
         served = Served(self)
         for options, complaint in (

@@ -134,7 +134,8 @@ TEST(Inventory, AsksDevicesForWhatIsNotKnown) {
 }
 
 TEST(Inventory, GivesUpMountsThatHang) {
-    json host = {{"mnttab", json::array({"/dev/dsk/c0t0d0s0\t/\tufs\trw\t1"})}, {"statvfs", json::object()}};
+    json host = {{"mnttab", json::array({"/dev/dsk/c0t0d0s0\t/\tufs\trw\t1", "p\t/proc\tproc\trw\t1"})},
+                 {"statvfs", json::object()}};
     for (int i = 0; i < 40; ++i) {
         const std::string path = "/m" + std::to_string(i);
         host["mnttab"].push_back("pool/x\t" + path + (i % 2 == 0 ? "\tzfs" : "\tvxfs") + "\trw\t1");
@@ -149,12 +150,16 @@ TEST(Inventory, GivesUpMountsThatHang) {
         const std::vector<InventoryMount> mounts = readMounts(std::chrono::seconds(2));
         ASSERT_EQ(mounts.size(), 40U);
         for (std::size_t i = 0; i < mounts.size(); ++i) {
+            EXPECT_EQ(mounts[i].isAnswered, i >= 12) << i;
             EXPECT_EQ(mounts[i].sizes.has_value(), i >= 12 && i != 20) << i;
             EXPECT_EQ(mounts[i].sizes ? mounts[i].sizes->available : i * 1024, i * 1024);
         }
     }
+    EXPECT_TRUE(readMounts(std::chrono::hours(1), "/m30").at(0).sizes); // whatever else hangs
+    EXPECT_EQ(readOtherKinds(), std::vector<std::string>{"proc"});
     replay::loadHostText("{}");
     EXPECT_THROW(readMounts({}), InventoryError);
+    EXPECT_THROW(readOtherKinds(), InventoryError);
     EXPECT_THROW(ActivitySampler(), InventoryError);
 }
 

@@ -5,7 +5,6 @@ import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import java.time.Instant;
 import java.util.ArrayList;
@@ -34,8 +33,8 @@ public final class Asked {
 
     /** Whether a description answered. */
     final boolean isDescribed;
-    /** Those that were asked for by their mount points, each once. */
-    public final List<SolarisLogicalDisk> sizedFileSystems;
+    /** Those that answered with their sizes or without, one of each mount point. */
+    public final List<FileSystem> sizedFileSystems;
     /** All of them. */
     public final List<SolarisProcessorData> processors;
     /** The counters of each disk. */
@@ -47,13 +46,13 @@ public final class Asked {
     final Disks disks;
     /** By mount point: how it is used; null when the system does not tell. */
     public final Map<String, FileSystemUse> fileSystems;
-    /** By mount point: why it could not be asked. */
-    final Map<String, String> unreadable;
+    /** By mount point: why it could not be asked, or how long it has been waited for. */
+    final Map<String, Object> unreadable;
     /** Null: no array was asked about. */
     final ArrayReport array;
     /** By the command that makes it: what a call raised. */
     final Map<String, String> failures = new LinkedHashMap<>();
-    /** The same of what a check is not about. */
+    /** The same of what a check does without. */
     private final Map<String, String> failuresAside = new LinkedHashMap<>();
     /** Commands whose answer was not waited for. */
     private final Set<String> silent = new HashSet<>();
@@ -88,6 +87,7 @@ public final class Asked {
         recordedAt = library.recordedAt();
         isDescribed = library.isDescribed();
         FileSystems mounted = questions.ask("logical-disks", () -> new FileSystems(library), new FileSystems());
+        mounted.addMounts(askMounts(questions, asking));
         fileSystems = mounted.uses;
         unreadable = mounted.unreadable;
         sizedFileSystems = mounted.sized;
@@ -101,6 +101,15 @@ public final class Asked {
         paths = new Paths(fabric);
         array = arrayArguments.isEmpty() ? null : questions.ask(
             "array", () -> new ArrayReport(library.array(arrayArguments), arrayArguments.subList(0, 2)), null);
+    }
+
+    /** Where there is no inventory, a check is without its mounts. */
+    private List<FileSystem> askMounts(Questions questions, Asking asking) {
+        List<FileSystem> told = questions.ask(Library.MOUNTS, () -> library.mounts(asking.mountLimit()), List.of());
+        if (library.lacksInventory()) {
+            failuresAside.put(Library.MOUNTS, failures.remove(Library.MOUNTS));
+        }
+        return told;
     }
 
     /** Where the disks hang, a second call would hang in them too. */
@@ -163,31 +172,45 @@ public final class Asked {
         }
     }
 
-    /** Each mount point is asked once by name, too: only that tells the sizes. */
+    /** What is mounted, and of each mount point what came of asking it for its sizes. */
     private static final class FileSystems {
-        private final List<SolarisLogicalDisk> listed;
-        private final List<SolarisLogicalDisk> sized = new ArrayList<>();
+        private final List<FileSystem> listed = new ArrayList<>();
+        private final List<FileSystem> sized = new ArrayList<>();
         private final Map<String, FileSystemUse> uses = new LinkedHashMap<>();
-        private final Map<String, String> unreadable = new LinkedHashMap<>();
+        private final Map<String, Object> unreadable = new LinkedHashMap<>();
 
         /** None. */
         FileSystems() {
-            listed = List.of();
         }
 
+        /** The agent's. Each is asked once by name, too: only that tells the sizes. */
         FileSystems(Library library) {
-            listed = library.logicalDisks();
-            listed.stream().map(SolarisLogicalDisk::mountPoint).distinct().forEach(mountPoint -> {
+            listed.addAll(library.logicalDisks());
+            listed.stream().map(each -> each.mountPoint).distinct().forEach(mountPoint -> {
                 try {
-                    SolarisLogicalDisk disk = library.logicalDisk(mountPoint);
-                    FileSystemUse use = new FileSystemUse(disk);
-                    sized.add(disk);
-                    uses.put(mountPoint, use.isKnown() ? use : null);
+                    add(library.logicalDisk(mountPoint));
                 } catch (RuntimeException refused) {
                     uses.put(mountPoint, null);
                     unreadable.put(mountPoint, refused.getMessage());
                 }
             });
+        }
+
+        /** The inventory's. */
+        void addMounts(List<FileSystem> mounts) {
+            listed.addAll(mounts);
+            mounts.forEach(this::add);
+        }
+
+        /** The sizes at a mount point are those of what was mounted there last, whoever tells them. */
+        private void add(FileSystem disk) {
+            if (!uses.containsKey(disk.mountPoint)) {
+                sized.add(disk);
+                uses.put(disk.mountPoint, disk.isSized() ? new FileSystemUse(disk) : null);
+                if (disk.silence != null) {
+                    unreadable.put(disk.mountPoint, disk.silence);
+                }
+            }
         }
     }
 
@@ -205,10 +228,19 @@ public final class Asked {
 
     /** {@return what each disk is; nothing where that cannot be told, which is a line in the log} */
     public List<Identity> identities() {
-        if (failuresAside.containsKey(IDENTITIES)) {
-            library.log().warn(IDENTITIES + ": " + failuresAside.get(IDENTITIES));
-        }
+        warnAside(IDENTITIES);
         return identities;
+    }
+
+    /** Says in the log, where the inventory's mounts cannot be told of, that they cannot. */
+    public void warnOfMounts() {
+        warnAside(Library.MOUNTS);
+    }
+
+    private void warnAside(String question) {
+        if (failuresAside.containsKey(question)) {
+            library.log().warn(question + ": " + failuresAside.get(question));
+        }
     }
 
     /**

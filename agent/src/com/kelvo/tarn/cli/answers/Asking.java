@@ -1,5 +1,7 @@
 package com.kelvo.tarn.cli.answers;
 
+import com.kelvo.tarn.inventory.Mount;
+import java.time.Duration;
 import java.util.function.Supplier;
 
 /** How questions are put to the library, one after the other. */
@@ -22,4 +24,9 @@ public interface Asking {
      * @throws IllegalStateException when the answer is not waited for any longer
      */
     <T> T ask(String command, Supplier<T> question);
+
+    /** {@return how long a mount that may hang has to tell its sizes: less than the question that it is part of has} */
+    default Duration mountLimit() {
+        return Mount.LIMIT;
+    }
 }

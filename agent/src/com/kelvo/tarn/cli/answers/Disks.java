@@ -6,7 +6,6 @@ import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import java.util.ArrayList;
 import java.util.Collection;
 import java.util.Comparator;
@@ -32,7 +31,7 @@ public final class Disks {
     /** The drives that can be opened, by name. */
     final Map<String, TrInstance> drives = new LinkedHashMap<>();
     /** The mounted file systems. */
-    final List<SolarisLogicalDisk> mounted;
+    final List<FileSystem> mounted;
 
     /** Each disk by its name, in lower case too, and the disk of each slice and of each physical path. */
     private final Map<String, String> names = new HashMap<>();
@@ -48,7 +47,7 @@ public final class Disks {
 
     /** What a host tells of its disks; the slices are needed for slices that are not called like their disk. */
     Disks(List<TrInstance> drives, List<TrInstance> partitions, List<SolarisDiskIOInformation> io,
-          List<SolarisLogicalDisk> mounted, List<Identity> identities) {
+          List<FileSystem> mounted, List<Identity> identities) {
         this.mounted = mounted;
         for (Identity identity : identities) {
             this.identities.put(identity.disk, identity);
@@ -70,16 +69,16 @@ public final class Disks {
             know(disk);
             slices.put(Instances.text(partition, SolarisDiskPartitionProvider.name), disk);
         }
-        mounted.stream().map(SolarisLogicalDisk::device).filter(DeviceNames::hasDirectory).forEach(this::knowDevice);
-        for (SolarisLogicalDisk each : mounted) {
-            String disk = ofDevice(each.device());
-            if (!mountedOn.containsKey(each.mountPoint())) {
-                mountedOn.put(each.mountPoint(), disk);
+        mounted.stream().map(each -> each.device).filter(DeviceNames::hasDirectory).forEach(this::knowDevice);
+        for (FileSystem each : mounted) {
+            String disk = ofDevice(each.device);
+            if (!mountedOn.containsKey(each.mountPoint)) {
+                mountedOn.put(each.mountPoint, disk);
             }
             if (disk != null) {
                 List<String> there = mountPoints.computeIfAbsent(disk, added -> new ArrayList<>());
-                if (!there.contains(each.mountPoint())) {
-                    there.add(each.mountPoint());
+                if (!there.contains(each.mountPoint)) {
+                    there.add(each.mountPoint);
                 }
             }
         }
@@ -171,12 +170,12 @@ public final class Disks {
     }
 
     /** The mount point at or above a path, with what is mounted there; null when the path is no such. */
-    SolarisLogicalDisk mountedAt(String path) {
+    FileSystem mountedAt(String path) {
         boolean isDevice = path.startsWith("/dev/") || path.startsWith(DEVICES + "/");
         return mounted.stream().filter(each -> {
-            String mountPoint = each.mountPoint();
+            String mountPoint = each.mountPoint;
             return mountPoint.equals(path)
                 || !isDevice && path.startsWith(mountPoint.endsWith("/") ? mountPoint : mountPoint + "/");
-        }).max(Comparator.comparingInt(each -> each.mountPoint().length())).orElse(null);
+        }).max(Comparator.comparingInt(each -> each.mountPoint.length())).orElse(null);
     }
 }

@@ -1,6 +1,5 @@
 package com.kelvo.tarn.cli.answers;
 
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import java.math.BigInteger;
 
 /** How full a file system is, as df computes it: what nobody may use any more counts neither way. */
@@ -8,30 +7,25 @@ public final class FileSystemUse {
     /** From how many per cent on a file system is full, unless someone says otherwise. */
     public static final int FULL = 90;
 
-    private final SolarisLogicalDisk disk;
+    private final FileSystem disk;
 
     /**
-     * Takes a logical disk.
+     * Takes a file system.
      *
-     * @param disk one that was asked for by name, and so has its sizes
+     * @param disk one that has its sizes
      */
-    public FileSystemUse(SolarisLogicalDisk disk) {
+    public FileSystemUse(FileSystem disk) {
         this.disk = disk;
-    }
-
-    /** {@return false when the system would not tell the sizes, which are then all 0} */
-    public boolean isKnown() {
-        return (disk.totalBytes() | disk.availableBytes() | disk.freeBytes() | disk.blockSize()) != 0;
     }
 
     /** {@return its size in bytes, without a sign} */
     public BigInteger total() {
-        return new Counter(disk.totalBytes()).value();
+        return new Counter(disk.totalBytes).value();
     }
 
     /** {@return the bytes that are free, those kept for root among them} */
     public BigInteger free() {
-        return new Counter(disk.freeBytes()).value();
+        return new Counter(disk.freeBytes).value();
     }
 
     /** {@return the bytes that are not free} */
@@ -44,7 +38,7 @@ public final class FileSystemUse {
      * from the reserve, and count as none.
      */
     public BigInteger available() {
-        return BigInteger.valueOf(Math.max(0, disk.availableBytes()));
+        return BigInteger.valueOf(Math.max(0, disk.availableBytes));
     }
 
     /** {@return whether nothing is available} */

@@ -7,6 +7,7 @@ import com.kelvo.tarn.TrProperty;
 import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.inventory.Inventory;
 import com.kelvo.tarn.inventory.InventoryHost;
+import com.kelvo.tarn.inventory.Mount;
 import com.kelvo.tarn.inventory.Sample;
 import com.kelvo.tarn.inventory.Sampler;
 import com.kelvo.tarn.providers.hba.HbaCache;
@@ -16,7 +17,6 @@ import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisCom
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import com.kelvo.tarn.providers.solaris.SolarisNativeMethod;
 import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
 import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
@@ -24,20 +24,29 @@ import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformati
 import com.kelvo.tarn.providers.solaris.processor.SolarisProcessorProvider.SolarisProcessorData;
 import com.kelvo.tarn.replay.ReplayHost;
 import java.io.File;
+import java.time.Duration;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Objects;
 import java.util.function.Consumer;
 import java.util.function.Supplier;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /** The one door to the native calls. The log lines are named after the disk that they are about. */
 public final class Library {
+    /** What the question is called that no command asks by itself. */
+    static final String MOUNTS = "mounts";
+
     private final SolarisNativeMethod host = new SolarisNativeMethod();
     private final LibraryLog log;
     private Instant recordedAt;
     private boolean isDescribed;
     /** Lets the host that was loaded last answer the inventory, a library of its own; null once it does. */
     private Runnable pending;
+    /** Why the inventory is not there, when it was first asked; null when it is. */
+    private LinkageError missing;
 
     /**
      * Asks the host that answers at the time of each question.
@@ -106,28 +115,73 @@ public final class Library {
         return host.getOperatingSystem();
     }
 
-    /** {@return the mounted file systems, without their sizes} */
-    public List<SolarisLogicalDisk> logicalDisks() {
-        return host.enumerateLogicalDiskNames();
+    /** {@return the mounted file systems of the agent's kinds, ufs and nfs, without their sizes} */
+    public List<FileSystem> logicalDisks() {
+        return host.enumerateLogicalDiskNames().stream().map(FileSystem::new).collect(Collectors.toList());
     }
 
     /**
-     * {@return the file system that is mounted there, with its sizes}
+     * {@return the file system of the agent's kinds that is mounted there, with its sizes}
      *
      * @param mountPoint where
      */
-    public SolarisLogicalDisk logicalDisk(String mountPoint) {
-        return host.getLogicalDiskByName(mountPoint);
+    public FileSystem logicalDisk(String mountPoint) {
+        return new FileSystem(host.getLogicalDiskByName(mountPoint));
+    }
+
+    /** The mounted file systems of the kinds that the inventory adds, zfs and vxfs, with their sizes. */
+    List<FileSystem> mounts(Duration limit) {
+        return listed(() -> Inventory.mounts(limit), limit);
     }
 
     /**
-     * {@return the same disk with its sizes; as it is when it was unmounted since}
+     * {@return the file system of the inventory's kinds that is mounted there, with its sizes; null when there is none,
+     * or where it cannot be asked, which is a line in the log}
+     *
+     * @param mountPoint where
+     */
+    public FileSystem knownMount(String mountPoint) {
+        Duration limit = Mount.LIMIT;
+        return orNone(MOUNTS, () -> listed(() -> Stream.ofNullable(Inventory.mount(mountPoint, limit))
+            .collect(Collectors.toList()), limit)).stream().findFirst().orElse(null);
+    }
+
+    private List<FileSystem> listed(Supplier<List<Mount>> question, Duration limit) {
+        return ofMountTable(question).stream().map(mount -> new FileSystem(mount, limit)).collect(Collectors.toList());
+    }
+
+    /**
+     * {@return the mounted file systems of the kinds that the inventory adds, zfs and vxfs, with their sizes; none
+     * where it cannot be asked, which is a line in the log}
+     *
+     * @param limit how long each has to tell them; with none, they are listed and not asked
+     */
+    public List<FileSystem> knownMounts(Duration limit) {
+        return orNone(MOUNTS, () -> mounts(limit));
+    }
+
+    /** {@return the kind of each mount that is of none of these kinds; the like} */
+    public List<String> knownOtherKinds() {
+        return orNone(MOUNTS, () -> ofMountTable(Inventory::otherKinds));
+    }
+
+    /** The mounted file systems of all these kinds, without their sizes. What cannot be listed is a line in the log. */
+    List<FileSystem> knownFileSystems() {
+        return Stream.of(orNone("logical-disks", this::logicalDisks), knownMounts(Duration.ZERO)).flatMap(List::stream)
+            .collect(Collectors.toList());
+    }
+
+    /**
+     * {@return the same file system with its sizes; as it is when it was unmounted since}
      *
      * @param disk one without
      */
-    public SolarisLogicalDisk withSizes(SolarisLogicalDisk disk) {
+    public FileSystem withSizes(FileSystem disk) {
+        if (disk.isOfInventory()) {
+            return Objects.requireNonNullElse(knownMount(disk.mountPoint), disk);
+        }
         try {
-            return logicalDisk(disk.mountPoint());
+            return logicalDisk(disk.mountPoint);
         } catch (RuntimeException gone) {
             return disk;
         }
@@ -217,8 +271,7 @@ public final class Library {
      * @throws LinkageError when the inventory's library is not there
      */
     public List<Identity> identities() {
-        tellInventory();
-        return Inventory.identities();
+        return ofInventory(Inventory::identities);
     }
 
     /** {@return what each disk is; nothing where that cannot be told, which is a line in the log} */
@@ -242,7 +295,7 @@ public final class Library {
      */
     public Fabric fabric(HbaCache.Hba[] adapters, boolean ownNames, boolean asAgent, List<Identity> identities) {
         Disks disks = new Disks(orNone("disks", () -> log.unheard(this::disks)), List.of(), List.of(),
-                                orNone("logical-disks", () -> log.unheard(this::logicalDisks)), identities);
+                                log.unheard(this::knownFileSystems), identities);
         return new Fabric(disks, adapters, ownNames ? adapters : log.unheard(() -> hba(true, false, false)),
                           asAgent);
     }
@@ -291,8 +344,36 @@ public final class Library {
      * @throws IllegalArgumentException when the file of the host's description cannot be read once more
      */
     public Sampler sampler() {
-        tellInventory();
-        return Inventory.sampler();
+        return ofInventory(Inventory::sampler);
+    }
+
+    /** Where the inventory is not there, each question is refused with the reason that the first one was given. */
+    private <T> T ofInventory(Supplier<T> question) {
+        try {
+            tellInventory();
+            return question.get();
+        } catch (LinkageError absent) {
+            synchronized (this) {
+                missing = missing == null ? absent : missing;
+                throw missing;
+            }
+        }
+    }
+
+    /** {@return whether the inventory was asked, and is not there} */
+    synchronized boolean lacksInventory() {
+        return missing != null;
+    }
+
+    /** What a host without a mount table has mounted is nothing, as the agent has it. */
+    private <T> List<T> ofMountTable(Supplier<List<T>> question) {
+        return ofInventory(() -> {
+            try {
+                return question.get();
+            } catch (RuntimeException unopened) {
+                return List.of();
+            }
+        });
     }
 
     /** To be called before the inventory is asked. */

@@ -21,11 +21,18 @@ public final class LibraryLog extends AppenderSkeleton {
         /** As the library logged it. */
         public final String message;
 
+        private final transient boolean isOwn;
         private transient String subject = "";
 
-        private Line(String level, String message) {
+        private Line(String level, String message, boolean isOwn) {
             this.level = level;
             this.message = message;
+            this.isOwn = isOwn;
+        }
+
+        /** {@return whether it is the command line's own, and not the library's} */
+        public boolean isOwn() {
+            return isOwn;
         }
 
         /** {@return whether it tells of trouble} */
@@ -89,7 +96,7 @@ public final class LibraryLog extends AppenderSkeleton {
         List<Line> since = new ArrayList<>(lines.subList(Math.min(mark, lines.size()), lines.size()));
         int more = mark() - Math.max(mark, lines.size());
         if (more > 0) {
-            since.add(new Line(kept.get().unkeptWarnings ? "warn" : "info", "and " + more + " lines more"));
+            since.add(new Line(kept.get().unkeptWarnings ? "warn" : "info", "and " + more + " lines more", false));
         }
         return since;
     }
@@ -127,18 +134,20 @@ public final class LibraryLog extends AppenderSkeleton {
         }
     }
 
-    /** A line of the command line's own: what could not be asked, and why. */
+    /** A line of the command line's own, said once: what could not be asked, and why. */
     void warn(String message) {
-        add("warn", message);
+        if (kept.get().lines.stream().noneMatch(line -> line.isOwn && line.message.equals(message))) {
+            add(new Line("warn", message, true));
+        }
     }
 
-    private void add(String level, String message) {
+    private void add(Line line) {
         Kept own = kept.get();
         if (own.lines.size() < KEPT) {
-            own.lines.add(new Line(level, message));
+            own.lines.add(line);
         } else {
             own.unkept++;
-            own.unkeptWarnings |= level.equals("warn");
+            own.unkeptWarnings |= line.isWarning();
         }
     }
 
@@ -147,7 +156,7 @@ public final class LibraryLog extends AppenderSkeleton {
         if (only != null && only != Thread.currentThread()) {
             return;
         }
-        add(event.getLevel().toString().toLowerCase(Locale.ROOT), event.getRenderedMessage());
+        add(new Line(event.getLevel().toString().toLowerCase(Locale.ROOT), event.getRenderedMessage(), false));
     }
 
     @Override

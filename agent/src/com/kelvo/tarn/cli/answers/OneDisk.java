@@ -5,7 +5,6 @@ import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.hba.HbaCache;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import java.util.HashMap;
 import java.util.HashSet;
 import java.util.LinkedHashSet;
@@ -33,7 +32,7 @@ public final class OneDisk {
     /** Null: the kernel does not count its I/O. */
     public final SolarisDiskIOInformation io;
     /** The file systems on it, by whichever device, with their sizes. */
-    public final List<SolarisLogicalDisk> mounts;
+    public final List<FileSystem> mounts;
     /** All paths to the logical units behind Fibre Channel that the disk is one path to, or a pseudo device over. */
     public final List<LogicalUnit.NamedPath> paths;
 
@@ -56,7 +55,7 @@ public final class OneDisk {
         identity = host.disks.identity(List.of(name));
         Set<String> volume = new LinkedHashSet<>(host.disks.sameVolume(identity));
         volume.add(name);
-        mounts = host.disks.mounted.stream().filter(mounted -> volume.contains(host.disks.ofDevice(mounted.device())))
+        mounts = host.disks.mounted.stream().filter(mounted -> volume.contains(host.disks.ofDevice(mounted.device)))
             .map(host.library::withSizes).collect(Collectors.toList());
         units = host.paths.units.stream()
             .filter(unit -> unit.paths.stream().anyMatch(path -> volume.contains(host.diskOf(path))))
@@ -115,8 +114,7 @@ public final class OneDisk {
             partitions = library.orNone("partitions", library::partitions);
             io = library.orNone("disk-io", library::diskIo);
             io.forEach(each -> counted.putIfAbsent(Disks.nameOf(each), each));
-            disks = new Disks(drives, partitions, io, library.orNone("logical-disks", library::logicalDisks),
-                              library.knownIdentities());
+            disks = new Disks(drives, partitions, io, library.knownFileSystems(), library.knownIdentities());
             paths = new Paths(library.orNone("hba", () -> List.of(library.fabric(disks))).stream().findFirst()
                                   .orElseGet(() -> new Fabric(disks, new HbaCache.Hba[0], new HbaCache.Hba[0], false)));
             allPaths().map(LogicalUnit.Path::deviceName).forEach(disks::knowDevice);
@@ -138,8 +136,8 @@ public final class OneDisk {
         /** The disk's own name; null when nothing is known by that one. */
         private String resolve(String asked, Consumer<String> remark) {
             String named = Stream.<Supplier<Stream<String>>>of(
-                () -> disks.mounted.stream().filter(mounted -> mounted.mountPoint().equals(asked))
-                    .map(mounted -> disks.ofDevice(mounted.device())),
+                () -> disks.mounted.stream().filter(mounted -> mounted.mountPoint.equals(asked))
+                    .map(mounted -> disks.ofDevice(mounted.device)),
                 () -> Stream.of(asked.contains("/") ? "" : asked).map(disks::ofEntry),
                 () -> Stream.ofNullable(disks.ofDevice(asked)),
                 () -> io.stream().filter(counted -> counted.instanceName().equalsIgnoreCase(asked)).map(Disks::nameOf),
@@ -160,12 +158,12 @@ public final class OneDisk {
                 }
                 return oneVolume ? first : null;
             }
-            SolarisLogicalDisk mounted = disks.mountedAt(asked);
+            FileSystem mounted = disks.mountedAt(asked);
             if (mounted != null) {
-                String disk = disks.ofDevice(mounted.device());
+                String disk = disks.ofDevice(mounted.device);
                 if (disk == null) {
-                    remark.accept((mounted.device().startsWith("/dev/md/") ? "the metadevice " : "")
-                                  + mounted.device() + " (" + mounted.fileSystemType() + ") is mounted there");
+                    remark.accept((mounted.device.startsWith("/dev/md/") ? "the metadevice " : "")
+                                  + mounted.device + " (" + mounted.fileSystemType + ") is mounted there");
                 }
                 return disk;
             }

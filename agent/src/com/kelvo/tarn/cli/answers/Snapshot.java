@@ -58,8 +58,12 @@ public final class Snapshot {
         this.library = library;
         Asked asked = new Asked(library, List.of());
         asked.identities(); // where they cannot be told, that is to be said
+        asked.warnOfMounts();
         recordedAt = asked.recordedAt;
         failures.putAll(asked.failures);
+        if (failures.containsKey(Library.MOUNTS)) { // else they would seem to have vanished
+            failures.putIfAbsent("logical-disks", failures.remove(Library.MOUNTS));
+        }
         ask("computer-system", this::addComputerSystem);
         ask("operating-system", this::addOperatingSystem);
         ask("processors", found -> addProcessors(asked, found));
@@ -159,12 +163,12 @@ public final class Snapshot {
     private void addFileSystems(Asked asked, Map<String, Map<String, Object>> found) {
         asked.disks.mounted.forEach(disk -> {
             Map<String, Object> values = new LinkedHashMap<>();
-            values.put("device", disk.device());
-            values.put("fileSystemType", disk.fileSystemType());
-            FileSystemUse use = asked.fileSystems.get(disk.mountPoint());
+            values.put("device", disk.device);
+            values.put("fileSystemType", disk.fileSystemType);
+            FileSystemUse use = asked.fileSystems.get(disk.mountPoint);
             values.put("totalBytes", use == null ? null : use.total().longValue());
-            usage.put(disk.mountPoint(), use == null ? null : use.usedPercent());
-            add(found, "file system " + disk.mountPoint(), values);
+            usage.put(disk.mountPoint, use == null ? null : use.usedPercent());
+            add(found, "file system " + disk.mountPoint, values);
         });
     }
 

@@ -131,9 +131,11 @@ public final class CheckCommand extends TableCommand {
         Asked before = baseline == null ? null
             : tarn().at(baseline, spec().commandLine(), () -> new Asked(library(), List.of()));
         Check check = Check.of(asked, before, rules);
+        asked.warnOfMounts();
         return Answer.table(Verdict.document(check, asked), () -> table(check))
             .shownAs(out -> Verdict.show(check, asked, rules, tarn().isBuiltInHost(), out))
-            .withStatus(STATES.indexOf(check.state)).withLog(line -> !line.isWarning()); // which are findings
+            .withStatus(STATES.indexOf(check.state))
+            .withLog(line -> line.isOwn() || !line.isWarning()); // the library's are findings
     }
 
     private static Table<?> table(Check check) {

@@ -3,6 +3,7 @@ package com.kelvo.tarn.cli.commands;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.cli.answers.Disks;
 import com.kelvo.tarn.cli.answers.Counter;
+import com.kelvo.tarn.cli.answers.FileSystem;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.OneDisk;
@@ -14,7 +15,6 @@ import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskPartitionProvider;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
@@ -145,10 +145,10 @@ public final class DiskCommand extends TableCommand {
     }
 
     /** Where the slice is mounted; the table of mounts need not know of it. */
-    private static String mountPoint(TrInstance slice, List<SolarisLogicalDisk> mounts) {
+    private static String mountPoint(TrInstance slice, List<FileSystem> mounts) {
         return mounts.stream()
-            .filter(mount -> mount.device().endsWith("/" + Instances.text(slice, SolarisDiskPartitionProvider.name)))
-            .map(SolarisLogicalDisk::mountPoint).findFirst()
+            .filter(mount -> mount.device.endsWith("/" + Instances.text(slice, SolarisDiskPartitionProvider.name)))
+            .map(mount -> mount.mountPoint).findFirst()
             .orElse(slice.get(SolarisDiskPartitionProvider.mounted).equals(true) ? "yes" : "no");
     }
 }

@@ -129,6 +129,20 @@ public final class Answer {
     }
 
     /**
+     * Shows people a line more below what they see.
+     *
+     * @param remark the line
+     * @return this answer
+     */
+    public Answer followedBy(String remark) {
+        Consumer<Page> shown = summary;
+        return shownAs(out -> {
+            shown.accept(out);
+            out.printFolded(remark);
+        });
+    }
+
+    /**
      * Sets what the report shows.
      *
      * @param shown writes the answer as a section of it

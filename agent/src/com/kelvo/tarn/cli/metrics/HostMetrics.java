@@ -8,6 +8,7 @@ import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.DiskErrors;
 import com.kelvo.tarn.cli.answers.Fabric;
+import com.kelvo.tarn.cli.answers.FileSystem;
 import com.kelvo.tarn.cli.answers.FileSystemUse;
 import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.Library;
@@ -23,7 +24,6 @@ import com.kelvo.tarn.providers.hba.FCPortStatisticsProvider;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.solaris.SolarisComputerSystemProvider.SolarisComputerSystem;
 import com.kelvo.tarn.providers.solaris.SolarisDiskIOInformationProvider.SolarisDiskIOInformation;
-import com.kelvo.tarn.providers.solaris.SolarisLogicalDiskProvider.SolarisLogicalDisk;
 import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOperatingSystem;
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import java.math.BigDecimal;
@@ -61,7 +61,8 @@ public final class HostMetrics {
         metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
         metrics.section("operating-system",
                         () -> metrics.add(asking.ask("operating-system", library::operatingSystem)));
-        metrics.answered("logical-disks", metrics::addFileSystems);
+        metrics.answered("logical-disks", () -> metrics.addFileSystems(false));
+        metrics.answered("mounts", () -> metrics.addFileSystems(true));
         metrics.answered("processors", metrics::addProcessors);
         metrics.section("cpu", () -> asking.ask("cpu", library::cpu).forEach(metrics::add));
         metrics.section("activity", () -> metrics.add(metrics.sample(asking, sampling)));
@@ -146,14 +147,14 @@ public final class HostMetrics {
         }
     }
 
-    /** One that would not tell its sizes, or is not mounted any more, has none. */
-    private void addFileSystems() {
+    /** The agent's, or the inventory's. One that would not tell its sizes, or is not mounted any more, has none. */
+    private void addFileSystems(boolean ofInventory) {
         Exposition.Family sizes = out.gauge("tarn_filesystem_bytes", "The sizes of mounted file systems.");
-        for (SolarisLogicalDisk disk : asked.sizedFileSystems) {
-            FileSystemUse use = new FileSystemUse(disk);
-            if (use.isKnown()) {
-                Object[] labels = {"mountpoint", disk.mountPoint(), "device", disk.device(), "fstype",
-                                   disk.fileSystemType()};
+        for (FileSystem disk : asked.sizedFileSystems) {
+            if (disk.isOfInventory() == ofInventory && disk.isSized()) {
+                FileSystemUse use = new FileSystemUse(disk);
+                Object[] labels = {"mountpoint", disk.mountPoint, "device", disk.device, "fstype",
+                                   disk.fileSystemType};
                 sizes.sample(use.total(), with(labels, "kind", "total"));
                 sizes.sample(use.free(), with(labels, "kind", "free"));
                 sizes.sample(use.available(), with(labels, "kind", "available"));

@@ -9,6 +9,7 @@ import com.kelvo.tarn.cli.answers.Instances;
 import com.kelvo.tarn.cli.answers.LogicalUnit;
 import com.kelvo.tarn.cli.answers.PortError;
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
+import java.time.Duration;
 import java.util.Collection;
 import java.util.List;
 import java.util.Map;
@@ -21,7 +22,9 @@ import java.util.stream.Stream;
 public final class FindingWords {
     /** By the finding's code, of its fact; of any other, the fact itself is the words. */
     private static final Map<String, Function<Object, String>> WORDS = Map.ofEntries(
-        Map.entry("file-system-unreadable", message -> Objects.toString(message, "the system does not tell its sizes")),
+        Map.entry("file-system-unreadable", why -> why instanceof Duration
+            ? "it gave no sizes within " + Units.seconds((Duration) why)
+            : Objects.toString(why, "the system does not tell its sizes")),
         Map.entry("file-system-full", use -> full((FileSystemUse) use)),
         Map.entry("processor-offline", state -> "its state is " + state),
         Map.entry("disk-unreadable", none -> "it has I/O counters, but cannot be opened"),

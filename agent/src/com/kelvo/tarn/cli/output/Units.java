@@ -75,6 +75,16 @@ public final class Units {
             : seconds < 86400 ? count(seconds / 3600, "hour") : count(seconds / 86400, "day");
     }
 
+    /**
+     * {@return a span of time to the thousandth, such as "2.5 seconds"}
+     *
+     * @param time the span
+     */
+    public static String seconds(Duration time) {
+        String number = BigDecimal.valueOf(time.toMillis(), 3).stripTrailingZeros().toPlainString();
+        return number + (number.equals("1") ? " second" : " seconds");
+    }
+
     private static String count(long number, String noun) {
         return number + " " + noun + (number == 1 ? "" : "s");
     }

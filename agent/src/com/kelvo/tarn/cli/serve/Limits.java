@@ -2,6 +2,8 @@ package com.kelvo.tarn.cli.serve;
 
 import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.answers.LibraryLog;
+import com.kelvo.tarn.inventory.Mount;
+import java.time.Duration;
 import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.concurrent.ExecutionException;
@@ -25,6 +27,12 @@ final class Limits implements Asking {
     Limits(LibraryLog log, int seconds) {
         this.log = log;
         this.seconds = seconds;
+    }
+
+    @Override
+    public Duration mountLimit() {
+        Duration half = Duration.ofMillis(seconds * 500L);
+        return half.compareTo(Mount.LIMIT) < 0 ? half : Mount.LIMIT;
     }
 
     @Override
