@@ -18,10 +18,10 @@ import picocli.CommandLine.Option;
 
 /** {@code check}: a {@link Check} for people, or a line each for programs. */
 @Command(name = "check", description = "What is wrong with the host, worst first.",
-         exitCodeOnInvalidInput = FindingOptions.UNKNOWN,
-         exitCodeOnExecutionException = FindingOptions.UNKNOWN,
-         footer = "Exit status, as monitoring plugins have it: 0 nothing, 1 warnings, 2 something critical, 3 bad "
-             + "usage or an unreadable host description.")
+         exitCodeOnInvalidInput = FindingOptions.UNKNOWN, exitCodeOnExecutionException = FindingOptions.UNKNOWN,
+         footer = "With --max-age, a recording that does not say when it was made is too old. Exit status, as "
+             + "monitoring plugins have it: 0 nothing, 1 warnings, 2 something critical, 3 bad usage or an unreadable "
+             + "host description.")
 public final class CheckCommand extends TableCommand {
     @Mixin
     private ArrayOption array;
@@ -84,7 +84,8 @@ public final class CheckCommand extends TableCommand {
         Check check = Check.of(asked, before, rules);
         return Answer.table(Verdict.document(check, asked), () -> table(check))
             .shownAs(out -> Verdict.show(check, asked, rules, tarn().isBuiltInHost(), out))
-            .withStatus(FindingOptions.STATES.indexOf(check.state)).withLog(line -> !line.isWarning()); // which are findings
+            .withStatus(FindingOptions.STATES.indexOf(check.state))
+            .withLog(line -> !line.isWarning()); // which are findings
     }
 
     private static Table<?> table(Check check) {

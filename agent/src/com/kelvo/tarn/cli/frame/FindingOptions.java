@@ -32,7 +32,7 @@ public final class FindingOptions {
     private CommandSpec spec;
 
     @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, "
-            + "7d. One that does not say is too old.")
+            + "7d.")
     private String maxAge;
 
     @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any "

@@ -128,8 +128,8 @@ public final class LibraryReader implements HostReader {
             .filter(name -> paths.stream().allMatch(path -> switches(path).anyMatch(name::equals)))
             .sorted().collect(Collectors.toList());
         facts.add(HostTable.REACH, identity, distinct(paths, path -> Stream.of(path.near() + " " + path.far())).size(),
-                  distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(), switches.size(), arrayPorts.size(),
-                  paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
+                  distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(), switches.size(),
+                  arrayPorts.size(), paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
                   shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts));
     }
 
