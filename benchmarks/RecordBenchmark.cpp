@@ -86,8 +86,8 @@ void readDirectory(const char *path) {
     solaris::closedir(directory);
 }
 
-void sendInquiry(int descriptor) {
-    std::array<unsigned char, 10> cdb = tarn::standardInquiry.block();
+void sendInquiry(int descriptor, const tarn::ScsiCommand &inquiry) {
+    std::array<unsigned char, 10> cdb = inquiry.block();
     unsigned char answer[tarn::inquirySize];
     uscsi_cmd command{};
     command.uscsi_flags = USCSI_READ;
@@ -123,7 +123,8 @@ void askRawDevices(const Paths &paths) {
         solaris::close(device);
         if (path.ends_with(tarn::wholeDiskSlice)) {
             const int disk = solaris::open(path.c_str(), tarn::openForCommands);
-            sendInquiry(disk);
+            sendInquiry(disk, tarn::standardInquiry);
+            sendInquiry(disk, tarn::inquiry00); // of a release that may know pages
             solaris::close(disk);
         }
     }

@@ -11,7 +11,6 @@
 namespace description {
 namespace {
 
-constexpr std::size_t partSize = 65536; // from which on a part is handed over
 constexpr std::size_t indentationStep = 2;
 
 /// By character: whether it stands in a JSON string as it is.
@@ -48,7 +47,7 @@ bool JsonWriter::isText(std::string_view bytes) {
 
 void JsonWriter::begin(char bracket, Layout layout) {
     separate();
-    document += bracket;
+    put(bracket);
     levels.push_back({layout, true});
     indentation += layout == Layout::lines ? indentationStep : 0;
 }
@@ -60,12 +59,22 @@ void JsonWriter::end(char bracket) {
             newLine();
         }
     }
-    document += bracket;
+    put(bracket);
     levels.pop_back();
-    if (document.size() >= partSize) {
-        sink(document);
-        document.clear();
+}
+
+void JsonWriter::putBeyond(std::string_view piece) {
+    handOver();
+    if (piece.size() > part.size()) {
+        sink(piece);
+    } else {
+        put(piece);
     }
+}
+
+void JsonWriter::handOver() {
+    sink({part.data(), used});
+    used = 0;
 }
 
 void JsonWriter::separate() {
@@ -74,31 +83,30 @@ void JsonWriter::separate() {
     }
     Level &level = levels.back();
     const bool isFirst = std::exchange(level.isEmpty, false);
-    if (!isFirst) {
-        document += ',';
-    }
     if (level.layout == Layout::lines) {
+        put(isFirst ? "" : ",");
         newLine();
     } else if (!isFirst) {
-        document += ' ';
+        put(", ");
     }
 }
 
 void JsonWriter::newLine() {
-    document += '\n';
-    document.append(indentation, ' ');
+    put('\n');
+    for (std::size_t i = 0; i < indentation; ++i) {
+        put(' ');
+    }
 }
 
 void JsonWriter::name(std::string_view text) {
     this->text(text);
-    document += ": ";
+    put(": ");
     isNamed = true;
 }
 
-void JsonWriter::identifier(std::string_view text) {
+void JsonWriter::identifier(std::string_view quoted) {
     separate();
-    quote(text);
-    document += ": ";
+    put(quoted);
     isNamed = true;
 }
 
@@ -108,7 +116,7 @@ void JsonWriter::text(std::string_view bytes) {
         quote(bytes);
     } else if (const std::optional<std::string> string = escaped(bytes)) {
         separate();
-        document += *string;
+        put(*string);
     } else {
         beginObject();
         name("hex");
@@ -118,23 +126,22 @@ void JsonWriter::text(std::string_view bytes) {
 }
 
 void JsonWriter::quote(std::string_view plain) {
-    document += '"';
-    document += plain;
-    document += '"';
+    put('"');
+    put(plain);
+    put('"');
 }
 
 void JsonWriter::hexBytes(std::span<const unsigned char> bytes, std::string_view separator) {
     separate();
-    document += '"';
+    put('"');
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         if (i != 0 && !separator.empty()) {
-            document += separator;
+            put(separator);
         }
         const std::array<char, 2> digits = tarn::hexDigits(bytes[i]);
-        document += digits[0];
-        document += digits[1];
+        put({digits.data(), digits.size()});
     }
-    document += '"';
+    put('"');
 }
 
 } // namespace description

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <span>
@@ -13,6 +16,15 @@
 namespace description {
 
 enum class Layout { inline_, lines };
+
+/// `"name": ` of an identifier of that length, which needs no look.
+template <std::size_t length>
+constexpr std::array<char, length + 4> quotedName(std::string_view name) {
+    std::array<char, length + 4> quoted{'"'};
+    std::ranges::copy(name, quoted.begin() + 1);
+    std::ranges::copy(std::string_view("\": "), quoted.end() - 3);
+    return quoted;
+}
 
 /// Takes a text part by part.
 using TextSink = std::function<void(std::string_view)>;
@@ -41,8 +53,8 @@ public:
     /// Of the member whose value comes next: a text that `isText` takes.
     void name(std::string_view text);
 
-    /// Likewise an identifier, which needs no look: of a large host's text half is the names of its members.
-    void identifier(std::string_view text);
+    /// Likewise an identifier, as `quotedName` has it: of a large host's text half is the names of its members.
+    void identifier(std::string_view quoted);
 
     /// A string, or {"hex": ...} of what is no UTF-8 text.
     void text(std::string_view bytes);
@@ -54,18 +66,18 @@ public:
     void number(Number value) {
         separate();
         char digits[std::numeric_limits<Number>::digits10 + 2];
-        document.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
+        put(std::string_view(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr));
     }
 
     void null() {
         separate();
-        document += "null";
+        put("null");
     }
 
     /// Hands over what is left of the document.
     void finish() {
-        document += '\n';
-        sink(document);
+        put('\n');
+        handOver();
     }
 
     /// Whether a name or string can be made of the bytes as they are.
@@ -86,8 +98,25 @@ private:
 
     void quote(std::string_view plain);
 
+    // Ten small pieces make a member, so they go into a part of fixed size: appended to a string they take twice the time.
+
+    void put(char character) {
+        put(std::string_view(&character, 1));
+    }
+    void put(std::string_view piece) {
+        if (piece.size() > part.size() - used) {
+            putBeyond(piece);
+            return;
+        }
+        std::memcpy(part.data() + used, piece.data(), piece.size());
+        used += piece.size();
+    }
+    void putBeyond(std::string_view piece); // what the part has no room for
+    void handOver();
+
     TextSink sink;
-    std::string document;                                  // what of it is not handed over
+    std::array<char, 65536> part;
+    std::size_t used = 0;                                  // of the part: what is not handed over
     std::vector<Level> levels = {{Layout::inline_, true}}; // the outermost is around the document
     std::size_t indentation = 0;
     bool isNamed = false; // the value that comes next

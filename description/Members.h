@@ -225,7 +225,8 @@ private:
     static void writeMember(JsonWriter &writer, const T &value, const T &usual) {
         constexpr const Member<T> &member = members<T>[row];
         if (!member.isSame(value, usual)) {
-            writer.identifier(member.name);
+            static constexpr auto quoted = quotedName<member.name.size()>(member.name);
+            writer.identifier({quoted.data(), quoted.size()});
             member.write(writer, value, usual);
         }
     }

@@ -179,8 +179,8 @@ private:
 
 Ask wayToAskDisk(std::size_t kind, const Options &options) {
     const auto asker = std::make_shared<DiskAsker>(options.arrays, options.arrayPages);
-    return [kind, asker](std::string_view text, Teller &teller) {
-        const std::string path(text);
+    return [kind, asker, path = std::string()](std::string_view text, Teller &teller) mutable {
+        path = text;
         switch (kind) {
         case Askers::rawEntry:
             return asker->askRaw(path, teller);

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <iterator>
-#include <span>
 #include <utility>
 
 #include "common/system/DiskDevices.h"
@@ -52,8 +52,7 @@ bool agree(const std::optional<T> &one, const std::optional<T> &other) {
     if constexpr (std::equality_comparable<T>) {
         return !one || !other || *one == *other;
     } else {
-        return !one || !other ||
-               std::ranges::equal(std::as_bytes(std::span(&*one, 1)), std::as_bytes(std::span(&*other, 1)));
+        return !one || !other || std::memcmp(&*one, &*other, sizeof *one) == 0;
     }
 }
 
@@ -245,6 +244,25 @@ void Answers::add(Answers &&other) {
     outcomes.add(other.outcomes);
     addTo(geometry, other.geometry);
     addTo(label, other.label);
+}
+
+// Labels are large: an empty one is not copied over them, entry by entry.
+void Answers::clear() {
+    outcomes = {};
+    geometry.reset();
+    label.reset();
+    for (std::vector<unsigned char> &command : commands) {
+        command.clear();
+    }
+}
+
+void SeenEntry::clear() {
+    name = {};
+    link = {};
+    device.reset();
+    partition.reset();
+    isMounted = false;
+    answers.clear();
 }
 
 std::string_view diskNameOf(std::string_view entryName) {

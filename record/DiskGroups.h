@@ -57,6 +57,7 @@ struct Answers {
 
     bool agreesWith(const Answers &other) const;
     void add(Answers &&other);
+    void clear();
 };
 
 /// What readlink tells of an entry.
@@ -78,6 +79,9 @@ struct SeenEntry {
     std::optional<ushort_t> partition;
     bool isMounted = false;
     Answers answers;
+
+    /// For the next entry.
+    void clear();
 };
 
 /// A slice, as far as it was seen in either directory.

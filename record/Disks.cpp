@@ -268,7 +268,7 @@ public:
         if (!isStopped()) {
             report.notRead("disks", pathOf(item), reason);
         }
-        entry = {};
+        entry.clear();
         isRegular = false;
     }
 
@@ -279,7 +279,7 @@ public:
         } else {
             addDevice(item);
         }
-        entry = {};
+        entry.clear();
         isRegular = false;
     }
 

@@ -1,6 +1,5 @@
 #include "common/hba/Conversions.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "common/system/Hexadecimal.h"
@@ -11,7 +10,9 @@ const char *toString(const HBA_wwn &wwn) {
     thread_local char text[2 * sizeof wwn.wwn + 1];
     char *next = text;
     for (const HBA_UINT8 byte : wwn.wwn) {
-        next = std::ranges::copy(hexDigits(byte), next).out;
+        const auto [high, low] = hexDigits(byte);
+        *next++ = high;
+        *next++ = low;
     }
     *next = '\0';
     return text;

@@ -35,7 +35,7 @@ jobject HbaCacheImpl::nameOf(jobject cimClass) {
 }
 
 jobject HbaCacheImpl::wwnText(const HBA_wwn &wwn) {
-    return jni::newString(env, toString(wwn));
+    return jni::required(env->NewStringUTF(toString(wwn)));
 }
 
 jobject HbaCacheImpl::uint32(HBA_UINT32 value) {
@@ -55,7 +55,7 @@ jobject HbaCacheImpl::uint64(long long value) {
 }
 
 jobject HbaCacheImpl::string(char *text, int size) {
-    return jni::newString(env, terminateString(text, size));
+    return jni::required(env->NewStringUTF(terminateString(text, size))); // which leaves ASCII
 }
 
 } // namespace tarn

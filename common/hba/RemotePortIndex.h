@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <compare>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -14,8 +16,10 @@ class RemotePortIndex {
 public:
     /// Where in the mapping an entry of that remote port stands.
     struct Place {
-        HBA_WWN portWWN;
+        std::uint64_t port; ///< its name as a number, byte 0 highest
         HBA_UINT32 position;
+
+        auto operator<=>(const Place &) const = default;
     };
 
     /// Throws std::bad_alloc, which can only happen for a mapping of more than 512 entries.
@@ -27,7 +31,7 @@ public:
 private:
     std::array<Place, TargetMappingTable::ownRoom> own;
     std::vector<Place> heap;
-    std::span<Place> places; // in the order of the port names, and of the mapping below that
+    std::span<Place> places; // in order
 };
 
 } // namespace tarn

@@ -30,7 +30,7 @@ COMMANDS = ["report", f"--json report --array {ARRAY}", "computer-system", "oper
             "hba --keep-os-device-name --leadville", "hba --force-leadville", "hba-test", f"array {ARRAY}", "build-date",
             "paths", "check", f"check --array {ARRAY}", "map --all", "metrics", *NAMED]
 # About the users, held below or beside the others, about no host.
-ELSEWHERE = {"authenticate", "record", "watch", "serve", "san", "help", "completion"}
+ELSEWHERE = {"anonymous", "authenticate", "record", "watch", "serve", "san", "help", "completion"}
 
 
 def run(command, host=None, **more):

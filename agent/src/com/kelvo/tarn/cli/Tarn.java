@@ -35,7 +35,7 @@ public final class Tarn extends TarnOptions {
     private static final List<String> COMMANDS = List.of(
         "report", "computer-system", "operating-system", "logical-disks", "processors", "cpu", "disk-io", "disks",
         "partitions", "hba", "hba-test", "array", "authenticate", "build-date", "paths", "disk", "check", "compare",
-        "map", "metrics", "watch", "serve", "record", "san", "help", "completion", "manual");
+        "map", "metrics", "watch", "serve", "record", "anonymous", "san", "help", "completion", "manual");
 
     /** Those that work on all the others; the report only on its sections. */
     private static final Set<String> WORKS_ON_ALL = Set.of("help", "completion", "manual");

@@ -92,7 +92,8 @@ public final class ManualPage {
     }
 
     private static String usage(ArgSpec argument) {
-        String words = argument instanceof PositionalParamSpec ? argument.paramLabel()
+        String words = argument instanceof PositionalParamSpec
+            ? argument.paramLabel() + (argument.arity().max() > 1 ? "..." : "")
             : ((OptionSpec) argument).longestName() + label(argument);
         return argument.required() ? words : "[" + words + "]";
     }

@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.san;
 
+import com.kelvo.tarn.cli.output.Reasons;
 import java.io.IOException;
 import java.nio.file.Path;
 import java.time.Instant;

@@ -1,15 +1,19 @@
-package com.kelvo.tarn.cli.san;
+package com.kelvo.tarn.cli.output;
 
-import java.io.IOException;
 import java.nio.file.AccessDeniedException;
 import java.nio.file.NoSuchFileException;
 
 /** Why a file cannot be read, in a few words. */
-final class Reasons {
+public final class Reasons {
     private Reasons() {
     }
 
-    static String of(IOException failed) {
+    /**
+     * {@return the reason, which does not name the file}
+     *
+     * @param failed what reading it threw
+     */
+    public static String of(Exception failed) {
         return failed instanceof NoSuchFileException ? "there is no such file"
             : failed instanceof AccessDeniedException ? "permission denied"
             : String.valueOf(failed.getMessage());
