@@ -49,7 +49,7 @@ SELECT 'mount', h.name, s.recorded_at, m.mount_point, m.disk, u.identity, m.tota
 SELECT 'finding', h.name, s.recorded_at, f.severity, f.code, f.subject
     FROM finding f JOIN snapshot s ON s.id = f.snapshot_id JOIN host h ON h.id = s.host_id;
 SELECT 'reach', h.name, s.recorded_at, u.identity, r.paths, r.adapters, r.fabrics, r.switches, r.array_ports,
-    r.one_fabric, r.one_switch, r.one_array_port
+    r.one_fabric, r.one_switch, r.second_switch, r.one_array_port
     FROM reach r JOIN snapshot s ON s.id = r.snapshot_id JOIN host h ON h.id = s.host_id
     JOIN unit u ON u.id = r.unit_id;
 SELECT 'sight', h.name, s.recorded_at, g.fabric, g.remote_wwn, g.remote_node, g.initiators, g.units
@@ -188,6 +188,15 @@ class Stores:
             self.assertTrue(rows, query)
             if "unit_id" not in query.partition("FROM")[0]:  # which each store numbers as it comes
                 self.assertEqual(rows, self.answers.setdefault(query, rows))
+        of_rill = ["--ignore=host-old:rill", "--ignore=firmware-drift:FX-2302", "--ignore=driver-drift:375-3108-xx"]
+        done = subprocess.run([TARN, "--json", "san", "check", "--db", self.store, "--max-age=7d", *of_rill],
+                              capture_output=True, env=self.environment(), encoding="utf-8", timeout=60)
+        self.assertEqual((done.returncode, done.stderr), (2, ""))
+        result = json.loads(done.stdout)["result"]
+        self.assertEqual(sorted([each["code"], each["subject"], each["hosts"]] for each in result["findings"]), sorted(
+            [each["code"], each["subject"], each["hosts"]]
+            for each in json.loads(Path(self.folder, "expected.json").read_text())))
+        self.assertEqual(result, self.answers.setdefault("check", result))
 
     def content(self, store=None):
         return sorted(self.ask(CONTENT, store))

@@ -132,7 +132,9 @@ def duplicates(network):
         named[row.port].add(row.host)
     yield from (("duplicate-wwn", name, hosts) for name, hosts in named.items() if len(hosts) > 1 and name != NO_NAME)
     for host, history in network.history.items():
-        if any(are_strangers(*pair) for pair in zip(history, history[1:])):
+        if any(are_strangers(before, after) and (after is history[-1] or any(
+                not are_strangers(before, later) for later in history[i:]))  # or else its adapters were replaced
+               for i, (before, after) in enumerate(zip(history, history[1:]), 2)):
             yield "duplicate-host", host, [host]
 
 

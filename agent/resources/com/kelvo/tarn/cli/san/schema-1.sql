@@ -99,7 +99,7 @@ CREATE INDEX finding_snapshot ON finding (snapshot_id);
 
 -- The paths of a host to a unit, summed up: those that are online, each pair of ports once, and what they go through.
 -- A switch counts at either end. What all of them share is named, a switch by its fabric and its domain ("FABRIC/1"),
--- and else null.
+-- and else null; they may share a switch at either end.
 CREATE TABLE reach (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
     unit_id BIGINT NOT NULL REFERENCES unit (id),
@@ -110,6 +110,7 @@ CREATE TABLE reach (
     array_ports INTEGER NOT NULL,
     one_fabric TEXT,
     one_switch TEXT,
+    second_switch TEXT,
     one_array_port TEXT,
     PRIMARY KEY (snapshot_id, unit_id)
 );

@@ -83,7 +83,7 @@ public final class Check {
     public final int ignored;
 
     private Check(List<Finding> found, CheckRules rules) {
-        findings = found.stream().filter(finding -> !rules.ignores(finding))
+        findings = found.stream().filter(finding -> !rules.ignored.contains(finding.code, finding.subject))
             .sorted(Comparator.comparing((Finding finding) -> !finding.isCritical())
                         .thenComparing(finding -> finding.order)).collect(Collectors.toList());
         ignored = found.size() - findings.size();

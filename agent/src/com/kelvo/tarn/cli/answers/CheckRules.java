@@ -2,11 +2,8 @@ package com.kelvo.tarn.cli.answers;
 
 import java.time.Duration;
 import java.time.Instant;
-import java.util.ArrayList;
 import java.util.LinkedHashMap;
-import java.util.List;
 import java.util.Map;
-import java.util.regex.Pattern;
 
 /** What makes a check find something, and what it is to keep to itself. */
 public final class CheckRules {
@@ -20,28 +17,8 @@ public final class CheckRules {
     public Duration maxAge;
     /** What ages are counted to. */
     public Instant now = Instant.now();
-
-    private final List<Pattern> ignored = new ArrayList<>();
-
-    /**
-     * Silences findings.
-     *
-     * @param pattern CODE or CODE:SUBJECT, an asterisk in it standing for any text
-     * @return false when no finding has such a code
-     */
-    public boolean ignore(String pattern) {
-        String[] parts = pattern.split(":", 2);
-        if (Check.codes().noneMatch(glob(parts[0]).asMatchPredicate())) {
-            return false;
-        }
-        ignored.add(glob(parts.length == 1 ? pattern + ":*" : pattern));
-        return true;
-    }
-
-    private static Pattern glob(String pattern) {
-        return Pattern.compile("\\Q" + pattern.replace("\\E", "\\E\\\\E\\Q").replace("*", "\\E.*\\Q") + "\\E",
-                               Pattern.DOTALL);
-    }
+    /** What the check is to keep to itself. */
+    public final IgnoredFindings ignored = new IgnoredFindings(Check.codes());
 
     /**
      * {@return from how many per cent on the file system there is full}
@@ -54,9 +31,5 @@ public final class CheckRules {
 
     boolean isCritical(FileSystemUse use) {
         return use.isExhausted() || criticalPercent != null && use.isFull(criticalPercent);
-    }
-
-    boolean ignores(Check.Finding finding) {
-        return ignored.stream().anyMatch(each -> each.matcher(finding.code + ":" + finding.subject).matches());
     }
 }

@@ -5,40 +5,29 @@ import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.ArrayOption;
+import com.kelvo.tarn.cli.frame.FindingOptions;
 import com.kelvo.tarn.cli.frame.TableCommand;
 import com.kelvo.tarn.cli.output.FindingWords;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Verdict;
-import java.io.IOException;
-import java.nio.file.Files;
-import java.nio.file.InvalidPathException;
-import java.nio.file.Path;
-import java.time.Duration;
-import java.time.temporal.ChronoUnit;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.Map;
-import java.util.regex.Matcher;
-import java.util.regex.Pattern;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
 
 /** {@code check}: a {@link Check} for people, or a line each for programs. */
 @Command(name = "check", description = "What is wrong with the host, worst first.",
-         exitCodeOnInvalidInput = CheckCommand.UNKNOWN, exitCodeOnExecutionException = CheckCommand.UNKNOWN,
-         footer = "Exit status, as monitoring plugins have it: 0 nothing, 1 warnings, 2 something critical, 3 bad "
-             + "usage or an unreadable host description.")
+         exitCodeOnInvalidInput = FindingOptions.UNKNOWN, exitCodeOnExecutionException = FindingOptions.UNKNOWN,
+         footer = "With --max-age, a recording that does not say when it was made is too old. Exit status, as "
+             + "monitoring plugins have it: 0 nothing, 1 warnings, 2 something critical, 3 bad usage or an unreadable "
+             + "host description.")
 public final class CheckCommand extends TableCommand {
-    static final int UNKNOWN = 3;
-    private static final List<String> STATES = List.of("OK", "WARNING", "CRITICAL");
-
-    private static final Pattern DURATION = Pattern.compile("(\\d{1,9})([smhd])");
-    private static final Map<String, ChronoUnit> UNITS = Map.of(
-        "s", ChronoUnit.SECONDS, "m", ChronoUnit.MINUTES, "h", ChronoUnit.HOURS, "d", ChronoUnit.DAYS);
-
     @Mixin
     private ArrayOption array;
+
+    @Mixin
+    private FindingOptions options;
 
     private final CheckRules rules = new CheckRules();
 
@@ -53,17 +42,6 @@ public final class CheckCommand extends TableCommand {
     @Option(names = {"-c", "--critical"}, paramLabel = "PERCENT", description = "From how many per cent used on that "
             + "is critical. Without it, only when nothing is available.")
     private String criticalFrom;
-
-    @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, "
-            + "7d. One that does not say is too old.")
-    private String maxAge;
-
-    @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any "
-            + "text. May be repeated.")
-    private List<String> ignored = new ArrayList<>();
-
-    @Option(names = "--ignore-file", paramLabel = "FILE", description = "The same, a line each, with comments after #.")
-    private String ignoreFile;
 
     private void readLimits() {
         boolean hasLimit = false;
@@ -85,17 +63,6 @@ public final class CheckCommand extends TableCommand {
         }
     }
 
-    private void readMaxAge() {
-        if (maxAge == null) {
-            return;
-        }
-        Matcher told = DURATION.matcher(maxAge);
-        if (!told.matches()) {
-            throw refusal("--max-age: '" + maxAge + "' is no duration such as 90m, 36h or 7d");
-        }
-        rules.maxAge = Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2)));
-    }
-
     private int percent(String option, String given) {
         if (!given.matches("[+-]?\\d+%?")) {
             throw refusal(option + ": '" + given + "' is not a number");
@@ -106,27 +73,11 @@ public final class CheckCommand extends TableCommand {
         return Integer.parseInt(given.replace("%", ""));
     }
 
-    private void ignore() {
-        List<String> patterns = new ArrayList<>(ignored);
-        if (ignoreFile != null) {
-            try {
-                Files.readAllLines(Path.of(ignoreFile)).stream()
-                    .map(line -> line.replaceFirst("(^|\\s)#.*", "").strip())
-                    .filter(line -> !line.isEmpty()).forEach(patterns::add);
-            } catch (IOException | InvalidPathException unreadable) {
-                throw refusal("--ignore-file: " + ignoreFile + " cannot be read");
-            }
-        }
-        patterns.stream().filter(pattern -> !rules.ignore(pattern)).findFirst().ifPresent(pattern -> {
-            throw refusal("--ignore: '" + pattern + "' begins with no code of a finding");
-        });
-    }
-
     @Override
     public Answer ask() {
         readLimits();
-        readMaxAge();
-        ignore();
+        rules.maxAge = options.maxAge();
+        options.addTo(rules.ignored);
         Asked asked = new Asked(library(), array.arguments());
         Asked before = baseline == null ? null
             : tarn().at(baseline, spec().commandLine(), () -> new Asked(library(), List.of()));
@@ -134,7 +85,7 @@ public final class CheckCommand extends TableCommand {
         asked.warnOfMounts();
         return Answer.table(Verdict.document(check, asked), () -> table(check))
             .shownAs(out -> Verdict.show(check, asked, rules, tarn().isBuiltInHost(), out))
-            .withStatus(STATES.indexOf(check.state))
+            .withStatus(FindingOptions.STATES.indexOf(check.state))
             .withLog(line -> line.isOwn() || !line.isWarning()); // the library's are findings
     }
 

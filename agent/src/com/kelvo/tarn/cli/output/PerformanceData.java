@@ -1,7 +1,6 @@
 package com.kelvo.tarn.cli.output;
 
 import com.kelvo.tarn.cli.answers.Asked;
-import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.CheckRules;
 import java.util.ArrayList;
 import java.util.List;
@@ -14,13 +13,10 @@ public final class PerformanceData {
     /**
      * Takes what is measured.
      *
-     * @param check what was found
-     * @param asked of what
+     * @param asked what was checked
      * @param rules with which limits
      */
-    public PerformanceData(Check check, Asked asked, CheckRules rules) {
-        data.add("findings=" + check.findings.size() + ";;;0");
-        data.add("critical=" + check.findings.stream().filter(Check.Finding::isCritical).count() + ";;;0");
+    public PerformanceData(Asked asked, CheckRules rules) {
         if (asked.fewestPaths() != null) {
             data.add("paths_min=" + asked.fewestPaths() + ";;;0");
         }
@@ -36,7 +32,7 @@ public final class PerformanceData {
         return "'" + Page.printable(mountPoint).replace("'", "''").replace('=', '_').replace('|', '_') + "'";
     }
 
-    /** {@return what stands behind the bar} */
+    /** {@return what stands behind the bar, after the counts of findings} */
     public String text() {
         return String.join(" ", data);
     }

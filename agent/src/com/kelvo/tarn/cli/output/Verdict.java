@@ -4,7 +4,6 @@ import com.kelvo.tarn.cli.answers.Asked;
 import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.answers.CheckRules;
 import java.time.Duration;
-import java.util.Locale;
 import java.util.Map;
 import java.util.Objects;
 import java.util.stream.Collectors;
@@ -46,19 +45,17 @@ public final class Verdict {
      * @param isExample whether it is the built-in host
      */
     public static String line(Check check, Asked asked, CheckRules rules, boolean isExample) {
-        long criticals = check.findings.stream().filter(Check.Finding::isCritical).count();
-        String found = check.findings.isEmpty() ? "nothing found"
-            : String.format(Locale.ROOT, "%d findings: %d critical, %d warnings", check.findings.size(), criticals,
-                            check.findings.size() - criticals);
-        return unbarred(Page.printable(
-            "TARN " + check.state + " - " + (asked.host.isBlank() ? "unnamed host" : asked.host)
+        return plugin(check, asked, rules, isExample).line();
+    }
+
+    private static PluginText plugin(Check check, Asked asked, CheckRules rules, boolean isExample) {
+        String about = (asked.host.isBlank() ? "unnamed host" : asked.host)
             + (isExample ? ", the built-in example" : "")
             + (asked.recordedAt == null ? ""
-                : ", recorded " + Units.age(Duration.between(asked.recordedAt, rules.now)) + " ago")
-            + ": " + found + (check.ignored == 0 ? "" : ", " + check.ignored + " ignored")
-            + check.findings.stream().limit(1).map(worst -> "; " + worst.code + " " + FindingWords.subject(worst))
-                .collect(Collectors.joining())))
-            + " | " + new PerformanceData(check, asked, rules).text();
+                : ", recorded " + Units.age(Duration.between(asked.recordedAt, rules.now)) + " ago");
+        return new PluginText("TARN " + check.state, about, check.findings.stream().map(finding -> new PluginText.Line(
+            finding.severity, finding.code, FindingWords.subject(finding), FindingWords.message(finding)))
+            .collect(Collectors.toList()), check.ignored, new PerformanceData(asked, rules).text());
     }
 
     /**
@@ -71,14 +68,6 @@ public final class Verdict {
      * @param out where
      */
     public static void show(Check check, Asked asked, CheckRules rules, boolean isExample, Page out) {
-        out.println(line(check, asked, rules, isExample));
-        check.findings.forEach(finding -> out.printFolded("", " ".repeat(13), unbarred(String.format(
-            Locale.ROOT, "%-11s  %-22s  %s: %s", (finding.isCritical() ? Page.TROUBLE : "   ") + finding.severity,
-            finding.code, FindingWords.subject(finding), FindingWords.message(finding)))));
-    }
-
-    /** A bar would end what monitoring reads as text. */
-    private static String unbarred(String text) {
-        return text.replace("|", "\\x7c");
+        plugin(check, asked, rules, isExample).show(out);
     }
 }

@@ -123,20 +123,14 @@ public final class LibraryReader implements HostReader {
     private static void addReach(HostFacts facts, String identity, List<LogicalUnit.Path> paths) {
         Set<String> fabrics = distinct(paths, path -> Stream.of(path.fabric).filter(name -> !name.isEmpty()));
         Set<String> arrayPorts = distinct(paths, path -> Stream.of(path.far()));
-        Set<String> shared = null;
-        for (LogicalUnit.Path path : paths) {
-            Set<String> through = switches(path).collect(Collectors.toSet());
-            if (shared == null) {
-                shared = through;
-            } else {
-                shared.retainAll(through);
-            }
-        }
+        Set<String> switches = distinct(paths, LibraryReader::switches);
+        List<String> shared = switches.stream()
+            .filter(name -> paths.stream().allMatch(path -> switches(path).anyMatch(name::equals)))
+            .sorted().collect(Collectors.toList());
         facts.add(HostTable.REACH, identity, distinct(paths, path -> Stream.of(path.near() + " " + path.far())).size(),
-                  distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(),
-                  distinct(paths, LibraryReader::switches).size(), arrayPorts.size(),
-                  paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
-                  shared == null ? null : shared.stream().sorted().findFirst().orElse(null), only(arrayPorts));
+                  distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(), switches.size(),
+                  arrayPorts.size(), paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
+                  shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts));
     }
 
     private static <T> Set<T> distinct(List<LogicalUnit.Path> paths, Function<LogicalUnit.Path, Stream<T>> what) {

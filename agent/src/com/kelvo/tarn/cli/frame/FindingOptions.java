@@ -1,0 +1,81 @@
+package com.kelvo.tarn.cli.frame;
+
+import com.kelvo.tarn.cli.answers.IgnoredFindings;
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.InvalidPathException;
+import java.nio.file.Path;
+import java.time.Duration;
+import java.time.temporal.ChronoUnit;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Map;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.Option;
+import picocli.CommandLine.ParameterException;
+import picocli.CommandLine.Spec;
+
+/** What any check finds, and what it keeps to itself. */
+public final class FindingOptions {
+    /** The states that a check comes to, by their exit status, as monitoring plugins have it. */
+    public static final List<String> STATES = List.of("OK", "WARNING", "CRITICAL", "UNKNOWN");
+    /** The exit status for bad usage and for what could not be asked. */
+    public static final int UNKNOWN = 3;
+
+    private static final Pattern DURATION = Pattern.compile("(\\d{1,9})([smhd])");
+    private static final Map<String, ChronoUnit> UNITS = Map.of(
+        "s", ChronoUnit.SECONDS, "m", ChronoUnit.MINUTES, "h", ChronoUnit.HOURS, "d", ChronoUnit.DAYS);
+
+    @Spec(Spec.Target.MIXEE)
+    private CommandSpec spec;
+
+    @Option(names = "--max-age", paramLabel = "DURATION", description = "How old a recording may be: 90m, 36h, "
+            + "7d.")
+    private String maxAge;
+
+    @Option(names = "--ignore", paramLabel = "CODE[:SUBJECT]", description = "Find no such thing; * stands for any "
+            + "text. May be repeated.")
+    private List<String> ignored = new ArrayList<>();
+
+    @Option(names = "--ignore-file", paramLabel = "FILE", description = "The same, a line each, with comments after #.")
+    private String ignoreFile;
+
+    /** {@return how old a recording may be; null: as old as it likes} */
+    public Duration maxAge() {
+        if (maxAge == null) {
+            return null;
+        }
+        Matcher told = DURATION.matcher(maxAge);
+        if (!told.matches()) {
+            throw refusal("--max-age: '" + maxAge + "' is no duration such as 90m, 36h or 7d");
+        }
+        return Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2)));
+    }
+
+    /**
+     * Silences what the options name.
+     *
+     * @param findings those of the check
+     */
+    public void addTo(IgnoredFindings findings) {
+        List<String> patterns = new ArrayList<>(ignored);
+        if (ignoreFile != null) {
+            try {
+                Files.readAllLines(Path.of(ignoreFile)).stream()
+                    .map(line -> line.replaceFirst("(^|\\s)#.*", "").strip())
+                    .filter(line -> !line.isEmpty()).forEach(patterns::add);
+            } catch (IOException | InvalidPathException unreadable) {
+                throw refusal("--ignore-file: " + ignoreFile + " cannot be read");
+            }
+        }
+        patterns.stream().filter(pattern -> !findings.add(pattern)).findFirst().ifPresent(pattern -> {
+            throw refusal("--ignore: '" + pattern + "' begins with no code of a finding");
+        });
+    }
+
+    private ParameterException refusal(String message) {
+        return new ParameterException(spec.commandLine(), message);
+    }
+}

@@ -1,0 +1,82 @@
+package com.kelvo.tarn.cli.san;
+
+import java.time.Duration;
+import java.time.Instant;
+import java.util.Comparator;
+import java.util.HashMap;
+import java.util.LinkedHashSet;
+import java.util.Map;
+import java.util.Set;
+import java.util.TreeMap;
+import java.util.stream.Collectors;
+
+/** Whether what hosts consist of is told apart by its name, alike where it is the same, and known well enough. */
+final class EquipmentRules {
+    private final Network network;
+    private final NetworkFindings findings;
+
+    EquipmentRules(Network network, NetworkFindings findings) {
+        this.network = network;
+        this.findings = findings;
+    }
+
+    /** The same name twice within one host is for the check of that host. */
+    void findDuplicateNames() {
+        Map<String, Network.Host> first = new HashMap<>();
+        Map<String, Set<Network.Host>> several = new HashMap<>();
+        for (Network.Host host : network.hosts) {
+            for (Network.Port port : host.ports) {
+                Network.Host other = port.wwn.isEmpty() ? null : first.putIfAbsent(port.wwn, host);
+                if (other != null && other != host) {
+                    Set<Network.Host> those = several.computeIfAbsent(port.wwn, none -> new LinkedHashSet<>());
+                    those.add(other);
+                    those.add(host);
+                }
+            }
+        }
+        several.forEach((wwn, hosts) -> findings.warn(
+            NetworkFault.DUPLICATE_WWN, wwn, hosts, String.valueOf(hosts.size())));
+    }
+
+    /** Where adapters of a model have several versions of the firmware or of the driver. */
+    void findDrift(Store store) {
+        findDrift(store, NetworkFault.FIRMWARE_DRIFT, "firmware");
+        findDrift(store, NetworkFault.DRIVER_DRIFT, "driver");
+    }
+
+    private void findDrift(Store store, NetworkFault fault, String column) {
+        Map<String, Map<String, Integer>> versions = new HashMap<>();
+        Map<String, Map<String, Set<Network.Host>>> hosts = new HashMap<>();
+        store.query("SELECT a.snapshot_id, a.model, a." + column + " FROM latest_snapshot s"
+                    + " JOIN adapter a ON a.snapshot_id = s.snapshot_id WHERE a.model <> '' AND a." + column + " <> ''",
+                    row -> {
+            String model = row.getString(2);
+            String version = row.getString(3);
+            versions.computeIfAbsent(model, none -> new TreeMap<>()).merge(version, 1, Integer::sum);
+            return hosts.computeIfAbsent(model, none -> new HashMap<>())
+                .computeIfAbsent(version, none -> new LinkedHashSet<>()).add(network.host(row.getLong(1)));
+        });
+        versions.forEach((model, counts) -> {
+            // Of equals, what is greater as a text is more likely the later one.
+            String usual = counts.entrySet().stream().max(
+                Map.Entry.<String, Integer>comparingByValue().thenComparing(Map.Entry.comparingByKey(
+                    Comparator.naturalOrder()))).orElseThrow().getKey();
+            String all = counts.entrySet().stream().map(each -> each.getKey() + " on " + each.getValue())
+                .collect(Collectors.joining(", ")) + " adapters";
+            hosts.get(model).forEach((version, those) -> {
+                if (!version.equals(usual)) {
+                    findings.warn(fault, model, those, all);
+                }
+            });
+        });
+    }
+
+    /** Where the latest recording is older than that. */
+    void findOld(Instant now, Duration maxAge) {
+        for (Network.Host host : network.hosts) {
+            if (Instant.parse(host.recordedAt).isBefore(now.minus(maxAge))) {
+                findings.warn(NetworkFault.HOST_OLD, host.name, host, host.recordedAt);
+            }
+        }
+    }
+}
