@@ -257,7 +257,7 @@ class Browser(unittest.TestCase):
         shown = NASTY.replace("\x1b", "\\x1b").replace("\n", "\\x0a")
         self.assertEqual(self.script("[document.title, document.querySelector('h1').textContent]"),
                          ["Storage network of " + shown] * 2)
-        self.assertEqual((self.all("img"), len(self.all("script"))), ([], 3))
+        self.assertEqual((self.all("img"), len(self.all("script"))), ([], 4))
         self.assertIn("<img src=x onerror=alert(1)>", [text.text for text in self.all(".node text")])
         self.assertIn("link down", self.browser.find_element(By.ID, "troubles").text)
 
