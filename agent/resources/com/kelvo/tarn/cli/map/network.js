@@ -341,7 +341,7 @@
     choose(things);
     bring(new Set(hosts.map(host => "g" + network.groupOf[host])));
   });
-  const shown = 12;
+  const shown = 8;
   if (data.findings.length > shown) {
     troubles.classed("some", true);
     const rest = d3.select("#findings").append("button").attr("type", "button").attr("id", "rest")

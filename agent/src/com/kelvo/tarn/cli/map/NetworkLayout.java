@@ -76,6 +76,7 @@ final class NetworkLayout {
     }
 
     private static final double WIDTH = 196;
+    private static final double ARRAY_WIDTH = 256;
     private static final double GROUP = 36;
     private static final double BETWEEN_GROUPS = 9;
     private static final double SWITCH = 26;
@@ -104,11 +105,11 @@ final class NetworkLayout {
     NetworkLayout(NetworkTopology network, List<HostGroup> groups) {
         groups.forEach(group -> add(group, WIDTH, GROUP, List.of()));
         for (Fabric fabric : network.fabrics) {
-            frame(fabric, WIDTH + BEND, SWITCH, network.switches.stream().filter(at -> at.fabric == fabric)
+            frame(fabric, WIDTH - 2 * PADDING, BEND, SWITCH, network.switches.stream().filter(at -> at.fabric == fabric)
                       .sorted(Comparator.comparing(at -> at.domain)).collect(Collectors.toList()));
         }
         for (Array array : network.arrays) {
-            frame(array, WIDTH, PORT, network.arrayPorts.stream().filter(port -> port.array == array)
+            frame(array, ARRAY_WIDTH - 2 * PADDING, 0, PORT, network.arrayPorts.stream().filter(port -> port.array == array)
                       .sorted(Comparator.comparing((ArrayPort port) -> port.wwn).thenComparing(port -> port.number))
                       .collect(Collectors.toList()));
         }
@@ -141,10 +142,10 @@ final class NetworkLayout {
         return box;
     }
 
-    private void frame(Object thing, double wide, double high, List<?> things) {
-        List<Box> inner = things.stream().map(each -> add(each, WIDTH - 2 * PADDING, high, List.of()))
-            .collect(Collectors.toList());
-        add(thing, wide, TITLE + inner.size() * (high + BETWEEN_ROWS) + PADDING - BETWEEN_ROWS, inner);
+    /** A frame around boxes of that size, with room beside them. */
+    private void frame(Object thing, double wide, double beside, double high, List<?> things) {
+        List<Box> inner = things.stream().map(each -> add(each, wide, high, List.of())).collect(Collectors.toList());
+        add(thing, wide + 2 * PADDING + beside, TITLE + inner.size() * (high + BETWEEN_ROWS) + PADDING - BETWEEN_ROWS, inner);
     }
 
     private void add(Map<String, Line> known, Object from, Object to, Fabric fabric, HostGroup.Bundle bundle) {
@@ -231,7 +232,7 @@ final class NetworkLayout {
         }
         if (!part.arrays.isEmpty()) {
             spread(part.arrays, part.height, arraysHeight, part.width + gap);
-            part.width += gap + WIDTH;
+            part.width += gap + ARRAY_WIDTH;
         }
         part.groups.forEach(box -> box.exit = right);
     }
