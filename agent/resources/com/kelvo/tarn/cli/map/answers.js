@@ -14,7 +14,8 @@ const answers = data => { // eslint-disable-line no-unused-vars
 
   // The ports of hosts; and every path as a row of numbers, those of one host to one unit after each other.
   const ports = [];
-  const count = data.hosts.reduce((sum, [, , , , runs]) => sum + eachReach(runs, reach => stepsOf(reach).length / 3), 0);
+  const count = data.hosts.reduce(
+    (sum, [, , , , runs]) => sum + eachReach(runs, reach => stepsOf(reach).length / 3), 0);
   const rows = Object.fromEntries(["host", "port", "far", "unit", "disk", "online"].map(
     column => [column, new Int32Array(count)]));
   const reaches = []; // [host, unit, first row, row after the last]
@@ -151,7 +152,8 @@ const answers = data => { // eslint-disable-line no-unused-vars
           host: hosts[host].name, unit: units[unit].name, disks: sorted(disks), mounts: sorted(mountsOf(host, unit))});
       }
     });
-    const order = (one, other) => one.host < other.host ? -1 : one.host > other.host ? 1 : one.unit < other.unit ? -1 : 1;
+    const order = (one, other) => one.host < other.host ? -1 : one.host > other.host ? 1
+      : one.unit < other.unit ? -1 : 1;
     answer.lost.sort(order);
     answer.lastPath.sort(order);
     return answer;
@@ -209,7 +211,10 @@ const answers = data => { // eslint-disable-line no-unused-vars
     const byKey = new Map();
     const add = (kind, name, ids, ...words) => {
       const key = kind + " " + name;
-      const thing = byKey.get(key) || byKey.set(key, {kind, name, ids: new Set(), words: new Set([String(name)])}).get(key);
+      if (!byKey.has(key)) {
+        byKey.set(key, {kind, name, ids: new Set(), words: new Set([name])});
+      }
+      const thing = byKey.get(key);
       ids.forEach(id => thing.ids.add(id));
       words.forEach(word => thing.words.add(word));
     };

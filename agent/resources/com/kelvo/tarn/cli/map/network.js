@@ -97,8 +97,9 @@
   function tell(things, lost) {
     facts.html(null).property("scrollTop", 0);
     if (things.length === 0) {
-      facts.append("p").html("Choose a thing, by a click or by Tab, arrows and Enter, for who reaches it and what is lost "
-        + "when it fails; with Ctrl or Shift, several that fail together. A box with a + opens. Ctrl and the wheel zoom.");
+      facts.append("p").text("Choose a thing, by a click or by Tab, arrows and Enter, for who reaches it and what is "
+        + "lost when it fails; with Ctrl or Shift, several that fail together. A box with a + opens. Ctrl and the wheel "
+        + "zoom.");
       return;
     }
     things.forEach(thing => {
@@ -106,8 +107,8 @@
       factsOf(thing).forEach(text => facts.append("p").text(text));
     });
     data.findings.filter(finding => things.some(thing => concerns(finding, thing))).slice(0, 20)
-      .forEach(([severity, , subject, message]) => facts.append("p").attr("class", severity === "critical" ? "lost" : "last")
-        .text(subject + ": " + message));
+      .forEach(([severity, , subject, message]) => facts.append("p")
+        .attr("class", severity === "critical" ? "lost" : "last").text(subject + ": " + message));
     if (lost !== null) {
       facts.append("h3").text(things.length === 1 ? "If it fails" : "If all of them fail");
       if (lost.lost.length + lost.lastPath.length === 0) {
@@ -135,10 +136,12 @@
     if (lost.length === 0) {
       return;
     }
-    facts.append("p").attr("class", style).text(`${count(lost.length, "unit")} ${words}, on ${count(byHost.length, "host")}`);
+    facts.append("p").attr("class", style)
+      .text(`${count(lost.length, "unit")} ${words}, on ${count(byHost.length, "host")}`);
     list(facts, byHost, (item, {key, values}) => {
       const mounts = values.flatMap(each => each.mounts);
-      fold(item, {kind: "host", name: key}, count(values.length, "unit") + (mounts.length ? ": " + mounts.join(", ") : ""),
+      const words = count(values.length, "unit") + (mounts.length ? ": " + mounts.join(", ") : "");
+      fold(item, {kind: "host", name: key}, words,
         inner => list(inner, values, (each, {unit, disks, mounts}) => {
           link(each, {kind: "unit", name: unit});
           each.append("small").text(" " + [...mounts, ...disks].join(", "));
@@ -180,7 +183,8 @@
     const add = some => some.forEach(each => fill(ul.append("li"), each));
     add(items.slice(0, most));
     if (items.length > most) {
-      const more = parent.append("button").attr("type", "button").text(`${items.length - most} more`).on("click", () => {
+      const more = parent.append("button").attr("type", "button").text(`${items.length - most} more`);
+      more.on("click", () => {
         more.remove();
         add(items.slice(most));
       });
@@ -249,8 +253,10 @@
       .attr("class", host => "member " + (severityOf.get(host) || "")).on("click", host => pick(
         {kind: "host", name: network.hosts[host].name}, d3.event.ctrlKey || d3.event.shiftKey));
     each.append("rect").attr("width", wide - 5).attr("height", high - 4).attr("rx", 4);
-    each.append("text").attr("class", "name").attr("x", 7).attr("y", 14.5).text(
-      host => network.hosts[host].name.length > 19 ? network.hosts[host].name.slice(0, 18) + "…" : network.hosts[host].name);
+    each.append("text").attr("class", "name").attr("x", 7).attr("y", 14.5).text(host => {
+      const {name} = network.hosts[host];
+      return name.length > 19 ? name.slice(0, 18) + "…" : name;
+    });
     allow();
     reveal(group.node());
   }
@@ -337,8 +343,8 @@
     d3.event.preventDefault();
     const [, , subject, , hosts] = data.findings[Number(this.dataset.finding)];
     const exact = network.find(subject).filter(thing => String(thing.name) === subject);
-    const things = exact.length > 0 ? exact.slice(0, 1) : hosts.map(host => ({kind: "host", name: network.hosts[host].name}));
-    choose(things);
+    choose(exact.length > 0 ? exact.slice(0, 1)
+      : hosts.map(host => ({kind: "host", name: network.hosts[host].name})));
     bring(new Set(hosts.map(host => "g" + network.groupOf[host])));
   });
   const shown = 8;
@@ -372,7 +378,8 @@
     const ids = new Set(found.flatMap(thing => thing.ids));
     boxes.forEach(({id, element}) => element.classList.toggle("hit", ids.has(id)));
     document.getElementById("matches").textContent = text.trim() === "" ? ""
-      : found.length === 0 ? "nothing found" : `${count(found.length, "thing")} in ${count(ids.size, "box").replace("boxs", "boxes")}`;
+      : found.length === 0 ? "nothing found"
+      : `${count(found.length, "thing")} in ${ids.size} box${ids.size === 1 ? "" : "es"}`;
     if (text.trim() === "") {
       tell(chosen, chosen.length === 0 ? null : network.impact(chosen));
       return;

@@ -108,7 +108,9 @@ final class HostGroup {
     /** The names of its hosts, with those that differ in their numbers only drawn together: "db1–6, web3". */
     String names() {
         Map<String, List<Host>> named = new LinkedHashMap<>();
-        hosts.forEach(host -> named.computeIfAbsent(numbered(host.name).group(1), added -> new ArrayList<>()).add(host));
+        for (Host host : hosts) {
+            named.computeIfAbsent(numbered(host.name).group(1), added -> new ArrayList<>()).add(host);
+        }
         List<String> names = new ArrayList<>();
         named.forEach((name, same) -> {
             List<String> runs = new ArrayList<>();

@@ -119,7 +119,8 @@ final class NetworkDrawing {
         String way;
         if (line.from.thing instanceof Switch && line.to.thing instanceof Switch) {
             double out = x1 + NetworkLayout.BEND + 6;
-            way = String.format(Locale.ROOT, "M%.1f,%.1fC%.1f,%.1f %.1f,%.1f %.1f,%.1f", x1, y1, out, y1, out, y2, x1, y2);
+            way = String.format(Locale.ROOT, "M%.1f,%.1fC%.1f,%.1f %.1f,%.1f %.1f,%.1f", x1, y1, out, y1, out, y2,
+                                x1, y2);
         } else {
             double start = line.from.exit;
             double bend = (line.to.x - start) / 2;

@@ -104,15 +104,12 @@ final class NetworkLayout {
 
     NetworkLayout(NetworkTopology network, List<HostGroup> groups) {
         groups.forEach(group -> add(group, WIDTH, GROUP, List.of()));
-        for (Fabric fabric : network.fabrics) {
-            frame(fabric, WIDTH - 2 * PADDING, BEND, SWITCH, network.switches.stream().filter(at -> at.fabric == fabric)
-                      .sorted(Comparator.comparing(at -> at.domain)).collect(Collectors.toList()));
-        }
-        for (Array array : network.arrays) {
-            frame(array, ARRAY_WIDTH - 2 * PADDING, 0, PORT, network.arrayPorts.stream().filter(port -> port.array == array)
-                      .sorted(Comparator.comparing((ArrayPort port) -> port.wwn).thenComparing(port -> port.number))
-                      .collect(Collectors.toList()));
-        }
+        network.switches.stream().sorted(Comparator.comparing(at -> at.domain))
+            .collect(Collectors.groupingBy(at -> at.fabric, LinkedHashMap::new, Collectors.toList()))
+            .forEach((fabric, switches) -> frame(fabric, WIDTH - 2 * PADDING, BEND, SWITCH, switches));
+        network.arrayPorts.stream().sorted(Comparator.comparing((ArrayPort port) -> port.wwn))
+            .collect(Collectors.groupingBy(port -> port.array, LinkedHashMap::new, Collectors.toList()))
+            .forEach((array, ports) -> frame(array, ARRAY_WIDTH - 2 * PADDING, 0, PORT, ports));
         Map<String, Line> known = new LinkedHashMap<>();
         for (HostGroup group : groups) {
             for (HostGroup.Bundle bundle : group.bundles) {
@@ -145,7 +142,8 @@ final class NetworkLayout {
     /** A frame around boxes of that size, with room beside them. */
     private void frame(Object thing, double wide, double beside, double high, List<?> things) {
         List<Box> inner = things.stream().map(each -> add(each, wide, high, List.of())).collect(Collectors.toList());
-        add(thing, wide + 2 * PADDING + beside, TITLE + inner.size() * (high + BETWEEN_ROWS) + PADDING - BETWEEN_ROWS, inner);
+        add(thing, wide + 2 * PADDING + beside, TITLE + inner.size() * (high + BETWEEN_ROWS) + PADDING - BETWEEN_ROWS,
+            inner);
     }
 
     private void add(Map<String, Line> known, Object from, Object to, Fabric fabric, HostGroup.Bundle bundle) {

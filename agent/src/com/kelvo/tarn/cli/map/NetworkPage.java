@@ -101,12 +101,13 @@ final class NetworkPage {
                 text(host.name), text(host.platform), host.recordedAt,
                 all(host.ports, port -> list(text(port.wwn), port.at == null ? -1 : port.at.number, port.adapter,
                                              port.model.number, text(port.state))),
-                runs(host), host.mounts.entrySet().stream().map(each -> list(text(each.getKey()), each.getValue().number))
-                    .collect(Collectors.toList()))),
+                runs(host), host.mounts.entrySet().stream()
+                    .map(each -> list(text(each.getKey()), each.getValue().number)).collect(Collectors.toList()))),
             "groups", all(picture.groups, group -> all(group.hosts, host -> host.number)),
             "findings", all(picture.check.findings, finding -> list(
                 finding.severity(), finding.fault.code(), text(finding.subject), text(finding.message()),
-                finding.hosts().stream().map(hostNumbers::get).filter(Objects::nonNull).collect(Collectors.toList())))));
+                finding.hosts().stream().map(hostNumbers::get).filter(Objects::nonNull)
+                    .collect(Collectors.toList())))));
     }
 
     /** The numbers of the host's reaches: a first one and how many follow it, again and again. Like hosts have few. */

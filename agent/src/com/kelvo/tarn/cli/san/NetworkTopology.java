@@ -244,8 +244,8 @@ public final class NetworkTopology {
 
     private static final String HOSTS =
         "SELECT snapshot_id, host, platform, recorded_at FROM latest_snapshot ORDER BY host";
-    private static final String PORTS = "SELECT snapshot_id, adapter, port, wwn, fabric, domain, state, model, firmware,"
-        + " driver FROM latest_port ORDER BY snapshot_id, adapter, port";
+    private static final String PORTS = "SELECT snapshot_id, adapter, port, wwn, fabric, domain, state, model,"
+        + " firmware, driver FROM latest_port ORDER BY snapshot_id, adapter, port";
     private static final String UNITS = "SELECT id, identity, vendor, product, size_bytes FROM unit";
     private static final String PATHS = "SELECT p.snapshot_id, p.unit_id, p.adapter, p.port, p.remote_wwn,"
         + " p.remote_node, p.remote_domain, p.remote_state, p.disk FROM latest_snapshot s"
