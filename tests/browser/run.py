@@ -4,11 +4,13 @@ import base64
 import json
 import os
 import re
+import sqlite3
 import subprocess
 import sys
 import tempfile
 import time
 import unittest
+from contextlib import closing
 from pathlib import Path
 
 from selenium import webdriver
@@ -16,7 +18,8 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.chrome.service import Service
 
-sys.path.append(str(Path(__file__).parents[1]))
+sys.path += [str(Path(__file__).parents[1]), str(Path(__file__).parents[1] / "san")]
+import network
 import verdict
 
 ROOT = Path(__file__).parents[2]
@@ -27,6 +30,16 @@ HOSTILE = {"sysinfo": {"SI_HOSTNAME": NASTY}, "hba": {"adapters": [{
                "discovered": [{"attributes": {"PortWWN": "50" * 8, "NodeWWN": "51" * 8, "PortState": 6,
                                               "PortSymbolicName": "</script>" + NASTY}}]}],
     "targetMapping": [{"ScsiId": {"OSDeviceName": NASTY}, "FcpId": {"PortWWN": "50" * 8}}]}]}}
+
+
+# The paths that lead through a thing, and the ports of hosts that belong to it.
+THROUGH = {"port": "wwn = :name OR remote_wwn = :name", "array": "remote_node = :name", "fabric": "fabric = :name",
+           "switch": ":name IN (fabric || '/' || domain, fabric || '/' || remote_domain)", "unit": "identity = :name",
+           "host": "host = :name"}
+OWN = {"port": "wwn = :name", "fabric": "fabric = :name", "switch": "fabric || '/' || domain = :name", "host": "host = :name"}
+WHO = "SELECT host, wwn, identity, disk FROM latest_path WHERE {} UNION SELECT host, wwn, NULL, NULL FROM latest_port WHERE {}"
+PAIRS = "COUNT(DISTINCT CASE WHEN is_online {} THEN wwn || remote_wwn END)"
+IMPACT = f"SELECT host, identity FROM (SELECT host, identity, {PAIRS} AS had, {PAIRS} AS has FROM latest_path GROUP BY 1, 2)"
 
 
 def names(paths):
@@ -64,6 +77,9 @@ class Browser(unittest.TestCase):
     def open(self, host=None, *words):
         page = Path(self.scratch.name, "page.html")
         self.tarn("map", "--output", page, *words, host=host)
+        self.show(page)
+
+    def show(self, page):
         self.browser.get_log("performance")
         self.browser.get(page.as_uri())
         self.addCleanup(self.check_quiet, page.as_uri())
@@ -257,9 +273,65 @@ class Browser(unittest.TestCase):
         shown = NASTY.replace("\x1b", "\\x1b").replace("\n", "\\x0a")
         self.assertEqual(self.script("[document.title, document.querySelector('h1').textContent]"),
                          ["Storage network of " + shown] * 2)
-        self.assertEqual((self.all("img"), len(self.all("script"))), ([], 3))
+        self.assertEqual((self.all("img"), len(self.all("script"))), ([], 4))
         self.assertIn("<img src=x onerror=alert(1)>", [text.text for text in self.all(".node text")])
         self.assertIn("link down", self.browser.find_element(By.ID, "troubles").text)
+
+    def store(self, lines):
+        """A store of the network that the lines make, and its page."""
+        folder = Path(tempfile.mkdtemp(dir=self.scratch.name))
+        network.write(network.Network(lines), folder)
+        store, page = folder / "network.db", folder / "network.html"
+        self.tarn("san", "load", "--db", store, folder / "hosts")
+        self.tarn("san", "map", "--db", store, "--output", page)
+        self.show(page)
+        return store, page
+
+    def click(self, label):
+        self.script("[...document.querySelectorAll('[aria-label]')].find(box => box.getAttribute('aria-label') === arguments[0])"
+                    ".dispatchEvent(new MouseEvent('click', {bubbles: true}))", label)
+
+    def test_a_network_answers_what_its_store_does(self):
+        store, _ = self.store(network.HEALTHY + network.FAULTS)
+        things = self.script("network.find('0').concat(network.find('mail'))")
+        self.assertGreater(len(things), 100)
+        with closing(sqlite3.connect(store)) as asked:
+            for kind, name in {(each["kind"], each["name"]) for each in things if each["kind"] in THROUGH}:
+                through, told = THROUGH[kind], {"name": name}
+                who = self.script("network.who(arguments[0])", {"kind": kind, "name": name})
+                rows = asked.execute(WHO.format(through, OWN.get(kind, "FALSE")), told).fetchall()
+                for column, part in enumerate(("ports", "units", "disks"), 1):
+                    self.assertEqual({(host["host"], one) for host in who["hosts"] for one in host[part]},
+                                     {(row[0], row[column]) for row in rows if row[column]}, (name, part))
+                impact = self.script("network.impact([arguments[0]])", {"kind": kind, "name": name})
+                for part, left in (("lost", "has = 0 AND had > 0"), ("lastPath", "has = 1 AND had > 1")):
+                    self.assertEqual({(each["host"], each["unit"]) for each in impact[part]}, set(asked.execute(
+                        IMPACT.format("", f"AND NOT ({through})") + " WHERE " + left, told)), (name, part))
+        expected = json.loads(subprocess.run([sys.argv[1], "--json", "san", "check", "--db", store],
+                                             capture_output=True).stdout)["result"]["findings"]
+        self.assertEqual(len(self.all("#troubles li")), len(expected))
+
+        # A click draws it and tells it; several fail together.
+        self.click("switch 1000006069000000/1")
+        for told in ("3 units lost, on 1 host", "mail1 3 units: /mail", "84 units left with one path, on"):
+            self.assertIn(told, self.facts())
+        self.assertEqual([box.get_attribute("aria-label") for box in self.all(".loses")], ["host mail1"])
+        self.assertEqual(len(self.all(".node.chosen")), 1)
+        self.filter("/mail")
+        self.assertIn("unit (1)", self.facts())
+        self.click("5 hosts: db1, db3, db4, db5, db6")
+        self.assertEqual([name.text for name in self.all(".opened .name")], ["db1", "db3", "db4", "db5", "db6"])
+        self.all(".opened .member")[1].click()
+        self.assertTrue(self.facts().startswith("host db3"), self.facts())
+        self.assertIn("o'twin<b>", self.browser.find_element(By.ID, "picture").text)
+        self.assertEqual(len(re.findall(rb"/Type\s*/Page\b", base64.b64decode(self.browser.print_page()))), 1)
+
+    def test_a_network_of_many_hosts_is_a_small_page(self):
+        _, page = self.store(network.large(128, 128, 0))
+        self.assertEqual(len(self.all(".group")), 16)
+        self.assertLess(page.stat().st_size, 1e6)
+        self.assertLess(self.script("document.getElementById('data').textContent.length + "
+                                    "document.querySelector('#picture svg').outerHTML.length") / 128, 2000)
 
 
 if __name__ == "__main__":

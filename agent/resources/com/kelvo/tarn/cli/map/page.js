@@ -20,9 +20,6 @@
 
   // ---- Moving and zooming ----
 
-  picture.classed("live", true);
-  const wholeBox = svg.attr("viewBox");
-  svg.attr("viewBox", null).attr("width", null).attr("height", null);
   svg.selectAll("title").remove();
   svg.selectAll(".node a, .cluster a").attr("xlink:title", null);
   // Nobody hits a line that is a pixel wide.
@@ -31,83 +28,10 @@
     const near = line.parentNode.appendChild(line.cloneNode());
     near.setAttribute("class", "near");
   });
-  const layer = svg.append("g");
-  layer.node().append(svg.select(".graph").node());
-  // The picture's own paper is no thing of the page's.
-  layer.select(".graph > polygon").remove();
-  const margin = 12;
-  const roomiest = 1.3; // a scale beyond which nothing reads better
-  // The wheel is the page's, until Ctrl makes it the picture's.
-  const zoom = d3.zoom()
-    .filter(() => d3.event.type === "wheel" ? d3.event.ctrlKey : !d3.event.ctrlKey && !d3.event.button)
-    .on("zoom", () => layer.attr("transform", d3.event.transform));
-  svg.call(zoom).on("dblclick.zoom", null);
-
-  /** The scale at which all of a box is seen. */
-  function scaleOf(box) {
-    const {width, height} = svg.node().getBoundingClientRect();
-    return Math.min((width - 2 * margin) / box.width, (height - 2 * margin) / box.height);
-  }
-
-  function showBox(box, scale) {
-    const {width, height} = svg.node().getBoundingClientRect();
-    svg.call(zoom.transform, d3.zoomIdentity.translate(
-      width / 2 - (box.x + box.width / 2) * scale, height / 2 - (box.y + box.height / 2) * scale).scale(scale));
-  }
-
-  /** Nothing is seen from farther away than all. */
-  function fit() {
-    const box = layer.node().getBBox();
-    const scale = Math.min(roomiest, scaleOf(box));
-    zoom.scaleExtent([scale, 8]);
-    showBox(box, scale);
-  }
-
-  /** Shows all; of what is far higher than wide, the whole width. The frame is no higher than it takes. */
-  function begin() {
-    const box = layer.node().getBBox();
-    const across = Math.min(roomiest, (svg.node().getBoundingClientRect().width - 2 * margin) / box.width);
-    picture.style("height", Math.max(200, Math.min(box.height * across + 2 * margin,
-                                                   window.innerHeight * 0.75)) + "px");
-    fit();
-    if (scaleOf(box) < across / 3) {
-      showBox(box, across);
-    }
-  }
-
-  const keys = {
-    "+": () => svg.call(zoom.scaleBy, 1.25), "=": () => svg.call(zoom.scaleBy, 1.25),
-    "-": () => svg.call(zoom.scaleBy, 0.8), "0": fit, "Escape": () => { close(); show(null); }
-  };
-  const buttons = {in: keys["+"], out: keys["-"], fit};
-
-  /** By so many pixels of the screen. */
-  function move(right, down) {
-    const scale = d3.zoomTransform(svg.node()).k;
-    svg.call(zoom.translateBy, right / scale, down / scale);
-  }
-
-  d3.selectAll("[data-zoom]").on("click", function () { buttons[this.dataset.zoom](); });
-  let width = window.innerWidth;
-  window.addEventListener("resize", () => { // a height changes with the keyboard of a telephone
-    if (window.innerWidth !== width) {
-      width = window.innerWidth;
-      begin();
-    }
-  });
-  begin();
-
-  // Paper shows all, whatever the screen does.
-  window.addEventListener("beforeprint", () => {
-    document.getElementById("findings").open = true;
-    close();
-    layer.attr("transform", null);
-    svg.attr("viewBox", wholeBox);
-  });
-  window.addEventListener("afterprint", () => {
-    svg.attr("viewBox", null);
-    layer.attr("transform", d3.zoomTransform(svg.node()));
-  });
+  svg.select(".graph > polygon").remove(); // the picture's own paper is no thing of the page's
+  const {zoom, keys, scale, scaleOf, allow, showBox, move, reveal} = stage(picture);
+  keys.Escape = () => { close(); show(null); };
+  window.addEventListener("beforeprint", () => close());
 
   // ---- A thing's facts, and the ways through it ----
 
@@ -131,18 +55,6 @@
         list.append("dt").text(label);
         list.append("dd").text(value);
       });
-    }
-  }
-
-  /** Moves the picture until the element is within it. */
-  function reveal(element) {
-    const frame = picture.node().getBoundingClientRect();
-    const box = element.getBoundingClientRect();
-    const past = (low, high, from, to) => low < from ? from - low : high > to ? Math.max(to - high, from - low) : 0;
-    const right = past(box.left, box.right, frame.left + 12, frame.right - 12);
-    const down = past(box.top, box.bottom, frame.top + 12, frame.bottom - 12);
-    if (right !== 0 || down !== 0) {
-      move(right, down);
     }
   }
 
@@ -191,11 +103,10 @@
     each.append("title").text(([name, text]) => name + " " + text);
     picture.style("height", Math.max(svg.node().getBoundingClientRect().height,
                                      Math.min(below * high + 60, window.innerHeight * 0.75)) + "px");
-    zoom.scaleExtent([Math.min(roomiest, scaleOf(layer.node().getBBox())), 8]);
-    const scale = d3.zoomTransform(svg.node()).k;
+    allow();
     const both = {x: box.x, y: box.y, width: across * wide + box.width + 30,
                   height: Math.max(box.height, below * high)};
-    if (scaleOf(both) < scale) {
+    if (scaleOf(both) < scale()) {
       svg.call(zoom.scaleTo, scaleOf(both));
     }
     reveal(group.node());
@@ -307,7 +218,7 @@
     const box = {x: x + shift.e, y: y + shift.f, width: Math.max(...boxes.map(each => each.x + each.width)) - x,
                  height: Math.max(...boxes.map(each => each.y + each.height)) - y};
     const least = zoom.scaleExtent()[0];
-    showBox(box, Math.max(least, Math.min(Math.max(1, d3.zoomTransform(svg.node()).k), scaleOf(box))));
+    showBox(box, Math.max(least, Math.min(Math.max(1, scale()), scaleOf(box))));
   }
 
   d3.select("#filter").on("input", filter);

@@ -223,7 +223,8 @@ final class Dot {
         return '"' + printable(text).replace("\\", "\\\\").replace("&", "&amp;").replace("\"", "\\\"") + '"';
     }
 
-    private static String printable(String text) {
+    /** Text that a document of XML can hold. */
+    static String printable(String text) {
         return NOT_IN_XML.matcher(Page.printable(text)).replaceAll("\ufffd");
     }
 }

@@ -6,28 +6,17 @@ import com.kelvo.tarn.cli.output.FindingWords;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.IOException;
-import java.io.InputStream;
-import java.nio.charset.StandardCharsets;
-import java.security.MessageDigest;
-import java.security.NoSuchAlgorithmException;
 import java.util.ArrayList;
-import java.util.Base64;
 import java.util.Comparator;
 import java.util.HashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
-import java.util.regex.Matcher;
-import java.util.regex.Pattern;
 import java.util.stream.Collectors;
 
-/**
- * The page of a topology: one file that asks nothing of anywhere. The policy in its head lets a browser run its own
- * scripts, which it knows by their hashes, and nothing else, whatever a device is called.
- */
+/** The page of a topology. */
 final class MapPage {
-    private static final Pattern PLACE = Pattern.compile("\\{\\{(\\w+)}}");
     /** So many paths have a row; what is in trouble comes first then. */
     private static final int MOST_ROWS = 2000;
     /** Of more rows only those of units in trouble are printed. */
@@ -38,18 +27,10 @@ final class MapPage {
 
     /** The page around a picture of the topology. With all, no path lacks a row. */
     static String of(Topology topology, String svg, boolean all) throws IOException {
-        String style = Palette.css() + resource("page.css");
-        String library = resource("d3.min.js");
-        String script = resource("page.js");
         Map<String, String> parts = new HashMap<>();
-        parts.put("policy", "default-src 'none'; base-uri 'none'; form-action 'none'; style-src " + hash(style)
-                  + "; script-src " + hash(library) + " " + hash(script));
-        parts.put("style", style);
-        parts.put("library", library);
-        parts.put("script", script);
-        parts.put("title", escaped(topology.title));
-        parts.put("summary", escaped(topology.summary));
-        parts.put("origin", escaped(topology.origin));
+        parts.put("title", PageFrame.escaped(topology.title));
+        parts.put("summary", PageFrame.escaped(topology.summary));
+        parts.put("origin", PageFrame.escaped(topology.origin));
         parts.put("verdict", verdict(topology.check));
         parts.put("state", topology.check.state.toLowerCase(Locale.ROOT));
         parts.put("troubles", troubles(topology));
@@ -68,11 +49,7 @@ final class MapPage {
             : rows.size() == topology.rows.size() ? "" : String.format(
                 Locale.ROOT, "These are %,d of %,d paths, those in trouble first: the command paths shows all, and so "
                 + "does map --all.", rows.size(), topology.rows.size()));
-        return filled(resource("page.html"), parts);
-    }
-
-    private static String filled(String template, Map<String, String> parts) {
-        return PLACE.matcher(template).replaceAll(found -> Matcher.quoteReplacement(parts.get(found.group(1))));
+        return PageFrame.of("page.html", parts, null, "d3.min.js", "stage.js", "page.js");
     }
 
     /** All rows, or those that there is room for. */
@@ -84,7 +61,7 @@ final class MapPage {
 
     private static String row(Topology.Row row) {
         return "<tr class=\"" + name(row.unit.state) + "\" data-thing=\"" + row.unit.number + "\">"
-            + row.cells.stream().map(text -> "<td>" + escaped(text) + "</td>").collect(Collectors.joining())
+            + row.cells.stream().map(text -> "<td>" + PageFrame.escaped(text) + "</td>").collect(Collectors.joining())
             + "</tr>\n";
     }
 
@@ -98,10 +75,10 @@ final class MapPage {
     private static String troubles(Topology topology) {
         return topology.check.findings.stream().map(finding -> {
             Topology.Node box = topology.at(finding.subject);
-            String subject = escaped(FindingWords.subject(finding));
+            String subject = PageFrame.escaped(FindingWords.subject(finding));
             return "<li class=\"" + finding.severity + "\">"
                 + (box == null ? subject : "<a href=\"#" + Dot.id(box) + "\">" + subject + "</a>") + ": "
-                + escaped(FindingWords.message(finding)) + "</li>\n";
+                + PageFrame.escaped(FindingWords.message(finding)) + "</li>\n";
         }).collect(Collectors.joining());
     }
 
@@ -131,26 +108,5 @@ final class MapPage {
 
     private static String name(Topology.State state) {
         return state.name().toLowerCase(Locale.ROOT).replace('_', '-');
-    }
-
-    /** Text between tags or in an attribute. */
-    private static String escaped(String text) {
-        return Page.printable(text).replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
-            .replace("\"", "&quot;");
-    }
-
-    private static String hash(String text) {
-        try {
-            byte[] digest = MessageDigest.getInstance("SHA-256").digest(text.getBytes(StandardCharsets.UTF_8));
-            return "'sha256-" + Base64.getEncoder().encodeToString(digest) + "'";
-        } catch (NoSuchAlgorithmException impossible) {
-            throw new IllegalStateException(impossible);
-        }
-    }
-
-    private static String resource(String name) throws IOException {
-        try (InputStream in = MapPage.class.getResourceAsStream(name)) {
-            return new String(in.readAllBytes(), StandardCharsets.UTF_8);
-        }
     }
 }
