@@ -1,6 +1,11 @@
-"""Loads the planted network into a store, and holds it against what the hosts say one by one: run.py TARN"""
+"""Loads the planted network into stores, and holds them against what the hosts say one by one: run.py TARN PACKAGES
 
+PACKAGES is where those of PostgreSQL are unpacked.
+"""
+
+import gzip
 import json
+import os
 import sqlite3
 import subprocess
 import sys
@@ -13,49 +18,116 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).parents[1]))
 import model
 import network
+import postgres
 import verdict
 
+PACKAGES = sys.argv.pop()
 TARN = sys.argv.pop()
 PATHS = "SELECT host, identity, wwn, remote_wwn FROM latest_path"
+A, VAULT = "1000006069000000", "200000a0b8000000"
+
+# What is asked, and which rows of ports or of paths it is about.
+HOSTS = [
+    ([], lambda row: True),
+    (["--name", "DB?", "--model", "fx-23*"], lambda row: row.host.startswith("db")),
+    (["--fabric", A, "--firmware", "3.3.0*"], lambda row: row.fabric == A and row.firmware == "3.3.001"),
+    (["--older-than", "7d"], lambda row: row.host == "lone4"),
+    (["--name", "o'tw%"], lambda row: False),
+    (["--name", "O'TWIN<b>*"], lambda row: row.host.startswith("o'twin"))]
+UNITS = [
+    ([], lambda row: True, lambda *unit: True),
+    (["--array", "*8000000", "--name", "lone2"], lambda row: row.host == "lone2", lambda *unit: unit[3] == VAULT),
+    (["--model", "FX-*", "--shared"], lambda row: row.model.startswith("FX"), lambda *unit: unit[1] > 1),
+    (["--fabric", A, "--single"], lambda row: row.fabric == A, lambda *unit: unit[2] < 2)]
+PORTS = [
+    (["--name", "*1", "--fabric", A], lambda row: row.host.endswith("1") and row.fabric == A),
+    (["--state", "link*"], lambda row: not row.online)]
+ARRAY_PORTS = [
+    (["--array"], lambda row: True),
+    (["--array", VAULT, "--name", "pair*"], lambda row: row.array == VAULT and row.host.startswith("pair")),
+    (["--array", "--fabric", A, "--model", "FX-2404"], lambda row: row.fabric == A and row.model == "FX-2404")]
 
 
 class San(unittest.TestCase):
-    def setUp(self):
-        scratch = tempfile.TemporaryDirectory()
-        self.addCleanup(scratch.cleanup)
-        self.folder = Path(scratch.name)
-        self.store = self.folder / "network.db"
-        network.write(network.Network(network.HEALTHY + network.FAULTS), self.folder)
-        self.files = sorted(Path(self.folder, "hosts").glob("*.json"))
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
+        network.write(network.Network(network.HEALTHY + network.FAULTS), cls.folder)
+        server = cls.enterClassContext(postgres.Server(PACKAGES))
+        os.environ["PGPASSWORD"] = postgres.PASSWORD
+        cls.file = cls.folder / "network.db"
+        cls.stores = [cls.file, server.create("network")]
+        for store in cls.stores:
+            cls.run_tarn("load", "--db", store, cls.folder / "hosts")
+        earlier = cls.folder / "earlier"
+        earlier.mkdir()
+        for packed in Path(cls.folder, "hosts", "earlier").glob("*.gz"):
+            (earlier / packed.stem).write_bytes(gzip.decompress(packed.read_bytes()))
+        with ThreadPoolExecutor(2) as pool:
+            cls.network = model.Network(pool.map(lambda file: model.recorded([TARN], file),
+                                                 cls.folder.glob("*/*.json")))
 
-    def load(self, *more):
-        return subprocess.run([TARN, "--json", "san", "load", "--db", self.store, *more], stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, text=True)
+    @staticmethod
+    def run_tarn(*words, status=0):
+        done = subprocess.run([TARN, "--json", "san", *map(str, words)], capture_output=True, text=True, timeout=300)
+        assert done.returncode == status, done.stderr
+        return json.loads(done.stdout)["result"]
+
+    def ask(self, *words, status=0):
+        """What both stores answer."""
+        with ThreadPoolExecutor(2) as pool:
+            one, other = pool.map(lambda store: self.run_tarn(*words, "--db", store, status=status), self.stores)
+        self.assertEqual(one, other, words)
+        return one
 
     def rows(self, query):
-        with sqlite3.connect(self.store) as store:
+        with sqlite3.connect(self.file) as store:
             return store.execute(query).fetchall()
 
     def test_a_store_holds_the_paths_that_its_hosts_tell(self):
-        first = self.load(*self.files)
-        self.assertEqual(first.returncode, 0, first.stderr)
-        self.assertEqual(json.loads(first.stdout)["result"]["loaded"], len(self.files))
-        with ThreadPoolExecutor(2) as pool:
-            recordings = list(pool.map(lambda file: model.recorded([TARN], file), self.files))
         told = [(each["host"], unit["designator"] or f"{unit['node']} LUN {unit['lun']}", path["portWWN"],
                  path["remotePort"])
-                for each in model.Network(recordings).latest for unit in each["paths"] for path in unit["paths"]]
+                for each in self.network.latest for unit in each["paths"] for path in unit["paths"]]
         self.assertGreater(len(told), 400)
         self.assertEqual(sorted(self.rows(PATHS)), sorted(told))
-        # What takes an earlier recording to be seen is not among these files.
-        planted = [each for each in json.loads(Path(self.folder, "expected.json").read_text())
-                   if each["code"] not in ("unit-vanished", "host-lost-paths")]
-        found = model.check(model.Network(recordings), datetime.now(timezone.utc), timedelta(days=7))
+        planted = json.loads(Path(self.folder, "expected.json").read_text())
+        found = model.check(self.network, datetime.now(timezone.utc), timedelta(days=7))
         self.assertEqual({(each["code"], each["subject"], *sorted(each["hosts"])) for each in found},
                          {(each["code"], each["subject"], *sorted(each["hosts"])) for each in planted})
         self.assertEqual(set(self.rows("SELECT remote_wwn, host FROM zoning_gap")),
                          {(each["subject"], host) for each in found if each["code"] == "zoning-gap"
                           for host in each["hosts"]})
+
+    def online(self, **wanted):
+        """How many online paths each host has to each unit, of those that are wanted."""
+        reached = {}
+        for row in self.network.paths:
+            if all(getattr(row, name) == value for name, value in wanted.items()):
+                reached.setdefault((row.host, row.unit), []).append(row)
+        return {key: len(model.online_paths(rows)) for key, rows in reached.items()}
+
+    def test_lists_are_of_what_is_asked_for(self):
+        net = self.network
+        for words, is_meant in HOSTS:
+            self.assertEqual(
+                {(each["host"], each["ports"], each["units"], each["paths"]) for each in self.ask("hosts", *words)},
+                {(host, sum(row.host == host for row in net.ports), len(net.seen[host]),
+                  sum(self.online(host=host).values())) for host in {row.host for row in filter(is_meant, net.ports)}})
+        for words, is_meant, is_left in UNITS:
+            meant = {row.unit: row.array for row in filter(is_meant, net.paths)}
+            units = [(unit, len(net.hosts[unit]), min(self.online(unit=unit).values()), array)
+                     for unit, array in meant.items()]
+            self.assertEqual({(each["unit"], each["hosts"], each["pathsMin"], *each["arrays"])
+                              for each in self.ask("units", *words)}, {unit for unit in units if is_left(*unit)}, words)
+        for words, is_meant in PORTS:
+            self.assertEqual({(each["host"], each["wwn"], each["firmware"]) for each in self.ask("ports", *words)},
+                             {(row.host, row.port, row.firmware) for row in filter(is_meant, net.ports)})
+        for words, is_meant in ARRAY_PORTS:
+            seen = {wwn: [row for row in net.ports if wwn in row.far]
+                    for wwn in {row.array_port for row in filter(is_meant, net.paths)}}
+            self.assertEqual(
+                {(each["wwn"], each["hosts"], each["initiators"]) for each in self.ask("ports", *words)},
+                {(wwn, len({row.host for row in rows}), len(rows)) for wwn, rows in seen.items()}, words)
 
 
 if __name__ == "__main__":

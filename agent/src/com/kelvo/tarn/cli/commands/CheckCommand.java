@@ -13,13 +13,8 @@ import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
-import java.time.Duration;
-import java.time.temporal.ChronoUnit;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.Map;
-import java.util.regex.Matcher;
-import java.util.regex.Pattern;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Mixin;
 import picocli.CommandLine.Option;
@@ -32,10 +27,6 @@ import picocli.CommandLine.Option;
 public final class CheckCommand extends TableCommand {
     static final int UNKNOWN = 3;
     private static final List<String> STATES = List.of("OK", "WARNING", "CRITICAL");
-
-    private static final Pattern DURATION = Pattern.compile("(\\d{1,9})([smhd])");
-    private static final Map<String, ChronoUnit> UNITS = Map.of(
-        "s", ChronoUnit.SECONDS, "m", ChronoUnit.MINUTES, "h", ChronoUnit.HOURS, "d", ChronoUnit.DAYS);
 
     @Mixin
     private ArrayOption array;
@@ -85,17 +76,6 @@ public final class CheckCommand extends TableCommand {
         }
     }
 
-    private void readMaxAge() {
-        if (maxAge == null) {
-            return;
-        }
-        Matcher told = DURATION.matcher(maxAge);
-        if (!told.matches()) {
-            throw refusal("--max-age: '" + maxAge + "' is no duration such as 90m, 36h or 7d");
-        }
-        rules.maxAge = Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2)));
-    }
-
     private int percent(String option, String given) {
         if (!given.matches("[+-]?\\d+%?")) {
             throw refusal(option + ": '" + given + "' is not a number");
@@ -125,7 +105,7 @@ public final class CheckCommand extends TableCommand {
     @Override
     public Answer ask() {
         readLimits();
-        readMaxAge();
+        rules.maxAge = maxAge == null ? null : duration("--max-age", maxAge);
         ignore();
         Asked asked = new Asked(library(), array.arguments());
         Asked before = baseline == null ? null

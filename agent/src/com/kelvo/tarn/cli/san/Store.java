@@ -116,6 +116,12 @@ public final class Store implements AutoCloseable {
         });
     }
 
+    /** The number in a column of the row; null where there is none. */
+    static Long number(ResultSet row, String column) throws SQLException {
+        long number = row.getLong(column);
+        return row.wasNull() ? null : (Long) number;
+    }
+
     /** What comes of working with the database, whose failures are the store's. */
     <R> R work(Work<R> work) {
         try {
