@@ -47,13 +47,40 @@ ARRAY_PORTS = [
     (["--array", VAULT, "--name", "pair*"], lambda row: row.array == VAULT and row.host.startswith("pair")),
     (["--array", "--fabric", A, "--model", "FX-2404"], lambda row: row.fabric == A and row.model == "FX-2404")]
 
+# A network of a day ago, what happened to it since, and how that is told: KIND CHANGE PROPERTY WAS IS, and which hosts
+# see it of which thing.
+BEFORE = """
+fabric A 1 2
+fabric B 3
+array vault naa A.1 A.2 B.3
+hosts db 3 FX-2302 A.1,B.3
+units db 2 1 vault.1 vault.2 vault.3
+"""
+SINCE = """
+set vault.2 state 6
+plug db1.0 A.2
+set db2 firmware 3.4; set db3 firmware 3.4
+hide db3 db3/1
+show db3 db2/1
+hosts new 1 FX-2302 A.1
+"""
+CHANGES = [
+    ("host", "appeared", None, None, None, {"new1": "new1"}),
+    ("array port", "changed", "state", "online", "link down", {"vault.2": "db1 db2 db3"}),
+    ("adapter", "changed", "firmware", "3.3.116", "3.4", {"FX-2302": "db2 db3"}),
+    ("port", "changed", "domain", 1, 2, {"db1.0": "db1"}),
+    ("unit", "changed", "paths", 3, 2, {"db/1": "db1 db2 db3", "db/2": "db1 db2 db3", "db1/1": "db1", "db2/1": "db2"}),
+    ("unit", "changed", "sizeBytes", 64 * 128 * 1024 * 512, 64 * 128 * 1025 * 512, {"db/1": "db2"}),
+    ("unit", "appeared", "paths", None, 2, {"db2/1": "db3"}),
+    ("unit", "vanished", "paths", 3, None, {"db3/1": "db3"})]
+
 
 class San(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
         network.write(network.Network(network.HEALTHY + network.FAULTS), cls.folder)
-        server = cls.enterClassContext(postgres.Server(PACKAGES))
+        cls.server = server = cls.enterClassContext(postgres.Server(PACKAGES))
         os.environ["PGPASSWORD"] = postgres.PASSWORD
         cls.file = cls.folder / "network.db"
         cls.stores = [cls.file, server.create("network")]
@@ -73,10 +100,11 @@ class San(unittest.TestCase):
         assert done.returncode == status, done.stderr
         return json.loads(done.stdout)["result"]
 
-    def ask(self, *words, status=0):
+    def ask(self, *words, status=0, stores=None):
         """What both stores answer."""
         with ThreadPoolExecutor(2) as pool:
-            one, other = pool.map(lambda store: self.run_tarn(*words, "--db", store, status=status), self.stores)
+            one, other = pool.map(lambda store: self.run_tarn(*words, "--db", store, status=status),
+                                  stores or self.stores)
         self.assertEqual(one, other, words)
         return one
 
@@ -128,6 +156,33 @@ class San(unittest.TestCase):
             self.assertEqual(
                 {(each["wwn"], each["hosts"], each["initiators"]) for each in self.ask("ports", *words)},
                 {(wwn, len({row.host for row in rows}), len(rows)) for wwn, rows in seen.items()}, words)
+
+    def test_a_change_is_told_once_whoever_sees_it(self):
+        now = datetime.now(timezone.utc).replace(microsecond=0)
+        old, new = network.Network(BEFORE, now - timedelta(days=1)), network.Network(BEFORE + SINCE, now)
+        stores = [self.folder / "changes.db", self.server.create("changes")]
+        for each, name in ((old, "old"), (new, "new")):
+            network.write(each, self.folder / name)
+        grown = self.folder / "new" / "hosts" / "db2.json"
+        host = json.loads(grown.read_text())
+        for disk in host["disks"]:
+            if disk["name"].endswith("d0") and not disk["name"].startswith("c0"):
+                disk["geometry"]["dkg_ncyl"] += 1
+        grown.write_text(json.dumps(host))
+        for store in stores:
+            self.run_tarn("load", "--db", store, self.folder / "old" / "hosts", self.folder / "new" / "hosts")
+        hosts = ["db1", "db2", "db3", "new1"]
+        everything = [("host", "appeared", None, None, None, dict(zip(hosts, hosts)))]
+        for days, changes, compared, unheard, status in (
+                (None, CHANGES, 3, [], 1), (-0.5, CHANGES, 3, [], 1), (1, [], 0, hosts, 0), (-3, everything, 0, [], 1)):
+            since = f"--since={now + timedelta(days or 0):%Y-%m-%dT%H:%M:%SZ}"
+            told = self.ask("diff", *[since] * (days is not None), status=status, stores=stores)
+            self.assertEqual((told["compared"], told["unheard"]), (compared, unheard))
+            self.assertEqual(
+                [(each["kind"], each["change"], each["property"], each["was"], each["is"],
+                  {thing["name"]: " ".join(thing["hosts"]) for thing in each["things"]}) for each in told["changes"]],
+                [(*change, {new.named(thing): seers for thing, seers in things.items()})
+                 for *change, things in changes])
 
 
 if __name__ == "__main__":

@@ -136,7 +136,8 @@ public final class LibraryReader implements HostReader {
                   distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(),
                   distinct(paths, LibraryReader::switches).size(), arrayPorts.size(),
                   paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
-                  shared == null ? null : shared.stream().sorted().findFirst().orElse(null), only(arrayPorts));
+                  shared == null ? null : shared.stream().sorted().findFirst().orElse(null), only(arrayPorts),
+                  facts.units.get(identity).sizeBytes);
     }
 
     private static <T> Set<T> distinct(List<LogicalUnit.Path> paths, Function<LogicalUnit.Path, Stream<T>> what) {
