@@ -11,6 +11,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from datetime import datetime, timedelta, timezone
 from pathlib import Path
@@ -156,6 +157,49 @@ class San(unittest.TestCase):
             self.assertEqual(
                 {(each["wwn"], each["hosts"], each["initiators"]) for each in self.ask("ports", *words)},
                 {(wwn, len({row.host for row in rows}), len(rows)) for wwn, rows in seen.items()}, words)
+
+    def redundancy(self, unit):
+        """The worst that any host has of these."""
+        worst = 5
+        for host in self.network.hosts[unit]:
+            rows = [row for row in self.network.paths if (row.host, row.unit) == (host, unit) and row.online]
+            alike = ([{row.array_port} for row in rows], [row.switches for row in rows],
+                     [{row.fabric} - {""} for row in rows])
+            shared = [2 + i for i, each in enumerate(alike) if rows and set.intersection(*each)]
+            worst = min([worst, *shared] if len(model.online_paths(rows)) > 1 else [len(model.online_paths(rows))])
+        return ["no_path", "single_path", "one_array_port", "one_switch", "one_fabric", "redundant"][worst]
+
+    def test_metrics_count_what_hosts_tell(self):
+        net = self.network
+        told = dict(line.rsplit(" ", 1) for line in self.ask("metrics").splitlines() if not line.startswith("#"))
+        expected = {"tarn_san_hosts": len(net.latest), 'tarn_section_up{section="san"}': 1}
+        for host in {row.host for row in net.ports}:
+            name = host.replace('"', '\\"')
+            online = [row.online for row in net.ports if row.host == host]
+            expected[f'tarn_san_host_paths{{host="{name}"}}'] = sum(self.online(host=host).values())
+            expected[f'tarn_san_host_units{{host="{name}"}}'] = len(net.seen[host])
+            expected[f'tarn_san_host_ports{{host="{name}",state="online"}}'] = sum(online)
+            expected[f'tarn_san_host_ports{{host="{name}",state="other"}}'] = len(online) - sum(online)
+        for switch in {switch for row in net.ports for switch in row.switches}:
+            rows = [row for row in net.ports if switch in row.switches]
+            labels = '{fabric="%s",domain="%s"}' % tuple(switch.split("/"))
+            expected["tarn_san_switch_hosts" + labels] = len({row.host for row in rows})
+            expected["tarn_san_switch_host_ports" + labels] = len(rows)
+            expected["tarn_san_switch_array_ports" + labels] = len(
+                {row.array_port for row in net.paths if switch in row.array_switches})
+        for fabric in {row.fabric for row in net.ports if row.fabric}:
+            rows = [row for row in net.ports if row.fabric == fabric]
+            expected[f'tarn_san_fabric_hosts{{fabric="{fabric}"}}'] = len({row.host for row in rows})
+            expected[f'tarn_san_fabric_host_ports{{fabric="{fabric}"}}'] = len(rows)
+            expected[f'tarn_san_fabric_array_ports{{fabric="{fabric}"}}'] = len(
+                {row.array_port for row in net.paths if row.fabric == fabric})
+        for each, count in Counter(map(self.redundancy, net.hosts)).items():
+            expected[f'tarn_san_units{{redundancy="{each}"}}'] = count
+        self.assertEqual({name: told.get(name) for name in expected},
+                         {name: str(count) for name, count in expected.items()})
+        left = {name.partition("{")[0] for name in set(told) - set(expected)}
+        self.assertEqual(left, {"tarn_san_host_recorded_timestamp_seconds", "tarn_san_host_findings", "tarn_san_units",
+                                "tarn_san_array_port_hosts", "tarn_san_array_port_initiators"})
 
     def test_a_change_is_told_once_whoever_sees_it(self):
         now = datetime.now(timezone.utc).replace(microsecond=0)

@@ -12,7 +12,7 @@ import picocli.CommandLine.Spec;
          footer = "The store is a file of SQLite or, by its URL, a database of PostgreSQL.")
 public final class SanCommand implements Runnable {
     /** Each is served by the class of its name: "load" by SanLoadCommand. */
-    public static final List<String> COMMANDS = List.of("load", "diff", "hosts", "units", "ports");
+    public static final List<String> COMMANDS = List.of("load", "diff", "hosts", "units", "ports", "metrics");
 
     @Spec
     private CommandSpec spec;

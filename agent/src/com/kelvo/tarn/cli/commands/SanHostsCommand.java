@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.frame.Answer;
+import com.kelvo.tarn.cli.output.Page;
 import com.kelvo.tarn.cli.output.Table;
 import com.kelvo.tarn.cli.output.Units;
 import com.kelvo.tarn.cli.san.ListedHost;
@@ -34,7 +35,10 @@ public final class SanHostsCommand extends StoreInquiryCommand {
             .text("Host", row -> row.host)
             .text("Recorded", row -> row.recordedAt,
                   row -> Units.age(Duration.between(Instant.parse(row.recordedAt), now)) + " ago")
-            .number("Ports", row -> row.ports).number("Units", row -> row.units).number("Paths", row -> row.paths)
+            .number("Ports", row -> row.ports)
+            .number("Online", row -> row.portsOnline,
+                    row -> (row.portsOnline < row.ports ? Page.TROUBLE : "") + row.portsOnline)
+            .number("Units", row -> row.units).number("Paths", row -> row.paths)
             .number("Findings", row -> row.findings).text("Platform", row -> row.platform));
     }
 }

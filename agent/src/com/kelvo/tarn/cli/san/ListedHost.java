@@ -9,6 +9,7 @@ import java.util.List;
 public final class ListedHost {
     private static final String HOSTS = "SELECT s.host, s.platform, s.recorded_at,"
         + " (SELECT COUNT(*) FROM port p WHERE p.snapshot_id = s.snapshot_id) AS ports,"
+        + " (SELECT COUNT(*) FROM port p WHERE p.snapshot_id = s.snapshot_id AND p.state = 'online') AS ports_online,"
         + " (SELECT COUNT(*) FROM reach r WHERE r.snapshot_id = s.snapshot_id) AS units,"
         + " (SELECT COALESCE(SUM(r.paths), 0) FROM reach r WHERE r.snapshot_id = s.snapshot_id) AS paths,"
         + " (SELECT COUNT(*) FROM finding f WHERE f.snapshot_id = s.snapshot_id) AS findings"
@@ -22,6 +23,8 @@ public final class ListedHost {
     public final String recordedAt;
     /** Its ports. */
     public final long ports;
+    /** Those that are online. */
+    public final long portsOnline;
     /** The units that it has paths to. */
     public final long units;
     /** Its paths that are online at both ends. */
@@ -34,6 +37,7 @@ public final class ListedHost {
         platform = row.getString("platform");
         recordedAt = row.getString("recorded_at");
         ports = row.getLong("ports");
+        portsOnline = row.getLong("ports_online");
         units = row.getLong("units");
         paths = row.getLong("paths");
         findings = row.getLong("findings");
