@@ -160,6 +160,11 @@ class Exports(unittest.TestCase):
         self.assertEqual(re.sub(r"\\(.)", r"\1", value), shown)
         self.assertEqual(values['tarn_filesystem_bytes{mountpoint="/<\\\\\\"\u00e9",device="dev",fstype="ufs",'
                                 'kind="available"}'], "0")
+        store = self.folder / "network.db"
+        self.tarn("san", "load", "--db", store, self.folder / "host.json")
+        values = self.check_metrics(self.tarn("san", "metrics", "--db", store)[0])
+        self.assertEqual({re.sub(r"\\(.)", r"\1", name) for name in values if "san_host_units" in name},
+                         {f'tarn_san_host_units{{host="{shown}"}}'})
 
     def test_metrics_and_rules(self):
         rich = json.loads((ROOT / "tests/hosts/command-line.json").read_text(encoding="utf-8"))

@@ -49,7 +49,7 @@ SELECT 'mount', h.name, s.recorded_at, m.mount_point, m.disk, u.identity, m.tota
 SELECT 'finding', h.name, s.recorded_at, f.severity, f.code, f.subject
     FROM finding f JOIN snapshot s ON s.id = f.snapshot_id JOIN host h ON h.id = s.host_id;
 SELECT 'reach', h.name, s.recorded_at, u.identity, r.paths, r.adapters, r.fabrics, r.switches, r.array_ports,
-    r.one_fabric, r.one_switch, r.second_switch, r.one_array_port
+    r.one_fabric, r.one_switch, r.second_switch, r.one_array_port, r.size_bytes
     FROM reach r JOIN snapshot s ON s.id = r.snapshot_id JOIN host h ON h.id = s.host_id
     JOIN unit u ON u.id = r.unit_id;
 SELECT 'sight', h.name, s.recorded_at, g.fabric, g.remote_wwn, g.remote_node, g.initiators, g.units

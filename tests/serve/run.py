@@ -4,11 +4,13 @@ The servers listen on ports of the loopback interface that the system chooses, a
 Prometheus, too, runs from the folder that its package is unpacked in, in the foreground.
 """
 
+import contextlib
 import gzip
 import http.client
 import json
 import os
 import socket
+import sqlite3
 import subprocess
 import sys
 import tempfile
@@ -31,11 +33,12 @@ LIMIT = 60  # seconds until anything must have happened
 
 
 class Served:
-    """A server of a host, and what it answers."""
+    """A server of a host, or of what the options name, and what it answers."""
 
     def __init__(self, test, *options, host=RILL):
         self.process = subprocess.Popen(
-            [TARN, "serve", "--host", host, "--listen", "127.0.0.1:0", *options], stdout=subprocess.PIPE, text=True)
+            [TARN, "serve", *(["--host", host] if host else []), "--listen", "127.0.0.1:0", *options],
+            stdout=subprocess.PIPE, text=True)
         test.addCleanup(self.process.stdout.close)
         test.addCleanup(self.process.wait, LIMIT)
         test.addCleanup(self.process.kill)
@@ -87,6 +90,14 @@ def hanging(folder, **seconds):
     host["hba"]["adapters"][0]["seconds"] = seconds
     (folder / "hanging.json").write_text(json.dumps(host))
     return folder / "hanging.json"
+
+
+def until(ask, wanted):
+    """What is answered in the end: what is wanted, unless that takes too long."""
+    end = time.monotonic() + LIMIT
+    while (told := ask()) != wanted and time.monotonic() < end:
+        time.sleep(0.3)
+    return told
 
 
 class Serve(unittest.TestCase):
@@ -197,6 +208,22 @@ class Serve(unittest.TestCase):
         served.process.terminate()
         self.assertEqual(served.process.wait(LIMIT), 143, "the call would have taken an hour")
 
+    def test_a_network_whose_store_is_locked_and_gone(self):
+        store = self.folder / "network.db"
+        self.assertEqual(run("san", "load", "--db", store, RILL).returncode, 0)
+        served = Served(self, "--db", store, "--fresh", "1", "--timeout", "2", host=None)
+        up = 'tarn_section_up{section="san"}'
+        self.assertEqual(served.get("/metrics")[2].decode(), run("san", "metrics", "--db", store).stdout)
+        self.assertIn(b"\n# EOF\n", served.get("/metrics", Accept="application/openmetrics-text")[2])
+        self.assertEqual([served.get(page)[0] for page in ("/", "/-/healthy", "/check", "/map")], [200, 200, 404, 404])
+        with contextlib.closing(sqlite3.connect(store)) as other:
+            other.execute("BEGIN EXCLUSIVE")
+            self.assertEqual(until(lambda: served.metrics()[up], "0"), "0")
+            self.assertEqual(served.get("/-/healthy")[0], 200)
+        self.assertEqual(until(lambda: served.metrics()[up], "1"), "1")
+        store.unlink()
+        self.assertEqual(until(served.metrics, {up: "0"}), {up: "0"})
+
     def test_a_section_that_comes_back(self):
         served = Served(self, "--fresh", "1", "--timeout", "1", host=hanging(self.folder, OpenAdapter=4))
         self.assertEqual(served.metrics()['tarn_section_up{section="hba"}'], "0")
@@ -240,6 +267,7 @@ class Serve(unittest.TestCase):
                 (["--listen", "9479"], "--listen: '9479' is no address and port"),
                 (["--listen", "nowhere.invalid:1"], "--listen: there is no address nowhere.invalid:1"),
                 (["--fresh", "0"], "--fresh: '0' is not from 1"), (["--timeout", "x"], "--timeout: 'x' is not a number"),
+                (["--db", "x.db"], "--host does not go with --db"),
                 (["--json"], "--json does not go with serve")):
             done = run("serve", "--host", RILL, *options)
             self.assertEqual((done.returncode, done.stdout, done.stderr.count("\n")), (2, "", 1), done.stderr)

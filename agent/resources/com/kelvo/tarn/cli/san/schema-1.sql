@@ -99,7 +99,7 @@ CREATE INDEX finding_snapshot ON finding (snapshot_id);
 
 -- The paths of a host to a unit, summed up: those that are online, each pair of ports once, and what they go through.
 -- A switch counts at either end. What all of them share is named, a switch by its fabric and its domain ("FABRIC/1"),
--- and else null; they may share a switch at either end.
+-- and else null; they may share a switch at either end. The size is the host's own.
 CREATE TABLE reach (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
     unit_id BIGINT NOT NULL REFERENCES unit (id),
@@ -112,6 +112,7 @@ CREATE TABLE reach (
     one_switch TEXT,
     second_switch TEXT,
     one_array_port TEXT,
+    size_bytes BIGINT,
     PRIMARY KEY (snapshot_id, unit_id)
 );
 CREATE INDEX reach_unit ON reach (unit_id);

@@ -12,7 +12,8 @@ import picocli.CommandLine.Spec;
          footer = "The store is a file of SQLite or, by its URL, a database of PostgreSQL.")
 public final class SanCommand implements Runnable {
     /** Each is served by the class of its name: "load" by SanLoadCommand. */
-    public static final List<String> COMMANDS = List.of("load", "check", "hosts", "map");
+    public static final List<String> COMMANDS = List.of(
+        "load", "check", "diff", "hosts", "units", "ports", "map", "metrics");
 
     @Spec
     private CommandSpec spec;

@@ -2,6 +2,9 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.frame.Answer;
 import com.kelvo.tarn.cli.frame.InquiryCommand;
+import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.san.Store;
+import com.kelvo.tarn.cli.san.StoreException;
 import com.kelvo.tarn.cli.serve.Server;
 import java.io.IOException;
 import java.io.PrintWriter;
@@ -19,7 +22,8 @@ import picocli.CommandLine.ParameterException;
 @Command(name = "serve", description = "The metrics, what is wrong and the picture over HTTP, until it is ended.",
          footer = "/metrics is for Prometheus, /check JSON (as text/plain what the command check prints), /map the "
              + "page of the command map, /-/healthy says that it runs. A question that takes too long is "
-             + "tarn_section_up 0, and not asked again until it has come back. There are neither users nor encryption.")
+             + "tarn_section_up 0, and not asked again until it has come back. With --db there is /metrics only, what "
+             + "san metrics prints. There are neither users nor encryption.")
 public final class ServeCommand extends InquiryCommand {
     private static final Pattern ADDRESS = Pattern.compile("(?:\\[([^\\[\\]]+)]|([^\\[\\]:]+)):(\\d+)");
     private static final int LAST_PORT = 65535;
@@ -30,12 +34,25 @@ public final class ServeCommand extends InquiryCommand {
     private String listen;
 
     @Option(names = "--fresh", paramLabel = "SECONDS", defaultValue = "5",
-            description = "The host is asked at most once in so many (${DEFAULT-VALUE}).")
+            description = "The host, or the store, is asked at most once in so many (${DEFAULT-VALUE}).")
     private int fresh;
 
     @Option(names = "--timeout", paramLabel = "SECONDS", defaultValue = "10",
             description = "So long each question may take (${DEFAULT-VALUE}).")
     private int timeout;
+
+    @Option(names = "--db", paramLabel = "FILE|URL", description = "Show the storage network that is in this store, as "
+            + "san load has it, and no host.")
+    private String database;
+
+    @Override
+    protected void chooseHost() {
+        if (database == null) {
+            super.chooseHost();
+        } else if (tarn().host() != null) {
+            throw refusal("--host does not go with --db, which asks a store");
+        }
+    }
 
     @Override
     public Answer ask() throws InterruptedException {
@@ -46,8 +63,9 @@ public final class ServeCommand extends InquiryCommand {
         requireSeconds("--timeout", timeout);
         InetSocketAddress address = address();
         try {
-            InetSocketAddress bound = Server.start(address, library(), tarn().isBuiltInHost(), fresh, timeout,
-                                                   spec().root().version()[0]);
+            InetSocketAddress bound = database == null
+                ? Server.start(address, library(), tarn().isBuiltInHost(), fresh, timeout, spec().root().version()[0])
+                : Server.start(address, store(), fresh, timeout, this::complain);
             PrintWriter out = spec().commandLine().getOut();
             String host = bound.getAddress().getHostAddress();
             out.println("http://" + (host.contains(":") ? "[" + host + "]" : host) + ":" + bound.getPort() + "/");
@@ -59,6 +77,20 @@ public final class ServeCommand extends InquiryCommand {
         }
         new CountDownLatch(1).await(); // a signal ends the virtual machine
         return Answer.missing("it has ended");
+    }
+
+    private String store() {
+        try {
+            return Store.named(database);
+        } catch (StoreException unusable) {
+            throw refusal("--db: " + unusable.getMessage());
+        }
+    }
+
+    private void complain(String trouble) {
+        PrintWriter err = spec().commandLine().getErr();
+        Page.complain(err, trouble);
+        err.flush();
     }
 
     private void requireSeconds(String option, int seconds) {

@@ -6,12 +6,8 @@ import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
 import java.time.Duration;
-import java.time.temporal.ChronoUnit;
 import java.util.ArrayList;
 import java.util.List;
-import java.util.Map;
-import java.util.regex.Matcher;
-import java.util.regex.Pattern;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.ParameterException;
@@ -23,10 +19,6 @@ public final class FindingOptions {
     public static final List<String> STATES = List.of("OK", "WARNING", "CRITICAL", "UNKNOWN");
     /** The exit status for bad usage and for what could not be asked. */
     public static final int UNKNOWN = 3;
-
-    private static final Pattern DURATION = Pattern.compile("(\\d{1,9})([smhd])");
-    private static final Map<String, ChronoUnit> UNITS = Map.of(
-        "s", ChronoUnit.SECONDS, "m", ChronoUnit.MINUTES, "h", ChronoUnit.HOURS, "d", ChronoUnit.DAYS);
 
     @Spec(Spec.Target.MIXEE)
     private CommandSpec spec;
@@ -47,11 +39,11 @@ public final class FindingOptions {
         if (maxAge == null) {
             return null;
         }
-        Matcher told = DURATION.matcher(maxAge);
-        if (!told.matches()) {
+        Duration age = Durations.of(maxAge);
+        if (age == null) {
             throw refusal("--max-age: '" + maxAge + "' is no duration such as 90m, 36h or 7d");
         }
-        return Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2)));
+        return age;
     }
 
     /**

@@ -4,6 +4,7 @@ import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
 import java.io.PrintWriter;
+import java.time.Duration;
 import java.util.List;
 import java.util.concurrent.Callable;
 import picocli.CommandLine.Model.CommandSpec;
@@ -42,6 +43,20 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
      */
     protected final ParameterException refusal(String message) {
         return new ParameterException(spec.commandLine(), message);
+    }
+
+    /**
+     * {@return the span of time that an option names}
+     *
+     * @param option its name
+     * @param given its value, of which anything but 90m, 36h, 7d and the like is refused
+     */
+    protected final Duration duration(String option, String given) {
+        Duration told = Durations.of(given);
+        if (told == null) {
+            throw refusal(option + ": '" + given + "' is no duration such as 90m, 36h or 7d");
+        }
+        return told;
     }
 
     /** Whether the answer is a table, for programs too. */

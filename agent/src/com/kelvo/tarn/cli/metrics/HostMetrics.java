@@ -300,7 +300,7 @@ public final class HostMetrics {
         }
     }
 
-    private static Object[] with(Object[] labels, String name, String value) {
+    static Object[] with(Object[] labels, String name, String value) {
         Object[] more = Arrays.copyOf(labels, labels.length + 2);
         more[labels.length] = name;
         more[labels.length + 1] = value;

@@ -46,8 +46,8 @@ public final class PortWords {
         "operationalStatus", statuses -> ((List<?>) statuses).stream()
             .map(status -> STATUSES.getOrDefault(status, String.valueOf(status))).collect(Collectors.joining(", ")),
         "portType", type -> TYPES.getOrDefault(type, ""),
-        "speed", PortWords::speed,
-        "maxSpeed", PortWords::speed,
+        "speed", speed -> speed(((UnsignedInt) speed).longValue()),
+        "maxSpeed", speed -> speed(((UnsignedInt) speed).longValue()),
         "portFcId", id -> String.format(Locale.ROOT, "0x%06x", ((UnsignedInt) id).longValue()));
 
     private PortWords() {
@@ -84,8 +84,13 @@ public final class PortWords {
         return state == null ? "state unknown" : value("portState", state);
     }
 
-    private static String speed(Object bitsPerSecond) {
-        return SPEEDS.getOrDefault(((UnsignedInt) bitsPerSecond).longValue(), "speed unknown");
+    /**
+     * {@return a port's speed, such as "2 Gb/s"}
+     *
+     * @param bitsPerSecond as the library makes them of the HBA API's
+     */
+    public static String speed(long bitsPerSecond) {
+        return SPEEDS.getOrDefault(bitsPerSecond, "speed unknown");
     }
 
     /**

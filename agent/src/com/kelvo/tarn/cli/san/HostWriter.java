@@ -205,10 +205,9 @@ final class HostWriter implements AutoCloseable {
             }
             try (ResultSet rows = bound(connection, query, asked).executeQuery()) {
                 while (rows.next()) {
-                    long size = rows.getLong(6);
-                    Long sizeBytes = rows.wasNull() ? null : (Long) size;
                     found.put(rows.getString(1), new Stored(rows.getLong(2), new HostFacts.Unit(
-                        rows.getBoolean(3), rows.getString(4), rows.getString(5), sizeBytes)));
+                        rows.getBoolean(3), rows.getString(4), rows.getString(5),
+                        Store.number(rows, "size_bytes"))));
                 }
             }
         }

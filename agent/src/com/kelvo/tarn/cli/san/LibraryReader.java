@@ -130,7 +130,8 @@ public final class LibraryReader implements HostReader {
         facts.add(HostTable.REACH, identity, distinct(paths, path -> Stream.of(path.near() + " " + path.far())).size(),
                   distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(), switches.size(),
                   arrayPorts.size(), paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
-                  shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts));
+                  shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts),
+                  facts.units.get(identity).sizeBytes);
     }
 
     private static <T> Set<T> distinct(List<LogicalUnit.Path> paths, Function<LogicalUnit.Path, Stream<T>> what) {

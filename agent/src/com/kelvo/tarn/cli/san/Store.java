@@ -63,6 +63,19 @@ public final class Store implements AutoCloseable {
         return connect(dialect, false);
     }
 
+    /**
+     * {@return the name of a store, which may be there or not}
+     *
+     * @param name a file, or a URL that can be one of a store
+     */
+    public static String named(String name) {
+        if (name.isEmpty()) {
+            throw new StoreException("no store is named", null);
+        }
+        Dialect.of(name);
+        return name;
+    }
+
     /** The store of that name, to write to; it is made where there is none. */
     static Store openToWrite(String name) {
         return connect(Dialect.of(name), true);
@@ -114,6 +127,12 @@ public final class Store implements AutoCloseable {
             }
             return found;
         });
+    }
+
+    /** The number in a column of the row; null where there is none. */
+    static Long number(ResultSet row, String column) throws SQLException {
+        long number = row.getLong(column);
+        return row.wasNull() ? null : (Long) number;
     }
 
     /** What comes of working with the database, whose failures are the store's. */

@@ -8,7 +8,6 @@ import com.kelvo.tarn.cli.answers.Library;
 import com.kelvo.tarn.cli.map.Picture;
 import com.kelvo.tarn.cli.map.Topology;
 import com.kelvo.tarn.cli.map.TopologyBuilder;
-import com.kelvo.tarn.cli.metrics.Exposition;
 import com.kelvo.tarn.cli.metrics.HostMetrics;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
@@ -24,8 +23,7 @@ import java.util.function.Supplier;
 
 /** What a host has answered at one time, as each page shows it. */
 final class Answers {
-    final Body metrics;
-    final Body openMetrics;
+    final Metrics metrics;
     /** JSON, with the plugin's line. */
     final Body check;
     /** What the plugin prints. */
@@ -55,9 +53,7 @@ final class Answers {
             : asked.recordedAt == null ? "asked " + rules.now : "recorded " + asked.recordedAt)
             + "; drawn by " + program;
 
-        Exposition exposition = HostMetrics.of(library, asked, asking, sampling);
-        metrics = Body.of("text/plain; version=0.0.4", exposition.text());
-        openMetrics = Body.of("application/openmetrics-text; version=1.0.0", exposition.openMetrics());
+        metrics = new Metrics(HostMetrics.of(library, asked, asking, sampling));
         Map<String, Object> document = Json.object("line", Verdict.line(found, asked, rules, isExample));
         document.putAll(Verdict.document(found, asked));
         check = Body.of("application/json", Json.text(document) + "\n");

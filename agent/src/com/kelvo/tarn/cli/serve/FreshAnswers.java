@@ -5,40 +5,40 @@ import java.util.concurrent.ExecutorService;
 import java.util.concurrent.Executors;
 import java.util.function.Supplier;
 
-/** The answers of a host that is asked at most once in a while; whoever comes meanwhile waits for the same answer. */
-final class FreshAnswers {
-    private final Supplier<Answers> asking;
+/** The answers of who is asked at most once in a while; whoever comes meanwhile waits for the same. */
+final class FreshAnswers<A> {
+    private final Supplier<A> asking;
     private final long freshNanos;
     private final ExecutorService asker = Executors.newSingleThreadExecutor(task -> {
         Thread thread = new Thread(task, "rounds");
         thread.setDaemon(true);
         return thread;
     });
-    private CompletableFuture<Round> latest;
+    private CompletableFuture<Round<A>> latest;
 
-    private static final class Round {
-        private final Answers answers;
+    private static final class Round<A> {
+        private final A answers;
         private final long end = System.nanoTime();
 
-        Round(Answers answers) {
+        Round(A answers) {
             this.answers = answers;
         }
     }
 
-    FreshAnswers(Supplier<Answers> asking, int seconds) {
+    FreshAnswers(Supplier<A> asking, int seconds) {
         this.asking = asking;
         freshNanos = seconds * 1_000_000_000L;
     }
 
     /** Answers that are fresh still. */
-    Answers get() {
+    A get() {
         return round().join().answers;
     }
 
-    private synchronized CompletableFuture<Round> round() {
+    private synchronized CompletableFuture<Round<A>> round() {
         if (latest == null || latest.isCompletedExceptionally()
             || latest.isDone() && System.nanoTime() - latest.join().end > freshNanos) {
-            latest = CompletableFuture.supplyAsync(() -> new Round(asking.get()), asker);
+            latest = CompletableFuture.supplyAsync(() -> new Round<>(asking.get()), asker);
         }
         return latest;
     }

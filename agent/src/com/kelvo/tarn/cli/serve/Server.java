@@ -1,21 +1,25 @@
 package com.kelvo.tarn.cli.serve;
 
 import com.kelvo.tarn.cli.answers.Library;
+import com.kelvo.tarn.cli.answers.LibraryLog;
 import com.sun.net.httpserver.Headers;
 import com.sun.net.httpserver.HttpExchange;
 import com.sun.net.httpserver.HttpServer;
 import java.io.IOException;
 import java.net.InetSocketAddress;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.concurrent.LinkedBlockingQueue;
 import java.util.concurrent.ThreadPoolExecutor;
 import java.util.concurrent.TimeUnit;
+import java.util.function.Consumer;
 import java.util.function.Function;
+import java.util.stream.Collectors;
 
 /**
- * Shows what a host answers to whoever can connect. A request's path is looked up in a table of five, and names nothing
- * else.
+ * Shows what a host answers, or the store of a network, to whoever can connect. A request's path is looked up in a
+ * table of a few, and names nothing else.
  */
 public final class Server {
     /** So many may be connected at once; each that asks has a thread. */
@@ -29,22 +33,24 @@ public final class Server {
     /** Questions in a round, at most. */
     private static final int SECTIONS = 16;
 
-    private static final String INDEX = "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\">"
-        + "<title>tarn</title>\n<h1>tarn</h1>\n<ul>\n<li><a href=\"metrics\">Metrics</a> for Prometheus\n"
-        + "<li><a href=\"check\">What is wrong</a>, as JSON\n<li><a href=\"map\">The storage network</a>\n"
-        + "<li><a href=\"-/healthy\">Whether this answers</a>\n</ul>\n";
+    /** What the first page says of each other. */
+    private static final Map<String, String> LINKS = Map.of(
+        "/metrics", "<a href=\"metrics\">Metrics</a> for Prometheus", "/check",
+        "<a href=\"check\">What is wrong</a>, as JSON", "/map", "<a href=\"map\">The storage network</a>",
+        "/-/healthy", "<a href=\"-/healthy\">Whether this answers</a>");
 
-    private final FreshAnswers answers;
     private final HttpServer server;
-    private final Map<String, Function<Accepted, Body>> pages;
+    private final Map<String, Function<Accepted, Body>> pages = new LinkedHashMap<>();
 
-    private Server(InetSocketAddress address, FreshAnswers answers) throws IOException {
-        this.answers = answers;
-        Body index = Body.of("text/html", INDEX);
+    /** With these pages beside those that each server has. */
+    private Server(InetSocketAddress address, Map<String, Function<Accepted, Body>> shown) throws IOException {
         Body healthy = Body.of("text/plain", "tarn answers\n");
-        pages = Map.of(
-            "/", accept -> index, "/-/healthy", accept -> healthy, "/map", accept -> answers.get().map(),
-            "/metrics", this::metrics, "/check", this::check);
+        pages.putAll(shown);
+        pages.put("/-/healthy", accept -> healthy);
+        Body index = Body.of("text/html", pages.keySet().stream().map(page -> "<li>" + LINKS.get(page) + "\n")
+            .sorted().collect(Collectors.joining("", "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\">"
+                + "<title>tarn</title>\n<h1>tarn</h1>\n<ul>\n", "</ul>\n")));
+        pages.put("/", accept -> index);
         server = HttpServer.create(address, CONNECTIONS);
         server.createContext("/", this::handle);
         ThreadPoolExecutor threads = new ThreadPoolExecutor(
@@ -72,10 +78,37 @@ public final class Server {
         Limits asking = new Limits(library.log(), limitSeconds);
         Sampling sampling = new Sampling(library);
         Limits drawing = new Limits(library.log(), limitSeconds);
-        Server server = new Server(address, new FreshAnswers(
-            () -> new Answers(library, asking, sampling, drawing, isExample, program), freshSeconds));
-        server.server.start();
-        return server.server.getAddress();
+        FreshAnswers<Answers> answers = new FreshAnswers<>(
+            () -> new Answers(library, asking, sampling, drawing, isExample, program), freshSeconds);
+        return start(address, Map.of("/metrics", accept -> answers.get().metrics.as(accept),
+                                     "/check", accept -> check(answers.get(), accept),
+                                     "/map", accept -> answers.get().map()));
+    }
+
+    /**
+     * Answers from now on, in threads of its own, with what a store tells.
+     *
+     * @param address where it listens
+     * @param store its file or URL
+     * @param freshSeconds the store is asked at most once in so many
+     * @param limitSeconds so long that may take
+     * @param complaints is told why the store does not answer, once for each reason
+     * @return where it listens
+     * @throws IOException when it cannot listen there
+     */
+    public static InetSocketAddress start(InetSocketAddress address, String store, int freshSeconds, int limitSeconds,
+                                          Consumer<String> complaints) throws IOException {
+        limitConnections(limitSeconds);
+        FreshAnswers<Metrics> answers = new FreshAnswers<>(
+            new NetworkQuestion(store, new Limits(new LibraryLog(), limitSeconds), complaints), freshSeconds);
+        return start(address, Map.of("/metrics", accept -> answers.get().as(accept)));
+    }
+
+    private static InetSocketAddress start(InetSocketAddress address, Map<String, Function<Accepted, Body>> pages)
+        throws IOException {
+        HttpServer server = new Server(address, pages).server;
+        server.start();
+        return server.getAddress();
     }
 
     /** The virtual machine's server reads these once, when its first class is loaded. */
@@ -86,14 +119,9 @@ public final class Server {
             .forEach((name, value) -> System.setProperty(name, value.toString()));
     }
 
-    private Body metrics(Accepted accept) {
-        boolean isOpen = accept.prefers("application/openmetrics-text", "text/plain");
-        return isOpen ? answers.get().openMetrics : answers.get().metrics;
-    }
-
-    private Body check(Accepted accept) {
+    private static Body check(Answers answers, Accepted accept) {
         boolean isText = accept.names("text/plain") && !accept.prefers("application/json", "text/plain");
-        return isText ? answers.get().plugin : answers.get().check;
+        return isText ? answers.plugin : answers.check;
     }
 
     private void handle(HttpExchange exchange) throws IOException {
