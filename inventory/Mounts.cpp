@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <condition_variable>
 #include <csignal>
-#include <deque>
 #include <iterator>
+#include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <system_error>
 #include <thread>
-#include <unordered_map>
 
 #include "common/system/MountTable.h"
 #include "inventory/InventoryError.h"
@@ -54,9 +54,20 @@ public:
         auto question = std::make_shared<Question>();
         question->mountPoint = mountPoint;
         question->askers = 1;
-        waiting.push_back(question); // first: what is open and waits for nobody would never be answered
+        std::list<QuestionPointer> last{question};
         open.emplace(mountPoint, question);
+        waiting.splice(waiting.end(), last); // which cannot fail: what is open and never waited would find no answer
         return question;
+    }
+
+    /// What one caller asked; what nobody has come to, or waits for any more, is forgotten.
+    void withdraw(const std::vector<QuestionPointer> &asked) noexcept {
+        const std::lock_guard lock(mutex);
+        for (const QuestionPointer &question : asked) {
+            if (--question->askers == 0 && std::erase(waiting, question) != 0) {
+                open.erase(question->mountPoint);
+            }
+        }
     }
 
     /// Waits until all are answered, or the time is over for each. What they tell, by then.
@@ -71,11 +82,6 @@ public:
         while (!areSettled() && Clock::now() < end) {
             startThreads();
             changed.wait_until(lock, std::min(end, Clock::now() + stuckAfter), areSettled);
-        }
-        for (const QuestionPointer &question : asked) {
-            if (--question->askers == 0 && std::erase(waiting, question) != 0) {
-                open.erase(question->mountPoint); // nobody has come to it, or waits for it
-            }
         }
         std::vector<std::optional<MountSizes>> sizes;
         std::ranges::transform(asked, std::back_inserter(sizes),
@@ -121,9 +127,23 @@ private:
 
     std::mutex mutex;
     std::condition_variable changed;
-    std::unordered_map<std::string, QuestionPointer> open; // those without an answer
-    std::deque<QuestionPointer> waiting;                   // of these, those that nobody was asked yet
+    std::map<std::string, QuestionPointer> open; // those without an answer
+    std::list<QuestionPointer> waiting;          // of these, those that nobody was asked yet
     std::size_t threads = 0;
+};
+
+/// What one call asks, for as long as it does.
+struct Asked {
+    explicit Asked(Questions &all) : questions(all) {
+    }
+    ~Asked() {
+        questions.withdraw(asked);
+    }
+    Asked(const Asked &) = delete;
+    Asked &operator=(const Asked &) = delete;
+
+    Questions &questions;
+    std::vector<QuestionPointer> asked;
 };
 
 } // namespace
@@ -131,7 +151,6 @@ private:
 std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit) {
     static const auto questions = std::make_shared<Questions>();
     std::vector<InventoryMount> mounts;
-    std::vector<QuestionPointer> asked;
     {
         MountTable table;
         if (!table.isOpen()) {
@@ -141,11 +160,12 @@ std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit) {
             mounts.push_back({entry->mnt_mountp, entry->mnt_special, entry->mnt_fstype, {}});
         }
     }
-    asked.reserve(mounts.size());
+    Asked of(*questions);
+    of.asked.reserve(mounts.size());
     for (const InventoryMount &mount : mounts) {
-        asked.push_back(questions->ask(mount.mountPoint));
+        of.asked.push_back(questions->ask(mount.mountPoint));
     }
-    const std::vector<std::optional<MountSizes>> sizes = questions->await(asked, limit);
+    const std::vector<std::optional<MountSizes>> sizes = questions->await(of.asked, limit);
     for (std::size_t i = 0; i < mounts.size(); ++i) {
         mounts[i].sizes = sizes[i];
     }
