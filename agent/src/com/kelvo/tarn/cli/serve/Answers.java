@@ -55,9 +55,9 @@ final class Answers {
             : asked.recordedAt == null ? "asked " + rules.now : "recorded " + asked.recordedAt)
             + "; drawn by " + program;
 
-        Exposition exposition = HostMetrics.of(library, asked, asking, sampling);
-        metrics = Body.of("text/plain; version=0.0.4", exposition.text());
-        openMetrics = Body.of("application/openmetrics-text; version=1.0.0", exposition.openMetrics());
+        Exposition exposition = HostMetrics.of(library, asked, found, asking, sampling);
+        metrics = Body.of("text/plain; version=0.0.4", exposition::text);
+        openMetrics = Body.of("application/openmetrics-text; version=1.0.0", exposition::openMetrics);
         Map<String, Object> document = Json.object("line", Verdict.line(found, asked, rules, isExample));
         document.putAll(Verdict.document(found, asked));
         check = Body.of("application/json", Json.text(document) + "\n");
