@@ -13,10 +13,17 @@ std::optional<ErrorCounts> readErrorCounts(const KernelChain &chain, kstat_t *re
         return std::nullopt;
     }
     ErrorCounts counts{};
+    const auto *next = errorCountNames.begin(); // drivers keep them in this order, among others
     for (const kstat_named_t &statistic : *statistics) {
-        const auto *const name = std::ranges::find(errorCountNames, fieldText(statistic.name));
-        if (name != errorCountNames.end() && statistic.data_type == KSTAT_DATA_UINT32) {
-            counts[static_cast<std::size_t>(name - errorCountNames.begin())] = statistic.value.ui32;
+        if (statistic.data_type != KSTAT_DATA_UINT32) {
+            continue;
+        }
+        const std::string_view name = fieldText(statistic.name);
+        const auto *const found =
+            next != errorCountNames.end() && *next == name ? next : std::ranges::find(errorCountNames, name);
+        if (found != errorCountNames.end()) {
+            counts[static_cast<std::size_t>(found - errorCountNames.begin())] = statistic.value.ui32;
+            next = found + 1;
         }
     }
     return counts;

@@ -142,7 +142,8 @@ jobject makeSample(JNIEnv *env, ActivitySampler &sampler) {
     const std::vector<DiskActivity> disks = sampler.readDisks();
     const std::vector<PortTraffic> ports = readPorts();
     const Sample made(env);
-    return made.make(makeDisks(env, disks), makePorts(env, ports));
+    const jobjectArray ofDisks = makeDisks(env, disks);
+    return made.make(ofDisks, makePorts(env, ports));
 }
 
 /// A sampler is Java's own from open to close; it calls nothing in between on two threads at once.

@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <condition_variable>
 #include <csignal>
-#include <deque>
+#include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string_view>
 #include <system_error>
 #include <thread>
-#include <unordered_map>
 
 #include "common/system/MountTable.h"
 #include "inventory/InventoryError.h"
@@ -54,9 +54,21 @@ public:
         auto question = std::make_shared<Question>();
         question->mountPoint = mountPoint;
         question->askers = 1;
-        waiting.push_back(question); // first: what is open and waits for nobody would never be answered
+        std::list<QuestionPointer> last{question};
         open.emplace(mountPoint, question);
+        waiting.splice(waiting.end(), last); // which cannot fail: what is open and never waited would find no answer
         return question;
+    }
+
+    /// What one caller asked; what nobody has come to, or waits for any more, is forgotten.
+    void withdraw(const std::vector<QuestionPointer> &asked) noexcept {
+        const std::lock_guard lock(mutex);
+        for (const QuestionPointer &question : asked) {
+            --question->askers;
+        }
+        std::erase_if(waiting, [&](const QuestionPointer &question) {
+            return question->askers == 0 && open.erase(question->mountPoint) != 0;
+        });
     }
 
     /// Waits until all are answered, or the time is over for each. The mounts, in that order, get what is told.
@@ -76,12 +88,6 @@ public:
             startThreads();
             changed.wait_until(lock, std::min(end, Clock::now() + stuckAfter), areSettled);
         }
-        for (const QuestionPointer &question : asked) {
-            --question->askers;
-        }
-        std::erase_if(waiting, [&](const QuestionPointer &question) { // nobody has come to it, or waits for it
-            return question->askers == 0 && open.erase(question->mountPoint) != 0;
-        });
         for (std::size_t i = 0; i < mounts.size(); ++i) {
             mounts[i].isAnswered = asked[i]->isAnswered;
             mounts[i].sizes = asked[i]->sizes;
@@ -126,8 +132,8 @@ private:
 
     std::mutex mutex;
     std::condition_variable changed;
-    std::unordered_map<std::string, QuestionPointer> open; // those without an answer
-    std::deque<QuestionPointer> waiting;                   // of these, those that nobody was asked yet
+    std::map<std::string, QuestionPointer> open; // those without an answer
+    std::list<QuestionPointer> waiting;          // of these, those that nobody was asked yet
     std::size_t threads = 0;
 };
 
@@ -143,12 +149,25 @@ void forEachMount(const Passes &passes, const Take &take) {
     }
 }
 
+/// What one call asks, for as long as it does.
+struct Asked {
+    explicit Asked(Questions &all) : questions(all) {
+    }
+    ~Asked() {
+        questions.withdraw(asked);
+    }
+    Asked(const Asked &) = delete;
+    Asked &operator=(const Asked &) = delete;
+
+    Questions &questions;
+    std::vector<QuestionPointer> asked;
+};
+
 } // namespace
 
 std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit, std::string_view mountPoint) {
     static const auto questions = std::make_shared<Questions>();
     std::vector<InventoryMount> mounts;
-    std::vector<QuestionPointer> asked;
     forEachMount(isOfInventory, [&](const mnttab &entry) {
         if (mountPoint.empty() || mountPoint == entry.mnt_mountp) {
             mounts.push_back({entry.mnt_mountp, entry.mnt_special, entry.mnt_fstype, false, {}});
@@ -157,11 +176,12 @@ std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit, std::str
     if (limit == limit.zero()) {
         return mounts;
     }
-    asked.reserve(mounts.size());
+    Asked of(*questions);
+    of.asked.reserve(mounts.size());
     for (const InventoryMount &mount : mounts) {
-        asked.push_back(questions->ask(mount.mountPoint));
+        of.asked.push_back(questions->ask(mount.mountPoint));
     }
-    questions->await(asked, limit, mounts);
+    questions->await(of.asked, limit, mounts);
     return mounts;
 }
 

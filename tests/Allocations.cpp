@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <cstdlib>
+#include <mutex>
 #include <new>
+#include <thread>
 
 #include "platform/replay/Replay.h"
 #include "tests/WrappedCalls.h"
@@ -20,31 +24,42 @@ struct State {
     int outside = 0;
     int refused = 0;
     int made = 0;
-    int kept = 0;
-    std::array<const void *, 4096> places{}; // of those kept
 
     /// Whether the allocation that begins is to be refused. `isOwn` tells whether it is the library's.
     bool refuses(bool &isOwn) {
         isOwn = isWatched && outside == 0 && !replay::isInPlatform();
         return isOwn && ++made == refused;
     }
+};
+
+/// What was allocated and not given back yet, by whatever thread.
+struct Kept {
+    std::mutex mutex;
+    std::atomic<int> count = 0;
+    std::array<const void *, 4096> places{};
 
     void *keep(void *memory, bool isOwn) {
         if (isOwn && memory != nullptr) {
-            places.at(static_cast<std::size_t>(kept++)) = memory;
+            const std::lock_guard lock(mutex);
+            places.at(static_cast<std::size_t>(count++)) = memory;
         }
         return memory;
     }
 
     void forget(const void *memory) {
-        const auto end = places.begin() + kept;
+        if (count == 0) {
+            return;
+        }
+        const std::lock_guard lock(mutex);
+        const auto end = places.begin() + count;
         if (const auto found = std::find(places.begin(), end, memory); found != end) {
-            *found = places.at(static_cast<std::size_t>(--kept));
+            *found = places.at(static_cast<std::size_t>(--count));
         }
     }
 };
 
 thread_local constinit State state;
+constinit Kept kept;
 
 } // namespace
 
@@ -54,11 +69,11 @@ void *operator new(std::size_t size) {
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
-    return state.keep(memory, isOwn);
+    return kept.keep(memory, isOwn);
 }
 
 void operator delete(void *memory) noexcept {
-    state.forget(memory);
+    kept.forget(memory);
     std::free(memory);
 }
 
@@ -74,13 +89,13 @@ void __real_free(void *memory);
 void *__wrap_calloc(std::size_t count, std::size_t size) {
     bool isOwn = false;
     const bool isRefused = state.refuses(isOwn) || wrapped.refusesMemory;
-    return wrapped.mapping = isRefused ? nullptr : state.keep(__real_calloc(count, size), isOwn);
+    return wrapped.mapping = isRefused ? nullptr : kept.keep(__real_calloc(count, size), isOwn);
 }
 
 void __wrap_free(void *memory) {
     void *expected = memory;
     wrapped.mapping.compare_exchange_strong(expected, nullptr);
-    state.forget(memory);
+    kept.forget(memory);
     __real_free(memory);
 }
 }
@@ -92,12 +107,12 @@ namespace tests {
 RefusedAllocation::RefusedAllocation(int n) {
     state.isWatched = true;
     state.refused = n;
-    state.made = state.kept = 0;
+    state.made = ::kept.count = 0;
 }
 
 RefusedAllocation::~RefusedAllocation() {
     state.isWatched = false;
-    state.kept = 0;
+    ::kept.count = 0;
 }
 
 int RefusedAllocation::made() const {
@@ -105,7 +120,10 @@ int RefusedAllocation::made() const {
 }
 
 int RefusedAllocation::kept() const {
-    return state.kept;
+    for (int i = 0; i < 10000 && ::kept.count != 0; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return ::kept.count;
 }
 
 OutsideTheLibrary::OutsideTheLibrary() {

@@ -14,7 +14,7 @@ public:
     RefusedAllocation &operator=(const RefusedAllocation &) = delete;
 
     int made() const; ///< allocations of the library's own so far, the refused one included
-    int kept() const; ///< those of them that have not been given back
+    int kept() const; ///< those of them that are not given back, also by a thread as it ends
 };
 
 /// Marks the calling thread as outside of the library's own code.

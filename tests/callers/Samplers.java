@@ -1,9 +1,13 @@
+import com.kelvo.tarn.TrNamespace;
 import com.kelvo.tarn.inventory.Identity;
 import com.kelvo.tarn.inventory.Inventory;
 import com.kelvo.tarn.inventory.InventoryHost;
 import com.kelvo.tarn.inventory.Mount;
 import com.kelvo.tarn.inventory.Sample;
 import com.kelvo.tarn.inventory.Sampler;
+import com.kelvo.tarn.providers.hba.HbaCache;
+import com.kelvo.tarn.providers.hba.HbaClassNames;
+import com.kelvo.tarn.providers.solaris.SolarisScsiInterrogator;
 import com.kelvo.tarn.replay.ReplayHost;
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
@@ -70,7 +74,8 @@ final class Samplers {
         }
         List<Supplier<?>> refused = List.of(() -> ReplayHost.read(file.toString()), () -> load("{'mnttab': 1}"),
                 () -> InventoryHost.load(null, "it"), () -> load("{}" + " ".repeat(200000) + "x"));
-        List<String> reasons = List.of(file + ": No such file", "it: mnttab: ", "no text", "it: not JSON: line 1, column 200003");
+        List<String> reasons = List.of(file + ": No such file", "it: mnttab: ", "no text",
+                "it: not JSON: line 1, column 200003");
         for (int i = 0; i < reasons.size(); ++i) {
             try {
                 expect("unlike " + reasons.get(i) + ": " + refused.get(i).get(), false);
@@ -115,15 +120,36 @@ final class Samplers {
         }
     }
 
+    /** How many remote ports a fill finds. */
+    private static int fill() {
+        HbaClassNames names = new HbaClassNames(TrNamespace.KELVO, true);
+        int count = 0;
+        for (HbaCache.Hba adapter : new HbaCache(false, false).fillHbaCache(names)) {
+            for (HbaCache.HbaPort port : adapter.ports()) {
+                count += port.discoveredPorts().length;
+            }
+        }
+        return count;
+    }
+
+    private static String scan() {
+        return new SolarisScsiInterrogator().scsiInterrogate("1T54412345", "1T54412346", "SUN", "CSM200_R");
+    }
+
+    /** Readings, and beside them whatever else the two libraries ask the platform. */
     private static void closesUnderReadings() throws Exception {
+        int ports = fill();
+        String report = scan();
+        expect("a fabric and an array", ports > 4 && report.length() > 100);
         ExecutorService threads = Executors.newFixedThreadPool(THREADS);
         for (int round = 0; round < 20; ++round) {
             Sampler sampler = Inventory.sampler();
+            List<Callable<Boolean>> questions = List.of(() -> readUntilClosed(sampler),
+                    () -> Inventory.identities().size() == 12, () -> readUntilClosed(sampler), () -> fill() == ports,
+                    () -> Inventory.mounts().isEmpty(), () -> scan().equals(report));
             List<Future<Boolean>> readings = new ArrayList<>();
             for (int i = 0; i < THREADS; ++i) {
-                boolean shares = i % 2 == 0;
-                readings.add(threads.submit((Callable<Boolean>) () -> shares ? readUntilClosed(sampler)
-                        : Inventory.identities().size() == 12));
+                readings.add(threads.submit(questions.get(i % questions.size())));
             }
             Thread.sleep(round);
             sampler.close();

@@ -2,7 +2,7 @@
 
 #include <jni.h>
 
-// The library's entry points, each under the name of its Java method.
+// The libraries' entry points, each under the name of its Java method.
 
 #define HOST_FACT(method) Java_com_kelvo_tarn_providers_solaris_SolarisNativeMethod_##method
 #define AUTHENTICATOR(method) Java_com_kelvo_tarn_providers_solaris_SolarisAuthenticator_##method
@@ -10,6 +10,8 @@
 #define PARTITIONS(method) Java_com_kelvo_tarn_providers_solaris_SolarisDiskPartitionProvider_##method
 #define INTERROGATOR(method) Java_com_kelvo_tarn_providers_solaris_SolarisScsiInterrogator_##method
 #define HBA_CACHE(method) Java_com_kelvo_tarn_providers_hba_HbaCache_##method
+#define INVENTORY(method) Java_com_kelvo_tarn_inventory_Inventory_##method
+#define SAMPLER(method) Java_com_kelvo_tarn_inventory_Sampler_##method
 
 extern "C" {
 jobject HOST_FACT(getComputerSystem)(JNIEnv *, jobject);
@@ -31,4 +33,9 @@ jobject PARTITIONS(getPartition)(JNIEnv *, jobject, jstring);
 jstring INTERROGATOR(scsiInterrogate)(JNIEnv *, jobject, jstring, jstring, jstring, jstring);
 jobjectArray HBA_CACHE(fillHbaCache)(JNIEnv *, jobject, jobject);
 void HBA_CACHE(testHbaLibrary)(JNIEnv *, jobject, jobject);
+jobjectArray INVENTORY(readIdentities)(JNIEnv *, jclass);
+jobjectArray INVENTORY(readMounts)(JNIEnv *, jclass, jlong);
+jlong SAMPLER(open)(JNIEnv *, jclass);
+jobject SAMPLER(read)(JNIEnv *, jclass, jlong);
+void SAMPLER(close)(JNIEnv *, jclass, jlong);
 }

@@ -177,6 +177,12 @@ struct Overlay {
             table.calls.back() += " " + std::to_string(static_cast<unsigned char>(from[i]));
         }
     }
+    static void before(Slot<&T::SetLongArrayRegion>, JniTable &table, jlongArray, jsize, jsize size,
+                       const jlong *from) {
+        for (jsize i = 0; i < size; ++i) {
+            table.calls.back() += " " + std::to_string(from[i]);
+        }
+    }
 
     static void noteLookup(JniTable &table, bool onlyOnce) {
         if (onlyOnce && ++table.numbers[table.calls.back()] > 1) {
@@ -235,6 +241,9 @@ struct Overlay {
     }
     static std::string after(Slot<&T::NewByteArray>, JniTable &table, jbyteArray array, jsize) {
         return table.names[array] = numbered(table, "byte[]");
+    }
+    static std::string after(Slot<&T::NewLongArray>, JniTable &table, jlongArray array, jsize) {
+        return table.names[array] = numbered(table, "long[]");
     }
     static std::string after(Slot<&T::GetStringUTFChars>, JniTable &table, const char *characters, jstring,
                              jboolean *) {
@@ -328,6 +337,8 @@ JniTable::JniTable(JNIEnv *environment, bool withJournal)
     Overlay::lay<&T::NewObjectArray>(table, {"NewObjectArray", outOfMemory, false, false});
     Overlay::lay<&T::NewByteArray>(table, {"NewByteArray", outOfMemory, false, false});
     Overlay::lay<&T::SetByteArrayRegion>(table, {"SetByteArrayRegion", nullptr, false, false});
+    Overlay::lay<&T::NewLongArray>(table, {"NewLongArray", outOfMemory, false, false});
+    Overlay::lay<&T::SetLongArrayRegion>(table, {"SetLongArrayRegion", nullptr, false, false});
     Overlay::lay<&T::SetObjectArrayElement>(table, {"SetObjectArrayElement", javaThrew, false, false});
     Overlay::lay<&T::CallObjectMethodV>(table, {"CallObjectMethod", javaThrew, true, false});
     Overlay::lay<&T::CallBooleanMethodV>(table, {"CallBooleanMethod", javaThrew, false, false});

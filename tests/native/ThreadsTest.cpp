@@ -1,14 +1,21 @@
-// What threads share, the HBA library, and what each has to itself, its stack.
+// What threads share, the HBA library and the mounts that are asked, and what each has to itself, its stack.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <functional>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "common/hba/library/LibraryGuards.h"
 #include "common/hba/library/TargetMappingTable.h"
 #include "common/jni/StackRoom.h"
+#include "inventory/Activity.h"
+#include "inventory/Identities.h"
+#include "inventory/Mounts.h"
+#include "native/array/SolarisScsiInterrogatorC.h"
 #include "platform/replay/Replay.h"
 #include "tests/Lines.h"
 
@@ -75,6 +82,69 @@ TEST(HbaLibrary, ThreadsThatComeAndGoAllHaveIt) {
             }
         });
     });
+}
+
+/// What the two libraries ask for Java, on eight threads: samplers, identities, mounts, a fill's walk, an array's scan.
+TEST(Inventory, ThreadsSampleFillAndScanAtOnce) {
+    std::ifstream rill(TARN_TESTS "/../hosts/rill.json");
+    auto host = nlohmann::json::parse(rill);
+    for (int i = 0; i < 20; ++i) {
+        const std::string path = "/pool/" + std::to_string(i);
+        host["mnttab"].push_back("pool\t" + path + "\tzfs\trw\t1");
+        host["statvfs"][path] = {{"f_frsize", 1}, {"f_blocks", i}};
+    }
+    replay::loadHostText(host.dump());
+    const std::function<std::string()> questions[] = {
+        [] {
+            ActivitySampler sampler;
+            std::string counts;
+            for (int reading = 0; reading < 3; ++reading) {
+                for (const DiskActivity &disk : sampler.readDisks()) {
+                    counts += disk.disk + " " + std::to_string(disk.counters.nread) + " ";
+                }
+                for (const PortTraffic &port : readPorts()) {
+                    counts += std::to_string(port.counters.InvalidCRCCount) + " ";
+                }
+            }
+            return counts;
+        },
+        [] {
+            std::string all;
+            for (const DiskIdentity &disk : readIdentities()) {
+                all += disk.disk + disk.serial + disk.designator + " ";
+            }
+            return all;
+        },
+        [] {
+            std::string all;
+            for (const InventoryMount &mount : readMounts(std::chrono::minutes(1))) {
+                all += mount.mountPoint + (mount.sizes ? std::to_string(mount.sizes->total) : " untold") + " ";
+            }
+            return all;
+        },
+        [] {
+            WithHbaLibrary library;
+            return walk(library);
+        },
+        [] {
+            std::vector<char> report(returnStringSize);
+            scsiInterrogatorC(report.data(), "1T54412345", "1T54412346", "SUN", "CSM200_R");
+            return std::string(report.data());
+        },
+    };
+    std::vector<std::string> answers;
+    for (const auto &question : questions) {
+        answers.push_back(question());
+        EXPECT_GT(answers.back().size(), 15U) << answers.back();
+    }
+    std::vector<std::jthread> threads;
+    for (std::size_t number = 0; number < 8; ++number) {
+        threads.emplace_back([&, number] {
+            for (std::size_t i = number; i < number + 40; ++i) {
+                EXPECT_EQ(questions[i % answers.size()](), answers[i % answers.size()]);
+            }
+        });
+    }
 }
 
 [[gnu::noinline]] std::size_t leftBelow(std::size_t size) {

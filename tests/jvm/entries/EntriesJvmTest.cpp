@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <functional>
 #include <nlohmann/json.hpp>
+#include <regex>
 
 #include "platform/replay/Replay.h"
 #include "tests/Allocations.h"
@@ -30,6 +31,7 @@ protected:
         std::function<jobject(JNIEnv *)> call;
         jobject collection = nullptr; // that the entry puts its answer into, when it returns none
         bool isQuiet = false;         // tells nobody of what Java refused it
+        std::string host = "small";   // that has something to tell
     };
 
     EntriesTest() {
@@ -104,6 +106,23 @@ protected:
         entries.push_back({"fillHbaCache", "", [=](JNIEnv *e) { return HBA_CACHE(fillHbaCache)(e, cache, names); }});
         const jobject list = make("java/util/ArrayList", "()V");
         fill("testHbaLibrary", HBA_CACHE(testHbaLibrary), cache, list, list);
+
+        const auto ofInventory = [&](const char *name, const char *arguments, const auto &call) {
+            entries.push_back({name, arguments, call, nullptr, false, "inventory"});
+        };
+        ofInventory("readIdentities", "", [](JNIEnv *e) -> jobject { return INVENTORY(readIdentities)(e, nullptr); });
+        ofInventory("readMounts", "60000",
+                    [](JNIEnv *e) -> jobject { return INVENTORY(readMounts)(e, nullptr, 60000); });
+        ofInventory("sampler", "open, read, close", [](JNIEnv *e) {
+            const jlong sampler = SAMPLER(open)(e, nullptr);
+            const jobject sample = sampler == 0 ? nullptr : SAMPLER(read)(e, nullptr, sampler);
+            if (sampler != 0) {
+                SAMPLER(close)(e, nullptr, sampler);
+            }
+            return sample;
+        });
+        tests::loadHost("inventory");
+        INVENTORY(readMounts)(env, nullptr, 60000); // what is kept for the process is made
     }
 
     /// What the entry has answered, in lines. A collection is empty afterwards.
@@ -130,9 +149,24 @@ protected:
             const jvm::LocalFrame ofOne(env);
             const jobject one = isArray ? env->GetObjectArrayElement(static_cast<jobjectArray>(result), i) : result;
             const bool isInstance = one != nullptr && isA(one, "com/kelvo/tarn/TrInstance");
-            all.push_back(isInstance ? jvm::instanceText(env, one) : jvm::toText(env, one));
+            if (entry.host == "inventory") {
+                append(all, fieldsOf(one));
+            } else {
+                all.push_back(isInstance ? jvm::instanceText(env, one) : jvm::toText(env, one));
+            }
         }
         return all;
+    }
+
+    /// Its fields that are not null, as JSON, with a line for each element of a list.
+    Lines fieldsOf(jobject object) const {
+        const jobject gson = make("com/google/gson/Gson", "()V");
+        const jmethodID toJson =
+            env->GetMethodID(env->GetObjectClass(gson), "toJson", "(Ljava/lang/Object;)Ljava/lang/String;");
+        const jobject text = env->CallObjectMethod(gson, toJson, object);
+        env->ExceptionCheck();
+        static const std::regex begins(R"(([\[,])(?=\{|"ports"))");
+        return tests::linesOf(std::istringstream(std::regex_replace(jvm::toText(env, text), begins, "$1\n")));
     }
 
     /// Runs the entry with the n-th platform call refused, or the n-th allocation, or none. Nothing may be leaked. Answers
@@ -176,7 +210,7 @@ TEST_F(EntriesTest, CallInOrderAndSurviveWhateverJavaRefuses) {
     Lines text;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const Entry &entry = entries[i];
-        for (const std::string host : {"small", "bare"}) {
+        for (const std::string &host : {entry.host, std::string("bare")}) {
             const std::string title = entry.name + "(" + entry.arguments + ") on the host " + host + ":";
             SCOPED_TRACE(title);
             tests::loadHost(host);
@@ -201,9 +235,9 @@ TEST_F(EntriesTest, CallInOrderAndSurviveWhateverJavaRefuses) {
 
 /// The text has what each entry tells, and after each refused call what of it is gone (-) and stands there instead (+).
 TEST_F(EntriesTest, LackOneThingForEachCallThatThePlatformRefuses) {
-    tests::loadHost("small");
     Lines text;
     for (const Entry &entry : entries) {
+        tests::loadHost(entry.host);
         const std::string title = entry.name + "(" + entry.arguments + "):";
         SCOPED_TRACE(title);
         const Lines whole = run(entry, 0, true);
@@ -249,9 +283,10 @@ TEST_F(EntriesTest, ThrowOrLackSomethingForEachAllocationThatIsRefused) {
         }
         append(text, all == 0 ? Lines{} : Lines{title, tests::joined(ways, "\n  or\n")});
     };
-    for (const std::string host : {"small", "bare"}) {
-        tests::loadHost(host);
+    for (const bool isBare : {false, true}) {
         for (const Entry &entry : entries) {
+            const std::string host = isBare ? "bare" : entry.host;
+            tests::loadHost(host);
             refuseEach(entry, host);
         }
     }
@@ -269,7 +304,8 @@ TEST_F(EntriesTest, TellTheSameOverAPlatformThatLeavesDirt) {
         return INTERROGATOR(scsiInterrogate)(e, nullptr, names[0], names[1], names[2], names[3]);
     };
     entries.push_back({"scsiInterrogate", "the array of rill", interrogate});
-    for (const std::string host : {"small", "bare", "two-adapters", "target-mappings", "../../hosts/rill"}) {
+    for (const std::string host :
+         {"small", "inventory", "bare", "two-adapters", "target-mappings", "../../hosts/rill"}) {
         tests::loadHost(host);
         for (const Entry &entry : entries) {
             SCOPED_TRACE(entry.name + "(" + entry.arguments + ") on the host " + host);

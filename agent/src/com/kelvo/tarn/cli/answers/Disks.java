@@ -15,6 +15,9 @@ import java.util.List;
 import java.util.Locale;
 import java.util.Map;
 import java.util.Objects;
+import java.util.Optional;
+import java.util.concurrent.ConcurrentHashMap;
+import java.util.function.Supplier;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
@@ -44,6 +47,8 @@ public final class Disks {
     /** The disks that are the volume of a designator: a device for each path to it, and pseudo devices over them. */
     private final Map<String, List<String>> volumes = new HashMap<>();
     private final Map<String, List<String>> identified = new HashMap<>();
+    /** By the HBA library's name for it: the drive, or nothing. The paths to a unit mostly have the same. */
+    private final Map<String, Optional<String>> mapped = new ConcurrentHashMap<>();
 
     /** What a host tells of its disks; the slices are needed for slices that are not called like their disk. */
     Disks(List<TrInstance> drives, List<TrInstance> partitions, List<SolarisDiskIOInformation> io,
@@ -131,9 +136,17 @@ public final class Disks {
     }
 
     /** The drive that a target mapping leads to, by the HBA library's name for it or else by its numbers; or null. */
-    String ofMapping(String ownName, String numberedName) {
+    String ofMapping(String ownName, Supplier<String> numberedName) {
+        if (drives.isEmpty()) {
+            return null;
+        }
+        return mapped.computeIfAbsent(ownName, this::driveCalled)
+            .or(() -> Optional.of(numberedName.get()).filter(drives::containsKey)).orElse(null);
+    }
+
+    private Optional<String> driveCalled(String ownName) {
         String named = ownName.startsWith(DEVICES) ? ofDevice(ownName) : ofEntry(DeviceNames.withoutDirectory(ownName));
-        return Stream.of(named == null ? "" : named, numberedName).filter(drives::containsKey).findFirst().orElse(null);
+        return Optional.ofNullable(named).filter(drives::containsKey);
     }
 
     /** What a disk is; null when that is not told. */

@@ -57,6 +57,8 @@ public final class Fabric {
         public final TrInstance statistics;
         /** What it has discovered, by index. */
         public final List<RemotePort> remotePorts = new ArrayList<>();
+        /** The fabric's name; empty when it tells none. */
+        private final String fabric;
 
         private Port(Adapter adapter, int index, HbaCache.HbaPort record) {
             this.adapter = adapter;
@@ -64,6 +66,7 @@ public final class Fabric {
             recorded = record != null;
             instance = recorded ? record.instance() : null;
             statistics = recorded ? record.statistics() : null;
+            fabric = Instances.name(instance, HbaPortProvider.fabricName);
             for (HbaCache.HbaDiscoveredPort remote :
                  recorded ? record.discoveredPorts() : new HbaCache.HbaDiscoveredPort[0]) {
                 remotePorts.add(new RemotePort(this, remotePorts.size(), remote));
@@ -77,7 +80,7 @@ public final class Fabric {
 
         /** {@return the name of the fabric that it is in; empty when it tells none} */
         public String fabric() {
-            return fabricName(this);
+            return fabric;
         }
     }
 
@@ -109,10 +112,10 @@ public final class Fabric {
                 TrInstance mapping = mappings.get(i);
                 TrInstance named = sameSize && own.mappings.get(i) != null ? own.mappings.get(i) : mapping;
                 String device = named == null ? "" : Instances.text(named, TargetMappingProvider.osDeviceName);
-                String numbered = mapping == null ? "" : "c" + Instances.number(mapping, TargetMappingProvider.scsiBus)
-                    + "t" + Instances.number(mapping, TargetMappingProvider.targetId)
-                    + "d" + Instances.number(mapping, TargetMappingProvider.scsiLun);
-                String disk = known.ofMapping(device, numbered);
+                String disk = known.ofMapping(device, () -> mapping == null ? ""
+                    : "c" + Instances.number(mapping, TargetMappingProvider.scsiBus)
+                        + "t" + Instances.number(mapping, TargetMappingProvider.targetId)
+                        + "d" + Instances.number(mapping, TargetMappingProvider.scsiLun));
                 disks.add(disk);
                 devices.add(asAgent && mapping != null ? Instances.text(mapping, TargetMappingProvider.osDeviceName)
                     : disk != null ? disk : DeviceNames.withoutSlice(DeviceNames.withoutDirectory(device)));
@@ -180,15 +183,6 @@ public final class Fabric {
     /** {@return all ports of all adapters} */
     public List<Port> ports() {
         return adapters.stream().flatMap(adapter -> adapter.ports.stream()).collect(Collectors.toList());
-    }
-
-    /**
-     * {@return the fabric's name of a port; empty when it is zero}
-     *
-     * @param port one of this host's
-     */
-    static String fabricName(Port port) {
-        return Instances.name(port.instance, HbaPortProvider.fabricName);
     }
 
     /** {@return all remote ports; one that several ports have discovered is there once for each} */

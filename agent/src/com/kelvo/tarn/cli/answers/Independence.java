@@ -40,7 +40,7 @@ public final class Independence {
         List<Fabric.Port> online = fabric.ports().stream().filter(port -> PortStates.isOnline(
             Instances.value(port.instance, HbaPortProvider.portState))).collect(Collectors.toList());
         hasTwoAdapters = isSeveral(online, port -> port.adapter.index);
-        hasTwoFabrics = online.stream().map(Fabric::fabricName).filter(name -> !name.isEmpty()).distinct().count() > 1;
+        hasTwoFabrics = online.stream().map(Fabric.Port::fabric).filter(name -> !name.isEmpty()).distinct().count() > 1;
         for (LogicalUnit unit : paths.units) {
             mostPaths.merge(unit.node, unit.onlinePaths(), Math::max);
             unit.online().forEach(
@@ -76,6 +76,6 @@ public final class Independence {
     }
 
     private static <T> boolean isSeveral(Collection<T> things, Function<T, Object> what) {
-        return things.stream().map(what).distinct().count() > 1;
+        return things.stream().map(what).distinct().limit(2).count() > 1;
     }
 }

@@ -6,7 +6,6 @@ import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import java.util.ArrayList;
-import java.util.Collection;
 import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
@@ -54,7 +53,7 @@ public final class LogicalUnit {
             this.remote = remote;
             this.mapping = place;
             disk = remote.disk(place);
-            fabric = Fabric.fabricName(remote.port);
+            fabric = remote.port.fabric();
             adapter = remote.port.adapter.index;
             port = remote.port.index;
             portWWN = Instances.value(remote.port.instance, HbaPortProvider.permanentAddress);
@@ -136,17 +135,33 @@ public final class LogicalUnit {
     /** In the order of the library's walk. */
     public final List<Path> paths = new ArrayList<>();
 
+    /** Known once it has all paths. */
+    private transient List<Path> distinct;
+    private transient List<Path> online;
     /** Whether the host has the ports for two paths. */
     private final transient boolean mayHaveTwo;
 
     LogicalUnit(Fabric.RemotePort remote, TrInstance mapping, boolean mayHaveTwo) {
-        node = Objects.requireNonNullElse(Instances.value(remote.instance, HbaPortProvider.nodeWWN), "");
-        lun = Instances.number(mapping, TargetMappingProvider.exportedLUN);
+        node = nodeOf(remote);
+        lun = lunOf(mapping);
         this.mayHaveTwo = mayHaveTwo;
     }
 
-    /** Learns what its drives tell, once it has all paths. */
-    void isOn(Disks known) {
+    static String nodeOf(Fabric.RemotePort remote) {
+        return Objects.requireNonNullElse(Instances.value(remote.instance, HbaPortProvider.nodeWWN), "");
+    }
+
+    static UnsignedInt lunOf(TrInstance mapping) {
+        return Instances.number(mapping, TargetMappingProvider.exportedLUN);
+    }
+
+    /** No path comes any more: learns what its drives tell. */
+    void hasAllPaths(Disks known) {
+        Map<List<String>, Path> byEnds = new LinkedHashMap<>();
+        paths.forEach(path -> byEnds.merge(List.of(path.near(), path.far()), path,
+                                           (one, other) -> one.isOnline() ? one : other));
+        distinct = List.copyOf(byEnds.values());
+        online = distinct.stream().filter(Path::isOnline).collect(Collectors.toUnmodifiableList());
         List<String> drives = disks();
         disk = drives.isEmpty() ? null : drives.get(0);
         long capacity = disk == null ? 0 : Disks.capacity(known.drives.get(disk));
@@ -166,21 +181,18 @@ public final class LogicalUnit {
     }
 
     /** {@return the paths; those between the same two ports, of which an HBA library may list several, once} */
-    public Collection<Path> distinctPaths() {
-        Map<List<String>, Path> distinct = new LinkedHashMap<>();
-        paths.forEach(path -> distinct.merge(List.of(path.near(), path.far()), path,
-                                             (one, other) -> one.isOnline() ? one : other));
-        return distinct.values();
+    public List<Path> distinctPaths() {
+        return distinct;
     }
 
     /** {@return of the distinct paths, those that have both ends online} */
     public List<Path> online() {
-        return distinctPaths().stream().filter(Path::isOnline).collect(Collectors.toList());
+        return online;
     }
 
     /** {@return how many of the distinct paths have both ends online} */
     public long onlinePaths() {
-        return online().size();
+        return online.size();
     }
 
     /** {@return whether less than two paths are online, on a host with the ports to have two} */

@@ -1,9 +1,11 @@
 package com.kelvo.tarn.cli.answers;
 
-import java.util.ArrayList;
+import com.kelvo.tarn.TrInstance;
 import java.util.Comparator;
+import java.util.HashMap;
 import java.util.List;
-import java.util.TreeMap;
+import java.util.Map;
+import java.util.stream.Collectors;
 
 /** The logical units behind the host's adapters, by their array's node name and their number there. */
 public final class Paths {
@@ -20,16 +22,21 @@ public final class Paths {
      */
     public Paths(Fabric fabric) {
         boolean hasTwoPorts = fabric.ports().stream().filter(port -> port.instance != null).count() > 1;
-        TreeMap<LogicalUnit, LogicalUnit> found = new TreeMap<>(ORDER);
+        Map<String, Map<Long, LogicalUnit>> found = new HashMap<>();
         fabric.remotePorts().forEach(remote -> {
+            Map<Long, LogicalUnit> ofNode =
+                found.computeIfAbsent(LogicalUnit.nodeOf(remote), added -> new HashMap<>());
             for (int i = 0; i < remote.mappings.size(); i++) {
-                if (remote.mappings.get(i) != null) {
-                    LogicalUnit unit = new LogicalUnit(remote, remote.mappings.get(i), hasTwoPorts);
-                    found.computeIfAbsent(unit, added -> added).paths.add(new LogicalUnit.Path(remote, i));
+                TrInstance mapping = remote.mappings.get(i);
+                if (mapping != null) {
+                    ofNode.computeIfAbsent(LogicalUnit.lunOf(mapping).longValue(),
+                                           lun -> new LogicalUnit(remote, mapping, hasTwoPorts))
+                        .paths.add(new LogicalUnit.Path(remote, i));
                 }
             }
         });
-        units = new ArrayList<>(found.values());
-        units.forEach(unit -> unit.isOn(fabric.disks));
+        units = found.values().stream().flatMap(ofNode -> ofNode.values().stream()).sorted(ORDER)
+            .collect(Collectors.toList());
+        units.forEach(unit -> unit.hasAllPaths(fabric.disks));
     }
 }

@@ -2,6 +2,8 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.answers.Asked;
 import com.kelvo.tarn.cli.answers.Asking;
+import com.kelvo.tarn.cli.answers.Check;
+import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.frame.Export;
 import com.kelvo.tarn.cli.metrics.HostMetrics;
 import java.util.List;
@@ -16,6 +18,7 @@ public final class MetricsCommand extends Export {
     protected String text() {
         Asked asked = new Asked(library(), List.of());
         return (tarn().isBuiltInHost() ? "# The built-in example answers, not a host.\n" : "")
-            + HostMetrics.of(library(), asked, Asking.AT_ONCE, library()::sample).text();
+            + HostMetrics.of(library(), asked, Check.of(asked, null, new CheckRules()), Asking.AT_ONCE,
+                             library()::sample).text();
     }
 }

@@ -4,7 +4,6 @@ import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.cli.answers.Asked;
 import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.answers.Check;
-import com.kelvo.tarn.cli.answers.CheckRules;
 import com.kelvo.tarn.cli.answers.Counter;
 import com.kelvo.tarn.cli.answers.DiskErrors;
 import com.kelvo.tarn.cli.answers.Fabric;
@@ -28,13 +27,15 @@ import com.kelvo.tarn.providers.solaris.SolarisOperatingSystemProvider.SolarisOp
 import com.kelvo.tarn.providers.solaris.processor.SolarisCpuUtilizationInformationProvider.SolarisCpuUtilizationData;
 import java.math.BigDecimal;
 import java.math.BigInteger;
-import java.util.Arrays;
 import java.util.HashMap;
+import java.util.HashSet;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
 import java.util.Objects;
+import java.util.Set;
 import java.util.function.Supplier;
+import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
 /** A host's states and counters, asked once each. */
@@ -53,10 +54,12 @@ public final class HostMetrics {
      *
      * @param library what is asked for what a check does not ask
      * @param asked what the host has answered to a check
+     * @param check what that finds
      * @param asking how the library is asked
      * @param sampling reads what disks and ports do
      */
-    public static Exposition of(Library library, Asked asked, Asking asking, Supplier<Sample> sampling) {
+    public static Exposition of(Library library, Asked asked, Check check, Asking asking,
+                                Supplier<Sample> sampling) {
         HostMetrics metrics = new HostMetrics(asked);
         metrics.section("computer-system", () -> metrics.add(Objects.requireNonNull(asked.computerSystem)));
         metrics.section("operating-system",
@@ -70,7 +73,7 @@ public final class HostMetrics {
         metrics.answered("disks", () -> { });
         metrics.answered("identities", metrics::addDisks);
         metrics.answered("hba", metrics::addFabric);
-        metrics.addCheck();
+        metrics.addCheck(check);
         return metrics.out;
     }
 
@@ -90,7 +93,7 @@ public final class HostMetrics {
             up = 0;
         }
         out.gauge("tarn_section_up", "Whether the library answered; its metrics are left out where it did not.")
-            .sample(up, "section", name);
+            .sample(up, labels("section", name));
     }
 
     /** Where the adapters hang, a second call would hang in them too. */
@@ -111,9 +114,9 @@ public final class HostMetrics {
     private void add(SolarisComputerSystem system) {
         requireAnswer(system.hostName(), system.systemName(), system.version(), system.platform());
         out.gauge("tarn_host_info", "The host, always 1.")
-            .sample(1, "hostname", system.hostName().strip(), "system", system.systemName().strip(), "version",
-                    system.version().strip(), "platform", system.platform().strip(), "serial",
-                    system.serialNumber().strip());
+            .sample(1, labels("hostname", system.hostName().strip(), "system", system.systemName().strip(),
+                              "version", system.version().strip(), "platform", system.platform().strip(),
+                              "serial", system.serialNumber().strip()));
     }
 
     private void add(SolarisOperatingSystem system) {
@@ -123,27 +126,26 @@ public final class HostMetrics {
         addMemory(memory, "physical_free", system.freePhysicalKB());
         addMemory(memory, "swap", system.totalSwapKB());
         if (system.totalSwapKB() != 0) { // of which all may be taken
-            memory.sample(kilobytes(system.freeSwapKB()), "kind", "swap_free");
+            memory.sample(kilobytes(system.freeSwapKB()), labels("kind", "swap_free"));
         }
     }
 
     /** No system has none of these: 0 is what it does not tell. */
     private static void addMemory(Exposition.Family memory, String kind, long kilobytes) {
         if (kilobytes != 0) {
-            memory.sample(kilobytes(kilobytes), "kind", kind);
+            memory.sample(kilobytes(kilobytes), labels("kind", kind));
         }
     }
 
     /** What the check finds, and how old all this is. */
-    private void addCheck() {
-        List<Check.Finding> findings = Check.of(asked, null, new CheckRules()).findings;
-        long criticals = findings.stream().filter(Check.Finding::isCritical).count();
+    private void addCheck(Check check) {
+        long criticals = check.findings.stream().filter(Check.Finding::isCritical).count();
         Exposition.Family found = out.gauge("tarn_check_findings", "What the command check finds, by severity.");
-        found.sample(criticals, "severity", "critical");
-        found.sample(findings.size() - criticals, "severity", "warning");
+        found.sample(criticals, labels("severity", "critical"));
+        found.sample(check.findings.size() - criticals, labels("severity", "warning"));
         if (asked.recordedAt != null) {
             out.gauge("tarn_host_recorded_timestamp_seconds", "When the host that is told of was recorded.")
-                .sample(asked.recordedAt.getEpochSecond());
+                .sample(asked.recordedAt.getEpochSecond(), "");
         }
     }
 
@@ -153,8 +155,8 @@ public final class HostMetrics {
         for (FileSystem disk : asked.sizedFileSystems) {
             if (disk.isOfInventory() == ofInventory && disk.isSized()) {
                 FileSystemUse use = new FileSystemUse(disk);
-                Object[] labels = {"mountpoint", disk.mountPoint, "device", disk.device, "fstype",
-                                   disk.fileSystemType};
+                String labels = labels("mountpoint", disk.mountPoint, "device", disk.device, "fstype",
+                                       disk.fileSystemType);
                 sizes.sample(use.total(), with(labels, "kind", "total"));
                 sizes.sample(use.free(), with(labels, "kind", "free"));
                 sizes.sample(use.available(), with(labels, "kind", "available"));
@@ -165,12 +167,12 @@ public final class HostMetrics {
     private void addProcessors() {
         Exposition.Family online = out.gauge("tarn_processor_online", "Whether the processor is online.");
         asked.processors.forEach(
-            data -> online.sample(data.state().equals("online") ? 1 : 0, "processor", data.processorId()));
+            data -> online.sample(data.state().equals("online") ? 1 : 0, labels("processor", data.processorId())));
     }
 
     private void add(SolarisCpuUtilizationData data) {
         Exposition.Family ticks = out.counter("tarn_cpu_ticks_total", "Clock ticks since boot; 32 bits, which wrap.");
-        Object[] labels = {"processor", data.cpuId()};
+        String labels = labels("processor", data.cpuId());
         ticks.sample(Counter.of32(data.userTicks()).value(), with(labels, "mode", "user"));
         ticks.sample(Counter.of32(data.kernelTicks()).value(), with(labels, "mode", "kernel"));
         ticks.sample(Counter.of32(data.waitTicks()).value(), with(labels, "mode", "wait"));
@@ -180,7 +182,7 @@ public final class HostMetrics {
     /** What was sampled counts: it is of the same time as all else of the disk. */
     private void add(SolarisDiskIOInformation io) {
         DiskActivity sampled = activity.get(io.instanceName());
-        Object[] labels = {"disk", io.diskName(), "instance", io.instanceName()};
+        String labels = labels("disk", io.diskName(), "instance", io.instanceName());
         count(out.counter("tarn_disk_read_bytes_total", "Bytes read since boot."),
               new Counter(sampled == null ? io.bytesRead() : sampled.nread), labels);
         count(out.counter("tarn_disk_written_bytes_total", "Bytes written since boot."),
@@ -198,9 +200,9 @@ public final class HostMetrics {
         asked.io.forEach(counted -> instances.putIfAbsent(counted.diskName(), counted.instanceName()));
         Exposition.Family disks = out.gauge("tarn_disk_info", "What a disk is, always 1.");
         for (Identity identity : asked.identities()) {
-            disks.sample(1, "disk", identity.disk, "instance", instances.getOrDefault(identity.disk, ""),
-                         "vendor", text(identity.vendor), "product", text(identity.product),
-                         "serial", text(identity.serial), "designator", text(identity.designator));
+            disks.sample(1, labels("disk", identity.disk, "instance", instances.getOrDefault(identity.disk, ""),
+                                   "vendor", text(identity.vendor), "product", text(identity.product),
+                                   "serial", text(identity.serial), "designator", text(identity.designator)));
         }
     }
 
@@ -214,26 +216,28 @@ public final class HostMetrics {
         Exposition.Family writes = out.counter("tarn_disk_writes_total", "Writes that ended; 32 bits, which wrap.");
         Exposition.Family waiting = out.counter("tarn_disk_wait_seconds_total", "Time with a request waiting.");
         Exposition.Family errors = out.counter("tarn_disk_errors_total", "What the driver counts of errors.");
+        Map<String, String> kinds = DiskErrors.kinds().stream().collect(Collectors.toMap(kind -> kind, kind -> labels(
+            "kind", kind.replaceAll("(?=[A-Z])", "_").toLowerCase(Locale.ROOT))));
         for (DiskActivity disk : sample.disks) {
             activity.put(disk.instance, disk);
-            Object[] labels = {"disk", Objects.toString(disk.disk, ""), "instance", disk.instance};
+            String labels = labels("disk", Objects.toString(disk.disk, ""), "instance", disk.instance);
             reads.sample(disk.reads, labels);
             writes.sample(disk.writes, labels);
             waiting.sample(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
             if (disk.errors != null) {
-                DiskErrors.of(disk.errors).forEach((kind, count) -> errors.sample(
-                    count, with(labels, "kind", kind.replaceAll("(?=[A-Z])", "_").toLowerCase(Locale.ROOT))));
+                DiskErrors.of(disk.errors).forEach(
+                    (kind, count) -> errors.sample(count, labels + ',' + kinds.get(kind)));
             }
         }
         Exposition.Family bytes = out.counter("tarn_fc_port_bytes_total", "Bytes through the port, of words of four.");
         for (PortTraffic port : sample.ports) {
-            Object[] labels = {"adapter", port.adapter, "port", port.port, "wwn", Instances.name(port.wwn)};
+            String labels = labels("adapter", port.adapter, "port", port.port, "wwn", Instances.name(port.wwn));
             addWords(bytes, port.txWords, with(labels, "direction", "transmitted"));
             addWords(bytes, port.rxWords, with(labels, "direction", "received"));
         }
     }
 
-    private static void addWords(Exposition.Family bytes, Long words, Object... labels) {
+    private static void addWords(Exposition.Family bytes, Long words, String labels) {
         if (words != null) {
             bytes.sample(BigInteger.valueOf(words).shiftLeft(2), labels);
         }
@@ -241,7 +245,7 @@ public final class HostMetrics {
 
     private void addFabric() {
         for (Fabric.Port port : asked.fabric.ports()) {
-            Object[] labels = {"adapter", port.adapter.index, "port", port.index, "wwn", wwn(port.instance)};
+            String labels = labels("adapter", port.adapter.index, "port", port.index, "wwn", wwn(port.instance));
             out.gauge("tarn_fc_port_online", "Whether the port is online; one that cannot be read is not.")
                 .sample(port.instance != null && PortStates.isOk(port.instance) ? 1 : 0, labels);
             addSpeed(port, labels);
@@ -255,14 +259,20 @@ public final class HostMetrics {
         Exposition.Family paths =
             out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
         Exposition.Family up = out.gauge("tarn_lun_path_up", "Whether both ends of the path are online.");
+        Map<Fabric.RemotePort, String> ends = new HashMap<>();
         for (LogicalUnit unit : asked.paths.units) {
-            Object[] labels = {"node", unit.node, "lun", unit.lun};
+            String labels = labels("node", unit.node, "lun", unit.lun);
             paths.sample(unit.onlinePaths(), with(labels, "state", "online"));
             paths.sample(unit.distinctPaths().size() - unit.onlinePaths(), with(labels, "state", "other"));
-            unit.distinctPaths().forEach(path -> up.sample(
-                path.isOnline() ? 1 : 0, "node", unit.node, "lun", unit.lun, "disk", path.deviceName(),
-                "adapter", path.adapter, "port", path.port, "wwn", Instances.name(path.portWWN),
-                "remote_wwn", Instances.name(path.remotePort)));
+            Set<List<String>> told = new HashSet<>();
+            for (LogicalUnit.Path path : unit.distinctPaths()) {
+                String between = ends.computeIfAbsent(path.remote, remote -> labels(
+                    "adapter", path.adapter, "port", path.port, "wwn", Instances.name(path.portWWN),
+                    "remote_wwn", Instances.name(path.remotePort)));
+                if (told.add(List.of(path.deviceName(), between))) {
+                    up.distinct(path.isOnline() ? 1 : 0, with(labels, "disk", path.deviceName()) + ',' + between);
+                }
+            }
         }
     }
 
@@ -270,7 +280,7 @@ public final class HostMetrics {
         return Instances.name(port, HbaPortProvider.permanentAddress);
     }
 
-    private void addSpeed(Fabric.Port port, Object[] labels) {
+    private void addSpeed(Fabric.Port port, String labels) {
         Exposition.Family speed = out.gauge(
             "tarn_fc_port_speed_bytes_per_second", "The payload that the link of the port takes, by its generation.");
         Long payload = port.instance == null ? null : PayloadRates.of(port.instance);
@@ -279,7 +289,7 @@ public final class HostMetrics {
         }
     }
 
-    private void addCounters(TrInstance statistics, Object[] labels) {
+    private void addCounters(TrInstance statistics, String labels) {
         Exposition.Family frames = out.counter("tarn_fc_port_frames_total", "Frames through the port.");
         Exposition.Family errors = out.counter("tarn_fc_port_errors_total", "What went wrong at the port.");
         if (statistics != null) {
@@ -294,17 +304,18 @@ public final class HostMetrics {
     }
 
     /** One that is not kept is left out. */
-    private static void count(Exposition.Family family, Counter counter, Object... labels) {
+    private static void count(Exposition.Family family, Counter counter, String labels) {
         if (counter.isKept()) {
             family.sample(counter.value(), labels);
         }
     }
 
-    static Object[] with(Object[] labels, String name, String value) {
-        Object[] more = Arrays.copyOf(labels, labels.length + 2);
-        more[labels.length] = name;
-        more[labels.length + 1] = value;
-        return more;
+    private static String labels(Object... pairs) {
+        return Exposition.labels(pairs);
+    }
+
+    static String with(String labels, String name, Object value) {
+        return labels + ',' + labels(name, value);
     }
 
     private static BigInteger kilobytes(long number) {

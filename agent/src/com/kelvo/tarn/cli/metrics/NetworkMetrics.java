@@ -60,42 +60,42 @@ public final class NetworkMetrics {
 
     private static Exposition addUp(Exposition out, int up) {
         out.gauge("tarn_section_up", "Whether the store answered; nothing else is told where it did not.")
-            .sample(up, "section", "san");
+            .sample(up, labels("section", "san"));
         return out;
     }
 
     private void addHosts() {
         List<ListedHost> hosts = ListedHost.of(store, new PortFilter(), null);
-        out.gauge("tarn_san_hosts", "Hosts in the store.").sample(hosts.size());
+        out.gauge("tarn_san_hosts", "Hosts in the store.").sample(hosts.size(), "");
         Exposition.Family recorded = out.gauge("tarn_san_host_recorded_timestamp_seconds",
                                                "When the host was recorded latest.");
         Exposition.Family ports = out.gauge("tarn_san_host_ports", "Ports of the host, by whether they are online.");
         Exposition.Family units = out.gauge("tarn_san_host_units", "Units that the host has paths to.");
         Exposition.Family paths = out.gauge("tarn_san_host_paths", "Paths of the host that are online at both ends.");
         for (ListedHost host : hosts) {
-            recorded.sample(Instant.parse(host.recordedAt).getEpochSecond(), "host", host.host);
-            ports.sample(host.portsOnline, "host", host.host, "state", "online");
-            ports.sample(host.ports - host.portsOnline, "host", host.host, "state", "other");
-            units.sample(host.units, "host", host.host);
-            paths.sample(host.paths, "host", host.host);
+            recorded.sample(Instant.parse(host.recordedAt).getEpochSecond(), labels("host", host.host));
+            ports.sample(host.portsOnline, labels("host", host.host, "state", "online"));
+            ports.sample(host.ports - host.portsOnline, labels("host", host.host, "state", "other"));
+            units.sample(host.units, labels("host", host.host));
+            paths.sample(host.paths, labels("host", host.host));
         }
         Exposition.Family findings = out.gauge("tarn_san_host_findings",
                                                "What the check of each host alone finds, over all hosts.");
-        store.query(FINDINGS, row -> findings.sample(row.getLong("findings"), "severity", row.getString("severity"),
-                                                     "code", row.getString("code")));
+        store.query(FINDINGS, row -> findings.sample(
+            row.getLong("findings"), labels("severity", row.getString("severity"), "code", row.getString("code"))));
     }
 
     private void addSwitches() {
         Exposition.Family hosts = out.gauge("tarn_san_fabric_hosts", "Hosts with a port in the fabric.");
         Exposition.Family ports = out.gauge("tarn_san_fabric_host_ports", "Ports of hosts in the fabric.");
         store.query(FABRICS, row -> {
-            hosts.sample(row.getLong("hosts"), "fabric", row.getString("fabric"));
-            return ports.sample(row.getLong("ports"), "fabric", row.getString("fabric"));
+            hosts.sample(row.getLong("hosts"), labels("fabric", row.getString("fabric")));
+            return ports.sample(row.getLong("ports"), labels("fabric", row.getString("fabric")));
         });
         Exposition.Family switched = out.gauge("tarn_san_switch_hosts", "Hosts with a port at the switch.");
         Exposition.Family plugged = out.gauge("tarn_san_switch_host_ports", "Ports of hosts at the switch.");
         store.query(SWITCHES, row -> {
-            Object[] labels = {"fabric", row.getString("fabric"), "domain", row.getInt("domain")};
+            String labels = labels("fabric", row.getString("fabric"), "domain", row.getInt("domain"));
             switched.sample(row.getLong("hosts"), labels);
             return plugged.sample(row.getLong("ports"), labels);
         });
@@ -109,7 +109,7 @@ public final class NetworkMetrics {
         Exposition.Family initiators = out.gauge("tarn_san_array_port_initiators",
                                                  "Ports of hosts that have discovered the port.");
         for (ListedArrayPort port : ListedArrayPort.of(store, new PortFilter(), null, null)) {
-            Object[] labels = {"fabric", port.fabric, "wwn", port.wwn, "node", port.node};
+            String labels = labels("fabric", port.fabric, "wwn", port.wwn, "node", port.node);
             hosts.sample(port.hostsOnline, HostMetrics.with(labels, "state", "online"));
             hosts.sample(port.hosts - port.hostsOnline, HostMetrics.with(labels, "state", "other"));
             initiators.sample(port.initiators, labels);
@@ -121,10 +121,10 @@ public final class NetworkMetrics {
             }
         }
         Exposition.Family inFabric = out.gauge("tarn_san_fabric_array_ports", "Ports of arrays in the fabric.");
-        ofFabric.forEach((fabric, ports) -> inFabric.sample(ports, "fabric", fabric));
+        ofFabric.forEach((fabric, ports) -> inFabric.sample(ports, labels("fabric", fabric)));
         Exposition.Family atSwitch = out.gauge("tarn_san_switch_array_ports", "Ports of arrays at the switch.");
         ofSwitch.forEach((fabric, domains) -> domains.forEach(
-            (domain, ports) -> atSwitch.sample(ports, "fabric", fabric, "domain", domain)));
+            (domain, ports) -> atSwitch.sample(ports, labels("fabric", fabric, "domain", domain))));
     }
 
     private void addUnits() {
@@ -132,6 +132,10 @@ public final class NetworkMetrics {
         store.query(UNITS, row -> counted.put(row.getString("redundancy"), row.getLong("units")));
         Exposition.Family units = out.gauge("tarn_san_units", "Units, by the worst that any of their hosts has: no"
                                             + " path, one, or all through one thing.");
-        REDUNDANCIES.forEach(each -> units.sample(counted.getOrDefault(each, 0L), "redundancy", each));
+        REDUNDANCIES.forEach(each -> units.sample(counted.getOrDefault(each, 0L), labels("redundancy", each)));
+    }
+
+    private static String labels(Object... pairs) {
+        return Exposition.labels(pairs);
     }
 }

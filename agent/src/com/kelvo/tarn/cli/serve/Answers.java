@@ -53,7 +53,7 @@ final class Answers {
             : asked.recordedAt == null ? "asked " + rules.now : "recorded " + asked.recordedAt)
             + "; drawn by " + program;
 
-        metrics = new Metrics(HostMetrics.of(library, asked, asking, sampling));
+        metrics = new Metrics(HostMetrics.of(library, asked, found, asking, sampling));
         Map<String, Object> document = Json.object("line", Verdict.line(found, asked, rules, isExample));
         document.putAll(Verdict.document(found, asked));
         check = Body.of("application/json", Json.text(document) + "\n");

@@ -8,8 +8,8 @@ final class Metrics {
     private final Body openMetrics;
 
     Metrics(Exposition exposition) {
-        text = Body.of("text/plain; version=0.0.4", exposition.text());
-        openMetrics = Body.of("application/openmetrics-text; version=1.0.0", exposition.openMetrics());
+        text = Body.of("text/plain; version=0.0.4", exposition::text);
+        openMetrics = Body.of("application/openmetrics-text; version=1.0.0", exposition::openMetrics);
     }
 
     Body as(Accepted accept) {

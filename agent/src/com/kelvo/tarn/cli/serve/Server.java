@@ -166,7 +166,7 @@ public final class Server {
         headers.set("Cache-Control", "no-store");
         headers.set("X-Content-Type-Options", "nosniff");
         boolean isPacked = new Accepted(exchange.getRequestHeaders().get("Accept-Encoding")).names("gzip");
-        byte[] bytes = isPacked ? body.packed() : body.plain;
+        byte[] bytes = isPacked ? body.packed() : body.plain();
         if (isPacked) {
             headers.set("Content-Encoding", "gzip");
         }
