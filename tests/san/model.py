@@ -1,4 +1,4 @@
-"""What is wrong with a storage network, worked out plainly from what each host's `paths` and `hba` say.
+"""What `san` has to answer, worked out plainly from what each host's `paths` and `hba` say.
 
 A recording is {"host", "recordedAt", "paths", "hba"}, the last two the results of those commands.
 """
@@ -40,9 +40,10 @@ class Network:
         self.latest = [each[-1] for each in self.history.values()]
         self.ports = [row for each in self.latest for row in ports(each)]
         self.paths = [row for each in self.latest for row in paths(each)]
-        self.seen = defaultdict(set)  # units by host
+        self.seen, self.ways = defaultdict(set), defaultdict(list)  # units by host, rows by both
         for row in self.paths:
             self.seen[row.host].add(row.unit)
+            self.ways[row.host, row.unit].append(row)
         self.hosts = {unit: {row.host for row in self.paths if row.unit == unit} for unit in
                       {row.unit for row in self.paths}}
 
@@ -58,8 +59,8 @@ def ports(recording):
             yield SimpleNamespace(
                 host=recording["host"], adapter=f"{recording['host']}/{a}", port=own["permanentAddress"], fabric=fabric,
                 switches=switch(fabric, own["portFcId"]), online=own["portState"] == ONLINE, model=about["model"],
-                firmware=about["firmwareVersion"], driver=about["driverVersion"], unit=None, array=None,
-                array_port=None,
+                firmware=about["firmwareVersion"], driver=about["driverVersion"], names=set(), unit=None, disk=None,
+                array=None, array_port=None,
                 far={each["permanentAddress"]: switch(fabric, each["portFcId"]) for each in seen})
 
 
@@ -72,9 +73,74 @@ def paths(recording):
             row = local[f"{recording['host']}/{path['adapter']}", path["portWWN"]]
             yield SimpleNamespace(**{
                 **vars(row), "unit": unit["designator"] or place, "array": unit["node"],
-                "array_port": path["remotePort"],
+                "array_port": path["remotePort"], "disk": path["disk"], "mounts": unit["mounts"],
+                "names": {place, *unit["mounts"], path["disk"]} - {None},
                 "online": path["portState"] == path["remotePortState"] == ONLINE,
                 "switches": row.switches | row.far[path["remotePort"]], "array_switches": row.far[path["remotePort"]]})
+
+
+KINDS = {"port": lambda row: {row.port, row.array_port}, "array": lambda row: {row.array},
+         "fabric": lambda row: {row.fabric}, "switch": lambda row: row.switches, "unit": lambda row: {row.unit},
+         "adapter": lambda row: {row.adapter}, "model": lambda row: {row.model}, "firmware": lambda row: {row.firmware},
+         "host": lambda row: {row.host}}
+# What may be a single point of failure.
+POINTS = {**{kind: KINDS[kind] for kind in ("fabric", "switch", "adapter")}, "port": lambda row: {row.port},
+          "array-port": lambda row: {row.array_port}}
+
+
+def things(network, kinds):
+    """Everything that can be asked about."""
+    return sorted({name for of in kinds for row in network.ports + network.paths for name in of(row) if name})
+
+
+def of_thing(network, thing):
+    """The kind, and the rows that go through it. A unit may be called by any name that any host has for it."""
+    rows = network.ports + network.paths
+    for kind, of in KINDS.items():
+        touched = [row for row in rows if thing in of(row)]
+        if touched:
+            return kind, touched
+    units = {row.unit for row in network.paths if thing in row.names}
+    return "unit" if units else None, [row for row in network.paths if row.unit in units]
+
+
+def who(network, thing):
+    kind, rows = of_thing(network, thing)
+    hosts = []
+    for host in sorted({row.host for row in rows}):
+        own = [row for row in rows if row.host == host]
+        hosts.append({"host": host, **{plural: sorted({getattr(row, one) for row in own} - {None}) for plural, one in (
+            ("ports", "port"), ("units", "unit"), ("disks", "disk"))}})
+    return {"thing": thing, "kind": kind, "hosts": hosts}
+
+
+def impact(network, failing):
+    """Units that lose their last path, and those of which one is left that had more, by host."""
+    gone = {id(row) for thing in failing for row in of_thing(network, thing)[1]}
+    answer = {"thing": failing, "lost": [], "lastPath": []}
+    for (host, unit), rows in sorted(network.ways.items()):
+        before, after = online_paths(rows), online_paths(row for row in rows if id(row) not in gone)
+        told = {"host": host, "unit": unit, "disks": sorted({row.disk for row in rows} - {None}),
+                "mounts": sorted({mount for row in rows for mount in row.mounts})}
+        if before and not after:
+            answer["lost"].append(told)
+        elif len(after) == 1 < len(before):
+            answer["lastPath"].append(told)
+    return answer
+
+
+def ranking(network, kind):
+    """What each thing of the kind takes with it, the worst first."""
+    effects = []
+    for thing in things(network, [POINTS[kind]]):
+        result = impact(network, [thing])
+        lost, last = result["lost"], result["lastPath"]
+        if lost or last:
+            effects.append({"thing": thing, "hosts": len({each["host"] for each in lost + last}),
+                            "lostUnits": len(lost), "lostMounts": sum(len(each["mounts"]) for each in lost),
+                            "lastPaths": len(last)})
+    return sorted(effects, key=lambda each: (
+        -each["lostUnits"], -each["lostMounts"], -each["lastPaths"], each["thing"]))
 
 
 def online_paths(rows):

@@ -7,6 +7,7 @@ import csv
 import gzip
 import json
 import os
+import random
 import sqlite3
 import subprocess
 import sys
@@ -26,6 +27,7 @@ import verdict
 PACKAGES = sys.argv.pop()
 TARN = sys.argv.pop()
 PATHS = "SELECT host, identity, wwn, remote_wwn FROM latest_path"
+THINGS = 200
 A, VAULT = "1000006069000000", "200000a0b8000000"
 
 # What is asked, and which rows of ports or of paths it is about.
@@ -306,6 +308,42 @@ class San(unittest.TestCase):
                   {thing["name"]: " ".join(thing["hosts"]) for thing in each["things"]}) for each in told["changes"]],
                 [(*change, {new.named(thing): seers for thing, seers in things.items()})
                  for *change, things in changes])
+
+    def test_who_sees_things_is_what_the_hosts_say(self):
+        asked = random.Random(1).sample(model.things(self.network, model.KINDS.values()), THINGS)
+        asked += ["200000a0b8000002 LUN 1", "/mail", "/db", "c2t200100A0B8000001d4"]
+        self.assertEqual(self.ask("who", *asked), [model.who(self.network, thing) for thing in asked])
+
+    def test_what_fails_with_things_is_what_the_hosts_say(self):
+        dice = random.Random(2)
+        everything = model.things(self.network, model.KINDS.values())
+        for failing in [[A, "1000006069000001/3"], *(dice.sample(everything, number) for number in (1, 2, 4, 8))]:
+            self.assertEqual(self.ask("impact", *failing), model.impact(self.network, failing))
+        for kind in model.POINTS:
+            self.assertEqual(self.ask("impact", "--each", kind), model.ranking(self.network, kind))
+
+    def test_a_thing_has_many_names(self):
+        unit, digits = "naa.600a0b80000000000000000000000000", "600a0b80000000000000000000000000"
+        names = {"200100a0b8000000": ["20:01:00:A0:B8:00:00:00", "port:200100A0B8000000"],
+                 "FX-1100": ["model:FX-1100"],
+                 "db1/1": ["200000e08b000002", "adapter:20:00:00:E0:8B:00:00:02"],
+                 unit: [digits, "naa." + digits.upper(), f"c9t{digits.upper()}d0", f"/dev/rdsk/c1t{digits.upper()}d0s2",
+                        "200000A0B8000000 LUN 0", f"db2:c9t{digits.upper()}d0", "db2:/db", "unit:db2:/db"]}
+        self.assertEqual([(each["thing"], each["hosts"]) for each in self.ask("who", *sum(names.values(), []))],
+                         [(name, model.who(self.network, thing)["hosts"]) for thing, each in names.items()
+                          for name in each])
+        for nothing in ("db9", "fabric:db1", "db2:/mail", ":", "200000a0b8000000 LUN 99999999999999999999"):
+            self.assertIsNone(self.ask("who", "db1", nothing, status=1))
+        store = self.folder / "ambiguous.db"
+        store.write_bytes(self.file.read_bytes())
+        with sqlite3.connect(store) as other:
+            other.execute("UPDATE host SET name = '3.3.116' WHERE name = 'rock2'")
+        done = self.san("who", "3.3.116", store=store)
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (
+            2, "", "tarn: '3.3.116' names several things: say 'firmware:3.3.116' or 'host:3.3.116' (try 'tarn san who "
+            "--help')\n"))
+        self.assertEqual([each["host"] for each in self.ask("who", "host:3.3.116", stores=[store] * 2)["hosts"]],
+                         ["3.3.116"])
 
 
 def in_order(findings):

@@ -3,7 +3,7 @@ package com.kelvo.tarn.cli.answers;
 import java.util.regex.Pattern;
 
 /** How people name disks and slices. */
-final class DeviceNames {
+public final class DeviceNames {
     private static final Pattern DIRECTORY = Pattern.compile("^/dev/r?dsk/");
     private static final Pattern SLICE = Pattern.compile("s\\d+$");
 
@@ -12,8 +12,12 @@ final class DeviceNames {
     private DeviceNames() {
     }
 
-    /** The name without "/dev/dsk/" or "/dev/rdsk/" before it. */
-    static String withoutDirectory(String name) {
+    /**
+     * {@return the name without "/dev/dsk/" or "/dev/rdsk/" before it}
+     *
+     * @param name a device's
+     */
+    public static String withoutDirectory(String name) {
         return DIRECTORY.matcher(name).replaceFirst("");
     }
 
@@ -22,8 +26,12 @@ final class DeviceNames {
         return DIRECTORY.matcher(name).lookingAt();
     }
 
-    /** The name without the slice at its end, such as "s2". */
-    static String withoutSlice(String name) {
+    /**
+     * {@return the name without the slice at its end, such as "s2"}
+     *
+     * @param name a device's
+     */
+    public static String withoutSlice(String name) {
         return SLICE.matcher(name).replaceFirst("");
     }
 

@@ -6,7 +6,7 @@ import java.util.regex.Pattern;
 import java.util.stream.Stream;
 
 /** By what people call the volume behind a disk: its serial number, its designator with or without the kind. */
-final class Identifiers {
+public final class Identifiers {
     private static final Pattern KIND = Pattern.compile("^(naa|eui|t10)\\.");
 
     private Identifiers() {
@@ -20,8 +20,12 @@ final class Identifiers {
                 .filter(name -> name != null && !name.isEmpty()).map(Identifiers::plain).distinct();
     }
 
-    /** The same for letters of any case, and for digits with colons between them. */
-    static String plain(String name) {
+    /**
+     * {@return the same for letters of any case, and for digits with colons between them}
+     *
+     * @param name a world-wide name, or that of a volume
+     */
+    public static String plain(String name) {
         return name.toLowerCase(Locale.ROOT).replace(":", "");
     }
 

@@ -13,7 +13,7 @@ import picocli.CommandLine.Spec;
 public final class SanCommand implements Runnable {
     /** Each is served by the class of its name: "load" by SanLoadCommand. */
     public static final List<String> COMMANDS = List.of(
-        "load", "check", "diff", "hosts", "units", "ports", "map", "metrics");
+        "load", "check", "who", "impact", "diff", "hosts", "units", "ports", "map", "metrics");
 
     @Spec
     private CommandSpec spec;

@@ -5,6 +5,8 @@ import java.sql.PreparedStatement;
 import java.sql.ResultSet;
 import java.sql.SQLException;
 import java.util.ArrayList;
+import java.util.Collection;
+import java.util.Collections;
 import java.util.List;
 
 /**
@@ -32,6 +34,8 @@ public final class Store implements AutoCloseable {
 
     /** How many rows come at a time, where a server sends them. */
     private static final int FETCHED = 10_000;
+    /** About how many values one query asks. */
+    static final int ASKED = 256;
 
     private final Dialect dialect;
     private final Connection connection;
@@ -133,6 +137,27 @@ public final class Store implements AutoCloseable {
     static Long number(ResultSet row, String column) throws SQLException {
         long number = row.getLong(column);
         return row.wasNull() ? null : (Long) number;
+    }
+
+    /**
+     * {@return what the rows come to of a query about many values, which is asked for some of them at a time}
+     *
+     * @param <R> what each comes to
+     * @param sql a query in which "(:these)" stands for the values, once or more often
+     * @param row makes something of each row
+     * @param values any number of texts or of numbers
+     */
+    public <R> List<R> queryAbout(String sql, Row<R> row, Collection<?> values) {
+        List<R> found = new ArrayList<>();
+        int times = sql.split("\\(:these\\)", -1).length - 1;
+        List<Object> all = new ArrayList<>(values);
+        for (int from = 0; from < all.size(); from += ASKED) {
+            List<Object> some = all.subList(from, Math.min(from + ASKED, all.size()));
+            String marks = "(" + String.join(", ", Collections.nCopies(some.size(), "?")) + ")";
+            found.addAll(query(sql.replace("(:these)", marks), row, Collections.nCopies(times, some).stream()
+                .flatMap(List::stream).toArray()));
+        }
+        return found;
     }
 
     /** What comes of working with the database, whose failures are the store's. */
