@@ -15,6 +15,7 @@ import java.net.URLConnection;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.Arrays;
 import java.util.List;
 import java.util.Locale;
 import java.util.function.IntFunction;
@@ -125,21 +126,23 @@ final class Printing {
                 library.hba(true, false, false);
                 sampler.read();
             };
-            print("a scrape of 2,000 disks and 65,536 paths to its calls", ratio(6, scrape, calls), BOUND);
+            print("a scrape of 2,000 disks and 65,536 paths to its calls", ratio(20, scrape, calls), BOUND);
         }
     }
 
-    /** Of as many lines in all, so that what is not a line's weighs the same. */
+    /** Of tables after the first, before which the sampler is opened; of as many lines in all. */
     private static void printWatch(Method tarn) throws Exception {
         for (String options : List.of("", " --json")) {
-            Side watch = () -> tarn.invoke(null, (Object) ("watch 1" + options).split(" "));
+            long[] shortest = shortest(6, tables(tarn, 10_000, options), tables(tarn, 10_000, " 1" + options),
+                                       tables(tarn, 100, options), tables(tarn, 100, " 1" + options));
             print("watch" + options + ", per disk: 10,000 disks to 100",
-                  ratio(4, on(samples(10_000), watch), on(samples(100), watch)), GROWTH_BOUND);
+                  (double) (shortest[0] - shortest[1]) / (LINES - 10_000)
+                      / ((double) (shortest[2] - shortest[3]) / (LINES - 100)), GROWTH_BOUND);
         }
     }
 
-    private static Side on(String description, Side side) {
-        byte[] host = description.getBytes(StandardCharsets.UTF_8);
+    private static Side tables(Method tarn, int disks, String options) {
+        byte[] host = samples(disks).getBytes(StandardCharsets.UTF_8);
         return new Side() {
             @Override
             public void prepare() {
@@ -148,7 +151,7 @@ final class Printing {
 
             @Override
             public void run() throws Exception {
-                side.run();
+                tarn.invoke(null, (Object) ("watch 1" + options).split(" "));
             }
         };
     }
@@ -212,20 +215,26 @@ final class Printing {
             + list(disks, number -> counters(number, samples)) + "}";
     }
 
-    /** Of the shortest turn of each side; the side that goes first changes. */
+    /** Of the shortest turn of each side. */
     private static double ratio(int turns, Side measured, Side reference) throws Exception {
-        long[] shortest = {Long.MAX_VALUE, Long.MAX_VALUE};
-        List<Side> sides = List.of(measured, reference);
+        long[] shortest = shortest(turns, measured, reference);
+        return (double) shortest[0] / shortest[1];
+    }
+
+    /** The time of each side's shortest turn; the side that goes first changes. */
+    private static long[] shortest(int turns, Side... sides) throws Exception {
+        long[] shortest = new long[sides.length];
+        Arrays.fill(shortest, Long.MAX_VALUE);
         for (int turn = 0; turn < turns; turn++) {
-            for (int i = 0; i < 2; i++) {
-                int side = (i + turn) % 2;
-                sides.get(side).prepare();
+            for (int i = 0; i < sides.length; i++) {
+                int side = (i + turn) % sides.length;
+                sides[side].prepare();
                 long start = processorTime();
-                sides.get(side).run();
+                sides[side].run();
                 shortest[side] = Math.min(shortest[side], processorTime() - start);
             }
         }
-        return (double) shortest[0] / shortest[1];
+        return shortest;
     }
 
     /** Of all of Java's threads, in nanoseconds. */

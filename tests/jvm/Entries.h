@@ -34,7 +34,8 @@ jstring INTERROGATOR(scsiInterrogate)(JNIEnv *, jobject, jstring, jstring, jstri
 jobjectArray HBA_CACHE(fillHbaCache)(JNIEnv *, jobject, jobject);
 void HBA_CACHE(testHbaLibrary)(JNIEnv *, jobject, jobject);
 jobjectArray INVENTORY(readIdentities)(JNIEnv *, jclass);
-jobjectArray INVENTORY(readMounts)(JNIEnv *, jclass, jlong);
+jobjectArray INVENTORY(readMounts)(JNIEnv *, jclass, jstring, jlong);
+jobjectArray INVENTORY(readOtherKinds)(JNIEnv *, jclass);
 jlong SAMPLER(open)(JNIEnv *, jclass);
 jobject SAMPLER(read)(JNIEnv *, jclass, jlong);
 void SAMPLER(close)(JNIEnv *, jclass, jlong);

@@ -111,8 +111,12 @@ protected:
             entries.push_back({name, arguments, call, nullptr, false, "inventory"});
         };
         ofInventory("readIdentities", "", [](JNIEnv *e) -> jobject { return INVENTORY(readIdentities)(e, nullptr); });
-        ofInventory("readMounts", "60000",
-                    [](JNIEnv *e) -> jobject { return INVENTORY(readMounts)(e, nullptr, 60000); });
+        ofInventory("readMounts", "null, 60000",
+                    [](JNIEnv *e) -> jobject { return INVENTORY(readMounts)(e, nullptr, nullptr, 60000); });
+        ofInventory("readMounts", "/tmp, 60000", [name = newString("/tmp")](JNIEnv *e) -> jobject {
+            return INVENTORY(readMounts)(e, nullptr, name, 60000);
+        });
+        ofInventory("readOtherKinds", "", [](JNIEnv *e) -> jobject { return INVENTORY(readOtherKinds)(e, nullptr); });
         ofInventory("sampler", "open, read, close", [](JNIEnv *e) {
             const jlong sampler = SAMPLER(open)(e, nullptr);
             const jobject sample = sampler == 0 ? nullptr : SAMPLER(read)(e, nullptr, sampler);
@@ -122,7 +126,7 @@ protected:
             return sample;
         });
         tests::loadHost("inventory");
-        INVENTORY(readMounts)(env, nullptr, 60000); // what is kept for the process is made
+        INVENTORY(readMounts)(env, nullptr, nullptr, 60000); // what is kept for the process is made
     }
 
     /// What the entry has answered, in lines. A collection is empty afterwards.

@@ -1,7 +1,7 @@
 package com.kelvo.tarn.cli.answers;
 
 import com.kelvo.tarn.providers.hba.HbaPortProvider;
-import java.util.Arrays;
+import java.util.ArrayList;
 import java.util.Collection;
 import java.util.HashMap;
 import java.util.HashSet;
@@ -43,8 +43,8 @@ public final class Independence {
         hasTwoFabrics = online.stream().map(Fabric.Port::fabric).filter(name -> !name.isEmpty()).distinct().count() > 1;
         for (LogicalUnit unit : paths.units) {
             mostPaths.merge(unit.node, unit.onlinePaths(), Math::max);
-            unit.online().forEach(
-                path -> arrayPorts.computeIfAbsent(unit.node, added -> new HashSet<>()).add(path.far()));
+            Set<String> ports = arrayPorts.computeIfAbsent(unit.node, added -> new HashSet<>());
+            unit.online().forEach(path -> ports.add(path.far()));
         }
     }
 
@@ -63,7 +63,13 @@ public final class Independence {
             hasTwoAdapters && !isSeveral(online, path -> path.adapter),
             hasTwoFabrics && !online.get(0).fabric.isEmpty() && !isSeveral(online, path -> path.fabric),
             arrayPorts.get(unit.node).size() > 1 && !isSeveral(online, LogicalUnit.Path::far)};
-        return Arrays.stream(Flaw.values()).filter(flaw -> has[flaw.ordinal()]).collect(Collectors.toList());
+        List<Flaw> flaws = new ArrayList<>();
+        for (Flaw flaw : Flaw.values()) {
+            if (has[flaw.ordinal()]) {
+                flaws.add(flaw);
+            }
+        }
+        return flaws;
     }
 
     /**
@@ -76,6 +82,14 @@ public final class Independence {
     }
 
     private static <T> boolean isSeveral(Collection<T> things, Function<T, Object> what) {
-        return things.stream().map(what).distinct().limit(2).count() > 1;
+        Object first = null;
+        for (T thing : things) {
+            Object its = what.apply(thing);
+            if (first != null && !its.equals(first)) {
+                return true;
+            }
+            first = its;
+        }
+        return false;
     }
 }

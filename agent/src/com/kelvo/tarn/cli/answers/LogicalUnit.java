@@ -22,6 +22,8 @@ public final class LogicalUnit {
         /** The far end, as the near one has discovered it. */
         public final transient Fabric.RemotePort remote;
         private final transient int mapping;
+        private final transient String near;
+        private final transient String far;
 
         /** The adapter's place in the library's walk. */
         public final int adapter;
@@ -64,6 +66,8 @@ public final class LogicalUnit {
             scsiBus = Instances.value(mapping, TargetMappingProvider.scsiBus);
             targetId = Instances.value(mapping, TargetMappingProvider.targetId);
             scsiLun = Instances.value(mapping, TargetMappingProvider.scsiLun);
+            near = Instances.name(portWWN).isEmpty() ? remote.port.place() : portWWN;
+            far = Instances.name(remotePort).isEmpty() ? remote.place() : remotePort;
         }
 
         /** {@return what people know its device as: the drive, or what the HBA library calls it} */
@@ -73,12 +77,12 @@ public final class LogicalUnit {
 
         /** {@return the local port's world-wide name; its place when it tells none} */
         public String near() {
-            return Instances.name(portWWN).isEmpty() ? remote.port.place() : portWWN;
+            return near;
         }
 
         /** {@return the remote port's world-wide name; its place when it tells none} */
         public String far() {
-            return Instances.name(remotePort).isEmpty() ? remote.place() : remotePort;
+            return far;
         }
 
         /**

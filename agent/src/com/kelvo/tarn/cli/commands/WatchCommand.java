@@ -228,7 +228,7 @@ public final class WatchCommand implements Callable<Integer> {
             err.flush();
         }
         if (tarn.json()) {
-            out.println(Json.line(document(interval, at, parts)));
+            Json.printLine(document(interval, at, parts), out);
         } else if (tarn.csv() && interval.isFirst) {
             parts.get(0).table.printCsv(out, tarn.csvRaw());
         } else if (tarn.csv()) {

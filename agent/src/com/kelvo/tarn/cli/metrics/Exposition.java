@@ -27,15 +27,19 @@ public final class Exposition {
 
         /** Of two samples with the same labels the first counts. */
         Family sample(Number value, String labels) {
-            return labelled.add(labels) ? distinct(value, labels) : this;
+            return labelled.add(labels) ? distinct(value, labels.isEmpty() ? new String[0] : new String[] {labels})
+                : this;
         }
 
-        /** A sample whose labels no other has; they are not remembered. */
-        Family distinct(Number value, String labels) {
-            String number = !(value instanceof BigDecimal) ? value.toString()
-                : ((BigDecimal) value).stripTrailingZeros().toPlainString();
-            lines.append(name).append(labels.isEmpty() ? "" : "{").append(labels)
-                .append(labels.isEmpty() ? " " : "} ").append(number).append('\n');
+        /** A sample whose labels, in several parts, no other has; they are not remembered. */
+        Family distinct(Number value, String... labels) {
+            lines.append(name);
+            int before = lines.length();
+            for (String part : labels) {
+                lines.append(lines.length() == before ? '{' : ',').append(part);
+            }
+            lines.append(labels.length == 0 ? " " : "} ").append(value instanceof BigDecimal
+                ? ((BigDecimal) value).stripTrailingZeros().toPlainString() : value.toString()).append('\n');
             return this;
         }
 

@@ -218,15 +218,17 @@ public final class HostMetrics {
         Exposition.Family errors = out.counter("tarn_disk_errors_total", "What the driver counts of errors.");
         Map<String, String> kinds = DiskErrors.kinds().stream().collect(Collectors.toMap(kind -> kind, kind -> labels(
             "kind", kind.replaceAll("(?=[A-Z])", "_").toLowerCase(Locale.ROOT))));
+        Set<String> told = new HashSet<>();
         for (DiskActivity disk : sample.disks) {
             activity.put(disk.instance, disk);
             String labels = labels("disk", Objects.toString(disk.disk, ""), "instance", disk.instance);
-            reads.sample(disk.reads, labels);
-            writes.sample(disk.writes, labels);
-            waiting.sample(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
-            if (disk.errors != null) {
-                DiskErrors.of(disk.errors).forEach(
-                    (kind, count) -> errors.sample(count, labels + ',' + kinds.get(kind)));
+            if (told.add(labels)) {
+                reads.distinct(disk.reads, labels);
+                writes.distinct(disk.writes, labels);
+                waiting.distinct(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
+                if (disk.errors != null) {
+                    DiskErrors.of(disk.errors).forEach((kind, count) -> errors.distinct(count, labels, kinds.get(kind)));
+                }
             }
         }
         Exposition.Family bytes = out.counter("tarn_fc_port_bytes_total", "Bytes through the port, of words of four.");
@@ -260,6 +262,7 @@ public final class HostMetrics {
             out.gauge("tarn_lun_paths", "Paths to a logical unit, by whether both ends are online.");
         Exposition.Family up = out.gauge("tarn_lun_path_up", "Whether both ends of the path are online.");
         Map<Fabric.RemotePort, String> ends = new HashMap<>();
+        Map<String, String> disks = new HashMap<>();
         for (LogicalUnit unit : asked.paths.units) {
             String labels = labels("node", unit.node, "lun", unit.lun);
             paths.sample(unit.onlinePaths(), with(labels, "state", "online"));
@@ -269,8 +272,9 @@ public final class HostMetrics {
                 String between = ends.computeIfAbsent(path.remote, remote -> labels(
                     "adapter", path.adapter, "port", path.port, "wwn", Instances.name(path.portWWN),
                     "remote_wwn", Instances.name(path.remotePort)));
-                if (told.add(List.of(path.deviceName(), between))) {
-                    up.distinct(path.isOnline() ? 1 : 0, with(labels, "disk", path.deviceName()) + ',' + between);
+                String disk = disks.computeIfAbsent(path.deviceName(), name -> labels("disk", name));
+                if (told.add(List.of(disk, between))) {
+                    up.distinct(path.isOnline() ? 1 : 0, labels, disk, between);
                 }
             }
         }

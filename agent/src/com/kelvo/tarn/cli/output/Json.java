@@ -9,6 +9,7 @@ import com.google.gson.JsonSerializationContext;
 import com.google.gson.JsonSerializer;
 import com.kelvo.tarn.TrInstance;
 import com.kelvo.tarn.TrProperty;
+import java.io.PrintWriter;
 import java.util.LinkedHashMap;
 import java.util.Map;
 import javax.wbem.cim.UnsignedInt;
@@ -38,12 +39,14 @@ public final class Json {
     }
 
     /**
-     * {@return a document on one line, without a newline at its end}
+     * Writes a document on one line, however long it is.
      *
      * @param value what the library returned, or lists and maps of that
+     * @param out where
      */
-    public static String line(Object value) {
-        return LINE_WRITER.toJson(value);
+    public static void printLine(Object value, PrintWriter out) {
+        LINE_WRITER.toJson(value, out);
+        out.println();
     }
 
     /**
