@@ -30,7 +30,7 @@ public final class SanHostsCommand extends StoreInquiryCommand {
     Answer ask(Store store) {
         Instant now = Instant.now().truncatedTo(ChronoUnit.SECONDS);
         Instant before = olderThan == null ? null : now.minus(duration("--older-than", olderThan));
-        List<ListedHost> hosts = ListedHost.of(store, ports.filter, before);
+        List<ListedHost> hosts = ListedHost.of(store, ports.filter(), before);
         return Answer.listing("host", null, () -> hosts, null, rows -> new Table<>(rows)
             .text("Host", row -> row.host)
             .text("Recorded", row -> row.recordedAt,

@@ -30,8 +30,8 @@ public final class SanPortsCommand extends StoreInquiryCommand {
 
     @Override
     Answer ask(Store store) {
-        return array == null ? hostPorts(ListedPort.of(store, ports.filter, state))
-            : arrayPorts(ListedArrayPort.of(store, ports.filter, array, state));
+        return array == null ? hostPorts(ListedPort.of(store, ports.filter(), state))
+            : arrayPorts(ListedArrayPort.of(store, ports.filter(), array, state));
     }
 
     private static Answer hostPorts(List<ListedPort> found) {

@@ -31,7 +31,7 @@ public final class SanUnitsCommand extends StoreInquiryCommand {
 
     @Override
     Answer ask(Store store) {
-        List<ListedUnit> units = ListedUnit.of(store, ports.filter, array, shared, single);
+        List<ListedUnit> units = ListedUnit.of(store, ports.filter(), array, shared, single);
         boolean anyByAddress = units.stream().anyMatch(unit -> unit.byAddress);
         return Answer.listing("unit", null, () -> units, null, rows -> new Table<>(rows)
             .text("Unit", row -> row.unit, row -> row.unit + (row.byAddress ? " *" : ""))
