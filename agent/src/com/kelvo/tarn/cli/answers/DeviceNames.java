@@ -1,12 +1,11 @@
 package com.kelvo.tarn.cli.answers;
 
+import java.util.List;
 import java.util.regex.Pattern;
 
 /** How people name disks and slices. */
 final class DeviceNames {
-    private static final Pattern DIRECTORY = Pattern.compile("^/dev/r?dsk/");
-    private static final Pattern SLICE = Pattern.compile("s\\d+$");
-
+    private static final List<String> DIRECTORIES = List.of("/dev/dsk/", "/dev/rdsk/");
     private static final Pattern LETTER = Pattern.compile("(?<=\\d)[a-p]$");
 
     private DeviceNames() {
@@ -14,17 +13,31 @@ final class DeviceNames {
 
     /** The name without "/dev/dsk/" or "/dev/rdsk/" before it. */
     static String withoutDirectory(String name) {
-        return DIRECTORY.matcher(name).replaceFirst("");
+        return name.substring(directory(name).length());
     }
 
     /** Whether the name is that of an entry of "/dev/dsk" or "/dev/rdsk", with the directory. */
     static boolean hasDirectory(String name) {
-        return DIRECTORY.matcher(name).lookingAt();
+        return !directory(name).isEmpty();
+    }
+
+    private static String directory(String name) {
+        for (String directory : DIRECTORIES) {
+            if (name.startsWith(directory)) {
+                return directory;
+            }
+        }
+        return "";
     }
 
     /** The name without the slice at its end, such as "s2". */
     static String withoutSlice(String name) {
-        return SLICE.matcher(name).replaceFirst("");
+        int digits = name.length();
+        while (digits > 0 && name.charAt(digits - 1) >= '0' && name.charAt(digits - 1) <= '9') {
+            digits--;
+        }
+        return 0 < digits && digits < name.length() && name.charAt(digits - 1) == 's' ? name.substring(0, digits - 1)
+            : name;
     }
 
     /** The name without the letter at its end, by which pseudo devices number their slices. */

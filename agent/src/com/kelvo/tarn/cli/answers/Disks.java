@@ -15,6 +15,7 @@ import java.util.List;
 import java.util.Locale;
 import java.util.Map;
 import java.util.Objects;
+import java.util.function.Supplier;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
@@ -40,10 +41,9 @@ public final class Disks {
     private final Map<String, List<String>> mountPoints = new HashMap<>();
     /** The disk of the first that is mounted there; null for one that is on none. */
     private final Map<String, String> mountedOn = new HashMap<>();
-    private final Map<String, Identity> identities = new HashMap<>();
+    private final Map<String, Identity> identities = new LinkedHashMap<>();
     /** The disks that are the volume of a designator: a device for each path to it, and pseudo devices over them. */
     private final Map<String, List<String>> volumes = new HashMap<>();
-    private final Map<String, List<String>> identified = new HashMap<>();
 
     /** What a host tells of its disks; the slices are needed for slices that are not called like their disk. */
     Disks(List<TrInstance> drives, List<TrInstance> partitions, List<SolarisDiskIOInformation> io,
@@ -54,8 +54,6 @@ public final class Disks {
             if (identity.designator != null) {
                 volumes.computeIfAbsent(identity.designator, added -> new ArrayList<>()).add(identity.disk);
             }
-            Identifiers.of(identity).forEach(
-                name -> identified.computeIfAbsent(name, added -> new ArrayList<>()).add(identity.disk));
         }
         for (TrInstance drive : drives) {
             String name = Instances.text(drive, SolarisDiskDriveProvider.name);
@@ -117,10 +115,15 @@ public final class Disks {
 
     /** The disk that is called so, or has a slice that is; null when there is none. */
     String ofEntry(String entry) {
-        return Stream.of(entry, slices.getOrDefault(entry, ""), DeviceNames.withoutSlice(entry),
-                         DeviceNames.withoutLetter(entry))
-            .flatMap(name -> Stream.of(name, name.toLowerCase(Locale.ROOT))).map(names::get)
-            .filter(Objects::nonNull).findFirst().orElse(null);
+        return Stream.<Supplier<String>>of(() -> entry, () -> slices.getOrDefault(entry, ""),
+                                           () -> DeviceNames.withoutSlice(entry),
+                                           () -> DeviceNames.withoutLetter(entry))
+            .map(name -> ofName(name.get())).filter(Objects::nonNull).findFirst().orElse(null);
+    }
+
+    private String ofName(String name) {
+        String disk = names.get(name);
+        return disk != null ? disk : names.get(name.toLowerCase(Locale.ROOT));
     }
 
     /** The disk that a path in "/dev/dsk", "/dev/rdsk" or "/devices" leads to, or null. */
@@ -131,9 +134,13 @@ public final class Disks {
     }
 
     /** The drive that a target mapping leads to, by the HBA library's name for it or else by its numbers; or null. */
-    String ofMapping(String ownName, String numberedName) {
+    String ofMapping(String ownName, Supplier<String> numberedName) {
         String named = ownName.startsWith(DEVICES) ? ofDevice(ownName) : ofEntry(DeviceNames.withoutDirectory(ownName));
-        return Stream.of(named == null ? "" : named, numberedName).filter(drives::containsKey).findFirst().orElse(null);
+        if (named != null && drives.containsKey(named)) {
+            return named;
+        }
+        String numbered = numberedName.get();
+        return drives.containsKey(numbered) ? numbered : null;
     }
 
     /** What a disk is; null when that is not told. */
@@ -155,7 +162,8 @@ public final class Disks {
 
     /** The disks that have that serial number or that designator. */
     List<String> identifiedBy(String name) {
-        return identified.getOrDefault(Identifiers.plain(name), List.of());
+        return identities.values().stream().filter(identity -> Identifiers.isNamed(identity, name))
+            .map(identity -> identity.disk).collect(Collectors.toList());
     }
 
     /** Where file systems on these disks are mounted. */

@@ -109,14 +109,17 @@ public final class Fabric {
                 TrInstance mapping = mappings.get(i);
                 TrInstance named = sameSize && own.mappings.get(i) != null ? own.mappings.get(i) : mapping;
                 String device = named == null ? "" : Instances.text(named, TargetMappingProvider.osDeviceName);
-                String numbered = mapping == null ? "" : "c" + Instances.number(mapping, TargetMappingProvider.scsiBus)
-                    + "t" + Instances.number(mapping, TargetMappingProvider.targetId)
-                    + "d" + Instances.number(mapping, TargetMappingProvider.scsiLun);
-                String disk = known.ofMapping(device, numbered);
+                String disk = known.ofMapping(device, () -> numbered(mapping));
                 disks.add(disk);
                 devices.add(asAgent && mapping != null ? Instances.text(mapping, TargetMappingProvider.osDeviceName)
                     : disk != null ? disk : DeviceNames.withoutSlice(DeviceNames.withoutDirectory(device)));
             }
+        }
+
+        private static String numbered(TrInstance mapping) {
+            return mapping == null ? "" : "c" + Instances.number(mapping, TargetMappingProvider.scsiBus)
+                + "t" + Instances.number(mapping, TargetMappingProvider.targetId)
+                + "d" + Instances.number(mapping, TargetMappingProvider.scsiLun);
         }
 
         /**

@@ -136,6 +136,8 @@ public final class LogicalUnit {
     /** In the order of the library's walk. */
     public final List<Path> paths = new ArrayList<>();
 
+    /** Of the distinct paths, those that have both ends online. */
+    private transient List<Path> online;
     /** Whether the host has the ports for two paths. */
     private final transient boolean mayHaveTwo;
 
@@ -147,6 +149,7 @@ public final class LogicalUnit {
 
     /** Learns what its drives tell, once it has all paths. */
     void isOn(Disks known) {
+        online = distinctPaths().stream().filter(Path::isOnline).collect(Collectors.toUnmodifiableList());
         List<String> drives = disks();
         disk = drives.isEmpty() ? null : drives.get(0);
         long capacity = disk == null ? 0 : Disks.capacity(known.drives.get(disk));
@@ -175,12 +178,12 @@ public final class LogicalUnit {
 
     /** {@return of the distinct paths, those that have both ends online} */
     public List<Path> online() {
-        return distinctPaths().stream().filter(Path::isOnline).collect(Collectors.toList());
+        return online;
     }
 
     /** {@return how many of the distinct paths have both ends online} */
     public long onlinePaths() {
-        return online().size();
+        return online.size();
     }
 
     /** {@return whether less than two paths are online, on a host with the ports to have two} */
