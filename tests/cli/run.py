@@ -11,6 +11,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import time
 import termios
 import unittest
 import zipfile
@@ -200,6 +201,7 @@ class CommandLine(unittest.TestCase):
                               stderr=subprocess.PIPE) as watching:
             first = watching.stdout.readline()
             watching.send_signal(signal.SIGINT)
+            time.sleep(2)  # in which it takes the signal: nobody empties its pipe, and it cannot come to its end
             rest, err = watching.communicate(timeout=120)
         shown = [json.loads(line) for line in (first + rest).splitlines()]
         self.assertEqual((watching.returncode, err), (0, b""))

@@ -227,7 +227,8 @@ public final class HostMetrics {
                 writes.distinct(disk.writes, labels);
                 waiting.distinct(new BigDecimal(new Counter(disk.wtime).value(), 9), labels);
                 if (disk.errors != null) {
-                    DiskErrors.of(disk.errors).forEach((kind, count) -> errors.distinct(count, labels, kinds.get(kind)));
+                    DiskErrors.of(disk.errors).forEach(
+                        (kind, count) -> errors.distinct(count, labels, kinds.get(kind)));
                 }
             }
         }

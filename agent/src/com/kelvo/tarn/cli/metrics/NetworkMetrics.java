@@ -12,7 +12,8 @@ import java.util.TreeMap;
 /** A storage network in numbers: some for each host, switch and port of an array, and none for each path or unit. */
 public final class NetworkMetrics {
     private static final String SWITCHES = "SELECT fabric, domain, COUNT(DISTINCT snapshot_id) AS hosts,"
-        + " COUNT(*) AS ports FROM latest_port WHERE fabric <> '' AND domain <> 0 GROUP BY fabric, domain ORDER BY fabric, domain";
+        + " COUNT(*) AS ports FROM latest_port WHERE fabric <> '' AND domain <> 0 GROUP BY fabric, domain"
+        + " ORDER BY fabric, domain";
 
     private static final String FABRICS = "SELECT fabric, COUNT(DISTINCT snapshot_id) AS hosts, COUNT(*) AS ports"
         + " FROM latest_port WHERE fabric <> '' GROUP BY fabric ORDER BY fabric";

@@ -32,12 +32,12 @@ final class Isolation extends ClassLoader {
     }
 
     /**
-     * Another reader, for this thread.
+     * Another reader of that class, for this thread.
      *
      * @throws IOException when there is no room for the libraries in the temporary folder
      * @throws LinkageError when they may not be run from there
      */
-    static HostReader reader() throws IOException {
+    static HostReader reader(Class<? extends HostReader> kind) throws IOException {
         Path copies = Files.createTempDirectory("tarn");
         try {
             Isolation isolation = new Isolation(copies);
@@ -45,7 +45,7 @@ final class Isolation extends ClassLoader {
             for (String loader : new String[] {"NativeLibrary", "inventory.InventoryLibrary"}) {
                 Class.forName(OURS + loader, true, isolation);
             }
-            return (HostReader) isolation.loadClass(LibraryReader.class.getName()).getConstructor().newInstance();
+            return (HostReader) isolation.loadClass(kind.getName()).getConstructor().newInstance();
         } catch (ReflectiveOperationException impossible) {
             throw new IllegalStateException(impossible);
         } finally {

@@ -22,6 +22,7 @@ import java.util.List;
 import java.util.Locale;
 import java.util.Map;
 import java.util.Set;
+import java.util.TreeMap;
 import java.util.function.Function;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
@@ -89,8 +90,31 @@ public final class LibraryReader implements HostReader {
         return port == null ? "" : PortWords.of(port, HbaPortProvider.portState);
     }
 
+    /** The far end of paths, which has many of them. */
+    private static final class FarEnd {
+        private final String wwn;
+        private final String address;
+        private final int domain;
+        private final String state;
+        /** Those at either end of its paths, by fabric and domain. */
+        private final List<String> switches;
+
+        private FarEnd(Fabric.RemotePort remote) {
+            wwn = wwn(remote.instance);
+            address = address(remote.instance);
+            domain = domain(remote.instance);
+            state = state(remote.instance);
+            String fabric = remote.port.fabric();
+            switches = fabric.isEmpty() ? List.of()
+                : Stream.of(domain(remote.port.instance), domain).distinct().filter(each -> each != 0)
+                    .map(each -> fabric + "/" + each).collect(Collectors.toList());
+        }
+    }
+
     /** A volume that several nodes present, or one node under several numbers, is one unit. */
     private static void addUnits(HostFacts facts, Asked asked) {
+        Map<Fabric.RemotePort, FarEnd> farEnds = asked.fabric.remotePorts().collect(
+            Collectors.toMap(remote -> remote, FarEnd::new));
         Map<String, List<LogicalUnit.Path>> online = new LinkedHashMap<>();
         Map<String, String> mounted = new LinkedHashMap<>();
         Map<String, Identity> volumes = asked.identities().stream().filter(each -> each.designator != null)
@@ -105,12 +129,12 @@ public final class LibraryReader implements HostReader {
             unit.mounts.forEach(mountPoint -> mounted.put(mountPoint, identity));
             online.computeIfAbsent(identity, added -> new ArrayList<>()).addAll(unit.online());
             for (LogicalUnit.Path path : unit.paths) {
-                TrInstance far = path.remote.instance;
-                facts.add(HostTable.PATH, path.adapter, path.port, wwn(far), unit.node, address(far), domain(far),
-                          state(far), identity, unit.lun.longValue(), path.disk);
+                FarEnd far = farEnds.get(path.remote);
+                facts.add(HostTable.PATH, path.adapter, path.port, far.wwn, unit.node, far.address, far.domain,
+                          far.state, identity, unit.lun.longValue(), path.disk);
             }
         }
-        online.forEach((identity, paths) -> addReach(facts, identity, paths));
+        online.forEach((identity, paths) -> addReach(facts, identity, paths, farEnds));
         asked.fileSystems.forEach((mountPoint, use) -> facts.add(
             HostTable.MOUNT, mountPoint, asked.diskAt(mountPoint), mounted.get(mountPoint),
             bytes(use, FileSystemUse::total), bytes(use, FileSystemUse::available)));
@@ -120,33 +144,32 @@ public final class LibraryReader implements HostReader {
         return use == null ? null : size.apply(use).min(MOST).longValue();
     }
 
-    private static void addReach(HostFacts facts, String identity, List<LogicalUnit.Path> paths) {
-        Set<String> fabrics = distinct(paths, path -> Stream.of(path.fabric).filter(name -> !name.isEmpty()));
-        Set<String> arrayPorts = distinct(paths, path -> Stream.of(path.far()));
-        Set<String> switches = distinct(paths, LibraryReader::switches);
-        List<String> shared = switches.stream()
-            .filter(name -> paths.stream().allMatch(path -> switches(path).anyMatch(name::equals)))
-            .sorted().collect(Collectors.toList());
-        facts.add(HostTable.REACH, identity, distinct(paths, path -> Stream.of(path.near() + " " + path.far())).size(),
-                  distinct(paths, path -> Stream.of(path.adapter)).size(), fabrics.size(), switches.size(),
-                  arrayPorts.size(), paths.stream().allMatch(path -> !path.fabric.isEmpty()) ? only(fabrics) : null,
+    private static void addReach(HostFacts facts, String identity, List<LogicalUnit.Path> paths,
+                                 Map<Fabric.RemotePort, FarEnd> farEnds) {
+        Set<String> ends = new HashSet<>();
+        Set<Integer> adapters = new HashSet<>();
+        Set<String> fabrics = new HashSet<>();
+        Set<String> arrayPorts = new HashSet<>();
+        Map<String, Integer> switches = new TreeMap<>();
+        for (LogicalUnit.Path path : paths) {
+            ends.add(path.near() + " " + path.far());
+            adapters.add(path.adapter);
+            fabrics.add(path.fabric);
+            arrayPorts.add(path.far());
+            farEnds.get(path.remote).switches.forEach(name -> switches.merge(name, 1, Integer::sum));
+        }
+        List<String> shared = switches.keySet().stream().filter(name -> switches.get(name) == paths.size())
+            .collect(Collectors.toList());
+        String oneFabric = only(fabrics);
+        facts.add(HostTable.REACH, identity, ends.size(), adapters.size(),
+                  fabrics.size() - (fabrics.contains("") ? 1 : 0), switches.size(), arrayPorts.size(),
+                  "".equals(oneFabric) ? null : oneFabric,
                   shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts),
                   facts.units.get(identity).sizeBytes);
     }
 
-    private static <T> Set<T> distinct(List<LogicalUnit.Path> paths, Function<LogicalUnit.Path, Stream<T>> what) {
-        return paths.stream().flatMap(what).collect(Collectors.toSet());
-    }
-
     private static String only(Set<String> names) {
         return names.size() == 1 ? names.iterator().next() : null;
-    }
-
-    /** Those at either end, by fabric and domain. */
-    private static Stream<String> switches(LogicalUnit.Path path) {
-        return path.fabric.isEmpty() ? Stream.of()
-            : Stream.of(path.remote.port.instance, path.remote.instance).map(LibraryReader::domain).distinct()
-                .filter(domain -> domain != 0).map(domain -> path.fabric + "/" + domain);
     }
 
     /** A remote port as all ports of the host see it together that are in one fabric. */

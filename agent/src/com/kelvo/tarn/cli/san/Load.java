@@ -150,7 +150,7 @@ public final class Load {
 
     private static HostReader anotherReader() {
         try {
-            return Isolation.reader();
+            return Isolation.reader(LibraryReader.class);
         } catch (IOException | LinkageError failed) {
             throw new IllegalStateException("the libraries cannot be copied to the temporary folder, or not run there: "
                                             + failed.getMessage(), failed);

@@ -74,7 +74,8 @@ final class Sqlite extends Dialect {
     }
 
     /**
-     * At once in turn: two who have read could not both go on to write. The driver's own commit would begin the next one.
+     * At once in turn: two who have read could not both go on to write. The driver's own commit would begin the next
+     * one.
      */
     @Override
     void begin(Connection connection) throws SQLException {
