@@ -11,8 +11,8 @@ import struct
 import subprocess
 import sys
 import tempfile
-import time
 import termios
+import time
 import unittest
 import zipfile
 from concurrent.futures import ThreadPoolExecutor
