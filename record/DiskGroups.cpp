@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <iterator>
+#include <span>
 #include <utility>
 
 #include "common/system/DiskDevices.h"
@@ -52,7 +52,8 @@ bool agree(const std::optional<T> &one, const std::optional<T> &other) {
     if constexpr (std::equality_comparable<T>) {
         return !one || !other || *one == *other;
     } else {
-        return !one || !other || std::memcmp(&*one, &*other, sizeof *one) == 0;
+        return !one || !other ||
+               std::ranges::equal(std::as_bytes(std::span(&*one, 1)), std::as_bytes(std::span(&*other, 1)));
     }
 }
 
