@@ -5,9 +5,11 @@ import java.time.temporal.ChronoUnit;
 import java.util.Map;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
+import picocli.CommandLine.Model.CommandSpec;
+import picocli.CommandLine.ParameterException;
 
 /** Spans of time as options have them: 90m, 36h, 7d. */
-public final class Durations {
+final class Durations {
     private static final Pattern FORM = Pattern.compile("(\\d{1,9})([smhd])");
     private static final Map<String, ChronoUnit> UNITS = Map.of(
         "s", ChronoUnit.SECONDS, "m", ChronoUnit.MINUTES, "h", ChronoUnit.HOURS, "d", ChronoUnit.DAYS);
@@ -15,13 +17,13 @@ public final class Durations {
     private Durations() {
     }
 
-    /**
-     * {@return the span of time; null when the text is none}
-     *
-     * @param given the text
-     */
-    public static Duration of(String given) {
+    /** The span of time that an option of the command names; anything else is refused as bad usage. */
+    static Duration of(CommandSpec command, String option, String given) {
         Matcher told = FORM.matcher(given);
-        return told.matches() ? Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2))) : null;
+        if (!told.matches()) {
+            throw new ParameterException(command.commandLine(),
+                                         option + ": '" + given + "' is no duration such as 90m, 36h or 7d");
+        }
+        return Duration.of(Long.parseLong(told.group(1)), UNITS.get(told.group(2)));
     }
 }

@@ -36,14 +36,7 @@ public final class FindingOptions {
 
     /** {@return how old a recording may be; null: as old as it likes} */
     public Duration maxAge() {
-        if (maxAge == null) {
-            return null;
-        }
-        Duration age = Durations.of(maxAge);
-        if (age == null) {
-            throw refusal("--max-age: '" + maxAge + "' is no duration such as 90m, 36h or 7d");
-        }
-        return age;
+        return maxAge == null ? null : Durations.of(spec, "--max-age", maxAge);
     }
 
     /**

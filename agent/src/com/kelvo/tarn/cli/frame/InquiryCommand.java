@@ -52,11 +52,7 @@ public abstract class InquiryCommand implements Inquiry, Callable<Integer> {
      * @param given its value, of which anything but 90m, 36h, 7d and the like is refused
      */
     protected final Duration duration(String option, String given) {
-        Duration told = Durations.of(given);
-        if (told == null) {
-            throw refusal(option + ": '" + given + "' is no duration such as 90m, 36h or 7d");
-        }
-        return told;
+        return Durations.of(spec, option, given);
     }
 
     /** Whether the answer is a table, for programs too. */

@@ -9,6 +9,7 @@ import java.util.Comparator;
 import java.util.HashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
+import java.util.Locale;
 import java.util.Map;
 import java.util.Objects;
 import java.util.TreeMap;
@@ -75,7 +76,7 @@ public final class NetworkDiff {
         }
 
         String named() {
-            return this == SIZE_BYTES ? "sizeBytes" : name().toLowerCase(java.util.Locale.ROOT);
+            return this == SIZE_BYTES ? "sizeBytes" : name().toLowerCase(Locale.ROOT);
         }
 
         Object read(ResultSet row) throws SQLException {
