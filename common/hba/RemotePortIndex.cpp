@@ -30,7 +30,9 @@ void RemotePortIndex::build(std::span<const HBA_FCPSCSIENTRY> entries) {
 }
 
 std::span<const RemotePortIndex::Place> RemotePortIndex::find(const HBA_WWN &portWWN) const {
-    return std::ranges::equal_range(places, key(portWWN), {}, &Place::port);
+    const std::uint64_t port = key(portWWN);
+    const auto first = std::ranges::lower_bound(places, port, {}, &Place::port);
+    return {first, std::ranges::upper_bound(first, places.end(), port, {}, &Place::port)};
 }
 
 } // namespace tarn
