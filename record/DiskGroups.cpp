@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <iterator>
-#include <span>
 #include <utility>
 
 #include "common/system/DiskDevices.h"
@@ -47,13 +46,18 @@ NameParts takeApart(std::string_view name) {
     return {name, {}, std::nullopt};
 }
 
+/// As text, since characters are compared many at a time, and std::byte one by one.
+template <class T>
+std::string_view bytesOf(const T &value) {
+    return {reinterpret_cast<const char *>(&value), sizeof value};
+}
+
 template <class T>
 bool agree(const std::optional<T> &one, const std::optional<T> &other) {
     if constexpr (std::equality_comparable<T>) {
         return !one || !other || *one == *other;
     } else {
-        return !one || !other ||
-               std::ranges::equal(std::as_bytes(std::span(&*one, 1)), std::as_bytes(std::span(&*other, 1)));
+        return !one || !other || bytesOf(*one) == bytesOf(*other);
     }
 }
 

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <memory>
 #include <span>
 #include <utility>
@@ -150,12 +149,11 @@ public:
         case Call::mapping:
             takeMapping(valueOf<MappingCounts>(answer.data), status);
             break;
-        case Call::mappingEntries: {
-            const std::size_t before = entries.size();
-            entries.resize(before + answer.data.size() / sizeof(HBA_FCPSCSIENTRY));
-            std::memcpy(entries.data() + before, answer.data.data(), answer.data.size());
+        case Call::mappingEntries:
+            for (std::size_t at = 0; at < answer.data.size(); at += sizeof(HBA_FCPSCSIENTRY)) {
+                entries.push_back(valueOf<HBA_FCPSCSIENTRY>(answer.data.subspan(at)));
+            }
             break;
-        }
         case Call::mappingEnd:
             finishMapping(valueOf<bool>(answer.data), status);
             break;
