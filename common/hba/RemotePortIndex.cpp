@@ -1,6 +1,7 @@
 #include "common/hba/RemotePortIndex.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tarn {
 namespace {
@@ -26,7 +27,7 @@ void RemotePortIndex::build(std::span<const HBA_FCPSCSIENTRY> entries) {
     for (HBA_UINT32 position = 0; position < places.size(); ++position) {
         places[position] = {key(entries[position].FcpId.PortWWN), position};
     }
-    std::ranges::sort(places);
+    std::ranges::sort(places, {}, [](const Place &place) { return std::pair(place.port, place.position); });
 }
 
 std::span<const RemotePortIndex::Place> RemotePortIndex::find(const HBA_WWN &portWWN) const {

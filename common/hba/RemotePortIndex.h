@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -18,8 +17,6 @@ public:
     struct Place {
         std::uint64_t port; ///< its name as a number, byte 0 highest
         HBA_UINT32 position;
-
-        auto operator<=>(const Place &) const = default;
     };
 
     /// Throws std::bad_alloc, which can only happen for a mapping of more than 512 entries.
