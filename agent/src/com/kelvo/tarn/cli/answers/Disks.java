@@ -43,10 +43,9 @@ public final class Disks {
     private final Map<String, List<String>> mountPoints = new HashMap<>();
     /** The disk of the first that is mounted there; null for one that is on none. */
     private final Map<String, String> mountedOn = new HashMap<>();
-    private final Map<String, Identity> identities = new HashMap<>();
+    private final Map<String, Identity> identities = new LinkedHashMap<>();
     /** The disks that are the volume of a designator: a device for each path to it, and pseudo devices over them. */
     private final Map<String, List<String>> volumes = new HashMap<>();
-    private final Map<String, List<String>> identified = new HashMap<>();
     /** By the HBA library's name for it: the drive, or nothing. The paths to a unit mostly have the same. */
     private final Map<String, Optional<String>> mapped = new ConcurrentHashMap<>();
 
@@ -59,8 +58,6 @@ public final class Disks {
             if (identity.designator != null) {
                 volumes.computeIfAbsent(identity.designator, added -> new ArrayList<>()).add(identity.disk);
             }
-            Identifiers.of(identity).forEach(
-                name -> identified.computeIfAbsent(name, added -> new ArrayList<>()).add(identity.disk));
         }
         for (TrInstance drive : drives) {
             String name = Instances.text(drive, SolarisDiskDriveProvider.name);
@@ -122,17 +119,28 @@ public final class Disks {
 
     /** The disk that is called so, or has a slice that is; null when there is none. */
     String ofEntry(String entry) {
-        return Stream.of(entry, slices.getOrDefault(entry, ""), DeviceNames.withoutSlice(entry),
-                         DeviceNames.withoutLetter(entry))
-            .flatMap(name -> Stream.of(name, name.toLowerCase(Locale.ROOT))).map(names::get)
-            .filter(Objects::nonNull).findFirst().orElse(null);
+        return Stream.<Supplier<String>>of(() -> entry, () -> slices.getOrDefault(entry, ""),
+                                           () -> DeviceNames.withoutSlice(entry),
+                                           () -> DeviceNames.withoutLetter(entry))
+            .map(name -> ofName(name.get())).filter(Objects::nonNull).findFirst().orElse(null);
+    }
+
+    private String ofName(String name) {
+        String disk = names.get(name);
+        return disk != null ? disk : names.get(name.toLowerCase(Locale.ROOT));
     }
 
     /** The disk that a path in "/dev/dsk", "/dev/rdsk" or "/devices" leads to, or null. */
     String ofDevice(String device) {
         return device.startsWith(DEVICES)
-            ? devicePaths.get(device.substring(DEVICES.length()).replaceFirst(":[^/]*$", ""))
+            ? devicePaths.get(device.substring(DEVICES.length(), endOfPath(device)))
             : DeviceNames.hasDirectory(device) ? ofEntry(DeviceNames.withoutDirectory(device)) : null;
+    }
+
+    /** Where the minor node's name begins, ":a", or the end. */
+    private static int endOfPath(String device) {
+        int colon = device.indexOf(':', device.lastIndexOf('/') + 1);
+        return colon < 0 ? device.length() : colon;
     }
 
     /** The drive that a target mapping leads to, by the HBA library's name for it or else by its numbers; or null. */
@@ -168,7 +176,8 @@ public final class Disks {
 
     /** The disks that have that serial number or that designator. */
     List<String> identifiedBy(String name) {
-        return identified.getOrDefault(Identifiers.plain(name), List.of());
+        return identities.values().stream().filter(identity -> Identifiers.isNamed(identity, name))
+            .map(identity -> identity.disk).collect(Collectors.toList());
     }
 
     /** Where file systems on these disks are mounted. */

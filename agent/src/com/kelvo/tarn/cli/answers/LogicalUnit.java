@@ -24,6 +24,8 @@ public final class LogicalUnit {
         private final transient int mapping;
         private final transient String near;
         private final transient String far;
+        /** Both ports, told apart from those of all other paths. */
+        public final transient String ends;
 
         /** The adapter's place in the library's walk. */
         public final int adapter;
@@ -68,6 +70,7 @@ public final class LogicalUnit {
             scsiLun = Instances.value(mapping, TargetMappingProvider.scsiLun);
             near = Instances.name(portWWN).isEmpty() ? remote.port.place() : portWWN;
             far = Instances.name(remotePort).isEmpty() ? remote.place() : remotePort;
+            ends = near + " " + far;
         }
 
         /** {@return what people know its device as: the drive, or what the HBA library calls it} */
@@ -161,9 +164,8 @@ public final class LogicalUnit {
 
     /** No path comes any more: learns what its drives tell. */
     void hasAllPaths(Disks known) {
-        Map<List<String>, Path> byEnds = new LinkedHashMap<>();
-        paths.forEach(path -> byEnds.merge(List.of(path.near(), path.far()), path,
-                                           (one, other) -> one.isOnline() ? one : other));
+        Map<String, Path> byEnds = new LinkedHashMap<>();
+        paths.forEach(path -> byEnds.merge(path.ends, path, (one, other) -> one.isOnline() ? one : other));
         distinct = List.copyOf(byEnds.values());
         online = distinct.stream().filter(Path::isOnline).collect(Collectors.toUnmodifiableList());
         List<String> drives = disks();

@@ -58,11 +58,14 @@ final class DescriptionText {
         throw new IllegalArgumentException("it has more than 1 GiB");
     }
 
-    /** SHA-256 in hexadecimal digits. */
+    /**
+     * MD5 in hexadecimal digits. It protects nothing, and tells recordings apart in a quarter of the time of SHA-256,
+     * of which there are no instructions of the processor's own for code that is compiled quickly.
+     */
     String digest() {
         try {
             StringBuilder digits = new StringBuilder();
-            for (byte each : MessageDigest.getInstance("SHA-256").digest(text)) {
+            for (byte each : MessageDigest.getInstance("MD5").digest(text)) {
                 digits.append(Character.forDigit(each >> 4 & 0xf, 16)).append(Character.forDigit(each & 0xf, 16));
             }
             return digits.toString();

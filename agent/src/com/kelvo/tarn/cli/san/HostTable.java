@@ -1,6 +1,7 @@
 package com.kelvo.tarn.cli.san;
 
 import java.util.List;
+import java.util.Locale;
 
 /** The tables whose rows are each of one snapshot, with their other columns. */
 public enum HostTable {
@@ -24,16 +25,12 @@ public enum HostTable {
 
     /** Where a row says which unit it is about: the unit's identity, of which the store makes the unit's number. */
     final int unit;
-    private final List<String> columns;
+    /** The statement that adds a row to the snapshot that its first parameter names. */
+    final String insertion;
 
     HostTable(String... columns) {
-        this.columns = List.of(columns);
-        unit = this.columns.indexOf("unit_id");
-    }
-
-    /** The statement that adds a row to the snapshot that its first parameter names. */
-    String insertion() {
-        return "INSERT INTO " + name().toLowerCase(java.util.Locale.ROOT) + " (snapshot_id, "
-            + String.join(", ", columns) + ") VALUES (?" + ", ?".repeat(columns.size()) + ")";
+        unit = List.of(columns).indexOf("unit_id");
+        insertion = "INSERT INTO " + name().toLowerCase(Locale.ROOT) + " (snapshot_id, "
+            + String.join(", ", columns) + ") VALUES (?" + ", ?".repeat(columns.length) + ")";
     }
 }

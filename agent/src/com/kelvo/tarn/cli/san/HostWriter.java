@@ -123,7 +123,7 @@ final class HostWriter implements AutoCloseable {
         if (facts.rows(table).isEmpty()) {
             return;
         }
-        PreparedStatement statement = prepared(connection, table.insertion());
+        PreparedStatement statement = prepared(connection, table.insertion);
         for (Object[] row : facts.rows(table)) {
             statement.setLong(1, snapshot);
             for (int i = 0; i < row.length; i++) {

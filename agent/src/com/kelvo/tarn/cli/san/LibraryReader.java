@@ -19,7 +19,6 @@ import java.util.ArrayList;
 import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
-import java.util.Locale;
 import java.util.Map;
 import java.util.Set;
 import java.util.TreeMap;
@@ -31,6 +30,8 @@ import java.util.stream.Stream;
 public final class LibraryReader implements HostReader {
     private static final BigInteger MOST = BigInteger.valueOf(Long.MAX_VALUE);
     private static final int AREA_AND_PORT = 16;
+    /** More than any address, which has six digits. */
+    private static final long ADDRESSES = 0x1000000;
 
     private final LibraryLog log = LibraryLog.ofThisThread();
     private final Library library = new Library(log);
@@ -79,7 +80,8 @@ public final class LibraryReader implements HostReader {
     }
 
     private static String address(TrInstance port) {
-        return id(port) == 0 ? "" : String.format(Locale.ROOT, "%06x", id(port));
+        long id = id(port);
+        return id == 0 ? "" : Long.toHexString(ADDRESSES | id).substring(1);
     }
 
     private static int domain(TrInstance port) {
@@ -152,7 +154,7 @@ public final class LibraryReader implements HostReader {
         Set<String> arrayPorts = new HashSet<>();
         Map<String, Integer> switches = new TreeMap<>();
         for (LogicalUnit.Path path : paths) {
-            ends.add(path.near() + " " + path.far());
+            ends.add(path.ends);
             adapters.add(path.adapter);
             fabrics.add(path.fabric);
             arrayPorts.add(path.far());

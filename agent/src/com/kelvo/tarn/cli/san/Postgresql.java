@@ -100,6 +100,11 @@ final class Postgresql extends Dialect {
     }
 
     @Override
+    String keyed() {
+        return "";
+    }
+
+    @Override
     void lockSchema(Connection connection) throws SQLException {
         execute(connection, "SELECT pg_advisory_xact_lock(" + LOCK + ")");
     }

@@ -78,7 +78,8 @@ final class Schema {
     }
 
     private void apply(int version) throws SQLException {
-        String script = script("schema-" + version + ".sql").replace("${id}", dialect.numbering());
+        String script = script("schema-" + version + ".sql").replace("${id}", dialect.numbering())
+            .replace("${keyed}", dialect.keyed());
         Dialect.execute(connection, script.strip().split(";\n"));
         Dialect.execute(connection, "DELETE FROM " + TABLE,
                         "INSERT INTO " + TABLE + " (version) VALUES (" + version + ")");

@@ -14,6 +14,9 @@ final class Sqlite extends Dialect {
     /** How long one who wants to write waits for another, in milliseconds. */
     private static final String PATIENCE = "10000";
 
+    /** How much the log takes before it is put into the file, 32 MiB: what many hosts change goes there once for all. */
+    private static final int LOG_PAGES = 8192;
+
     /** By SQLite's primary result codes. */
     private static final Map<Integer, String> REASONS = Map.of(
         5, "another program keeps it locked", 6, "another program keeps it locked", 8, "it can only be read",
@@ -62,7 +65,8 @@ final class Sqlite extends Dialect {
         try {
             execute(connection, "PRAGMA cache_size = -32768");
             if (isWritten) {
-                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL");
+                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
+                        "PRAGMA wal_autocheckpoint = " + LOG_PAGES);
             } else {
                 execute(connection, "BEGIN");
             }
@@ -100,6 +104,11 @@ final class Sqlite extends Dialect {
     @Override
     String numbering() {
         return "INTEGER PRIMARY KEY";
+    }
+
+    @Override
+    String keyed() {
+        return " WITHOUT ROWID";
     }
 
     @Override
