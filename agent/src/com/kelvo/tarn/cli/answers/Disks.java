@@ -43,10 +43,9 @@ public final class Disks {
     private final Map<String, List<String>> mountPoints = new HashMap<>();
     /** The disk of the first that is mounted there; null for one that is on none. */
     private final Map<String, String> mountedOn = new HashMap<>();
-    private final Map<String, Identity> identities = new HashMap<>();
+    private final Map<String, Identity> identities = new LinkedHashMap<>();
     /** The disks that are the volume of a designator: a device for each path to it, and pseudo devices over them. */
     private final Map<String, List<String>> volumes = new HashMap<>();
-    private final Map<String, List<String>> identified = new HashMap<>();
     /** By the HBA library's name for it: the drive, or nothing. The paths to a unit mostly have the same. */
     private final Map<String, Optional<String>> mapped = new ConcurrentHashMap<>();
 
@@ -59,8 +58,6 @@ public final class Disks {
             if (identity.designator != null) {
                 volumes.computeIfAbsent(identity.designator, added -> new ArrayList<>()).add(identity.disk);
             }
-            Identifiers.of(identity).forEach(
-                name -> identified.computeIfAbsent(name, added -> new ArrayList<>()).add(identity.disk));
         }
         for (TrInstance drive : drives) {
             String name = Instances.text(drive, SolarisDiskDriveProvider.name);
@@ -122,10 +119,15 @@ public final class Disks {
 
     /** The disk that is called so, or has a slice that is; null when there is none. */
     String ofEntry(String entry) {
-        return Stream.of(entry, slices.getOrDefault(entry, ""), DeviceNames.withoutSlice(entry),
-                         DeviceNames.withoutLetter(entry))
-            .flatMap(name -> Stream.of(name, name.toLowerCase(Locale.ROOT))).map(names::get)
-            .filter(Objects::nonNull).findFirst().orElse(null);
+        String disk = ofName(entry);
+        disk = disk == null ? ofName(slices.getOrDefault(entry, "")) : disk;
+        disk = disk == null ? ofName(DeviceNames.withoutSlice(entry)) : disk;
+        return disk == null ? ofName(DeviceNames.withoutLetter(entry)) : disk;
+    }
+
+    private String ofName(String name) {
+        String disk = names.get(name);
+        return disk == null ? names.get(name.toLowerCase(Locale.ROOT)) : disk;
     }
 
     /** The disk that a path in "/dev/dsk", "/dev/rdsk" or "/devices" leads to, or null. */
@@ -168,7 +170,8 @@ public final class Disks {
 
     /** The disks that have that serial number or that designator. */
     List<String> identifiedBy(String name) {
-        return identified.getOrDefault(Identifiers.plain(name), List.of());
+        return identities.values().stream().filter(identity -> Identifiers.isNamed(identity, name))
+            .map(identity -> identity.disk).collect(Collectors.toList());
     }
 
     /** Where file systems on these disks are mounted. */

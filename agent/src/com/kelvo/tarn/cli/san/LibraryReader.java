@@ -19,7 +19,6 @@ import java.util.ArrayList;
 import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
-import java.util.Locale;
 import java.util.Map;
 import java.util.Set;
 import java.util.TreeMap;
@@ -31,6 +30,8 @@ import java.util.stream.Stream;
 public final class LibraryReader implements HostReader {
     private static final BigInteger MOST = BigInteger.valueOf(Long.MAX_VALUE);
     private static final int AREA_AND_PORT = 16;
+    /** How many hexadecimal digits an address has. */
+    private static final int ADDRESS = 6;
 
     private final LibraryLog log = LibraryLog.ofThisThread();
     private final Library library = new Library(log);
@@ -79,7 +80,8 @@ public final class LibraryReader implements HostReader {
     }
 
     private static String address(TrInstance port) {
-        return id(port) == 0 ? "" : String.format(Locale.ROOT, "%06x", id(port));
+        String digits = Long.toHexString(id(port));
+        return id(port) == 0 ? "" : "0".repeat(Math.max(0, ADDRESS - digits.length())) + digits;
     }
 
     private static int domain(TrInstance port) {

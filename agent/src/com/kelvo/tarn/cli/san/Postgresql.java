@@ -82,11 +82,13 @@ final class Postgresql extends Dialect {
     @Override
     void commit(Connection connection) throws SQLException {
         connection.commit();
+        connection.setAutoCommit(true); // what is asked between leaves no transaction open
     }
 
     @Override
     void rollBack(Connection connection) throws SQLException {
         connection.rollback();
+        connection.setAutoCommit(true);
     }
 
     @Override
