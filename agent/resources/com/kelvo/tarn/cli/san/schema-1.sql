@@ -1,5 +1,4 @@
--- The store of the storage network, for SQLite and PostgreSQL alike. ${id} is what gives a row its number,
--- and ${keyed} what keeps a table by its key.
+-- The store of the storage network, for SQLite and PostgreSQL alike. ${id} is what gives a row its number.
 -- Names that are not told are empty; what else is not known is null. Times are UTC, such as 2026-11-24T10:00:00Z.
 
 CREATE TABLE tarn_store (version INTEGER NOT NULL);
@@ -30,7 +29,7 @@ CREATE TABLE adapter (
     driver TEXT NOT NULL,
     node_wwn TEXT NOT NULL,
     PRIMARY KEY (snapshot_id, adapter)
-)${keyed};
+);
 
 -- The domain is the first byte of the address: the switch's, within its fabric, or 0 for none. The speed is in bits a
 -- second.
@@ -45,7 +44,7 @@ CREATE TABLE port (
     state TEXT NOT NULL,
     speed BIGINT,
     PRIMARY KEY (snapshot_id, adapter, port)
-)${keyed};
+);
 CREATE INDEX port_wwn ON port (wwn);
 
 -- What units are is the same for all hosts and times. One that is known by address only is called by its node and LUN.
@@ -63,7 +62,7 @@ CREATE TABLE unit_node (
     unit_id BIGINT NOT NULL REFERENCES unit (id) ON DELETE CASCADE,
     node TEXT NOT NULL,
     PRIMARY KEY (unit_id, node)
-)${keyed};
+);
 
 CREATE TABLE path (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
@@ -115,7 +114,7 @@ CREATE TABLE reach (
     one_array_port TEXT,
     size_bytes BIGINT,
     PRIMARY KEY (snapshot_id, unit_id)
-)${keyed};
+);
 CREATE INDEX reach_unit ON reach (unit_id);
 
 -- The remote ports that a host has discovered, summed up: by how many of its ports, and how many units it reaches
@@ -131,7 +130,7 @@ CREATE TABLE sight (
     initiators INTEGER NOT NULL,
     units INTEGER NOT NULL,
     PRIMARY KEY (snapshot_id, fabric, remote_wwn)
-)${keyed};
+);
 CREATE INDEX sight_wwn ON sight (remote_wwn);
 
 CREATE VIEW latest_snapshot AS

@@ -1,12 +1,8 @@
 package com.kelvo.tarn.cli.answers;
 
-import java.util.List;
-import java.util.regex.Pattern;
-
-/** How people name disks and slices. */
+/** How people name disks and slices. Without expressions, since it is asked for each path. */
 public final class DeviceNames {
-    private static final List<String> DIRECTORIES = List.of("/dev/dsk/", "/dev/rdsk/");
-    private static final Pattern LETTER = Pattern.compile("(?<=\\d)[a-p]$");
+    private static final String[] DIRECTORIES = {"/dev/dsk/", "/dev/rdsk/"};
 
     private DeviceNames() {
     }
@@ -41,15 +37,21 @@ public final class DeviceNames {
      */
     public static String withoutSlice(String name) {
         int digits = name.length();
-        while (digits > 0 && Character.digit(name.charAt(digits - 1), 10) >= 0) {
+        while (isDigit(name, digits - 1)) {
             digits--;
         }
-        return digits > 0 && digits < name.length() && name.charAt(digits - 1) == 's' ? name.substring(0, digits - 1)
+        return 0 < digits && digits < name.length() && name.charAt(digits - 1) == 's' ? name.substring(0, digits - 1)
             : name;
     }
 
     /** The name without the letter at its end, by which pseudo devices number their slices. */
     static String withoutLetter(String name) {
-        return LETTER.matcher(name).replaceFirst("");
+        int last = name.length() - 1;
+        return isDigit(name, last - 1) && name.charAt(last) >= 'a' && name.charAt(last) <= 'p'
+            ? name.substring(0, last) : name;
+    }
+
+    private static boolean isDigit(String name, int place) {
+        return place >= 0 && name.charAt(place) >= '0' && name.charAt(place) <= '9';
     }
 }

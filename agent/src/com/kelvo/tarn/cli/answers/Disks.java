@@ -119,15 +119,15 @@ public final class Disks {
 
     /** The disk that is called so, or has a slice that is; null when there is none. */
     String ofEntry(String entry) {
-        return Stream.<Supplier<String>>of(() -> entry, () -> slices.getOrDefault(entry, ""),
-                                           () -> DeviceNames.withoutSlice(entry),
-                                           () -> DeviceNames.withoutLetter(entry))
-            .map(name -> ofName(name.get())).filter(Objects::nonNull).findFirst().orElse(null);
+        String disk = ofName(entry);
+        disk = disk == null ? ofName(slices.getOrDefault(entry, "")) : disk;
+        disk = disk == null ? ofName(DeviceNames.withoutSlice(entry)) : disk;
+        return disk == null ? ofName(DeviceNames.withoutLetter(entry)) : disk;
     }
 
     private String ofName(String name) {
         String disk = names.get(name);
-        return disk != null ? disk : names.get(name.toLowerCase(Locale.ROOT));
+        return disk == null ? names.get(name.toLowerCase(Locale.ROOT)) : disk;
     }
 
     /** The disk that a path in "/dev/dsk", "/dev/rdsk" or "/devices" leads to, or null. */

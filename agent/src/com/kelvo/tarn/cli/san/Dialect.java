@@ -34,9 +34,6 @@ abstract class Dialect {
     /** How a column is declared that numbers the rows. */
     abstract String numbering();
 
-    /** What makes a table that is kept by its primary key, where that has to be said. */
-    abstract String keyed();
-
     /** Lets no one else change the schema while the transaction of this connection runs. */
     abstract void lockSchema(Connection connection) throws SQLException;
 

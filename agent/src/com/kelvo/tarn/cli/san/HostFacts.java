@@ -3,9 +3,9 @@ package com.kelvo.tarn.cli.san;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.EnumMap;
+import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
-import java.util.TreeMap;
 import java.util.TreeSet;
 
 /** What is stored of one host: rows of each table, made by whoever has asked it. */
@@ -46,7 +46,7 @@ public final class HostFacts {
     /** When it was recorded; null when its description does not say. */
     public final Instant recordedAt;
     /** By identity: all that its rows are about. */
-    public final TreeMap<String, Unit> units = new TreeMap<>();
+    public final Map<String, Unit> units = new HashMap<>();
 
     private final Map<HostTable, List<Object[]>> rows = new EnumMap<>(HostTable.class);
 

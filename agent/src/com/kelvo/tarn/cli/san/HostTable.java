@@ -1,7 +1,10 @@
 package com.kelvo.tarn.cli.san;
 
+import java.util.Collections;
 import java.util.List;
 import java.util.Locale;
+import java.util.stream.Collectors;
+import java.util.stream.IntStream;
 
 /** The tables whose rows are each of one snapshot, with their other columns. */
 public enum HostTable {
@@ -28,9 +31,18 @@ public enum HostTable {
     /** The statement that adds a row to the snapshot that its first parameter names. */
     final String insertion;
 
+    /** How many paths {@link #PATHS_TOGETHER} adds. */
+    static final int TOGETHER = 8;
+    /** With how many columns a path begins that all between the same two ports have alike. */
+    static final int ENDS = 7;
+    /** The statement that adds paths between the same two ports: the snapshot, the ports, each path's own columns. */
+    static final String PATHS_TOGETHER = PATH.insertion.replaceFirst("VALUES.*", "SELECT e.*, own.* FROM (SELECT ?"
+        + IntStream.rangeClosed(1, ENDS).mapToObj(column -> ", ? AS c" + column).collect(Collectors.joining())
+        + ") e CROSS JOIN (VALUES " + String.join(", ", Collections.nCopies(TOGETHER, "(?, ?, ?)")) + ") own");
+
     HostTable(String... columns) {
         unit = List.of(columns).indexOf("unit_id");
-        insertion = "INSERT INTO " + name().toLowerCase(Locale.ROOT) + " (snapshot_id, "
-            + String.join(", ", columns) + ") VALUES (?" + ", ?".repeat(columns.length) + ")";
+        insertion = "INSERT INTO " + name().toLowerCase(Locale.ROOT) + " (snapshot_id, " + String.join(", ", columns)
+            + ") VALUES (?" + ", ?".repeat(columns.length) + ")";
     }
 }

@@ -7,6 +7,7 @@ import java.sql.SQLException;
 import java.time.Instant;
 import java.time.temporal.ChronoUnit;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.Collections;
 import java.util.EnumMap;
 import java.util.HashMap;
@@ -17,7 +18,7 @@ import java.util.TreeMap;
 
 /** Stores hosts, one after the other, each in a transaction of its own. */
 final class HostWriter implements AutoCloseable {
-    private static final int UNITS_KEPT = 100_000;
+    private static final int UNITS_KEPT = 10_000;
     /** How many units are asked for in one query. */
     private static final int UNITS_ASKED = 64;
 
@@ -64,6 +65,16 @@ final class HostWriter implements AutoCloseable {
         this.keep = keep;
     }
 
+    /** Whether a recording of that digest is in the store. */
+    boolean has(String digest) {
+        return store.work(connection -> {
+            try (ResultSet rows = bound(connection, "SELECT id FROM snapshot WHERE digest = ?", digest)
+                .executeQuery()) {
+                return rows.next();
+            }
+        });
+    }
+
     /**
      * Stores a host. Answers whether that changed anything: the same recording, and one that is older than all that are
      * kept, does not.
@@ -83,9 +94,12 @@ final class HostWriter implements AutoCloseable {
         long host = number(connection, "INSERT INTO host (name, platform) VALUES (?, ?) ON CONFLICT (name)"
                            + " DO UPDATE SET name = excluded.name RETURNING id", facts.host, facts.platform);
         int newer = 0;
+        boolean hasOlder = false;
         try (ResultSet rows = bound(connection, SNAPSHOTS, host).executeQuery()) {
-            while (rows.next() && rows.getString(1).compareTo(recordedAt) >= 0) {
-                if (!rows.getString(1).equals(recordedAt)) {
+            while (!hasOlder && rows.next()) {
+                if (rows.getString(1).compareTo(recordedAt) < 0) {
+                    hasOlder = true;
+                } else if (!rows.getString(1).equals(recordedAt)) {
                     newer++;
                 } else if (rows.getString(2).equals(digest)) {
                     return false;
@@ -98,7 +112,7 @@ final class HostWriter implements AutoCloseable {
         if (keep > 0 && newer >= keep) {
             return false;
         }
-        if (newer == 0) {
+        if (newer == 0 && hasOlder) {
             execute(connection, "UPDATE snapshot SET is_latest = FALSE WHERE host_id = ? AND is_latest", host);
             execute(connection, "UPDATE host SET platform = ? WHERE id = ?", facts.platform, host);
         }
@@ -107,7 +121,11 @@ final class HostWriter implements AutoCloseable {
                                Instant.now().truncatedTo(ChronoUnit.SECONDS).toString(), digest, newer == 0);
         learn(connection, facts, learned);
         for (HostTable table : HostTable.values()) {
-            addRows(connection, table, snapshot, facts, learned);
+            if (table == HostTable.PATH) {
+                addPaths(connection, snapshot, facts.rows(table), learned);
+            } else {
+                addRows(connection, table, snapshot, facts.rows(table), learned);
+            }
         }
         if (keep > 0) {
             execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at)"
@@ -118,20 +136,54 @@ final class HostWriter implements AutoCloseable {
         return true;
     }
 
-    private void addRows(Connection connection, HostTable table, long snapshot, HostFacts facts,
+    private void addRows(Connection connection, HostTable table, long snapshot, List<Object[]> rows,
                          Map<String, Stored> learned) throws SQLException {
-        if (facts.rows(table).isEmpty()) {
+        if (rows.isEmpty()) {
             return;
         }
         PreparedStatement statement = prepared(connection, table.insertion);
-        for (Object[] row : facts.rows(table)) {
+        for (Object[] row : rows) {
             statement.setLong(1, snapshot);
-            for (int i = 0; i < row.length; i++) {
-                statement.setObject(i + 2, i == table.unit && row[i] != null ? id((String) row[i], learned) : row[i]);
-            }
+            bind(statement, 2, table, row, 0, learned);
             statement.addBatch();
         }
         statement.executeBatch();
+    }
+
+    /** Many paths lead from one port to another, which are told once for several. */
+    private void addPaths(Connection connection, long snapshot, List<Object[]> paths, Map<String, Stored> learned)
+        throws SQLException {
+        Map<List<Object>, List<Object[]>> byEnds = new LinkedHashMap<>();
+        for (Object[] path : paths) {
+            byEnds.computeIfAbsent(Arrays.asList(path).subList(0, HostTable.ENDS), added -> new ArrayList<>())
+                .add(path);
+        }
+        PreparedStatement statement = prepared(connection, HostTable.PATHS_TOGETHER);
+        List<Object[]> left = new ArrayList<>();
+        for (List<Object[]> alike : byEnds.values()) {
+            int last = alike.size() - alike.size() % HostTable.TOGETHER;
+            for (int i = 0; i < last; i += HostTable.TOGETHER) {
+                statement.setLong(1, snapshot);
+                int parameter = bind(statement, 2, HostTable.PATH, alike.get(i), 0, learned);
+                for (Object[] path : alike.subList(i + 1, i + HostTable.TOGETHER)) {
+                    parameter = bind(statement, parameter, HostTable.PATH, path, HostTable.ENDS, learned);
+                }
+                statement.addBatch();
+            }
+            left.addAll(alike.subList(last, alike.size()));
+        }
+        statement.executeBatch();
+        addRows(connection, HostTable.PATH, snapshot, left, learned);
+    }
+
+    /** Has parameters stand for the values of a row from one column on; answers the next parameter. */
+    private int bind(PreparedStatement statement, int first, HostTable table, Object[] row, int column,
+                     Map<String, Stored> learned) throws SQLException {
+        int parameter = first;
+        for (int i = column; i < row.length; i++) {
+            statement.setObject(parameter++, i == table.unit && row[i] != null ? id((String) row[i], learned) : row[i]);
+        }
+        return parameter;
     }
 
     private long id(String identity, Map<String, Stored> learned) {
@@ -141,10 +193,12 @@ final class HostWriter implements AutoCloseable {
 
     /** Sees to it that all units are in the store, in the order of their names, which is every loader's. */
     private void learn(Connection connection, HostFacts facts, Map<String, Stored> learned) throws SQLException {
-        TreeMap<String, HostFacts.Unit> asked = new TreeMap<>(facts.units);
-        asked.entrySet().removeIf(each -> {
-            Stored stored = units.get(each.getKey());
-            return stored != null && stored.knows(each.getValue());
+        TreeMap<String, HostFacts.Unit> asked = new TreeMap<>();
+        facts.units.forEach((identity, unit) -> {
+            Stored stored = units.get(identity);
+            if (stored == null || !stored.knows(unit)) {
+                asked.put(identity, unit);
+            }
         });
         if (asked.isEmpty()) {
             return;
@@ -154,7 +208,7 @@ final class HostWriter implements AutoCloseable {
             + " ON CONFLICT (identity) DO NOTHING");
         for (Map.Entry<String, HostFacts.Unit> each : asked.entrySet()) {
             HostFacts.Unit unit = each.getValue();
-            bind(insertion, each.getKey(), unit.byAddress, unit.vendor, unit.product, unit.sizeBytes);
+            Store.bind(insertion, each.getKey(), unit.byAddress, unit.vendor, unit.product, unit.sizeBytes);
             insertion.addBatch();
         }
         insertion.executeBatch();
@@ -168,12 +222,12 @@ final class HostWriter implements AutoCloseable {
             HostFacts.Unit unit = each.getValue();
             Stored stored = learned.get(each.getKey());
             for (String name : unit.nodes) {
-                bind(node, stored.id, name);
+                Store.bind(node, stored.id, name);
                 node.addBatch();
             }
             stored.unit.nodes.addAll(unit.nodes);
             if (!stored.knows(unit)) {
-                bind(update, unit.vendor, unit.product, unit.sizeBytes, stored.id);
+                Store.bind(update, unit.vendor, unit.product, unit.sizeBytes, stored.id);
                 update.addBatch();
                 learned.put(each.getKey(), new Stored(stored.id, merged(stored.unit, unit)));
             }
@@ -224,14 +278,8 @@ final class HostWriter implements AutoCloseable {
 
     private PreparedStatement bound(Connection connection, String sql, Object... values) throws SQLException {
         PreparedStatement statement = prepared(connection, sql);
-        bind(statement, values);
+        Store.bind(statement, values);
         return statement;
-    }
-
-    private static void bind(PreparedStatement statement, Object... values) throws SQLException {
-        for (int i = 0; i < values.length; i++) {
-            statement.setObject(i + 1, values[i]);
-        }
     }
 
     private void execute(Connection connection, String sql, Object... values) throws SQLException {

@@ -30,8 +30,8 @@ import java.util.stream.Stream;
 public final class LibraryReader implements HostReader {
     private static final BigInteger MOST = BigInteger.valueOf(Long.MAX_VALUE);
     private static final int AREA_AND_PORT = 16;
-    /** More than any address, which has six digits. */
-    private static final long ADDRESSES = 0x1000000;
+    /** How many hexadecimal digits an address has. */
+    private static final int ADDRESS = 6;
 
     private final LibraryLog log = LibraryLog.ofThisThread();
     private final Library library = new Library(log);
@@ -80,8 +80,8 @@ public final class LibraryReader implements HostReader {
     }
 
     private static String address(TrInstance port) {
-        long id = id(port);
-        return id == 0 ? "" : Long.toHexString(ADDRESSES | id).substring(1);
+        String digits = Long.toHexString(id(port));
+        return id(port) == 0 ? "" : "0".repeat(Math.max(0, ADDRESS - digits.length())) + digits;
     }
 
     private static int domain(TrInstance port) {

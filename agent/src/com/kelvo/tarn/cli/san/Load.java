@@ -11,6 +11,7 @@ import java.util.concurrent.ArrayBlockingQueue;
 import java.util.concurrent.BlockingQueue;
 import java.util.concurrent.atomic.AtomicLong;
 import java.util.concurrent.atomic.AtomicReference;
+import java.util.function.Predicate;
 
 /** Puts what descriptions tell into a store, on all processors. */
 public final class Load {
@@ -85,7 +86,7 @@ public final class Load {
                 while (load.writers.remainingCapacity() > 0) {
                     load.writers.add(new HostWriter(store.again(), keep));
                 }
-                load.run(store, processors);
+                load.run(processors);
             } finally {
                 load.writers.forEach(HostWriter::close);
             }
@@ -108,11 +109,11 @@ public final class Load {
         return refused;
     }
 
-    private void run(Store store, int processors) {
+    private void run(int processors) {
         List<Thread> threads = new ArrayList<>();
         for (int i = 0; i < processors; i++) {
             boolean isFirst = i == 0;
-            threads.add(new Thread(() -> work(store, isFirst), "load " + i));
+            threads.add(new Thread(() -> work(isFirst), "load " + i));
         }
         threads.forEach(Thread::start);
         for (Thread thread : threads) {
@@ -131,14 +132,14 @@ public final class Load {
     }
 
     /** One thread's share. The first has the libraries of the program itself, and a single file needs no other. */
-    private void work(Store store, boolean isFirst) {
-        try (Store known = store.again()) {
+    private void work(boolean isFirst) {
+        try {
             HostReader reader = null;
             for (Path path = descriptions.next(); path != null && failure.get() == null; path = descriptions.next()) {
                 if (reader == null) {
                     reader = isFirst ? new LibraryReader() : anotherReader();
                 }
-                load(path, reader, known);
+                load(path, reader);
                 synchronized (this) {
                     observer.advanced();
                 }
@@ -157,11 +158,11 @@ public final class Load {
         }
     }
 
-    private void load(Path path, HostReader reader, Store known) throws InterruptedException {
+    private void load(Path path, HostReader reader) throws InterruptedException {
         try {
             DescriptionText description = new DescriptionText(path);
             String digest = description.digest();
-            if (known.finds("SELECT id FROM snapshot WHERE digest = ?", digest)) {
+            if (writing(writer -> writer.has(digest))) {
                 unchanged.incrementAndGet();
                 return;
             }
@@ -170,12 +171,7 @@ public final class Load {
                 throw new IllegalArgumentException("it does not tell the host's name");
             }
             Instant recordedAt = facts.recordedAt != null ? facts.recordedAt : description.writtenAt;
-            HostWriter writer = writers.take();
-            try {
-                (writer.write(facts, recordedAt, digest) ? loaded : unchanged).incrementAndGet();
-            } finally {
-                writers.add(writer);
-            }
+            (writing(writer -> writer.write(facts, recordedAt, digest)) ? loaded : unchanged).incrementAndGet();
         } catch (IOException failed) {
             refuse(path.toString(), Reasons.of(failed));
         } catch (StoreException ended) {
@@ -184,6 +180,16 @@ public final class Load {
             refuse(path.toString(), Objects.requireNonNullElse(unusable.getMessage(), unusable.toString()));
         } catch (OutOfMemoryError tooLarge) {
             refuse(path.toString(), "it is too large for the memory of this virtual machine");
+        }
+    }
+
+    /** What comes of work with a writer, which no other thread has meanwhile. */
+    private boolean writing(Predicate<HostWriter> work) throws InterruptedException {
+        HostWriter writer = writers.take();
+        try {
+            return work.test(writer);
+        } finally {
+            writers.add(writer);
         }
     }
 

@@ -78,8 +78,7 @@ final class Schema {
     }
 
     private void apply(int version) throws SQLException {
-        String script = script("schema-" + version + ".sql").replace("${id}", dialect.numbering())
-            .replace("${keyed}", dialect.keyed());
+        String script = script("schema-" + version + ".sql").replace("${id}", dialect.numbering());
         Dialect.execute(connection, script.strip().split(";\n"));
         Dialect.execute(connection, "DELETE FROM " + TABLE,
                         "INSERT INTO " + TABLE + " (version) VALUES (" + version + ")");

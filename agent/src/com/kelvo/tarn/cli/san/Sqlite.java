@@ -13,9 +13,11 @@ import java.util.Properties;
 final class Sqlite extends Dialect {
     /** How long one who wants to write waits for another, in milliseconds. */
     private static final String PATIENCE = "10000";
-
-    /** How much the log takes before it is put into the file, 32 MiB: what many hosts change goes there once for all. */
-    private static final int LOG_PAGES = 8192;
+    /** The room for pages of the file, in KiB; a load does not take more for more hosts. */
+    private static final int WRITER_CACHE = 16_384;
+    private static final int READER_CACHE = 32_768;
+    /** After how many pages what was written goes to its place; a page that hosts after each other change, once. */
+    private static final int CHECKPOINT = 4_000;
 
     /** By SQLite's primary result codes. */
     private static final Map<Integer, String> REASONS = Map.of(
@@ -63,10 +65,10 @@ final class Sqlite extends Dialect {
         Connection connection =
             DriverManager.getConnection("jdbc:sqlite:file:" + path().toUri().getRawPath(), properties);
         try {
-            execute(connection, "PRAGMA cache_size = -32768");
+            execute(connection, "PRAGMA cache_size = " + (isWritten ? -WRITER_CACHE : -READER_CACHE));
             if (isWritten) {
                 execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
-                        "PRAGMA wal_autocheckpoint = " + LOG_PAGES);
+                        "PRAGMA wal_autocheckpoint = " + CHECKPOINT);
             } else {
                 execute(connection, "BEGIN");
             }
@@ -104,11 +106,6 @@ final class Sqlite extends Dialect {
     @Override
     String numbering() {
         return "INTEGER PRIMARY KEY";
-    }
-
-    @Override
-    String keyed() {
-        return " WITHOUT ROWID";
     }
 
     @Override

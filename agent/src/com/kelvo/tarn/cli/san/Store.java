@@ -102,9 +102,11 @@ public final class Store implements AutoCloseable {
         return dialect.writers(processors);
     }
 
-    /** Whether a query finds anything, with these values for its question marks. */
-    boolean finds(String sql, Object... values) {
-        return !query(sql, row -> true, values).isEmpty();
+    /** Has the question marks of a statement stand for these values. */
+    static void bind(PreparedStatement statement, Object... values) throws SQLException {
+        for (int i = 0; i < values.length; i++) {
+            statement.setObject(i + 1, values[i]);
+        }
     }
 
     /**
@@ -120,9 +122,7 @@ public final class Store implements AutoCloseable {
             List<R> found = new ArrayList<>();
             try (PreparedStatement statement = database.prepareStatement(sql)) {
                 statement.setFetchSize(FETCHED);
-                for (int i = 0; i < values.length; i++) {
-                    statement.setObject(i + 1, values[i]);
-                }
+                bind(statement, values);
                 try (ResultSet rows = statement.executeQuery()) {
                     while (rows.next()) {
                         found.add(row.read(rows));
