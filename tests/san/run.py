@@ -276,11 +276,15 @@ class San(unittest.TestCase):
                 {row.array_port for row in net.paths if row.fabric == fabric})
         for each, count in Counter(map(self.redundancy, net.hosts)).items():
             expected[f'tarn_san_units{{redundancy="{each}"}}'] = count
+        found = Counter((each["severity"], each["code"]) for each in self.ask("check", status=2)["findings"])
+        for (severity, code), count in found.items():
+            expected[f'tarn_san_check_findings{{severity="{severity}",code="{code}"}}'] = count
+        self.assertEqual(sum(int(told[name]) for name in told if name.startswith("tarn_san_check_")), found.total())
         self.assertEqual({name: told.get(name) for name in expected},
                          {name: str(count) for name, count in expected.items()})
         left = {name.partition("{")[0] for name in set(told) - set(expected)}
         self.assertEqual(left, {"tarn_san_host_recorded_timestamp_seconds", "tarn_san_host_findings", "tarn_san_units",
-                                "tarn_san_array_port_hosts", "tarn_san_array_port_initiators"})
+                                "tarn_san_array_port_hosts", "tarn_san_array_port_initiators", "tarn_san_check_findings"})
 
     def test_a_change_is_told_once_whoever_sees_it(self):
         now = datetime.now(timezone.utc).replace(microsecond=0)

@@ -3,6 +3,7 @@ package com.kelvo.tarn.cli.serve;
 import com.kelvo.tarn.cli.answers.Asking;
 import com.kelvo.tarn.cli.metrics.Exposition;
 import com.kelvo.tarn.cli.metrics.NetworkMetrics;
+import com.kelvo.tarn.cli.san.NetworkCheck;
 import com.kelvo.tarn.cli.san.Store;
 import java.util.function.Consumer;
 import java.util.function.Supplier;
@@ -28,7 +29,7 @@ final class NetworkQuestion implements Supplier<Metrics> {
         try {
             exposition = asking.ask("san", () -> {
                 try (Store open = Store.open(store)) {
-                    return NetworkMetrics.of(open);
+                    return NetworkMetrics.of(open, NetworkCheck.of(open));
                 }
             });
         } catch (IllegalStateException failed) {
