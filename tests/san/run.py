@@ -285,7 +285,8 @@ class San(unittest.TestCase):
                          {name: str(count) for name, count in expected.items()})
         left = {name.partition("{")[0] for name in set(told) - set(expected)}
         self.assertEqual(left, {"tarn_san_host_recorded_timestamp_seconds", "tarn_san_host_findings", "tarn_san_units",
-                                "tarn_san_array_port_hosts", "tarn_san_array_port_initiators", "tarn_san_check_findings"})
+                                "tarn_san_array_port_hosts", "tarn_san_array_port_initiators",
+                                "tarn_san_check_findings"})
 
     def test_a_server_shows_what_the_commands_print(self):
         for store in self.stores:
@@ -321,6 +322,8 @@ class San(unittest.TestCase):
         grown.write_text(json.dumps(host))
         for store in stores:
             self.run_tarn("load", "--db", store, self.folder / "old" / "hosts", self.folder / "new" / "hosts")
+        self.assertIn("tarn: --since: 'x' is no time such as 2026-11-24T10:00:00Z or 7d (",
+                      self.san("diff", "--since=x").stderr)
         hosts = ["db1", "db2", "db3", "new1"]
         everything = [("host", "appeared", None, None, None, dict(zip(hosts, hosts)))]
         for days, changes, compared, unheard, status in (
