@@ -1,5 +1,6 @@
 """Builds the packages, and runs what they hold away from the source tree: python3 tests/package.py BUILD-TREE"""
 
+import json
 import os
 import re
 import shlex
@@ -119,6 +120,25 @@ class Package(unittest.TestCase):
         service = ElementTree.parse(SOURCE / "packaging/solaris/tarn-serve.xml").find("service")
         self.assertEqual(service.find("create_default_instance").get("enabled"), "false")
         self.assertNotEqual(service.find(".//method_credential").get("user"), "root")
+
+    def test_what_one_timer_records_another_loads(self):
+        unit = (ROOT / "lib/systemd/system/tarn-san-load.service").read_text()
+        commands = [re.search("^ExecStart=(.*)$", unit, re.M)[1]]
+        for name in ("tarn-san-load", "tarn-record"):
+            instance = ElementTree.parse(ROOT / f"usr/share/doc/tarnsolaris/examples/smf/{name}.xml").find(".//instance")
+            self.assertEqual(instance.get("enabled"), "false")
+            commands.insert(0, instance.find("periodic_method").get("exec"))
+        told = dict(word.split("=", 1) for word in shlex.split(re.search("^Environment=(.*)$", unit, re.M)[1]))
+        own = {"SPOOL": str(SCRATCH / "spool"), "TARN_DB": str(SCRATCH / "network.db")}
+        self.assertLessEqual(own.keys(), told.keys())
+        Path(own["SPOOL"]).mkdir()
+        for command in commands:
+            for sign, meant in (("%{tarn/spool}", own["SPOOL"]), ("%{tarn/db}", own["TARN_DB"]), ("%%", "%"),
+                                ("/usr/bin/", f"{ROOT}/usr/bin/")):
+                command = command.replace(sign, meant)
+            must("sh", "-c", command, env={"PATH": "/usr/bin:/bin", **told, **own})
+        (host,) = json.loads(tarn("--json", "san", "hosts", **own).stdout)["result"]
+        self.assertEqual(host["host"], "rill")
 
     def test_another_clone_makes_the_same_bytes(self):
         if not (SOURCE / ".git").exists() or must("git", "status", "--porcelain", cwd=SOURCE):

@@ -259,7 +259,7 @@ class Anonymous(unittest.TestCase):
         other = key(self.folder, "other", bytes(range(100, 200)))
         apart = Renaming((RILL, json.loads(self.anonymous(RILL, with_key=other)[0]))).known
         self.assertEqual([word for word in changed if apart.get(word, set()) & joined.known[word]], [])
-        stores = []
+        stores, shown = [], []
         for side, descriptions in enumerate((originals, made)):
             store, folder = str(Path(self.folder, f"{side}.db")), Path(tempfile.mkdtemp(dir=self.folder))
             for name, each in zip(names, descriptions):
@@ -267,6 +267,19 @@ class Anonymous(unittest.TestCase):
             self.tarn("san", "load", "--db", store, folder)
             with contextlib.closing(sqlite3.connect(store)) as opened:
                 stores.append([[list(row) for row in opened.execute(asked)] for asked in ABOUT_NETWORK])
+
+            def ask(*words, status=0):
+                return json.loads(self.tarn("--json", "san", *words, "--db", store, status=status).stdout)["result"]
+            shown.append([sorted((each["severity"], each["code"], len(each["hosts"]))
+                                 for each in ask("check", "--max-age=7d", status=1)["findings"])])
+            for kind in ("switch", "array-port"):
+                shown[side].append(sorted([each[count] for count in ("hosts", "lostUnits", "lostMounts", "lastPaths")]
+                                          for each in ask("impact", "--each", kind)))
+            asked = ("1000006069000000", "200100a0b8000000", "db1", "mail1")
+            found = ask("who", *(joined.of(thing) if side else thing for thing in asked), "FX-1100")
+            shown[side].append([[len(each["hosts"]), sorted((len(host["ports"]), len(host["units"]), len(host["disks"]))
+                                                            for host in each["hosts"])] for each in found])
+        self.assertEqual(*shown)
         for asked, was, now in zip(ABOUT_NETWORK, *stores):
             self.assertTrue(was and joined.relates(was, now), (asked, was, now))
 

@@ -13,6 +13,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import urllib.request
 from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from datetime import datetime, timedelta, timezone
@@ -276,11 +277,36 @@ class San(unittest.TestCase):
                 {row.array_port for row in net.paths if row.fabric == fabric})
         for each, count in Counter(map(self.redundancy, net.hosts)).items():
             expected[f'tarn_san_units{{redundancy="{each}"}}'] = count
+        found = Counter((each["severity"], each["code"]) for each in self.ask("check", status=2)["findings"])
+        for (severity, code), count in found.items():
+            expected[f'tarn_san_check_findings{{severity="{severity}",code="{code}"}}'] = count
+        self.assertEqual(sum(int(told[name]) for name in told if name.startswith("tarn_san_check_")), found.total())
         self.assertEqual({name: told.get(name) for name in expected},
                          {name: str(count) for name, count in expected.items()})
         left = {name.partition("{")[0] for name in set(told) - set(expected)}
         self.assertEqual(left, {"tarn_san_host_recorded_timestamp_seconds", "tarn_san_host_findings", "tarn_san_units",
-                                "tarn_san_array_port_hosts", "tarn_san_array_port_initiators"})
+                                "tarn_san_array_port_hosts", "tarn_san_array_port_initiators",
+                                "tarn_san_check_findings"})
+
+    def test_a_server_shows_what_the_commands_print(self):
+        for store in self.stores:
+            with subprocess.Popen([TARN, "serve", "--db", store, "--listen", "127.0.0.1:0"], stdout=subprocess.PIPE,
+                                  text=True) as server:
+                try:
+                    url = server.stdout.readline().strip()
+                    shown = {}
+                    for page, kind in (("metrics", "*/*"), ("map", "*/*"), ("check", "*/*"), ("check", "text/plain")):
+                        request = urllib.request.Request(url + page, headers={"Accept": kind})
+                        with urllib.request.urlopen(request, timeout=60) as answer:
+                            shown[page, kind] = answer.read().decode()
+                finally:
+                    server.kill()
+            plugin = self.san("check", store=store).stdout
+            self.assertEqual(shown["check", "text/plain"], plugin)
+            self.assertEqual(json.loads(shown["check", "*/*"]), {
+                "line": plugin.splitlines()[0], **self.run_tarn("check", "--db", store, status=2)})
+            self.assertEqual(shown["metrics", "*/*"], self.run_tarn("metrics", "--db", store))
+            self.assertEqual(shown["map", "*/*"], self.san("map", store=store).stdout)
 
     def test_a_change_is_told_once_whoever_sees_it(self):
         now = datetime.now(timezone.utc).replace(microsecond=0)
@@ -296,6 +322,8 @@ class San(unittest.TestCase):
         grown.write_text(json.dumps(host))
         for store in stores:
             self.run_tarn("load", "--db", store, self.folder / "old" / "hosts", self.folder / "new" / "hosts")
+        self.assertIn("tarn: --since: 'x' is no time such as 2026-11-24T10:00:00Z or 7d (",
+                      self.san("diff", "--since=x").stderr)
         hosts = ["db1", "db2", "db3", "new1"]
         everything = [("host", "appeared", None, None, None, dict(zip(hosts, hosts)))]
         for days, changes, compared, unheard, status in (

@@ -212,15 +212,15 @@ class Serve(unittest.TestCase):
         store = self.folder / "network.db"
         self.assertEqual(run("san", "load", "--db", store, RILL).returncode, 0)
         served = Served(self, "--db", store, "--fresh", "1", "--timeout", "2", host=None)
-        up = 'tarn_section_up{section="san"}'
+        up, pages = 'tarn_section_up{section="san"}', ("/", "/-/healthy", "/check", "/map")
         self.assertEqual(served.get("/metrics")[2].decode(), run("san", "metrics", "--db", store).stdout)
         self.assertIn(b"\n# EOF\n", served.get("/metrics", Accept="application/openmetrics-text")[2])
-        self.assertEqual([served.get(page)[0] for page in ("/", "/-/healthy", "/check", "/map")], [200, 200, 404, 404])
         with contextlib.closing(sqlite3.connect(store)) as other:
             other.execute("BEGIN EXCLUSIVE")
             self.assertEqual(until(lambda: served.metrics()[up], "0"), "0")
-            self.assertEqual(served.get("/-/healthy")[0], 200)
+            self.assertEqual([served.get(page)[0] for page in pages], [200, 200, 503, 503])
         self.assertEqual(until(lambda: served.metrics()[up], "1"), "1")
+        self.assertEqual([served.get(page)[0] for page in pages], [200] * 4)
         store.unlink()
         self.assertEqual(until(served.metrics, {up: "0"}), {up: "0"})
 

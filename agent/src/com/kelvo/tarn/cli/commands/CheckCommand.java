@@ -84,7 +84,7 @@ public final class CheckCommand extends TableCommand {
         Check check = Check.of(asked, before, rules);
         asked.warnOfMounts();
         return Answer.table(Verdict.document(check, asked), () -> table(check))
-            .shownAs(out -> Verdict.show(check, asked, rules, tarn().isBuiltInHost(), out))
+            .shownAs(Verdict.plugin(check, asked, rules, tarn().isBuiltInHost())::show)
             .withStatus(FindingOptions.STATES.indexOf(check.state))
             .withLog(line -> line.isOwn() || !line.isWarning()); // the library's are findings
     }

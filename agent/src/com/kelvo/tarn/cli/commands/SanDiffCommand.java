@@ -16,6 +16,7 @@ import java.util.List;
 import java.util.Map;
 import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
+import picocli.CommandLine.ParameterException;
 
 /** {@code san diff}: a {@link NetworkDiff}. */
 @Command(name = "diff", description = "What changed in the storage network: between the latest recording of each host "
@@ -54,7 +55,7 @@ public final class SanDiffCommand extends StoreInquiryCommand {
         try {
             return (since.endsWith("Z") ? Instant.parse(since) : Instant.now().minus(duration("--since", since)))
                 .truncatedTo(ChronoUnit.SECONDS);
-        } catch (DateTimeParseException none) {
+        } catch (DateTimeParseException | ParameterException none) {
             throw refusal("--since: '" + since + "' is no time such as 2026-11-24T10:00:00Z or 7d");
         }
     }
@@ -104,7 +105,8 @@ public final class SanDiffCommand extends StoreInquiryCommand {
     }
 
     private static boolean isWorse(NetworkDiff.Change change) {
-        return change.change.equals("vanished") || "state".equals(change.property) && !"online".equals(change.is)
+        return change.change.equals("vanished")
+            || "state".equals(change.property) && !PortWords.ONLINE.equals(change.is)
             || change.change.equals("changed") && "paths".equals(change.property)
                 && (Long) change.is < (Long) change.was;
     }

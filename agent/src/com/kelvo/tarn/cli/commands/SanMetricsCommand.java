@@ -2,6 +2,7 @@ package com.kelvo.tarn.cli.commands;
 
 import com.kelvo.tarn.cli.frame.Export;
 import com.kelvo.tarn.cli.metrics.NetworkMetrics;
+import com.kelvo.tarn.cli.san.NetworkCheck;
 import com.kelvo.tarn.cli.san.Store;
 import com.kelvo.tarn.cli.san.StoreException;
 import java.io.IOException;
@@ -24,7 +25,7 @@ public final class SanMetricsCommand extends Export {
     @Override
     protected String text() throws IOException {
         try (Store open = Store.open(store.database())) {
-            return NetworkMetrics.of(open).text();
+            return NetworkMetrics.of(open, NetworkCheck.of(open)).text();
         } catch (StoreException unusable) {
             throw new IOException(unusable.getMessage(), unusable);
         }

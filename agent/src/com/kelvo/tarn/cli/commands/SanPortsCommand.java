@@ -38,7 +38,8 @@ public final class SanPortsCommand extends StoreInquiryCommand {
         return Answer.listing("port", null, () -> found, null, rows -> new Table<>(rows)
             .text("Host", row -> row.host).exact("Adapter", row -> row.adapter).exact("Port", row -> row.port)
             .text("WWN", row -> row.wwn)
-            .text("State", row -> row.state, row -> (row.state.equals("online") ? "" : Page.TROUBLE) + row.state)
+            .text("State", row -> row.state,
+                  row -> (row.state.equals(PortWords.ONLINE) ? "" : Page.TROUBLE) + row.state)
             .number("Speed", row -> row.speed, row -> row.speed == null ? null : PortWords.speed(row.speed))
             .text("Fabric", row -> row.fabric).number("Switch", row -> known(row.domain))
             .text("Model", row -> row.model).text("Firmware", row -> row.firmware).text("Driver", row -> row.driver)

@@ -22,8 +22,8 @@ import picocli.CommandLine.ParameterException;
 @Command(name = "serve", description = "The metrics, what is wrong and the picture over HTTP, until it is ended.",
          footer = "/metrics is for Prometheus, /check JSON (as text/plain what the command check prints), /map the "
              + "page of the command map, /-/healthy says that it runs. A question that takes too long is "
-             + "tarn_section_up 0, and not asked again until it has come back. With --db there is /metrics only, what "
-             + "san metrics prints. There are neither users nor encryption.")
+             + "tarn_section_up 0, and not asked again until it has come back. With --db they are those of "
+             + "san metrics, san check and san map. There are neither users nor encryption.")
 public final class ServeCommand extends InquiryCommand {
     private static final Pattern ADDRESS = Pattern.compile("(?:\\[([^\\[\\]]+)]|([^\\[\\]:]+)):(\\d+)");
     private static final int LAST_PORT = 65535;
@@ -63,9 +63,10 @@ public final class ServeCommand extends InquiryCommand {
         requireSeconds("--timeout", timeout);
         InetSocketAddress address = address();
         try {
+            String program = spec().root().version()[0];
             InetSocketAddress bound = database == null
-                ? Server.start(address, library(), tarn().isBuiltInHost(), fresh, timeout, spec().root().version()[0])
-                : Server.start(address, store(), fresh, timeout, this::complain);
+                ? Server.start(address, library(), tarn().isBuiltInHost(), fresh, timeout, program)
+                : Server.start(address, store(), fresh, timeout, this::complain, program);
             PrintWriter out = spec().commandLine().getOut();
             String host = bound.getAddress().getHostAddress();
             out.println("http://" + (host.contains(":") ? "[" + host + "]" : host) + ":" + bound.getPort() + "/");

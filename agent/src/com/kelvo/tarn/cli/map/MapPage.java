@@ -29,6 +29,9 @@ final class MapPage {
     static String of(Topology topology, String svg, boolean all) throws IOException {
         Map<String, String> parts = new HashMap<>();
         parts.put("title", PageFrame.escaped(topology.title));
+        parts.put("find", "Filter");
+        parts.put("sought", "a name, a WWN, a mount point");
+        parts.put("hint", "A question mark before it searches all facts, too");
         parts.put("summary", PageFrame.escaped(topology.summary));
         parts.put("origin", PageFrame.escaped(topology.origin));
         parts.put("verdict", verdict(topology.check));

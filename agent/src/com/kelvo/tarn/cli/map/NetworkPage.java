@@ -31,6 +31,10 @@ final class NetworkPage {
     static String of(NetworkPicture picture, String svg, String origin) throws IOException {
         NetworkTopology network = picture.network;
         Map<String, String> parts = new HashMap<>();
+        parts.put("title", "Storage network");
+        parts.put("find", "Find");
+        parts.put("sought", "a host, a WWN, a unit, a mount point");
+        parts.put("hint", "");
         parts.put("summary", PageFrame.escaped(String.format(
             Locale.ROOT, "%s in %s, %s, %s with %s, %s, %s", Wording.count(network.hosts.size(), "host"),
             Wording.count(picture.groups.size(), "group"), Wording.count(network.fabrics.size(), "fabric"),

@@ -26,9 +26,9 @@ final class PageFrame {
     }
 
     /**
-     * The template with its parts, a style sheet and scripts, all by the names of their resources.
+     * The frame around the template with their parts, a style sheet and scripts, all by the names of their resources.
      *
-     * @param parts by the names that the template has for them; what is text is escaped already
+     * @param parts by the names that the templates have for them; what is text is escaped already
      */
     static String of(String template, Map<String, String> parts, String style, String... scripts) throws IOException {
         String rules = Palette.css() + resource("page.css") + (style == null ? "" : resource(style));
@@ -41,7 +41,7 @@ final class PageFrame {
                 + "; script-src " + texts.stream().map(PageFrame::hash).collect(Collectors.joining(" ")));
         all.put("style", rules);
         all.put("scripts", texts.stream().map(text -> "<script>" + text + "</script>\n").collect(Collectors.joining()));
-        return PLACE.matcher(resource(template))
+        return PLACE.matcher(resource("frame.html").replace("{{content}}", resource(template)))
             .replaceAll(found -> Matcher.quoteReplacement(all.get(found.group(1))));
     }
 

@@ -2,6 +2,8 @@ package com.kelvo.tarn.cli.metrics;
 
 import com.kelvo.tarn.cli.san.ListedArrayPort;
 import com.kelvo.tarn.cli.san.ListedHost;
+import com.kelvo.tarn.cli.san.NetworkCheck;
+import com.kelvo.tarn.cli.san.NetworkFault;
 import com.kelvo.tarn.cli.san.PortFilter;
 import com.kelvo.tarn.cli.san.Store;
 import java.time.Instant;
@@ -43,14 +45,16 @@ public final class NetworkMetrics {
      * {@return all that is measured of a network}
      *
      * @param store what is asked
+     * @param check what is wrong with it
      */
-    public static Exposition of(Store store) {
+    public static Exposition of(Store store, NetworkCheck check) {
         NetworkMetrics metrics = new NetworkMetrics(store);
         addUp(metrics.out, 1);
         metrics.addHosts();
         metrics.addSwitches();
         metrics.addArrayPorts();
         metrics.addUnits();
+        metrics.addCheck(check);
         return metrics.out;
     }
 
@@ -134,6 +138,22 @@ public final class NetworkMetrics {
         Exposition.Family units = out.gauge("tarn_san_units", "Units, by the worst that any of their hosts has: no"
                                             + " path, one, or all through one thing.");
         REDUNDANCIES.forEach(each -> units.sample(counted.getOrDefault(each, 0L), labels("redundancy", each)));
+    }
+
+    /** Also what is not found, so that a series is there before it rises. */
+    private void addCheck(NetworkCheck check) {
+        Exposition.Family found = out.gauge("tarn_san_check_findings", "What the command san check finds, by severity"
+                                            + " and code.");
+        for (NetworkFault fault : NetworkFault.values()) {
+            if (fault == NetworkFault.HOST_OLD) { // nobody has said what is old
+                continue;
+            }
+            long all = check.findings.stream().filter(finding -> finding.fault == fault).count();
+            long criticals =
+                check.findings.stream().filter(finding -> finding.fault == fault && finding.isCritical()).count();
+            found.sample(criticals, labels("severity", "critical", "code", fault.code()));
+            found.sample(all - criticals, labels("severity", "warning", "code", fault.code()));
+        }
     }
 
     private static String labels(Object... pairs) {

@@ -15,6 +15,9 @@ import javax.wbem.cim.UnsignedInt;
 
 /** What a port says of itself, in words. */
 public final class PortWords {
+    /** The state of a port that works. */
+    public static final String ONLINE = "online";
+
     private static final Map<UnsignedInt, String> TYPES = Map.of(
         HbaPortProvider.PORT_TYPE_N, "N port", HbaPortProvider.PORT_TYPE_NL, "NL port",
         HbaPortProvider.PORT_TYPE_E, "E port", HbaPortProvider.PORT_TYPE_F, "F port",
@@ -31,7 +34,7 @@ public final class PortWords {
         PortError.DUMPED_FRAME, "dumped frames"));
 
     private static final Map<UnsignedInt, String> STATES = Map.of(
-        HbaPortProvider.PORT_STATE_ONLINE, "online", HbaPortProvider.PORT_STATE_OFFLINE, "offline",
+        HbaPortProvider.PORT_STATE_ONLINE, ONLINE, HbaPortProvider.PORT_STATE_OFFLINE, "offline",
         HbaPortProvider.PORT_STATE_BYPASSED, "bypassed", HbaPortProvider.PORT_STATE_DIAGNOSTICS, "diagnostics",
         HbaPortProvider.PORT_STATE_LINK_DOWN, "link down", HbaPortProvider.PORT_STATE_ERROR, "error",
         HbaPortProvider.PORT_STATE_LOOPBACK, "loopback");

@@ -37,18 +37,14 @@ public final class Verdict {
     }
 
     /**
-     * {@return the first line of a monitoring plugin, with the performance data at its end}
+     * {@return what a monitoring plugin prints: a line with the performance data at its end, then one a finding}
      *
      * @param check what was found
      * @param asked of what
      * @param rules with which limits
      * @param isExample whether it is the built-in host
      */
-    public static String line(Check check, Asked asked, CheckRules rules, boolean isExample) {
-        return plugin(check, asked, rules, isExample).line();
-    }
-
-    private static PluginText plugin(Check check, Asked asked, CheckRules rules, boolean isExample) {
+    public static PluginText plugin(Check check, Asked asked, CheckRules rules, boolean isExample) {
         String about = (asked.host.isBlank() ? "unnamed host" : asked.host)
             + (isExample ? ", the built-in example" : "")
             + (asked.recordedAt == null ? ""
@@ -56,18 +52,5 @@ public final class Verdict {
         return new PluginText("TARN " + check.state, about, check.findings.stream().map(finding -> new PluginText.Line(
             finding.severity, finding.code, FindingWords.subject(finding), FindingWords.message(finding)))
             .collect(Collectors.toList()), check.ignored, new PerformanceData(asked, rules).text());
-    }
-
-    /**
-     * Prints what a monitoring plugin does: the line, then one for each finding.
-     *
-     * @param check what was found
-     * @param asked of what
-     * @param rules with which limits
-     * @param isExample whether it is the built-in host
-     * @param out where
-     */
-    public static void show(Check check, Asked asked, CheckRules rules, boolean isExample, Page out) {
-        plugin(check, asked, rules, isExample).show(out);
     }
 }

@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.san;
 
+import com.kelvo.tarn.cli.output.PortWords;
 import java.nio.IntBuffer;
 import java.util.ArrayList;
 import java.util.Arrays;
@@ -139,7 +140,7 @@ final class Network {
              + " JOIN port p ON p.snapshot_id = s.snapshot_id",
              row -> host(row.getLong(1)).ports.add(new Port(
                  row.getString(2), names.computeIfAbsent(row.getString(3), name -> name), row.getInt(4),
-                 row.getString(5).equals("online"))));
+                 row.getString(5).equals(PortWords.ONLINE))));
     }
 
     private void readArrayPorts() {

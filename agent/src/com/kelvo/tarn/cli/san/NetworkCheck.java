@@ -36,7 +36,7 @@ public final class NetworkCheck {
      * {@return what is wrong with the network}
      *
      * @param store what hosts tell of it
-     * @param now what ages are counted to
+     * @param now what ages are counted to; null: as maxAge
      * @param maxAge how old a recording may be; null: as old as it likes
      * @param silenced what is not to be found
      */
@@ -60,6 +60,15 @@ public final class NetworkCheck {
         history.findDuplicateHosts(store);
         history.findLosses(store);
         return new NetworkCheck(network, findings.stream().collect(Collectors.toList()), silenced);
+    }
+
+    /**
+     * {@return all that is wrong with the network, however old its recordings are}
+     *
+     * @param store what hosts tell of it
+     */
+    public static NetworkCheck of(Store store) {
+        return of(store, null, null, new IgnoredFindings(codes()));
     }
 
     /** {@return what may be wrong: the words for programs} */

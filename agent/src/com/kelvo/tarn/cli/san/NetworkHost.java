@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.san;
 
+import com.kelvo.tarn.cli.output.PortWords;
 import java.sql.ResultSet;
 import java.sql.SQLException;
 import java.util.ArrayList;
@@ -23,8 +24,6 @@ final class NetworkHost {
     private static final String WAYS = "SELECT snapshot_id, adapter, port, remote_wwn, remote_node, remote_domain,"
         + " remote_state, unit_id, disk FROM path WHERE snapshot_id IN (:these) ORDER BY snapshot_id";
 
-    private static final String ONLINE = "online";
-
     /** A port of an adapter; what it does not tell is an empty text. */
     static final class Port {
         final String host;
@@ -46,7 +45,7 @@ final class NetworkHost {
             wwn = row.getString(4);
             fabric = row.getString(5);
             domain = row.getInt(6);
-            isOnline = row.getString(7).equals(ONLINE);
+            isOnline = row.getString(7).equals(PortWords.ONLINE);
             model = row.getString(8);
             firmware = row.getString(9);
             nodeWwn = row.getString(10);
@@ -79,7 +78,7 @@ final class NetworkHost {
             farWwn = row.getString(4);
             farNode = row.getString(5);
             farDomain = row.getInt(6);
-            isOnline = near.isOnline && row.getString(7).equals(ONLINE);
+            isOnline = near.isOnline && row.getString(7).equals(PortWords.ONLINE);
             unit = row.getLong(8);
             disk = row.getString(9);
         }

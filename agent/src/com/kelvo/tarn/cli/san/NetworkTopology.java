@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.san;
 
+import com.kelvo.tarn.cli.output.PortWords;
 import java.sql.ResultSet;
 import java.sql.SQLException;
 import java.util.ArrayList;
@@ -374,7 +375,7 @@ public final class NetworkTopology {
             Array array = arrays.get(node, number -> new Array(number, node));
             steps.add(new Step(
                 index, arrayPorts.get(Arrays.asList(wwn, array, far), number -> new ArrayPort(number, wwn, array, far)),
-                near.state.equals("online") && row.getString("remote_state").equals("online")));
+                near.state.equals(PortWords.ONLINE) && row.getString("remote_state").equals(PortWords.ONLINE)));
             disks.add(row.getString("disk"));
             return null;
         }

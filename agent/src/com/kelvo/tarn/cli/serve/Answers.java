@@ -1,75 +1,73 @@
 package com.kelvo.tarn.cli.serve;
 
-import com.kelvo.tarn.cli.answers.Asked;
-import com.kelvo.tarn.cli.answers.Asking;
-import com.kelvo.tarn.cli.answers.Check;
-import com.kelvo.tarn.cli.answers.CheckRules;
-import com.kelvo.tarn.cli.answers.Library;
-import com.kelvo.tarn.cli.map.Picture;
-import com.kelvo.tarn.cli.map.Topology;
-import com.kelvo.tarn.cli.map.TopologyBuilder;
-import com.kelvo.tarn.cli.metrics.HostMetrics;
+import com.kelvo.tarn.cli.metrics.Exposition;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
+import com.kelvo.tarn.cli.output.PluginText;
 import com.kelvo.tarn.cli.output.Terminal;
-import com.kelvo.tarn.cli.output.Verdict;
-import com.kelvo.tarn.inventory.Sample;
-import java.io.IOException;
 import java.io.StringWriter;
-import java.io.UncheckedIOException;
-import java.util.List;
 import java.util.Map;
-import java.util.function.Supplier;
 
-/** What a host has answered at one time, as each page shows it. */
-final class Answers {
-    final Metrics metrics;
-    /** JSON, with the plugin's line. */
-    final Body check;
-    /** What the plugin prints. */
-    final Body plugin;
-
-    private final Asked asked;
-    private final Check found;
-    private final String origin;
-    private final Asking drawing;
+/** What was answered at one time, as each page shows it. */
+abstract class Answers {
+    private final Body metrics;
+    private final Body openMetrics;
+    private final Body check;
+    private final Body plugin;
     private Body map;
 
-    /**
-     * Asks the host, and waits.
-     *
-     * @param asking how the host is asked
-     * @param sampling reads what its disks and ports do
-     * @param drawing how a picture is waited for
-     * @param program what draws it, with its version
-     */
-    Answers(Library library, Asking asking, Supplier<Sample> sampling, Asking drawing, boolean isExample,
-            String program) {
-        this.drawing = drawing;
-        asked = new Asked(library, List.of(), asking);
-        CheckRules rules = new CheckRules();
-        found = Check.of(asked, null, rules);
-        origin = (isExample ? "built-in example"
-            : asked.recordedAt == null ? "asked " + rules.now : "recorded " + asked.recordedAt)
-            + "; drawn by " + program;
+    private Answers(Exposition exposition, Body check, Body plugin) {
+        metrics = Body.of("text/plain; version=0.0.4", exposition::text);
+        openMetrics = Body.of("application/openmetrics-text; version=1.0.0", exposition::openMetrics);
+        this.check = check;
+        this.plugin = plugin;
+    }
 
-        metrics = new Metrics(HostMetrics.of(library, asked, found, asking, sampling));
-        Map<String, Object> document = Json.object("line", Verdict.line(found, asked, rules, isExample));
-        document.putAll(Verdict.document(found, asked));
-        check = Body.of("application/json", Json.text(document) + "\n");
+    /**
+     * All that was asked.
+     *
+     * @param document what is wrong, which the plugin's line precedes
+     */
+    Answers(Exposition exposition, Map<String, Object> document, PluginText text) {
+        this(exposition, Body.of("application/json", () -> json(document, text)),
+             Body.of("text/plain", () -> printed(text)));
+    }
+
+    /** Nothing but why there is nothing else. */
+    Answers(Exposition exposition, String trouble) {
+        this(exposition, Body.refusal(503, trouble), Body.refusal(503, trouble));
+        map = check;
+    }
+
+    private static String json(Map<String, Object> document, PluginText text) {
+        Map<String, Object> all = Json.object("line", text.line());
+        all.putAll(document);
+        return Json.text(all) + "\n";
+    }
+
+    private static String printed(PluginText text) {
         StringWriter printed = new StringWriter();
         try (Page page = new Page(printed, Terminal.NONE)) {
-            Verdict.show(found, asked, rules, isExample, page);
+            text.show(page);
         }
-        plugin = Body.of("text/plain", printed.toString());
+        return printed.toString();
+    }
+
+    final Body metrics(Accepted accept) {
+        return accept.prefers("application/openmetrics-text", "text/plain") ? openMetrics : metrics;
+    }
+
+    /** JSON, or what the plugin prints. */
+    final Body check(Accepted accept) {
+        boolean isText = accept.names("text/plain") && !accept.prefers("application/json", "text/plain");
+        return isText ? plugin : check;
     }
 
     /** The page of the storage network, which is drawn when it is first wanted. */
-    synchronized Body map() {
+    final synchronized Body map() {
         if (map == null) {
             try {
-                asked.requireAnswer("hba");
-                map = Body.of("text/html", drawing.ask("map", this::draw));
+                map = Body.of("text/html", draw());
             } catch (IllegalStateException failed) {
                 map = Body.refusal(503, Page.printable(String.valueOf(failed.getMessage())));
             }
@@ -77,17 +75,6 @@ final class Answers {
         return map;
     }
 
-    private String draw() {
-        if (asked.computerSystem == null) {
-            throw new IllegalStateException("computer-system has not answered");
-        }
-        Topology topology =
-            TopologyBuilder.topology(asked.computerSystem, asked.fabric, found.findings, null, false);
-        topology.origin(found, origin);
-        try {
-            return Picture.HTML.of(topology, false);
-        } catch (IOException failed) {
-            throw new UncheckedIOException(failed.getMessage(), failed);
-        }
-    }
+    /** The page's text; an IllegalStateException says why there is none. */
+    abstract String draw();
 }

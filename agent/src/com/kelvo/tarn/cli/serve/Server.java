@@ -7,7 +7,7 @@ import com.sun.net.httpserver.HttpExchange;
 import com.sun.net.httpserver.HttpServer;
 import java.io.IOException;
 import java.net.InetSocketAddress;
-import java.util.LinkedHashMap;
+import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.concurrent.LinkedBlockingQueue;
@@ -15,7 +15,7 @@ import java.util.concurrent.ThreadPoolExecutor;
 import java.util.concurrent.TimeUnit;
 import java.util.function.Consumer;
 import java.util.function.Function;
-import java.util.stream.Collectors;
+import java.util.function.Supplier;
 
 /**
  * Shows what a host answers, or the store of a network, to whoever can connect. A request's path is looked up in a
@@ -33,23 +33,21 @@ public final class Server {
     /** Questions in a round, at most. */
     private static final int SECTIONS = 16;
 
-    /** What the first page says of each other. */
-    private static final Map<String, String> LINKS = Map.of(
-        "/metrics", "<a href=\"metrics\">Metrics</a> for Prometheus", "/check",
-        "<a href=\"check\">What is wrong</a>, as JSON", "/map", "<a href=\"map\">The storage network</a>",
-        "/-/healthy", "<a href=\"-/healthy\">Whether this answers</a>");
+    private static final String INDEX = "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\">"
+        + "<title>tarn</title>\n<h1>tarn</h1>\n<ul>\n<li><a href=\"metrics\">Metrics</a> for Prometheus\n"
+        + "<li><a href=\"check\">What is wrong</a>, as JSON\n<li><a href=\"map\">The storage network</a>\n"
+        + "<li><a href=\"-/healthy\">Whether this answers</a>\n</ul>\n";
 
     private final HttpServer server;
-    private final Map<String, Function<Accepted, Body>> pages = new LinkedHashMap<>();
+    private final Map<String, Function<Accepted, Body>> pages = new HashMap<>();
 
-    /** With these pages beside those that each server has. */
-    private Server(InetSocketAddress address, Map<String, Function<Accepted, Body>> shown) throws IOException {
+    private Server(InetSocketAddress address, FreshAnswers<Answers> answers) throws IOException {
         Body healthy = Body.of("text/plain", "tarn answers\n");
-        pages.putAll(shown);
+        pages.put("/metrics", accept -> answers.get().metrics(accept));
+        pages.put("/check", accept -> answers.get().check(accept));
+        pages.put("/map", accept -> answers.get().map());
         pages.put("/-/healthy", accept -> healthy);
-        Body index = Body.of("text/html", pages.keySet().stream().map(page -> "<li>" + LINKS.get(page) + "\n")
-            .sorted().collect(Collectors.joining("", "<!DOCTYPE html>\n<html lang=\"en\"><meta charset=\"utf-8\">"
-                + "<title>tarn</title>\n<h1>tarn</h1>\n<ul>\n", "</ul>\n")));
+        Body index = Body.of("text/html", INDEX);
         pages.put("/", accept -> index);
         server = HttpServer.create(address, CONNECTIONS);
         server.createContext("/", this::handle);
@@ -78,11 +76,8 @@ public final class Server {
         Limits asking = new Limits(library.log(), limitSeconds);
         Sampling sampling = new Sampling(library);
         Limits drawing = new Limits(library.log(), limitSeconds);
-        FreshAnswers<Answers> answers = new FreshAnswers<>(
-            () -> new Answers(library, asking, sampling, drawing, isExample, program), freshSeconds);
-        return start(address, Map.of("/metrics", accept -> answers.get().metrics.as(accept),
-                                     "/check", accept -> check(answers.get(), accept),
-                                     "/map", accept -> answers.get().map()));
+        return start(address, () -> HostAnswers.of(library, asking, sampling, drawing, isExample, program),
+                     freshSeconds);
     }
 
     /**
@@ -93,20 +88,21 @@ public final class Server {
      * @param freshSeconds the store is asked at most once in so many
      * @param limitSeconds so long that may take
      * @param complaints is told why the store does not answer, once for each reason
+     * @param program what answers, with its version
      * @return where it listens
      * @throws IOException when it cannot listen there
      */
     public static InetSocketAddress start(InetSocketAddress address, String store, int freshSeconds, int limitSeconds,
-                                          Consumer<String> complaints) throws IOException {
+                                          Consumer<String> complaints, String program) throws IOException {
         limitConnections(limitSeconds);
-        FreshAnswers<Metrics> answers = new FreshAnswers<>(
-            new NetworkQuestion(store, new Limits(new LibraryLog(), limitSeconds), complaints), freshSeconds);
-        return start(address, Map.of("/metrics", accept -> answers.get().as(accept)));
+        return start(address, new NetworkAnswers.Question(
+            store, new Limits(new LibraryLog(), limitSeconds), new Limits(new LibraryLog(), limitSeconds), complaints,
+            program), freshSeconds);
     }
 
-    private static InetSocketAddress start(InetSocketAddress address, Map<String, Function<Accepted, Body>> pages)
+    private static InetSocketAddress start(InetSocketAddress address, Supplier<Answers> asking, int freshSeconds)
         throws IOException {
-        HttpServer server = new Server(address, pages).server;
+        HttpServer server = new Server(address, new FreshAnswers<>(asking, freshSeconds)).server;
         server.start();
         return server.getAddress();
     }
@@ -117,11 +113,6 @@ public final class Server {
                "sun.net.httpserver.maxRspTime", ANSWER_SECONDS + SECTIONS * limitSeconds,
                "sun.net.httpserver.maxReqHeaderSize", LONGEST_HEAD, "sun.net.httpserver.nodelay", true)
             .forEach((name, value) -> System.setProperty(name, value.toString()));
-    }
-
-    private static Body check(Answers answers, Accepted accept) {
-        boolean isText = accept.names("text/plain") && !accept.prefers("application/json", "text/plain");
-        return isText ? answers.plugin : answers.check;
     }
 
     private void handle(HttpExchange exchange) throws IOException {
