@@ -198,10 +198,10 @@ class CommandLine(unittest.TestCase):
         host = {"kstat": [activity.record("sd0", "disk", "KSTAT_TYPE_IO", [
             {"reads": time, "ks_snaptime": time} for time in range(20000)])]}
         with subprocess.Popen([TARN, "--host", write_host(host), "--json", "watch", "1"], stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE) as watching:
+                              stderr=subprocess.PIPE, bufsize=0) as watching:
             first = watching.stdout.readline()
             watching.send_signal(signal.SIGINT)
-            time.sleep(2)  # in which it takes the signal: nobody empties its pipe, and it cannot come to its end
+            time.sleep(0.5)  # in which it takes the signal: nobody empties its pipe, and it waits for that for a second
             rest, err = watching.communicate(timeout=120)
         shown = [json.loads(line) for line in (first + rest).splitlines()]
         self.assertEqual((watching.returncode, err), (0, b""))
