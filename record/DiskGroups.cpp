@@ -46,9 +46,9 @@ NameParts takeApart(std::string_view name) {
     return {name, {}, std::nullopt};
 }
 
-/// As text, since characters are compared many at a time, and std::byte one by one.
+/// Its bytes. Characters are compared many at a time, std::byte one by one.
 template <class T>
-std::string_view bytesOf(const T &value) {
+std::string_view charactersOf(const T &value) {
     return {reinterpret_cast<const char *>(&value), sizeof value};
 }
 
@@ -57,7 +57,7 @@ bool agree(const std::optional<T> &one, const std::optional<T> &other) {
     if constexpr (std::equality_comparable<T>) {
         return !one || !other || *one == *other;
     } else {
-        return !one || !other || bytesOf(*one) == bytesOf(*other);
+        return !one || !other || charactersOf(*one) == charactersOf(*other);
     }
 }
 
