@@ -176,12 +176,12 @@ std::vector<InventoryMount> readMounts(std::chrono::milliseconds limit, std::str
     if (limit == limit.zero()) {
         return mounts;
     }
-    Asked of(*questions);
-    of.asked.reserve(mounts.size());
+    Asked ours(*questions);
+    ours.asked.reserve(mounts.size());
     for (const InventoryMount &mount : mounts) {
-        of.asked.push_back(questions->ask(mount.mountPoint));
+        ours.asked.push_back(questions->ask(mount.mountPoint));
     }
-    questions->await(of.asked, limit, mounts);
+    questions->await(ours.asked, limit, mounts);
     return mounts;
 }
 
