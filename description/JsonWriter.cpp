@@ -12,6 +12,7 @@ namespace description {
 namespace {
 
 constexpr std::size_t indentationStep = 2;
+constexpr std::string_view blanks = "                                "; // what is deeper has no more
 
 /// By character: whether it stands in a JSON string as it is.
 constexpr std::array<bool, 256> plainCharacters = [] {
@@ -93,9 +94,7 @@ void JsonWriter::separate() {
 
 void JsonWriter::newLine() {
     put('\n');
-    for (std::size_t i = 0; i < indentation; ++i) {
-        put(' ');
-    }
+    put(blanks.substr(0, indentation));
 }
 
 void JsonWriter::name(std::string_view text) {
@@ -134,13 +133,20 @@ void JsonWriter::quote(std::string_view plain) {
 void JsonWriter::hexBytes(std::span<const unsigned char> bytes, std::string_view separator) {
     separate();
     put('"');
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        if (i != 0 && !separator.empty()) {
-            put(separator);
+    std::array<char, 32> piece; // of a name with a number for each of its bytes, all
+    std::size_t length = 0;
+    for (const unsigned char &byte : bytes) {
+        if (length + 2 + separator.size() > piece.size()) {
+            put({piece.data(), std::exchange(length, 0)});
         }
-        const std::array<char, 2> digits = tarn::hexDigits(bytes[i]);
-        put({digits.data(), digits.size()});
+        if (&byte != bytes.data()) {
+            length += separator.copy(piece.data() + length, separator.size());
+        }
+        const std::array<char, 2> digits = tarn::hexDigits(byte);
+        piece[length++] = digits[0];
+        piece[length++] = digits[1];
     }
+    put({piece.data(), length});
     put('"');
 }
 

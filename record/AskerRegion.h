@@ -62,7 +62,7 @@ struct Region {
     std::atomic<bool> isDone; // with the batch
     std::array<PlacedRequest, largestBatch> requests;
     std::array<char, 65536> texts;
-    std::array<std::byte, Teller::mostData + 65536> frames;
+    alignas(std::max_align_t) std::array<std::byte, Teller::mostData + 65536> frames;
 };
 
 /// To the keeper.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <span>
@@ -39,8 +41,13 @@ std::span<const std::byte> bytesOf(const T &value) {
 }
 template <class T>
 T valueOf(std::span<const std::byte> data) {
-    T value{};
-    std::copy_n(data.begin(), std::min(data.size(), sizeof value), reinterpret_cast<std::byte *>(&value));
+    T value;
+    if (data.size() < sizeof value) {
+        value = {};
+        std::ranges::copy(data, reinterpret_cast<std::byte *>(&value));
+    } else {
+        std::memcpy(&value, data.data(), sizeof value);
+    }
     return value;
 }
 
@@ -56,7 +63,7 @@ struct Answer {
     unsigned call;
     unsigned index;
     int error;
-    std::span<const std::byte> data;
+    std::span<const std::byte> data; // aligned like what it is made of
 };
 
 /// A number of items to ask for. Answers are handed over in the order of the items, whoever asks them when.

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <iterator>
 #include <memory>
+#include <memory_resource>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,7 +38,8 @@ std::optional<Names> namesIn(const char *path) {
             names.emplace_back(name);
         }
     }
-    std::unordered_set<std::string_view> seen(names.size()); // of a large host, made at once
+    std::pmr::monotonic_buffer_resource room; // of a large host, given back at once
+    std::pmr::unordered_set<std::string_view> seen(names.size(), &room);
     std::vector<bool> isAgain;
     for (const std::string &name : names) {
         isAgain.push_back(!seen.insert(name).second);

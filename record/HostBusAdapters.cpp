@@ -150,9 +150,7 @@ public:
             takeMapping(valueOf<MappingCounts>(answer.data), status);
             break;
         case Call::mappingEntries:
-            for (std::size_t at = 0; at < answer.data.size(); at += sizeof(HBA_FCPSCSIENTRY)) {
-                entries.push_back(valueOf<HBA_FCPSCSIENTRY>(answer.data.subspan(at)));
-            }
+            takeEntries(answer.data);
             break;
         case Call::mappingEnd:
             finishMapping(valueOf<bool>(answer.data), status);
@@ -261,6 +259,12 @@ private:
         if (followsFromClaim && claimedEntries <= tarn::maximumMappingEntries) {
             entries.reserve(claimedEntries);
         }
+    }
+
+    /// There may be tens of thousands, of 304 bytes each: they are copied once.
+    void takeEntries(std::span<const std::byte> data) {
+        const auto *const first = reinterpret_cast<const HBA_FCPSCSIENTRY *>(data.data());
+        entries.insert(entries.end(), first, first + data.size() / sizeof(HBA_FCPSCSIENTRY));
     }
 
     void finishMapping(bool isFetched, HBA_STATUS status) {
