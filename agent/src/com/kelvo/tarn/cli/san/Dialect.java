@@ -40,6 +40,9 @@ abstract class Dialect {
     /** A query for the names of all tables and views. */
     abstract String tables();
 
+    /** What puts the numbers of a group together, with commas between them. */
+    abstract String joined(String column);
+
     /** How many may write at once. */
     abstract int writers(int processors);
 

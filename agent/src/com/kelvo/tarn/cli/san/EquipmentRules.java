@@ -40,35 +40,53 @@ final class EquipmentRules {
 
     /** Where adapters of a model have several versions of the firmware or of the driver. */
     void findDrift(Store store) {
-        findDrift(store, NetworkFault.FIRMWARE_DRIFT, "firmware");
-        findDrift(store, NetworkFault.DRIVER_DRIFT, "driver");
+        Versions firmware = new Versions(NetworkFault.FIRMWARE_DRIFT);
+        Versions drivers = new Versions(NetworkFault.DRIVER_DRIFT);
+        store.query("SELECT a.snapshot_id, a.model, a.firmware, a.driver FROM latest_snapshot s"
+                    + " JOIN adapter a ON a.snapshot_id = s.snapshot_id WHERE a.model <> ''", row -> {
+            Network.Host host = network.host(row.getLong(1));
+            String model = row.getString(2);
+            firmware.add(model, row.getString(3), host);
+            drivers.add(model, row.getString(4), host);
+            return null;
+        });
+        firmware.findDrift();
+        drivers.findDrift();
     }
 
-    private void findDrift(Store store, NetworkFault fault, String column) {
-        Map<String, Map<String, Integer>> versions = new HashMap<>();
-        Map<String, Map<String, Set<Network.Host>>> hosts = new HashMap<>();
-        store.query("SELECT a.snapshot_id, a.model, a." + column + " FROM latest_snapshot s"
-                    + " JOIN adapter a ON a.snapshot_id = s.snapshot_id WHERE a.model <> '' AND a." + column + " <> ''",
-                    row -> {
-            String model = row.getString(2);
-            String version = row.getString(3);
-            versions.computeIfAbsent(model, none -> new TreeMap<>()).merge(version, 1, Integer::sum);
-            return hosts.computeIfAbsent(model, none -> new HashMap<>())
-                .computeIfAbsent(version, none -> new LinkedHashSet<>()).add(network.host(row.getLong(1)));
-        });
-        versions.forEach((model, counts) -> {
-            // Of equals, what is greater as a text is more likely the later one.
-            String usual = counts.entrySet().stream().max(
-                Map.Entry.<String, Integer>comparingByValue().thenComparing(Map.Entry.comparingByKey(
-                    Comparator.naturalOrder()))).orElseThrow().getKey();
-            String all = counts.entrySet().stream().map(each -> each.getKey() + " on " + each.getValue())
-                .collect(Collectors.joining(", ")) + " adapters";
-            hosts.get(model).forEach((version, those) -> {
-                if (!version.equals(usual)) {
-                    findings.warn(fault, model, those, all);
-                }
+    /** What the adapters of each model have of one kind. */
+    private final class Versions {
+        private final NetworkFault fault;
+        private final Map<String, Map<String, Integer>> adapters = new HashMap<>();
+        private final Map<String, Map<String, Set<Network.Host>>> hosts = new HashMap<>();
+
+        private Versions(NetworkFault fault) {
+            this.fault = fault;
+        }
+
+        private void add(String model, String version, Network.Host host) {
+            if (!version.isEmpty()) {
+                adapters.computeIfAbsent(model, none -> new TreeMap<>()).merge(version, 1, Integer::sum);
+                hosts.computeIfAbsent(model, none -> new HashMap<>())
+                    .computeIfAbsent(version, none -> new LinkedHashSet<>()).add(host);
+            }
+        }
+
+        private void findDrift() {
+            adapters.forEach((model, counts) -> {
+                // Of equals, what is greater as a text is more likely the later one.
+                String usual = counts.entrySet().stream().max(
+                    Map.Entry.<String, Integer>comparingByValue().thenComparing(Map.Entry.comparingByKey(
+                        Comparator.naturalOrder()))).orElseThrow().getKey();
+                String all = counts.entrySet().stream().map(each -> each.getKey() + " on " + each.getValue())
+                    .collect(Collectors.joining(", ")) + " adapters";
+                hosts.get(model).forEach((version, those) -> {
+                    if (!version.equals(usual)) {
+                        findings.warn(fault, model, those, all);
+                    }
+                });
             });
-        });
+        }
     }
 
     /** Where the latest recording is older than that. */

@@ -11,6 +11,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.Set;
+import java.util.stream.LongStream;
 
 /** What the latest recordings tell, as far as hosts are held against each other. */
 final class Network {
@@ -57,14 +58,16 @@ final class Network {
         final String node;
         final String throughSwitch;
         final List<Host> hosts = new ArrayList<>();
-        long initiators;
+        final long initiators;
         /** Whether any host reaches units there. */
-        boolean isUsed;
+        final boolean isUsed;
 
-        private ArrayPort(String fabric, String wwn, String node, int domain) {
+        private ArrayPort(String fabric, String wwn, String node, int domain, long initiators, boolean isUsed) {
             this.fabric = fabric;
             this.wwn = wwn;
             this.node = node;
+            this.initiators = initiators;
+            this.isUsed = isUsed;
             throughSwitch = switchName(fabric, domain);
         }
     }
@@ -144,28 +147,25 @@ final class Network {
     }
 
     private void readArrayPorts() {
-        Map<String, String> names = new HashMap<>();
-        each("SELECT unit_id, node FROM unit_node", row -> nodes
-            .computeIfAbsent(row.getLong(1), none -> new HashSet<>(2))
-            .add(names.computeIfAbsent(row.getString(2), name -> name)));
-        Map<List<String>, ArrayPort> ports = new LinkedHashMap<>();
-        each("SELECT g.snapshot_id, g.fabric, g.remote_wwn, g.remote_node, g.remote_domain, g.initiators, g.units"
-             + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
-             + " WHERE g.remote_node IN (SELECT node FROM unit_node)", row -> {
-            String fabric = row.getString(2);
-            String wwn = row.getString(3);
-            ArrayPort port = ports.get(List.of(fabric, wwn));
-            if (port == null) {
-                port = new ArrayPort(fabric, wwn, row.getString(4), row.getInt(5));
-                ports.put(List.of(fabric, wwn), port);
+        each("SELECT node, " + store.joined("unit_id") + " FROM unit_node GROUP BY node", row -> {
+            String node = row.getString(1);
+            for (long unit : Store.numbers(row.getString(2))) {
+                nodes.computeIfAbsent(unit, none -> new HashSet<>(2)).add(node);
             }
-            port.initiators += row.getLong(6);
-            port.isUsed |= row.getLong(7) > 0;
-            Host host = host(row.getLong(1));
-            port.hosts.add(host);
-            return host.seen.add(port);
+            return null;
         });
-        ports.values().forEach(port -> portsOfNode.computeIfAbsent(port.node, none -> new ArrayList<>()).add(port));
+        each("SELECT g.fabric, g.remote_wwn, MAX(g.remote_node), MAX(g.remote_domain), SUM(g.initiators),"
+             + " MAX(g.units), " + store.joined("g.snapshot_id")
+             + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
+             + " WHERE g.remote_node IN (SELECT node FROM unit_node) GROUP BY g.fabric, g.remote_wwn", row -> {
+            ArrayPort port = new ArrayPort(row.getString(1), row.getString(2), row.getString(3), row.getInt(4),
+                                           row.getLong(5), row.getLong(6) > 0);
+            for (long snapshot : Store.numbers(row.getString(7))) {
+                port.hosts.add(host(snapshot));
+                host(snapshot).seen.add(port);
+            }
+            return portsOfNode.computeIfAbsent(port.node, none -> new ArrayList<>()).add(port);
+        });
     }
 
     /** Units are put together that the same hosts have: there are far fewer such groups than units. */
@@ -175,17 +175,21 @@ final class Network {
         Map<Long, Integer> places = new HashMap<>();
         List<Long> units = new ArrayList<>();
         // The unit's place above, the host's number below, so that sorting puts the hosts of a unit together.
-        long[] seen = store.query(
-            "SELECT r.unit_id, r.snapshot_id FROM latest_snapshot s JOIN reach r ON r.snapshot_id = s.snapshot_id",
-            row -> {
-                Integer place = places.get(row.getLong(1));
+        LongStream.Builder pairs = LongStream.builder();
+        each("SELECT s.snapshot_id, (SELECT " + store.joined("r.unit_id") + " FROM reach r"
+             + " WHERE r.snapshot_id = s.snapshot_id) FROM latest_snapshot s", row -> {
+            int host = numbers.get(host(row.getLong(1)));
+            for (long unit : Store.numbers(row.getString(2))) {
+                Integer place = places.putIfAbsent(unit, places.size());
                 if (place == null) {
-                    place = places.size();
-                    units.add(row.getLong(1));
-                    places.put(row.getLong(1), place);
+                    place = units.size();
+                    units.add(unit);
                 }
-                return (long) place << Integer.SIZE | numbers.get(host(row.getLong(2)));
-            }).stream().mapToLong(pair -> pair).sorted().toArray();
+                pairs.add((long) place << Integer.SIZE | host);
+            }
+            return null;
+        });
+        long[] seen = pairs.build().sorted().toArray();
         Map<IntBuffer, Sharing> byHosts = new LinkedHashMap<>();
         for (int from = 0, to = 0; from < seen.length; from = to) {
             long unit = seen[from] >> Integer.SIZE;

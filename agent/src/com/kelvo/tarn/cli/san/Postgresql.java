@@ -112,6 +112,11 @@ final class Postgresql extends Dialect {
     }
 
     @Override
+    String joined(String column) {
+        return "string_agg(CAST(" + column + " AS TEXT), ',')";
+    }
+
+    @Override
     int writers(int processors) {
         return processors;
     }

@@ -119,6 +119,11 @@ final class Sqlite extends Dialect {
     }
 
     @Override
+    String joined(String column) {
+        return "group_concat(" + column + ")";
+    }
+
+    @Override
     int writers(int processors) {
         return 1;
     }

@@ -5,6 +5,7 @@ import java.sql.PreparedStatement;
 import java.sql.ResultSet;
 import java.sql.SQLException;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.Collection;
 import java.util.Collections;
 import java.util.List;
@@ -96,6 +97,16 @@ public final class Store implements AutoCloseable {
     /** Another connection to the same, for another thread. */
     Store again() {
         return connect(dialect, isWritten);
+    }
+
+    /** What puts the numbers in a column of a group together, for {@link #numbers}: it is rows that take the time. */
+    String joined(String column) {
+        return dialect.joined(column);
+    }
+
+    /** The numbers that were put together; none for null. */
+    static long[] numbers(String joined) {
+        return joined == null ? new long[0] : Arrays.stream(joined.split(",")).mapToLong(Long::parseLong).toArray();
     }
 
     int writers(int processors) {
