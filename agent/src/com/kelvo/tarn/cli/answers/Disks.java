@@ -17,7 +17,6 @@ import java.util.Map;
 import java.util.Objects;
 import java.util.Optional;
 import java.util.concurrent.ConcurrentHashMap;
-import java.util.function.Supplier;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 
@@ -143,13 +142,19 @@ public final class Disks {
         return colon < 0 ? device.length() : colon;
     }
 
-    /** The drive that a target mapping leads to, by the HBA library's name for it or else by its numbers; or null. */
-    String ofMapping(String ownName, Supplier<String> numberedName) {
-        if (drives.isEmpty()) {
-            return null;
+    /** The drive that a target mapping leads to, by the HBA library's name for it; or null. */
+    String ofMapping(String ownName) {
+        Optional<String> drive = mapped.get(ownName);
+        if (drive == null) {
+            drive = driveCalled(ownName);
+            mapped.put(ownName, drive);
         }
-        return mapped.computeIfAbsent(ownName, this::driveCalled)
-            .or(() -> Optional.of(numberedName.get()).filter(drives::containsKey)).orElse(null);
+        return drive.orElse(null);
+    }
+
+    /** The drive of that name, or null. */
+    String driveNamed(String name) {
+        return drives.containsKey(name) ? name : null;
     }
 
     private Optional<String> driveCalled(String ownName) {

@@ -57,6 +57,8 @@ public final class Fabric {
         public final TrInstance statistics;
         /** What it has discovered, by index. */
         public final List<RemotePort> remotePorts = new ArrayList<>();
+        /** Its world-wide name; its place when it tells none. */
+        final String name;
         /** The fabric's name; empty when it tells none. */
         private final String fabric;
 
@@ -66,6 +68,7 @@ public final class Fabric {
             recorded = record != null;
             instance = recorded ? record.instance() : null;
             statistics = recorded ? record.statistics() : null;
+            name = nameOf(instance, place());
             fabric = Instances.name(instance, HbaPortProvider.fabricName);
             for (HbaCache.HbaDiscoveredPort remote :
                  recorded ? record.discoveredPorts() : new HbaCache.HbaDiscoveredPort[0]) {
@@ -94,6 +97,10 @@ public final class Fabric {
         public final TrInstance instance;
         /** The logical units that are reached through both ports; null for one that cannot be read. */
         public final List<TrInstance> mappings;
+        /** Its world-wide name; its place when it tells none. */
+        final String name;
+        /** Both ports' names: those of all paths between them. */
+        final String ends;
         /** What people know the device of each as, and the drive that it leads to, or null. */
         private final List<String> devices = new ArrayList<>();
         private final List<String> disks = new ArrayList<>();
@@ -103,6 +110,8 @@ public final class Fabric {
             this.index = index;
             instance = record == null ? null : record.instance();
             mappings = record == null ? List.of() : Arrays.asList(record.targetMappings());
+            name = nameOf(instance, place());
+            ends = port.name + " " + name;
         }
 
         /** Names the mappings as another view of the same remote port does; null, or of another size, is none. */
@@ -112,10 +121,12 @@ public final class Fabric {
                 TrInstance mapping = mappings.get(i);
                 TrInstance named = sameSize && own.mappings.get(i) != null ? own.mappings.get(i) : mapping;
                 String device = named == null ? "" : Instances.text(named, TargetMappingProvider.osDeviceName);
-                String disk = known.ofMapping(device, () -> mapping == null ? ""
-                    : "c" + Instances.number(mapping, TargetMappingProvider.scsiBus)
-                        + "t" + Instances.number(mapping, TargetMappingProvider.targetId)
-                        + "d" + Instances.number(mapping, TargetMappingProvider.scsiLun));
+                String disk = known.ofMapping(device);
+                if (disk == null && mapping != null) {
+                    disk = known.driveNamed("c" + Instances.number(mapping, TargetMappingProvider.scsiBus)
+                                            + "t" + Instances.number(mapping, TargetMappingProvider.targetId)
+                                            + "d" + Instances.number(mapping, TargetMappingProvider.scsiLun));
+                }
                 disks.add(disk);
                 devices.add(asAgent && mapping != null ? Instances.text(mapping, TargetMappingProvider.osDeviceName)
                     : disk != null ? disk : DeviceNames.withoutSlice(DeviceNames.withoutDirectory(device)));
@@ -152,6 +163,11 @@ public final class Fabric {
         public String place() {
             return port.place() + " remote port " + index;
         }
+    }
+
+    private static String nameOf(TrInstance port, String place) {
+        String wwn = Instances.name(port, HbaPortProvider.permanentAddress);
+        return wwn.isEmpty() ? place : wwn;
     }
 
     /** By index. */

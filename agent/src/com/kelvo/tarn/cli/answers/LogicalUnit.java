@@ -8,9 +8,11 @@ import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import java.util.ArrayList;
 import java.util.HashSet;
 import java.util.LinkedHashMap;
+import java.util.LinkedHashSet;
 import java.util.List;
 import java.util.Map;
 import java.util.Objects;
+import java.util.Set;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.wbem.cim.UnsignedInt;
@@ -22,10 +24,6 @@ public final class LogicalUnit {
         /** The far end, as the near one has discovered it. */
         public final transient Fabric.RemotePort remote;
         private final transient int mapping;
-        private final transient String near;
-        private final transient String far;
-        /** Both ports, told apart from those of all other paths. */
-        public final transient String ends;
 
         /** The adapter's place in the library's walk. */
         public final int adapter;
@@ -68,9 +66,6 @@ public final class LogicalUnit {
             scsiBus = Instances.value(mapping, TargetMappingProvider.scsiBus);
             targetId = Instances.value(mapping, TargetMappingProvider.targetId);
             scsiLun = Instances.value(mapping, TargetMappingProvider.scsiLun);
-            near = Instances.name(portWWN).isEmpty() ? remote.port.place() : portWWN;
-            far = Instances.name(remotePort).isEmpty() ? remote.place() : remotePort;
-            ends = near + " " + far;
         }
 
         /** {@return what people know its device as: the drive, or what the HBA library calls it} */
@@ -80,12 +75,17 @@ public final class LogicalUnit {
 
         /** {@return the local port's world-wide name; its place when it tells none} */
         public String near() {
-            return near;
+            return remote.port.name;
         }
 
         /** {@return the remote port's world-wide name; its place when it tells none} */
         public String far() {
-            return far;
+            return remote.name;
+        }
+
+        /** {@return both ports, told apart from those of all other paths} */
+        public String ends() {
+            return remote.ends;
         }
 
         /**
@@ -154,7 +154,12 @@ public final class LogicalUnit {
         this.mayHaveTwo = mayHaveTwo;
     }
 
-    static String nodeOf(Fabric.RemotePort remote) {
+    /**
+     * {@return the name of the node that presents units there; empty when the remote port cannot be read}
+     *
+     * @param remote the far end of paths
+     */
+    public static String nodeOf(Fabric.RemotePort remote) {
         return Objects.requireNonNullElse(Instances.value(remote.instance, HbaPortProvider.nodeWWN), "");
     }
 
@@ -165,9 +170,15 @@ public final class LogicalUnit {
     /** No path comes any more: learns what its drives tell. */
     void hasAllPaths(Disks known) {
         Map<String, Path> byEnds = new LinkedHashMap<>();
-        paths.forEach(path -> byEnds.merge(path.ends, path, (one, other) -> one.isOnline() ? one : other));
+        for (Path path : paths) {
+            Path other = byEnds.putIfAbsent(path.ends(), path);
+            if (other != null && !other.isOnline()) {
+                byEnds.put(path.ends(), path);
+            }
+        }
         distinct = List.copyOf(byEnds.values());
-        online = distinct.stream().filter(Path::isOnline).collect(Collectors.toUnmodifiableList());
+        online = new ArrayList<>(distinct);
+        online.removeIf(path -> !path.isOnline());
         List<String> drives = disks();
         disk = drives.isEmpty() ? null : drives.get(0);
         long capacity = disk == null ? 0 : Disks.capacity(known.drives.get(disk));
@@ -183,7 +194,10 @@ public final class LogicalUnit {
 
     /** {@return the drives that its paths lead to} */
     public List<String> disks() {
-        return paths.stream().map(path -> path.disk).filter(Objects::nonNull).distinct().collect(Collectors.toList());
+        Set<String> drives = new LinkedHashSet<>();
+        paths.forEach(path -> drives.add(path.disk));
+        drives.remove(null);
+        return new ArrayList<>(drives);
     }
 
     /** {@return the paths; those between the same two ports, of which an HBA library may list several, once} */

@@ -29,9 +29,13 @@ public final class Paths {
             for (int i = 0; i < remote.mappings.size(); i++) {
                 TrInstance mapping = remote.mappings.get(i);
                 if (mapping != null) {
-                    ofNode.computeIfAbsent(LogicalUnit.lunOf(mapping).longValue(),
-                                           lun -> new LogicalUnit(remote, mapping, hasTwoPorts))
-                        .paths.add(new LogicalUnit.Path(remote, i));
+                    long lun = LogicalUnit.lunOf(mapping).longValue();
+                    LogicalUnit unit = ofNode.get(lun);
+                    if (unit == null) {
+                        unit = new LogicalUnit(remote, mapping, hasTwoPorts);
+                        ofNode.put(lun, unit);
+                    }
+                    unit.paths.add(new LogicalUnit.Path(remote, i));
                 }
             }
         });

@@ -2,8 +2,10 @@ package com.kelvo.tarn.cli.san;
 
 import java.time.Instant;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.EnumMap;
 import java.util.HashMap;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.TreeSet;
@@ -49,6 +51,8 @@ public final class HostFacts {
     public final Map<String, Unit> units = new HashMap<>();
 
     private final Map<HostTable, List<Object[]>> rows = new EnumMap<>(HostTable.class);
+    /** By what the store has of the ports at their ends: the paths between these, of which there may be many. */
+    final Map<List<Object>, List<Object[]>> paths = new LinkedHashMap<>();
 
     /**
      * A host without rows so far.
@@ -74,6 +78,15 @@ public final class HostFacts {
      */
     public void add(HostTable table, Object... values) {
         rows.get(table).add(values);
+    }
+
+    /**
+     * {@return the paths between two ports, to which those are added that a host has}
+     *
+     * @param ends what stands in the first columns of {@link HostTable#PATH}; the others are each path's own
+     */
+    public List<Object[]> pathsBetween(Object... ends) {
+        return paths.computeIfAbsent(Arrays.asList(ends), added -> new ArrayList<>());
     }
 
     List<Object[]> rows(HostTable table) {

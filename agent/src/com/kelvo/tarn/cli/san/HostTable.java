@@ -32,7 +32,7 @@ public enum HostTable {
     final String insertion;
 
     /** How many paths {@link #PATHS_TOGETHER} adds. */
-    static final int TOGETHER = 8;
+    static final int TOGETHER = 16;
     /** With how many columns a path begins that all between the same two ports have alike. */
     static final int ENDS = 7;
     /** The statement that adds paths between the same two ports: the snapshot, the ports, each path's own columns. */

@@ -7,7 +7,6 @@ import java.sql.SQLException;
 import java.time.Instant;
 import java.time.temporal.ChronoUnit;
 import java.util.ArrayList;
-import java.util.Arrays;
 import java.util.Collections;
 import java.util.EnumMap;
 import java.util.HashMap;
@@ -121,12 +120,9 @@ final class HostWriter implements AutoCloseable {
                                Instant.now().truncatedTo(ChronoUnit.SECONDS).toString(), digest, newer == 0);
         learn(connection, facts, learned);
         for (HostTable table : HostTable.values()) {
-            if (table == HostTable.PATH) {
-                addPaths(connection, snapshot, facts.rows(table), learned);
-            } else {
-                addRows(connection, table, snapshot, facts.rows(table), learned);
-            }
+            addRows(connection, table, snapshot, facts.rows(table), learned);
         }
+        addPaths(connection, snapshot, facts.paths, learned);
         if (keep > 0) {
             execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at)"
                     + " FROM (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?)"
@@ -144,44 +140,44 @@ final class HostWriter implements AutoCloseable {
         PreparedStatement statement = prepared(connection, table.insertion);
         for (Object[] row : rows) {
             statement.setLong(1, snapshot);
-            bind(statement, 2, table, row, 0, learned);
+            bind(statement, 2, table, 0, row, learned);
             statement.addBatch();
         }
         statement.executeBatch();
     }
 
     /** Many paths lead from one port to another, which are told once for several. */
-    private void addPaths(Connection connection, long snapshot, List<Object[]> paths, Map<String, Stored> learned)
-        throws SQLException {
-        Map<List<Object>, List<Object[]>> byEnds = new LinkedHashMap<>();
-        for (Object[] path : paths) {
-            byEnds.computeIfAbsent(Arrays.asList(path).subList(0, HostTable.ENDS), added -> new ArrayList<>())
-                .add(path);
-        }
-        PreparedStatement statement = prepared(connection, HostTable.PATHS_TOGETHER);
-        List<Object[]> left = new ArrayList<>();
-        for (List<Object[]> alike : byEnds.values()) {
-            int last = alike.size() - alike.size() % HostTable.TOGETHER;
-            for (int i = 0; i < last; i += HostTable.TOGETHER) {
+    private void addPaths(Connection connection, long snapshot, Map<List<Object>, List<Object[]>> paths,
+                          Map<String, Stored> learned) throws SQLException {
+        PreparedStatement together = prepared(connection, HostTable.PATHS_TOGETHER);
+        PreparedStatement single = prepared(connection, HostTable.PATH.insertion);
+        for (Map.Entry<List<Object>, List<Object[]>> each : paths.entrySet()) {
+            Object[] ends = each.getKey().toArray();
+            List<Object[]> left = each.getValue();
+            while (!left.isEmpty()) {
+                boolean isMany = left.size() >= HostTable.TOGETHER;
+                PreparedStatement statement = isMany ? together : single;
+                int count = isMany ? HostTable.TOGETHER : 1;
                 statement.setLong(1, snapshot);
-                int parameter = bind(statement, 2, HostTable.PATH, alike.get(i), 0, learned);
-                for (Object[] path : alike.subList(i + 1, i + HostTable.TOGETHER)) {
-                    parameter = bind(statement, parameter, HostTable.PATH, path, HostTable.ENDS, learned);
+                int parameter = bind(statement, 2, HostTable.PATH, 0, ends, learned);
+                for (Object[] path : left.subList(0, count)) {
+                    parameter = bind(statement, parameter, HostTable.PATH, ends.length, path, learned);
                 }
                 statement.addBatch();
+                left = left.subList(count, left.size());
             }
-            left.addAll(alike.subList(last, alike.size()));
         }
-        statement.executeBatch();
-        addRows(connection, HostTable.PATH, snapshot, left, learned);
+        together.executeBatch();
+        single.executeBatch();
     }
 
-    /** Has parameters stand for the values of a row from one column on; answers the next parameter. */
-    private int bind(PreparedStatement statement, int first, HostTable table, Object[] row, int column,
+    /** Has parameters stand for values, whose columns begin with that one; answers the next parameter. */
+    private int bind(PreparedStatement statement, int first, HostTable table, int column, Object[] values,
                      Map<String, Stored> learned) throws SQLException {
         int parameter = first;
-        for (int i = column; i < row.length; i++) {
-            statement.setObject(parameter++, i == table.unit && row[i] != null ? id((String) row[i], learned) : row[i]);
+        for (int i = 0; i < values.length; i++) {
+            boolean isUnit = column + i == table.unit && values[i] != null;
+            statement.setObject(parameter++, isUnit ? id((String) values[i], learned) : values[i]);
         }
         return parameter;
     }

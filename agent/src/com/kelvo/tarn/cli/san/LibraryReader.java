@@ -94,18 +94,15 @@ public final class LibraryReader implements HostReader {
 
     /** The far end of paths, which has many of them. */
     private static final class FarEnd {
-        private final String wwn;
-        private final String address;
-        private final int domain;
-        private final String state;
+        private final List<Object[]> paths;
         /** Those at either end of its paths, by fabric and domain. */
         private final List<String> switches;
 
-        private FarEnd(Fabric.RemotePort remote) {
-            wwn = wwn(remote.instance);
-            address = address(remote.instance);
-            domain = domain(remote.instance);
-            state = state(remote.instance);
+        private FarEnd(HostFacts facts, Fabric.RemotePort remote) {
+            int domain = domain(remote.instance);
+            paths = facts.pathsBetween(
+                remote.port.adapter.index, remote.port.index, wwn(remote.instance), LogicalUnit.nodeOf(remote),
+                address(remote.instance), domain, state(remote.instance));
             String fabric = remote.port.fabric();
             switches = fabric.isEmpty() ? List.of()
                 : Stream.of(domain(remote.port.instance), domain).distinct().filter(each -> each != 0)
@@ -116,7 +113,7 @@ public final class LibraryReader implements HostReader {
     /** A volume that several nodes present, or one node under several numbers, is one unit. */
     private static void addUnits(HostFacts facts, Asked asked) {
         Map<Fabric.RemotePort, FarEnd> farEnds = asked.fabric.remotePorts().collect(
-            Collectors.toMap(remote -> remote, FarEnd::new));
+            Collectors.toMap(remote -> remote, remote -> new FarEnd(facts, remote)));
         Map<String, List<LogicalUnit.Path>> online = new LinkedHashMap<>();
         Map<String, String> mounted = new LinkedHashMap<>();
         Map<String, Identity> volumes = asked.identities().stream().filter(each -> each.designator != null)
@@ -131,9 +128,7 @@ public final class LibraryReader implements HostReader {
             unit.mounts.forEach(mountPoint -> mounted.put(mountPoint, identity));
             online.computeIfAbsent(identity, added -> new ArrayList<>()).addAll(unit.online());
             for (LogicalUnit.Path path : unit.paths) {
-                FarEnd far = farEnds.get(path.remote);
-                facts.add(HostTable.PATH, path.adapter, path.port, far.wwn, unit.node, far.address, far.domain,
-                          far.state, identity, unit.lun.longValue(), path.disk);
+                farEnds.get(path.remote).paths.add(new Object[] {identity, unit.lun.longValue(), path.disk});
             }
         }
         online.forEach((identity, paths) -> addReach(facts, identity, paths, farEnds));
@@ -154,11 +149,13 @@ public final class LibraryReader implements HostReader {
         Set<String> arrayPorts = new HashSet<>();
         Map<String, Integer> switches = new TreeMap<>();
         for (LogicalUnit.Path path : paths) {
-            ends.add(path.ends);
+            ends.add(path.ends());
             adapters.add(path.adapter);
             fabrics.add(path.fabric);
             arrayPorts.add(path.far());
-            farEnds.get(path.remote).switches.forEach(name -> switches.merge(name, 1, Integer::sum));
+            for (String name : farEnds.get(path.remote).switches) {
+                switches.merge(name, 1, Integer::sum);
+            }
         }
         List<String> shared = switches.keySet().stream().filter(name -> switches.get(name) == paths.size())
             .collect(Collectors.toList());

@@ -11,7 +11,6 @@ import java.util.concurrent.ArrayBlockingQueue;
 import java.util.concurrent.BlockingQueue;
 import java.util.concurrent.atomic.AtomicLong;
 import java.util.concurrent.atomic.AtomicReference;
-import java.util.function.Predicate;
 
 /** Puts what descriptions tell into a store, on all processors. */
 public final class Load {
@@ -40,6 +39,57 @@ public final class Load {
             this.reason = reason;
         }
     }
+
+    /** A file on its way into the store. Each step tells whether there is another. */
+    private static final class Recording {
+        private final Path path;
+        /** Null once the host has been asked. */
+        private byte[] text;
+        private String digest;
+        private Instant recordedAt;
+        private HostFacts facts;
+
+        private Recording(Path path) {
+            this.path = path;
+        }
+
+        private boolean readText() throws IOException {
+            DescriptionText description = new DescriptionText(path);
+            text = description.text;
+            digest = description.digest();
+            recordedAt = description.writtenAt;
+            return true;
+        }
+
+        private boolean ask(HostReader reader) {
+            facts = reader.read(text, path.toString());
+            if (facts.host.isBlank()) {
+                throw new IllegalArgumentException("it does not tell the host's name");
+            }
+            recordedAt = Objects.requireNonNullElse(facts.recordedAt, recordedAt);
+            text = null;
+            return true;
+        }
+
+        /** Whether that changed anything. */
+        private boolean write(HostWriter writer) {
+            return writer.write(facts, recordedAt, digest);
+        }
+    }
+
+    @FunctionalInterface
+    private interface Step {
+        boolean take(Recording recording) throws IOException;
+    }
+
+    @FunctionalInterface
+    private interface WritingStep {
+        boolean take(Recording recording, HostWriter writer);
+    }
+
+    /** How many files a thread takes at once, and from what size of their texts on it takes no more. */
+    private static final int MOST_TOGETHER = 16;
+    private static final long ENOUGH_TEXT = 1 << 20;
 
     private final Descriptions descriptions;
     private final Observer observer;
@@ -135,18 +185,35 @@ public final class Load {
     private void work(boolean isFirst) {
         try {
             HostReader reader = null;
-            for (Path path = descriptions.next(); path != null && failure.get() == null; path = descriptions.next()) {
+            int most = 1; // at first, so that a few files are shared out among all threads
+            for (List<Recording> taken = take(most); !taken.isEmpty(); taken = take(most)) {
                 if (reader == null) {
                     reader = isFirst ? new LibraryReader() : anotherReader();
                 }
-                load(path, reader);
-                synchronized (this) {
-                    observer.advanced();
-                }
+                load(taken, reader);
+                most = Math.min(MOST_TOGETHER, 2 * most);
             }
         } catch (Throwable failed) {
             failure.compareAndSet(null, failed);
         }
+    }
+
+    /** The next files that can be read; none when there are no more, or it is to end. */
+    private List<Recording> take(int most) {
+        List<Recording> taken = new ArrayList<>();
+        long size = 0;
+        while (taken.size() < most && size < ENOUGH_TEXT && failure.get() == null) {
+            Path path = descriptions.next();
+            if (path == null) {
+                break;
+            }
+            Recording recording = new Recording(path);
+            if (goesOn(recording, Recording::readText)) {
+                taken.add(recording);
+                size += recording.text.length;
+            }
+        }
+        return taken;
     }
 
     private static HostReader anotherReader() {
@@ -158,39 +225,51 @@ public final class Load {
         }
     }
 
-    private void load(Path path, HostReader reader) throws InterruptedException {
-        try {
-            DescriptionText description = new DescriptionText(path);
-            String digest = description.digest();
-            if (writing(writer -> writer.has(digest))) {
-                unchanged.incrementAndGet();
-                return;
-            }
-            HostFacts facts = reader.read(description.text, path.toString());
-            if (facts.host.isBlank()) {
-                throw new IllegalArgumentException("it does not tell the host's name");
-            }
-            Instant recordedAt = facts.recordedAt != null ? facts.recordedAt : description.writtenAt;
-            (writing(writer -> writer.write(facts, recordedAt, digest)) ? loaded : unchanged).incrementAndGet();
-        } catch (IOException failed) {
-            refuse(path.toString(), Reasons.of(failed));
-        } catch (StoreException ended) {
-            throw ended;
-        } catch (RuntimeException unusable) { // whatever a host makes of those who ask it, the others can be asked
-            refuse(path.toString(), Objects.requireNonNullElse(unusable.getMessage(), unusable.toString()));
-        } catch (OutOfMemoryError tooLarge) {
-            refuse(path.toString(), "it is too large for the memory of this virtual machine");
-        }
+    /** Several go through each step, which is done faster where what it needs is still near the processor. */
+    private void load(List<Recording> recordings, HostReader reader) throws InterruptedException {
+        write(recordings, (each, writer) -> !writer.has(each.digest) || leave(unchanged));
+        recordings.removeIf(each -> !goesOn(each, asked -> asked.ask(reader)));
+        write(recordings, (each, writer) -> leave(each.write(writer) ? loaded : unchanged));
     }
 
-    /** What comes of work with a writer, which no other thread has meanwhile. */
-    private boolean writing(Predicate<HostWriter> work) throws InterruptedException {
+    private static boolean leave(AtomicLong counted) {
+        counted.incrementAndGet();
+        return false;
+    }
+
+    /** Takes them through a step that needs a writer, which no other thread has meanwhile. */
+    private void write(List<Recording> recordings, WritingStep step) throws InterruptedException {
+        if (recordings.isEmpty()) {
+            return;
+        }
         HostWriter writer = writers.take();
         try {
-            return work.test(writer);
+            recordings.removeIf(each -> !goesOn(each, taken -> step.take(taken, writer)));
         } finally {
             writers.add(writer);
         }
+    }
+
+    /** Takes one through a step: whether there are others for it. */
+    private boolean goesOn(Recording recording, Step step) {
+        boolean goesOn = false;
+        try {
+            goesOn = step.take(recording);
+        } catch (IOException failed) {
+            refuse(recording.path.toString(), Reasons.of(failed));
+        } catch (StoreException ended) {
+            throw ended;
+        } catch (RuntimeException unusable) { // whatever a host makes of those who ask it, the others can be asked
+            refuse(recording.path.toString(), Objects.requireNonNullElse(unusable.getMessage(), unusable.toString()));
+        } catch (OutOfMemoryError tooLarge) {
+            refuse(recording.path.toString(), "it is too large for the memory of this virtual machine");
+        }
+        if (!goesOn) {
+            synchronized (this) {
+                observer.advanced();
+            }
+        }
+        return goesOn;
     }
 
     private synchronized void refuse(String file, String reason) {
