@@ -131,6 +131,9 @@ class Stores:
         os.utime(undated, (1893456000, 1893456000))
         self.assertEqual(self.load("--keep", "1", undated), (1, 0, []))
         self.assertEqual(self.snapshots(), ["2030-01-01T00:00:00Z|latest"])
+        self.store = self.new_store()
+        copies = [shutil.copy(undated, self.folder / f"copy-{number}.json") for number in range(6)]  # of another time
+        self.assertEqual(self.load(undated, *copies), (1, 6, []))
 
     def test_what_cannot_be_used_is_a_line_and_the_rest_is_loaded(self):
         good = self.write("below/deep/good.json", recordedAt="2026-01-01T11:00:00Z")

@@ -21,7 +21,7 @@ final class HostWriter implements AutoCloseable {
     /** How many units are asked for in one query. */
     private static final int UNITS_ASKED = 64;
 
-    private static final String SNAPSHOTS = "SELECT recorded_at, digest FROM snapshot WHERE host_id = ?"
+    private static final String SNAPSHOTS = "SELECT recorded_at FROM snapshot WHERE host_id = ?"
         + " ORDER BY recorded_at DESC";
 
     /** A unit as it is in the store. */
@@ -66,12 +66,13 @@ final class HostWriter implements AutoCloseable {
 
     /** Whether a recording of that digest is in the store. */
     boolean has(String digest) {
-        return store.work(connection -> {
-            try (ResultSet rows = bound(connection, "SELECT id FROM snapshot WHERE digest = ?", digest)
-                .executeQuery()) {
-                return rows.next();
-            }
-        });
+        return store.work(connection -> has(connection, digest));
+    }
+
+    private boolean has(Connection connection, String digest) throws SQLException {
+        try (ResultSet rows = bound(connection, "SELECT id FROM snapshot WHERE digest = ?", digest).executeQuery()) {
+            return rows.next();
+        }
     }
 
     /**
@@ -92,6 +93,9 @@ final class HostWriter implements AutoCloseable {
                         Map<String, Stored> learned) throws SQLException {
         long host = number(connection, "INSERT INTO host (name, platform) VALUES (?, ?) ON CONFLICT (name)"
                            + " DO UPDATE SET name = excluded.name RETURNING id", facts.host, facts.platform);
+        if (has(connection, digest)) { // since it was asked for: from here on nobody else adds recordings of this host
+            return false;
+        }
         int newer = 0;
         boolean hasOlder = false;
         try (ResultSet rows = bound(connection, SNAPSHOTS, host).executeQuery()) {
@@ -100,8 +104,6 @@ final class HostWriter implements AutoCloseable {
                     hasOlder = true;
                 } else if (!rows.getString(1).equals(recordedAt)) {
                     newer++;
-                } else if (rows.getString(2).equals(digest)) {
-                    return false;
                 } else {
                     throw new IllegalArgumentException(
                         "another recording of " + facts.host + " at " + recordedAt + " is in the store");
