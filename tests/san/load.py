@@ -28,7 +28,7 @@ import verdict
 PACKAGES = sys.argv.pop()
 TARN = sys.argv.pop()
 ROOT = Path(__file__).parents[2]
-HOSTS, PATHS = 120, 32
+HOSTS, PATHS = 240, 32
 KILLS = 10  # of each store
 NOW = datetime.now(timezone.utc).replace(microsecond=0)
 SERVER = None
@@ -229,7 +229,7 @@ class Stores:
         for _ in range(KILLS):
             self.store = self.new_store()
             process = self.start()
-            self.until_it_holds(random.randrange(1, HOSTS * 3 // 4), process)
+            self.until_it_holds(random.randrange(1, HOSTS // 2), process)
             process.kill()
             process.communicate()
             there = set(self.ask(HOST_OF_SNAPSHOTS))
