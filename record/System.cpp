@@ -32,7 +32,7 @@ std::optional<std::string> systemText(int command) {
     return text;
 }
 
-std::string now() {
+std::string utcNow() {
     const std::time_t time = std::time(nullptr);
     std::tm utc{};
     gmtime_r(&time, &utc);
@@ -44,7 +44,7 @@ std::string now() {
 } // namespace
 
 void recordSystem(description::Host &host, Report &report) {
-    host.recordedAt = now();
+    host.recordedAt = utcNow();
     for (const auto &[name, command] : description::sysinfoCommands) {
         if (std::optional<std::string> text = systemText(command)) {
             host.sysinfo[command] = *std::move(text);

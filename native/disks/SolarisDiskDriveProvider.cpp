@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view deviceTree = "/devices/";
 constexpr std::size_t diskTypeLimit = 128;  // characters
 constexpr std::size_t linkTextLimit = 1023; // characters
-constexpr jint frameCapacity = 70;
+constexpr jint driveFrameCapacity = 70;
 
 } // namespace
 
@@ -89,7 +89,7 @@ jstring DiskDriveImpl::readDeviceIdentifier(const char *path) {
 jobject DiskDriveImpl::MakeDisk1(const char *name, const char *diskType, jstring deviceId, long long heads,
                                  long long sectors, long long physicalCylinders, long long dataCylinders,
                                  long long alternateCylinders) {
-    LocalFrame frame(env, frameCapacity, LocalFrame::Refusal::isFailure);
+    LocalFrame frame(env, driveFrameCapacity, LocalFrame::Refusal::isFailure);
     const jstring nameString = newStringOrNull(env, name);
     const jstring typeString = newStringOrNull(env, diskType);
     return frame.keep(providerObject.makeDisk1(nameString, typeString, deviceId, heads, sectors, physicalCylinders,

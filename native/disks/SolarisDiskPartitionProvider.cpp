@@ -6,7 +6,7 @@
 namespace tarn {
 namespace {
 
-constexpr jint frameCapacity = 50;
+constexpr jint partitionFrameCapacity = 50;
 
 } // namespace
 
@@ -66,7 +66,7 @@ jobject DiskPartitionImpl::MakePartition(const char *entryName) {
 
 jobject DiskPartitionImpl::MakePartition1(const char *name, const char *diskName, int partition, long size, int tag,
                                           int flag, bool mounted) {
-    LocalFrame frame(env, frameCapacity, LocalFrame::Refusal::isFailure);
+    LocalFrame frame(env, partitionFrameCapacity, LocalFrame::Refusal::isFailure);
     const jstring nameString = newStringOrNull(env, name);
     const jstring diskNameString = newStringOrNull(env, diskName);
     return frame.keep(providerObject.makePartition1(nameString, diskNameString, partition, static_cast<jint>(size),

@@ -49,7 +49,7 @@ struct Library {
 
 std::mutex libraryMutex;
 std::optional<Library> library;
-constexpr std::size_t nameSize = 256; // of the buffer for an adapter's name
+constexpr std::size_t nameBufferSize = 256; // of the buffer for an adapter's name
 HBA_HANDLE lastHandle = 0;            // over every load, so that a stale handle stays one
 
 /// The adapter's name as the journal shows it.
@@ -229,7 +229,7 @@ HBA_STATUS HBA_GetAdapterName(HBA_UINT32 index, char *name) {
             }
             const HBA_STATUS status = library->nextAnswer(adapter->status.GetAdapterName);
             if (leavesDirt()) {
-                std::memset(name, dirt, nameSize);
+                std::memset(name, dirt, nameBufferSize);
             }
             if (status == HBA_STATUS_OK) {
                 std::memcpy(name, adapter->name.c_str(), adapter->name.size() + 1);

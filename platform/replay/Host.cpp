@@ -19,7 +19,7 @@ namespace replay {
 namespace {
 
 std::mutex hostMutex;
-std::shared_ptr<const Host> host; // null until first use
+std::shared_ptr<const Host> current; // null until first use
 bool firstHostIsUsable = true;
 
 /// A host that cannot be read leaves one on which every facility is absent: the program is told, and goes on.
@@ -93,15 +93,15 @@ int failureOf(const Disk &disk, std::string_view call, int openFlags) {
 
 std::shared_ptr<const Host> currentHost() {
     const std::lock_guard lock(hostMutex);
-    if (host == nullptr) {
-        host = firstHost();
+    if (current == nullptr) {
+        current = firstHost();
     }
-    return host;
+    return current;
 }
 
 void makeCurrent(std::shared_ptr<const Host> loaded) {
     const std::lock_guard lock(hostMutex);
-    host.swap(loaded); // the old one goes away after the lock
+    current.swap(loaded); // the old one goes away after the lock
 }
 
 } // namespace replay

@@ -35,8 +35,8 @@ using Crypt = char *(*)(const char *, const char *);
 /// The build machine's own function, when it has one. Its result stands in storage that all threads share.
 Crypt machineCrypt() {
     static const Crypt function = [] {
-        void *library = dlopen("libcrypt.so.1", RTLD_NOW);
-        return library == nullptr ? nullptr : reinterpret_cast<Crypt>(dlsym(library, "crypt"));
+        void *crypts = dlopen("libcrypt.so.1", RTLD_NOW);
+        return crypts == nullptr ? nullptr : reinterpret_cast<Crypt>(dlsym(crypts, "crypt"));
     }();
     return function;
 }

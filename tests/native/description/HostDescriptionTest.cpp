@@ -158,12 +158,12 @@ TEST(HostDescription, APipeIsReadAsFarAsItAnswers) {
     std::remove(path.c_str());
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     EXPECT_EQ(fileRefusal(path, 0), path + ": nothing came for 0 seconds");
-    const auto write = [&](std::string_view first, std::string_view second) {
-        return std::thread([&path, first, second] {
+    const auto write = [&](std::string_view early, std::string_view late) {
+        return std::thread([&path, early, late] {
             std::ofstream pipe(path);
-            pipe << first << std::flush;
+            pipe << early << std::flush;
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            pipe << second;
+            pipe << late;
         });
     };
     std::thread writer = write(R"({"sysconf": {"_SC_PHYS)", R"(_PAGES": 77}})");
