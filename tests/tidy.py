@@ -1,5 +1,7 @@
-"""Runs clang-tidy on files. Those of a folder are read as one, as the build tree has them in a unit, since what they include
-takes the time; what has passed before, with all that it includes, is not read again: python3 tests/tidy.py BUILD-TREE FILE..."""
+"""Runs clang-tidy on files: python3 tests/tidy.py BUILD-TREE FILE...
+
+Those of a folder are read as one, as the build tree has them in a unit, since what they include takes time. What has passed
+before, with all that it includes, is not read again."""
 
 import hashlib
 import json
@@ -37,8 +39,8 @@ def tidy(files, command):
         passed = build / "tidy" / state.hexdigest()
         if passed.exists():
             return ""
-        done = run("clang-tidy", f"--config-file={ROOT}/.clang-tidy", "--quiet", "--warnings-as-errors=*", unit.name, "--",
-                   *command[1:])
+        done = run("clang-tidy", f"--config-file={ROOT}/.clang-tidy", "--quiet", "--warnings-as-errors=*", unit.name,
+                   "--", *command[1:])
         if done.returncode == 0:
             passed.parent.mkdir(exist_ok=True)
             passed.touch()

@@ -50,7 +50,7 @@ struct Library {
 std::mutex libraryMutex;
 std::optional<Library> library;
 constexpr std::size_t nameBufferSize = 256; // of the buffer for an adapter's name
-HBA_HANDLE lastHandle = 0;            // over every load, so that a stale handle stays one
+HBA_HANDLE lastHandle = 0;                  // over every load, so that a stale handle stays one
 
 /// The adapter's name as the journal shows it.
 std::string nameOf(HBA_HANDLE handle) {
