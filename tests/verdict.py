@@ -8,7 +8,7 @@ def report(result):
     """Prints what was not run and why, then the counts; answers the exit status."""
     for test, reason in result.skipped:
         print(f"skipped: {test.id().split('.')[-1]}: {reason}")
-    failed = len({str(test).split(" (")[0] for test, _ in result.failures + result.errors})
+    failed = len({test.id().partition(" ")[0] for test, _ in result.failures + result.errors})
     skipped = len(result.skipped)
     print(f"{result.testsRun - failed - skipped} passed, {failed} failed" + f", {skipped} skipped" * bool(skipped))
     return 1 if failed else 0

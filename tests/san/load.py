@@ -49,12 +49,11 @@ SELECT 'mount', h.name, s.recorded_at, m.mount_point, m.disk, u.identity, m.tota
 SELECT 'finding', h.name, s.recorded_at, f.severity, f.code, f.subject
     FROM finding f JOIN snapshot s ON s.id = f.snapshot_id JOIN host h ON h.id = s.host_id;
 SELECT 'reach', h.name, s.recorded_at, u.identity, r.paths, r.adapters, r.fabrics, r.switches, r.array_ports,
-    r.one_fabric, r.one_switch, r.second_switch, r.one_array_port, r.size_bytes
+    r.one_fabric, r.one_switch, r.second_switch, r.one_array_port, r.nodes, r.size_bytes
     FROM reach r JOIN snapshot s ON s.id = r.snapshot_id JOIN host h ON h.id = s.host_id
     JOIN unit u ON u.id = r.unit_id;
 SELECT 'sight', h.name, s.recorded_at, g.fabric, g.remote_wwn, g.remote_node, g.initiators, g.units
     FROM sight g JOIN snapshot s ON s.id = g.snapshot_id JOIN host h ON h.id = s.host_id;
-SELECT 'node', u.identity, n.node FROM unit_node n JOIN unit u ON u.id = n.unit_id;
 """
 HOST_OF_SNAPSHOTS = "SELECT h.name FROM snapshot s JOIN host h ON h.id = s.host_id"
 
@@ -126,11 +125,20 @@ class Stores:
         latest = self.write("latest.json", recordedAt="2026-01-01T14:00:00Z")
         self.assertEqual(self.load("--keep", "2", latest, earlier), (1, 1, []))
         self.assertEqual(self.snapshots(), ["2026-01-01T13:00:00Z|", "2026-01-01T14:00:00Z|latest"])
+        outdated = self.folder / "outdated.json"  # which is known without asking the host
+        outdated.write_text(earlier.read_text()[:-9])
+        self.assertEqual(self.load("--keep", "2", outdated), (0, 1, []))
+        self.assertEqual(self.load(outdated, status=1)[:2], (0, 0))
+        self.assertEqual(self.load("--keep", "1", latest), (0, 1, []))
+        self.assertEqual(self.snapshots(), ["2026-01-01T14:00:00Z|latest"])
         undated = self.write("undated.json")
         undated.write_text(json.dumps({key: value for key, value in self.one.items() if key != "recordedAt"}))
-        os.utime(undated, (1893456000, 1893456000))
+        os.utime(undated, (4070908800, 4070908800))
+        self.assertEqual(self.load(undated, status=1), (0, 0, [
+            f"tarn: {undated}: it was recorded in the future, at 2099-01-01T00:00:00Z"]))
+        os.utime(undated, (1772323200, 1772323200))
         self.assertEqual(self.load("--keep", "1", undated), (1, 0, []))
-        self.assertEqual(self.snapshots(), ["2030-01-01T00:00:00Z|latest"])
+        self.assertEqual(self.snapshots(), ["2026-03-01T00:00:00Z|latest"])
         self.store = self.new_store()
         copies = [shutil.copy(undated, self.folder / f"copy-{number}.json") for number in range(6)]  # of another time
         self.assertEqual(self.load(undated, *copies), (1, 6, []))
@@ -205,7 +213,7 @@ class Stores:
         return sorted(self.ask(CONTENT, store))
 
     def hosts_of(self, lines, names):
-        return [line for line in lines if line.split("|")[1] in names and not line.startswith("node|")]
+        return [line for line in lines if line.split("|")[1] in names]
 
     def start(self):
         return subprocess.Popen(self.arguments(self.hosts), env=self.environment(), stdout=subprocess.DEVNULL,
@@ -278,8 +286,10 @@ class Sqlite(Stores, unittest.TestCase):
         self.assertEqual(self.load(self.hosts, store=self.folder, status=2),
                          [f"tarn: {self.folder}: it is a folder, no SQLite database"])
         nowhere = self.folder / "nowhere" / "network.db"
-        self.assertEqual(self.load(self.hosts, store=nowhere, status=2), [f"tarn: {nowhere}: it cannot be opened"])
+        self.assertEqual(self.load(self.hosts, store=nowhere, status=2),
+                         [f"tarn: {nowhere}: there is no folder {nowhere.parent}"])
         self.load(self.write())
+        self.assertEqual(self.store.stat().st_mode & 0o777, 0o600)
         with closing(sqlite3.connect(self.store)) as other:
             other.execute("BEGIN EXCLUSIVE")
             self.assertEqual(self.load(self.hosts, status=2), [f"tarn: {self.store}: another program keeps it locked"])

@@ -192,6 +192,16 @@ class Network:
     def do_hide(self, host, unit, *ports):
         self.hosts[host].sees[unit] -= set(ports or self.hosts[host].sees[unit])
 
+    def do_migrate(self, units, array):
+        """To another array, which presents them under the same identities, at its ports of the same numbers."""
+        for key, unit in self.units.items():
+            if fnmatchcase(key, units):
+                for seen in [host.sees[key] for host in self.hosts.values() if key in host.sees]:
+                    ports = {f"{array}.{port.partition('.')[2]}" for port in seen}
+                    seen.clear()
+                    seen |= ports
+                unit.array, unit.node = array, self.arrays[array].node
+
     def do_show(self, host, unit):
         """Through the ports of its array that the host has other units from."""
         sees = self.hosts[host].sees

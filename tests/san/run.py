@@ -79,6 +79,9 @@ CHANGES = [
     ("unit", "appeared", "paths", None, 2, {"db2/1": "db3"}),
     ("unit", "vanished", "paths", 3, None, {"db3/1": "db3"})]
 
+# What was moved to another array is not missed at the one before, which some of its hosts still use.
+MOVING = "; ".join(BEFORE.strip().splitlines()) + "; array new naa A.1 A.2 B.3"
+
 
 class San(unittest.TestCase):
     maxDiff = None
@@ -170,6 +173,18 @@ class San(unittest.TestCase):
         self.san("load", folder, store=store)
         self.assertEqual([each["subject"] for each in self.check(store=store, status=1)[0]
                           if each["code"] == "duplicate-host"], sorted(turns for turns in found if found[turns]))
+
+    def test_an_array_that_presented_a_unit_before_is_not_missed(self):
+        store = self.folder / "moved.db"
+        for hours, moved in (2, ""), (1, "migrate db/* new; migrate db3/* new"):
+            folder = self.folder / f"moved{hours}"
+            network.write(network.Network(f"{MOVING}; {moved}; {'; '.join(f'age db{i} {hours}' for i in (1, 2, 3))}"),
+                          folder)
+            self.san("load", folder / "hosts", store=store)
+            self.assertEqual(self.check(status=0, store=store), ([], 0))
+        with sqlite3.connect(store) as database:
+            self.assertEqual(database.execute("SELECT COUNT(*) FROM snapshot").fetchall(), [(6,)])
+            self.assertEqual(database.execute("SELECT * FROM zoning_gap").fetchall(), [])
 
     def test_check_is_a_plugin_and_keeps_to_itself_what_it_is_told_to(self):
         ignored = self.folder / "ignored"

@@ -57,13 +57,6 @@ CREATE TABLE unit (
     size_bytes BIGINT
 );
 
--- The nodes, which are arrays or their controllers, that present a unit.
-CREATE TABLE unit_node (
-    unit_id BIGINT NOT NULL REFERENCES unit (id) ON DELETE CASCADE,
-    node TEXT NOT NULL,
-    PRIMARY KEY (unit_id, node)
-);
-
 CREATE TABLE path (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
     adapter INTEGER NOT NULL,
@@ -99,7 +92,8 @@ CREATE INDEX finding_snapshot ON finding (snapshot_id);
 
 -- The paths of a host to a unit, summed up: those that are online, each pair of ports once, and what they go through.
 -- A switch counts at either end. What all of them share is named, a switch by its fabric and its domain ("FABRIC/1"),
--- and else null; they may share a switch at either end. The size is the host's own.
+-- and else null; they may share a switch at either end. The nodes, which are arrays or their controllers, are those that
+-- present the unit to the host, over whichever paths, with blanks between them. The size is the host's own.
 CREATE TABLE reach (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
     unit_id BIGINT NOT NULL REFERENCES unit (id),
@@ -112,6 +106,7 @@ CREATE TABLE reach (
     one_switch TEXT,
     second_switch TEXT,
     one_array_port TEXT,
+    nodes TEXT NOT NULL,
     size_bytes BIGINT,
     PRIMARY KEY (snapshot_id, unit_id)
 );
@@ -171,6 +166,16 @@ SELECT r.unit_id, u.identity, COUNT(*) AS hosts
 FROM latest_snapshot s JOIN reach r ON r.snapshot_id = s.snapshot_id JOIN unit u ON u.id = r.unit_id
 GROUP BY r.unit_id, u.identity
 HAVING COUNT(*) > 1;
+
+-- The nodes that present a unit to any host.
+CREATE VIEW unit_node AS
+WITH RECURSIVE split (unit_id, node, others) AS (
+    SELECT r.unit_id, SUBSTR(r.nodes, 1, 16), SUBSTR(r.nodes, 18)
+    FROM latest_snapshot s JOIN reach r ON r.snapshot_id = s.snapshot_id WHERE r.nodes <> ''
+    UNION
+    SELECT unit_id, SUBSTR(others, 1, 16), SUBSTR(others, 18) FROM split WHERE others <> ''
+)
+SELECT DISTINCT unit_id, node FROM split;
 
 -- The ports that at least two hosts see which share a unit of that node with this one, and which it does not see on a
 -- fabric where it has a port online.

@@ -58,7 +58,7 @@ public final class BadUsage implements IParameterExceptionHandler {
         }
         String given = exception.getUnmatched().get(0);
         String what = exception.isUnknownOption() ? "unknown option"
-            : command.getParent() == null ? "unknown command" : "surplus argument";
+            : command.getSubcommands().isEmpty() ? "surplus argument" : "unknown command";
         return what + " '" + (exception.isUnknownOption() ? given.replaceFirst("=.*", "") : given) + "'"
             + exception.getSuggestions().stream().filter(known -> known.charAt(0) == given.charAt(0)).findFirst()
                 .map(known -> " (did you mean " + known + "?)").orElse("");

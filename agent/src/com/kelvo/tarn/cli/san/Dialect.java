@@ -3,12 +3,24 @@ package com.kelvo.tarn.cli.san;
 import java.sql.Connection;
 import java.sql.SQLException;
 import java.sql.Statement;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
 
 /** What sets one database system apart from another. */
 abstract class Dialect {
+    private static final Pattern URL = Pattern.compile("((?:jdbc:)?[a-z][a-z0-9+.-]*:)//.*", Pattern.DOTALL);
+
     /** The dialect of a store by the name that the user gives it: a URL of PostgreSQL, or else a file of SQLite. */
     static Dialect of(String store) {
-        return Postgresql.isMeantBy(store) ? new Postgresql(store) : new Sqlite(store);
+        if (Postgresql.isMeantBy(store)) {
+            return new Postgresql(store);
+        }
+        Matcher url = URL.matcher(store);
+        if (url.matches()) { // it may tell a password
+            throw new StoreException(url.group(1) + "//...: a store is a file of SQLite or the URL of a database of "
+                                     + "PostgreSQL, postgresql://SERVER/DATABASE", null);
+        }
+        return new Sqlite(store);
     }
 
     /** What messages call the store; never with a password. */

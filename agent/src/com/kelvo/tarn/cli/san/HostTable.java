@@ -21,7 +21,7 @@ public enum HostTable {
     FINDING("severity", "code", "subject"),
     /** How each unit is reached over online paths. */
     REACH("unit_id", "paths", "adapters", "fabrics", "switches", "array_ports", "one_fabric", "one_switch",
-          "second_switch", "one_array_port", "size_bytes"),
+          "second_switch", "one_array_port", "nodes", "size_bytes"),
     /** The array ports that are seen, by fabric. */
     SIGHT("fabric", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state", "initiators",
           "units");

@@ -23,6 +23,9 @@ final class HostWriter implements AutoCloseable {
 
     private static final String SNAPSHOTS = "SELECT recorded_at FROM snapshot WHERE host_id = ?"
         + " ORDER BY recorded_at DESC";
+    private static final String NEWER = "SELECT COUNT(*) FROM snapshot s JOIN host h ON h.id = s.host_id"
+        + " WHERE h.name = ? AND s.recorded_at > ?";
+    private static final String TOO_MANY = "SELECT host_id FROM snapshot GROUP BY host_id HAVING COUNT(*) > ?";
 
     /** A unit as it is in the store. */
     private static final class Stored {
@@ -37,7 +40,7 @@ final class HostWriter implements AutoCloseable {
         /** Whether there is nothing to learn about it from another host. */
         private boolean knows(HostFacts.Unit told) {
             return knows(unit.vendor, told.vendor) && knows(unit.product, told.product)
-                && knows(unit.sizeBytes, told.sizeBytes) && unit.nodes.containsAll(told.nodes);
+                && knows(unit.sizeBytes, told.sizeBytes);
         }
 
         private static boolean knows(Object stored, Object told) {
@@ -75,6 +78,16 @@ final class HostWriter implements AutoCloseable {
         }
     }
 
+    /** Whether earlier recordings of a host are removed once there are enough. */
+    boolean prunes() {
+        return keep > 0;
+    }
+
+    /** Whether there are: one of that host and time would not be kept. */
+    boolean hasEnoughLater(String host, Instant recordedAt) {
+        return store.work(connection -> number(connection, NEWER, host, stored(recordedAt))) >= keep;
+    }
+
     /**
      * Stores a host. Answers whether that changed anything: the same recording, and one that is older than all that are
      * kept, does not.
@@ -83,10 +96,50 @@ final class HostWriter implements AutoCloseable {
      */
     boolean write(HostFacts facts, Instant recordedAt, String digest) {
         Map<String, Stored> learned = new TreeMap<>();
-        boolean added = store.transaction(connection -> add(
-            connection, facts, recordedAt.truncatedTo(ChronoUnit.SECONDS).toString(), digest, learned));
-        units.putAll(learned);
-        return added;
+        boolean isDone = false;
+        try {
+            boolean added = store.transaction(
+                connection -> add(connection, facts, stored(recordedAt), digest, learned));
+            isDone = true;
+            units.putAll(learned);
+            return added;
+        } finally {
+            if (!isDone) {
+                forgetRows();
+            }
+        }
+    }
+
+    /** Rows of a host that failed before they were written must not go with the next one's. */
+    private void forgetRows() {
+        for (PreparedStatement each : statements.values()) {
+            try {
+                each.clearBatch();
+            } catch (SQLException gone) {
+                // what failed before tells more, and there is no next host
+            }
+        }
+    }
+
+    /** Removes what is not to be kept of any host, each in a transaction of its own. */
+    void prune() {
+        if (prunes()) {
+            List<Long> hosts = store.query(TOO_MANY, row -> row.getLong(1), keep);
+            for (long host : hosts) {
+                store.transaction(connection -> prune(connection, host));
+            }
+        }
+    }
+
+    private int prune(Connection connection, long host) throws SQLException {
+        return execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at)"
+                       + " FROM (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?)"
+                       + " AS kept)",
+                       host, host, keep);
+    }
+
+    private static String stored(Instant time) {
+        return time.truncatedTo(ChronoUnit.SECONDS).toString();
     }
 
     private boolean add(Connection connection, HostFacts facts, String recordedAt, String digest,
@@ -126,10 +179,7 @@ final class HostWriter implements AutoCloseable {
         }
         addPaths(connection, snapshot, facts.paths, learned);
         if (keep > 0) {
-            execute(connection, "DELETE FROM snapshot WHERE host_id = ? AND recorded_at < (SELECT MIN(recorded_at)"
-                    + " FROM (SELECT recorded_at FROM snapshot WHERE host_id = ? ORDER BY recorded_at DESC LIMIT ?)"
-                    + " AS kept)",
-                    host, host, keep);
+            prune(connection, host);
         }
         return true;
     }
@@ -214,16 +264,9 @@ final class HostWriter implements AutoCloseable {
         PreparedStatement update = prepared(
             connection, "UPDATE unit SET vendor = COALESCE(?, vendor), product = COALESCE(?, product),"
             + " size_bytes = COALESCE(?, size_bytes) WHERE id = ?");
-        PreparedStatement node = prepared(
-            connection, "INSERT INTO unit_node (unit_id, node) VALUES (?, ?) ON CONFLICT (unit_id, node) DO NOTHING");
         for (Map.Entry<String, HostFacts.Unit> each : asked.entrySet()) {
             HostFacts.Unit unit = each.getValue();
             Stored stored = learned.get(each.getKey());
-            for (String name : unit.nodes) {
-                Store.bind(node, stored.id, name);
-                node.addBatch();
-            }
-            stored.unit.nodes.addAll(unit.nodes);
             if (!stored.knows(unit)) {
                 Store.bind(update, unit.vendor, unit.product, unit.sizeBytes, stored.id);
                 update.addBatch();
@@ -231,15 +274,12 @@ final class HostWriter implements AutoCloseable {
             }
         }
         update.executeBatch();
-        node.executeBatch();
     }
 
     private static HostFacts.Unit merged(HostFacts.Unit stored, HostFacts.Unit told) {
-        HostFacts.Unit merged = new HostFacts.Unit(
+        return new HostFacts.Unit(
             stored.byAddress, either(told.vendor, stored.vendor), either(told.product, stored.product),
             either(told.sizeBytes, stored.sizeBytes));
-        merged.nodes.addAll(stored.nodes);
-        return merged;
     }
 
     private static <T> T either(T first, T second) {
@@ -280,8 +320,8 @@ final class HostWriter implements AutoCloseable {
         return statement;
     }
 
-    private void execute(Connection connection, String sql, Object... values) throws SQLException {
-        bound(connection, sql, values).executeUpdate();
+    private int execute(Connection connection, String sql, Object... values) throws SQLException {
+        return bound(connection, sql, values).executeUpdate();
     }
 
     /** The number that the statement answers with. */

@@ -121,10 +121,13 @@ public final class LibraryReader implements HostReader {
         for (LogicalUnit unit : asked.paths.units) {
             Identity volume = volumes.get(unit.designator);
             String identity = volume == null ? unit.place() : volume.designator;
-            facts.units.computeIfAbsent(identity, added -> volume == null
+            Set<String> nodes = facts.units.computeIfAbsent(identity, added -> volume == null
                 ? new HostFacts.Unit(true, null, null, unit.sizeBytes)
                 : new HostFacts.Unit(false, volume.vendor, volume.product,
-                                     unit.sizeBytes == null ? volume.sizeBytes : unit.sizeBytes)).nodes.add(unit.node);
+                                     unit.sizeBytes == null ? volume.sizeBytes : unit.sizeBytes)).nodes;
+            if (!unit.node.isEmpty()) {
+                nodes.add(unit.node);
+            }
             unit.mounts.forEach(mountPoint -> mounted.put(mountPoint, identity));
             online.computeIfAbsent(identity, added -> new ArrayList<>()).addAll(unit.online());
             for (LogicalUnit.Path path : unit.paths) {
@@ -160,11 +163,12 @@ public final class LibraryReader implements HostReader {
         List<String> shared = switches.keySet().stream().filter(name -> switches.get(name) == paths.size())
             .collect(Collectors.toList());
         String oneFabric = only(fabrics);
+        HostFacts.Unit unit = facts.units.get(identity);
         facts.add(HostTable.REACH, identity, ends.size(), adapters.size(),
                   fabrics.size() - (fabrics.contains("") ? 1 : 0), switches.size(), arrayPorts.size(),
                   "".equals(oneFabric) ? null : oneFabric,
                   shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts),
-                  facts.units.get(identity).sizeBytes);
+                  String.join(" ", unit.nodes), unit.sizeBytes);
     }
 
     private static String only(Set<String> names) {

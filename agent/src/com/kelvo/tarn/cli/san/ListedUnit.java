@@ -69,8 +69,8 @@ public final class ListedUnit {
         String units = "WITH wanted AS (SELECT r.unit_id, COUNT(*) AS hosts, MIN(r.paths) AS paths_min"
             + " FROM latest_snapshot s JOIN reach r ON r.snapshot_id = s.snapshot_id GROUP BY r.unit_id HAVING "
             + wanted.sql() + ") SELECT u.identity, u.by_address, u.vendor, u.product, u.size_bytes, w.hosts,"
-            + " w.paths_min, n.node FROM wanted w JOIN unit u ON u.id = w.unit_id JOIN unit_node n ON n.unit_id = u.id"
-            + " ORDER BY u.identity, n.node";
+            + " w.paths_min, n.node FROM wanted w JOIN unit u ON u.id = w.unit_id"
+            + " LEFT JOIN unit_node n ON n.unit_id = u.id ORDER BY u.identity, n.node";
         Map<String, ListedUnit> found = new LinkedHashMap<>();
         store.query(units, row -> {
             ListedUnit unit = found.get(row.getString("identity"));
@@ -78,7 +78,8 @@ public final class ListedUnit {
                 unit = new ListedUnit(row);
                 found.put(unit.unit, unit);
             }
-            return unit.arrays.add(row.getString("node"));
+            String node = row.getString("node");
+            return node != null && unit.arrays.add(node);
         }, wanted.values());
         return new ArrayList<>(found.values());
     }

@@ -3,6 +3,7 @@ package com.kelvo.tarn.cli.san;
 import com.kelvo.tarn.cli.output.Reasons;
 import java.io.IOException;
 import java.nio.file.Path;
+import java.time.Duration;
 import java.time.Instant;
 import java.util.ArrayList;
 import java.util.List;
@@ -61,12 +62,28 @@ public final class Load {
             return true;
         }
 
+        /** Whether the host has to be asked, which takes much longer than to find that out. */
+        private boolean isNews(HostWriter writer) {
+            if (writer.has(digest)) {
+                return false;
+            }
+            if (!writer.prunes()) {
+                return true;
+            }
+            Origin origin = new Origin(text);
+            return origin.host == null
+                || !writer.hasEnoughLater(origin.host, Objects.requireNonNullElse(origin.recordedAt, recordedAt));
+        }
+
         private boolean ask(HostReader reader) {
             facts = reader.read(text, path.toString());
             if (facts.host.isBlank()) {
                 throw new IllegalArgumentException("it does not tell the host's name");
             }
             recordedAt = Objects.requireNonNullElse(facts.recordedAt, recordedAt);
+            if (recordedAt.isAfter(Instant.now().plus(MOST_AHEAD))) { // nothing would be later, until that time
+                throw new IllegalArgumentException("it was recorded in the future, at " + recordedAt);
+            }
             text = null;
             return true;
         }
@@ -90,6 +107,8 @@ public final class Load {
     /** How many files a thread takes at once, and from what size of their texts on it takes no more. */
     private static final int MOST_TOGETHER = 16;
     private static final long ENOUGH_TEXT = 1 << 20;
+    /** How far a host's clock may be ahead of this machine's. */
+    private static final Duration MOST_AHEAD = Duration.ofDays(1);
 
     private final Descriptions descriptions;
     private final Observer observer;
@@ -137,6 +156,7 @@ public final class Load {
                     load.writers.add(new HostWriter(store.again(), keep));
                 }
                 load.run(processors);
+                load.writers.element().prune();
             } finally {
                 load.writers.forEach(HostWriter::close);
             }
@@ -227,7 +247,7 @@ public final class Load {
 
     /** Several go through each step, which is done faster where what it needs is still near the processor. */
     private void load(List<Recording> recordings, HostReader reader) throws InterruptedException {
-        write(recordings, (each, writer) -> !writer.has(each.digest) || leave(unchanged));
+        write(recordings, (each, writer) -> each.isNews(writer) || leave(unchanged));
         recordings.removeIf(each -> !goesOn(each, asked -> asked.ask(reader)));
         write(recordings, (each, writer) -> leave(each.write(writer) ? loaded : unchanged));
     }
@@ -244,7 +264,7 @@ public final class Load {
         }
         HostWriter writer = writers.take();
         try {
-            recordings.removeIf(each -> !goesOn(each, taken -> step.take(taken, writer)));
+            recordings.removeIf(each -> failure.get() != null || !goesOn(each, taken -> step.take(taken, writer)));
         } finally {
             writers.add(writer);
         }

@@ -147,17 +147,20 @@ final class Network {
     }
 
     private void readArrayPorts() {
-        each("SELECT node, " + store.joined("unit_id") + " FROM unit_node GROUP BY node", row -> {
-            String node = row.getString(1);
+        each("SELECT r.nodes, " + store.joined("r.unit_id") + " FROM latest_snapshot s"
+             + " JOIN reach r ON r.snapshot_id = s.snapshot_id WHERE r.nodes <> '' GROUP BY r.nodes", row -> {
+            List<String> presenting = List.of(row.getString(1).split(" "));
             for (long unit : Store.numbers(row.getString(2))) {
-                nodes.computeIfAbsent(unit, none -> new HashSet<>(2)).add(node);
+                nodes.computeIfAbsent(unit, none -> new HashSet<>(2)).addAll(presenting);
             }
             return null;
         });
         each("SELECT g.fabric, g.remote_wwn, MAX(g.remote_node), MAX(g.remote_domain), SUM(g.initiators),"
              + " MAX(g.units), " + store.joined("g.snapshot_id")
              + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
-             + " WHERE g.remote_node IN (SELECT node FROM unit_node) GROUP BY g.fabric, g.remote_wwn", row -> {
+             + " WHERE g.remote_node IN (SELECT o.remote_node FROM latest_snapshot l"
+             + " JOIN sight o ON o.snapshot_id = l.snapshot_id WHERE o.units > 0)"
+             + " GROUP BY g.fabric, g.remote_wwn", row -> {
             ArrayPort port = new ArrayPort(row.getString(1), row.getString(2), row.getString(3), row.getInt(4),
                                            row.getLong(5), row.getLong(6) > 0);
             for (long snapshot : Store.numbers(row.getString(7))) {

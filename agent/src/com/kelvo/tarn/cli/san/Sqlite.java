@@ -1,8 +1,14 @@
 package com.kelvo.tarn.cli.san;
 
+import com.kelvo.tarn.cli.output.Reasons;
+import java.io.IOException;
+import java.nio.file.FileAlreadyExistsException;
 import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
+import java.nio.file.NoSuchFileException;
 import java.nio.file.Path;
+import java.nio.file.attribute.FileAttribute;
+import java.nio.file.attribute.PosixFilePermissions;
 import java.sql.Connection;
 import java.sql.DriverManager;
 import java.sql.SQLException;
@@ -25,6 +31,9 @@ final class Sqlite extends Dialect {
         10, "its device reports an error", 11, "it is damaged", 13, "there is no room left for it",
         14, "it cannot be opened",
         26, "it is no SQLite database");
+
+    private static final FileAttribute<?> OWNERS =
+        PosixFilePermissions.asFileAttribute(PosixFilePermissions.fromString("rw-------"));
 
     private final String file;
 
@@ -55,6 +64,9 @@ final class Sqlite extends Dialect {
         if (Files.isDirectory(path())) {
             throw new StoreException(file + ": it is a folder, no SQLite database", null);
         }
+        if (isWritten) {
+            make();
+        }
         Properties properties = new Properties();
         properties.setProperty("busy_timeout", PATIENCE);
         properties.setProperty("foreign_keys", "true");
@@ -76,6 +88,20 @@ final class Sqlite extends Dialect {
         } catch (SQLException failed) {
             connection.close();
             throw failed;
+        }
+    }
+
+    /** Makes an empty file that only its owner may read, as recordings are, where there is none. */
+    private void make() {
+        Path path = path();
+        try {
+            Files.createFile(path, OWNERS);
+        } catch (FileAlreadyExistsException there) {
+            // it keeps its rights
+        } catch (NoSuchFileException nowhere) {
+            throw new StoreException(file + ": there is no folder " + path.getParent(), nowhere);
+        } catch (IOException failed) {
+            throw new StoreException(file + ": it cannot be made: " + Reasons.of(failed), failed);
         }
     }
 
