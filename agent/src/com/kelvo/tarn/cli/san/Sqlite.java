@@ -14,11 +14,15 @@ import java.sql.DriverManager;
 import java.sql.SQLException;
 import java.util.Map;
 import java.util.Properties;
+import java.util.concurrent.locks.LockSupport;
 
 /** A file. */
 final class Sqlite extends Dialect {
     /** How long one who wants to write waits for another, in milliseconds. */
-    private static final String PATIENCE = "10000";
+    private static final long PATIENCE = 10_000;
+    private static final long RETRY = 50;
+    private static final long NANOSECONDS = 1_000_000;
+    private static final int BUSY = 5;
     /** The room for pages of the file, in KiB; a load does not take more for more hosts. */
     private static final int WRITER_CACHE = 16_384;
     private static final int READER_CACHE = 32_768;
@@ -27,7 +31,7 @@ final class Sqlite extends Dialect {
 
     /** By SQLite's primary result codes. */
     private static final Map<Integer, String> REASONS = Map.of(
-        5, "another program keeps it locked", 6, "another program keeps it locked", 8, "it can only be read",
+        BUSY, "another program keeps it locked", 6, "another program keeps it locked", 8, "it can only be read",
         10, "its device reports an error", 11, "it is damaged", 13, "there is no room left for it",
         14, "it cannot be opened",
         26, "it is no SQLite database");
@@ -68,7 +72,7 @@ final class Sqlite extends Dialect {
             make();
         }
         Properties properties = new Properties();
-        properties.setProperty("busy_timeout", PATIENCE);
+        properties.setProperty("busy_timeout", String.valueOf(PATIENCE));
         properties.setProperty("foreign_keys", "true");
         if (!isWritten) {
             properties.setProperty("open_mode", "1"); // for reading
@@ -79,8 +83,8 @@ final class Sqlite extends Dialect {
         try {
             execute(connection, "PRAGMA cache_size = " + (isWritten ? -WRITER_CACHE : -READER_CACHE));
             if (isWritten) {
-                execute(connection, "PRAGMA journal_mode = WAL", "PRAGMA synchronous = NORMAL",
-                        "PRAGMA wal_autocheckpoint = " + CHECKPOINT);
+                keepLog(connection);
+                execute(connection, "PRAGMA synchronous = NORMAL", "PRAGMA wal_autocheckpoint = " + CHECKPOINT);
             } else {
                 execute(connection, "BEGIN");
             }
@@ -88,6 +92,21 @@ final class Sqlite extends Dialect {
         } catch (SQLException failed) {
             connection.close();
             throw failed;
+        }
+    }
+
+    /** Has changes go into a log beside the file. Here the system itself does not wait for another one's change. */
+    private static void keepLog(Connection connection) throws SQLException {
+        for (long end = System.nanoTime() + PATIENCE * NANOSECONDS;;) {
+            try {
+                execute(connection, "PRAGMA journal_mode = WAL");
+                return;
+            } catch (SQLException failed) {
+                if ((failed.getErrorCode() & 0xff) != BUSY || System.nanoTime() - end > 0) {
+                    throw failed;
+                }
+                LockSupport.parkNanos(RETRY * NANOSECONDS);
+            }
         }
     }
 
