@@ -163,7 +163,7 @@ final class HostWriter implements AutoCloseable {
                 }
             }
         }
-        if (keep > 0 && newer >= keep) {
+        if (prunes() && newer >= keep) {
             return false;
         }
         if (newer == 0 && hasOlder) {
@@ -178,7 +178,7 @@ final class HostWriter implements AutoCloseable {
             addRows(connection, table, snapshot, facts.rows(table), learned);
         }
         addPaths(connection, snapshot, facts.paths, learned);
-        if (keep > 0) {
+        if (prunes()) {
             prune(connection, host);
         }
         return true;
