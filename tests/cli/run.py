@@ -25,9 +25,9 @@ from cases import ANY, CASES, HOSTS, MOUNTS, PASSWORD, RICH, ROOT, SOUND, Case
 
 sys.path.append(str(Path(__file__).parents[1]))
 import verdict
+from together import JAVA, in_one_machine, line_of
 
 RANDOM_HOSTS = int(os.environ.get("TARN_RANDOM_HOSTS", "24"))
-JAVA = ["java", "-XX:+UseSerialGC", "-XX:TieredStopAtLevel=1"]  # as the command starts it
 TARN = SCRATCH = None  # the command, and where the descriptions are written
 
 
@@ -54,27 +54,11 @@ def ask(command, host=None):
     return json.loads(run(Case(command, host, result=None)).stdout)
 
 
-def in_one_machine(lines):
-    """What each command line prints, run one after the other in one virtual machine, with its exit status."""
-    done = subprocess.run([*JAVA, f"-Djava.library.path={ROOT}/build/release", "-cp", sys.argv[2],
-                           ROOT / "tests/record/Commands.java", "both"], input="\n".join(lines).encode(), cwd=ROOT,
-                          env={**os.environ, "LC_ALL": "C.UTF-8"}, capture_output=True, timeout=600)
-    out, err = (re.findall(rb"(.*?)\0([^\n]*): (\d+)\n", stream, re.S) for stream in (done.stdout, done.stderr))
-    for told in (out, err):
-        assert [line.decode() for _, line, _ in told] == lines, done.stderr[-2000:]
-    return [subprocess.CompletedProcess(line, int(status), printed, said)
-            for line, (printed, _, status), (said, _, _) in zip(lines, out, err)]
-
-
 def run_together(cases):
     """The like of run for each, none of which asks anything of the process that it runs in."""
-    lines = []
-    for case in cases:
-        words = words_of(case)
-        if not {"--host", "compare"} & set(words):  # not the host of the case before
-            words = ["--host", os.environ["TARN_HOST"], *words]
-        lines.append(" ".join(word.replace(" ", "\t") for word in words))
-    return in_one_machine(lines)
+    return in_one_machine(sys.argv[2], [
+        line_of(words if {"--host", "compare"} & set(words) else  # not the host of the case before
+                ["--host", os.environ["TARN_HOST"], *words]) for words in map(words_of, cases)])
 
 
 def begin(pool):
@@ -195,7 +179,7 @@ class CommandLine(unittest.TestCase):
                                                     [f"logical-disks {mount}" for mount in mounts],
                                                     ["disks", "hba", "paths"]))))]
         documents = {done.args: json.loads(done.stdout) for done in
-                     in_one_machine([line for _, _, now, before in asked for line in now + before])}
+                     in_one_machine(sys.argv[2], [line for _, _, now, before in asked for line in now + before])}
         for seed, (check, mounts, now, before) in enumerate(asked, 1):
             now, before = ({line.split(" ", 3)[3]: documents[line] for line in lines} for lines in (now, before))
             found = now[check]["result"]
@@ -225,7 +209,7 @@ class CommandLine(unittest.TestCase):
     def test_watch_follows_from_the_readings(self):
         hosts = [activity.random_host(random.Random(seed)) for seed in range(60)]
         lines = [f"--host {write_host(host)} --json watch 1 9 --disks --ports --units --errors" for host in hosts]
-        for seed, (done, host) in enumerate(zip(in_one_machine(lines), hosts)):
+        for seed, (done, host) in enumerate(zip(in_one_machine(sys.argv[2], lines), hosts)):
             documents = [json.loads(each) for each in done.stdout.splitlines()]
             self.assert_close(documents, list(activity.watch(host)), (seed,))
 
@@ -246,7 +230,7 @@ class CommandLine(unittest.TestCase):
         names = ("c1t0d0 c1t0d0s0 /dev/dsk/c1t0d0s0 /dev/rdsk/c1t0d0s2 sd0 /export/home C1T0D0 /export/home/me/file "
                  "/devices/pci@1f,700000/scsi@2/sd@0,0:a,raw").split()
         for options in ("", " --json"):
-            asked = in_one_machine([f"--host hosts/rill.json{options} disk {name}" for name in names])
+            asked = in_one_machine(sys.argv[2], [f"--host hosts/rill.json{options} disk {name}" for name in names])
             self.assertEqual({done.returncode for done in asked}, {0})
             pages = {done.stdout for done in asked}
             self.assertEqual(len(pages), 1)

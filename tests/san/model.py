@@ -5,24 +5,25 @@ A recording is {"host", "recordedAt", "paths", "hba"}, the last two the results 
 
 import json
 import statistics
-import subprocess
 from collections import defaultdict
 from datetime import datetime
 from itertools import combinations
 from types import SimpleNamespace
 
+from together import in_one_machine, line_of
+
 ONLINE = 2
 NO_NAME = "0" * 16
 
 
-def recorded(tarn, path):
-    """The recording of a description. TARN is the command's words."""
-    def ask(command):
-        told = subprocess.run([*tarn, "--host", str(path), "--json", command], stdout=subprocess.PIPE, check=True)
-        return json.loads(told.stdout)["result"]
-    description = json.loads(path.read_text())
-    return {"host": description["sysinfo"]["SI_HOSTNAME"], "recordedAt": description["recordedAt"],
-            "paths": ask("paths"), "hba": ask("hba")}
+def recorded(class_path, paths):
+    """The recordings of descriptions."""
+    asked = [("--host", path, "--json", command) for path in paths for command in ("paths", "hba")]
+    told = [json.loads(done.stdout)["result"] for done in in_one_machine(class_path, [*map(line_of, asked)])]
+    for path, of_paths, of_hba in zip(paths, told[::2], told[1::2]):
+        description = json.loads(path.read_text())
+        yield {"host": description["sysinfo"]["SI_HOSTNAME"], "recordedAt": description["recordedAt"],
+               "paths": of_paths, "hba": of_hba}
 
 
 def switch(fabric, address):

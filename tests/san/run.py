@@ -1,4 +1,4 @@
-"""Loads the planted network into stores, and holds them against what the hosts say one by one: run.py TARN PACKAGES
+"""Loads the planted network into stores, and holds them against what the hosts say one by one: run.py TARN CLASS-PATH PACKAGES
 
 PACKAGES is where those of PostgreSQL are unpacked.
 """
@@ -15,7 +15,6 @@ import tempfile
 import unittest
 import urllib.request
 from collections import Counter
-from concurrent.futures import ThreadPoolExecutor
 from datetime import datetime, timedelta, timezone
 from pathlib import Path
 
@@ -24,9 +23,9 @@ import model
 import network
 import postgres
 import verdict
+from together import in_one_machine, line_of
 
-PACKAGES = sys.argv.pop()
-TARN = sys.argv.pop()
+PACKAGES, CLASS_PATH, TARN = (sys.argv.pop() for _ in range(3))
 PATHS = "SELECT host, identity, wwn, remote_wwn FROM latest_path"
 THINGS = 200
 A, VAULT = "1000006069000000", "200000a0b8000000"
@@ -101,9 +100,7 @@ class San(unittest.TestCase):
         earlier.mkdir()
         for packed in Path(cls.folder, "hosts", "earlier").glob("*.gz"):
             (earlier / packed.stem).write_bytes(gzip.decompress(packed.read_bytes()))
-        with ThreadPoolExecutor(2) as pool:
-            cls.network = model.Network(pool.map(lambda file: model.recorded([TARN], file),
-                                                 cls.folder.glob("*/*.json")))
+        cls.network = model.Network(model.recorded(CLASS_PATH, list(cls.folder.glob("*/*.json"))))
 
     @staticmethod
     def run_tarn(*words, status=0):
@@ -113,10 +110,16 @@ class San(unittest.TestCase):
 
     def ask(self, *words, status=0, stores=None):
         """What both stores answer."""
-        with ThreadPoolExecutor(2) as pool:
-            one, other = pool.map(lambda store: self.run_tarn(*words, "--db", store, status=status),
-                                  stores or self.stores)
-        self.assertEqual(one, other, words)
+        return self.ask_all([words], status, stores)[0]
+
+    def ask_all(self, questions, status=0, stores=None):
+        """What both stores answer to each."""
+        stores = stores or self.stores
+        told = in_one_machine(CLASS_PATH, [line_of(["--json", "san", *words, "--db", store])
+                                           for words in questions for store in stores])
+        self.assertEqual([(done.returncode, done.args) for done in told if done.returncode != status], [])
+        one, other = ([json.loads(done.stdout)["result"] for done in told[place::2]] for place in (0, 1))
+        self.assertEqual(one, other)
         return one
 
     @classmethod
@@ -234,9 +237,11 @@ class San(unittest.TestCase):
 
     def test_lists_are_of_what_is_asked_for(self):
         net = self.network
+        kinds = (("hosts", HOSTS), ("units", UNITS), ("ports", PORTS), ("ports", ARRAY_PORTS))
+        told = iter(self.ask_all([[kind, *words] for kind, questions in kinds for words, *_ in questions]))
         for words, is_meant in HOSTS:
             self.assertEqual(
-                {(each["host"], each["ports"], each["units"], each["paths"]) for each in self.ask("hosts", *words)},
+                {(each["host"], each["ports"], each["units"], each["paths"]) for each in next(told)},
                 {(host, sum(row.host == host for row in net.ports), len(net.seen[host]),
                   sum(self.online(host=host).values())) for host in {row.host for row in filter(is_meant, net.ports)}})
         for words, is_meant, is_left in UNITS:
@@ -244,15 +249,15 @@ class San(unittest.TestCase):
             units = [(unit, len(net.hosts[unit]), min(self.online(unit=unit).values()), array)
                      for unit, array in meant.items()]
             self.assertEqual({(each["unit"], each["hosts"], each["pathsMin"], *each["arrays"])
-                              for each in self.ask("units", *words)}, {unit for unit in units if is_left(*unit)}, words)
+                              for each in next(told)}, {unit for unit in units if is_left(*unit)}, words)
         for words, is_meant in PORTS:
-            self.assertEqual({(each["host"], each["wwn"], each["firmware"]) for each in self.ask("ports", *words)},
+            self.assertEqual({(each["host"], each["wwn"], each["firmware"]) for each in next(told)},
                              {(row.host, row.port, row.firmware) for row in filter(is_meant, net.ports)})
         for words, is_meant in ARRAY_PORTS:
             seen = {wwn: [row for row in net.ports if wwn in row.far]
                     for wwn in {row.array_port for row in filter(is_meant, net.paths)}}
             self.assertEqual(
-                {(each["wwn"], each["hosts"], each["initiators"]) for each in self.ask("ports", *words)},
+                {(each["wwn"], each["hosts"], each["initiators"]) for each in next(told)},
                 {(wwn, len({row.host for row in rows}), len(rows)) for wwn, rows in seen.items()}, words)
 
     def redundancy(self, unit):
@@ -360,10 +365,11 @@ class San(unittest.TestCase):
     def test_what_fails_with_things_is_what_the_hosts_say(self):
         dice = random.Random(2)
         everything = model.things(self.network, model.KINDS.values())
-        for failing in [[A, "1000006069000001/3"], *(dice.sample(everything, number) for number in (1, 2, 4, 8))]:
-            self.assertEqual(self.ask("impact", *failing), model.impact(self.network, failing))
-        for kind in model.POINTS:
-            self.assertEqual(self.ask("impact", "--each", kind), model.ranking(self.network, kind))
+        together = [[A, "1000006069000001/3"], *(dice.sample(everything, number) for number in (1, 2, 4, 8))]
+        told = self.ask_all([["impact", *things] for things in together]
+                            + [["impact", "--each", kind] for kind in model.POINTS])
+        self.assertEqual(told, [model.impact(self.network, failing) for failing in together]
+                         + [model.ranking(self.network, kind) for kind in model.POINTS])
 
     def test_a_thing_has_many_names(self):
         unit, digits = "naa.600a0b80000000000000000000000000", "600a0b80000000000000000000000000"
@@ -375,8 +381,8 @@ class San(unittest.TestCase):
         self.assertEqual([(each["thing"], each["hosts"]) for each in self.ask("who", *sum(names.values(), []))],
                          [(name, model.who(self.network, thing)["hosts"]) for thing, each in names.items()
                           for name in each])
-        for nothing in ("db9", "fabric:db1", "db2:/mail", ":", "200000a0b8000000 LUN 99999999999999999999"):
-            self.assertIsNone(self.ask("who", "db1", nothing, status=1))
+        nothing = ("db9", "fabric:db1", "db2:/mail", ":", "200000a0b8000000 LUN 99999999999999999999")
+        self.assertEqual(self.ask_all([["who", "db1", name] for name in nothing], status=1), [None] * len(nothing))
         store = self.folder / "ambiguous.db"
         store.write_bytes(self.file.read_bytes())
         with sqlite3.connect(store) as other:
