@@ -6,8 +6,8 @@ import java.nio.charset.StandardCharsets;
 
 /**
  * Runs the command line once for each line of standard input, its words separated by single blanks, all in one virtual
- * machine; a tab is a blank within a word. What a command prints is followed by a line with a zero byte, the command and
- * its exit status; with an argument, what it says on standard error is, too.
+ * machine; a tab is a blank within a word. What a command prints is followed by a line with a zero byte, the command
+ * and its exit status; with an argument, so is what it says on standard error.
  */
 final class Commands {
     public static void main(String[] arguments) throws Exception {
