@@ -146,12 +146,22 @@ final class Network {
                  row.getString(5).equals(PortWords.ONLINE))));
     }
 
+    /** One of them where that has all; many units have the same. */
+    private static Set<String> union(Set<String> one, Set<String> other) {
+        if (one.containsAll(other)) {
+            return one;
+        }
+        Set<String> both = new HashSet<>(one);
+        both.addAll(other);
+        return both;
+    }
+
     private void readArrayPorts() {
         each("SELECT r.nodes, " + store.joined("r.unit_id") + " FROM latest_snapshot s"
              + " JOIN reach r ON r.snapshot_id = s.snapshot_id WHERE r.nodes <> '' GROUP BY r.nodes", row -> {
-            List<String> presenting = List.of(row.getString(1).split(" "));
+            Set<String> presenting = Set.of(row.getString(1).split(" "));
             for (long unit : Store.numbers(row.getString(2))) {
-                nodes.computeIfAbsent(unit, none -> new HashSet<>(2)).addAll(presenting);
+                nodes.merge(unit, presenting, Network::union);
             }
             return null;
         });
