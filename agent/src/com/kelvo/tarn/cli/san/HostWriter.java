@@ -126,7 +126,11 @@ final class HostWriter implements AutoCloseable {
         if (prunes()) {
             List<Long> hosts = store.query(TOO_MANY, row -> row.getLong(1), keep);
             for (long host : hosts) {
-                store.transaction(connection -> prune(connection, host));
+                store.transaction(connection -> {
+                    // As who adds a recording of it does first, so that neither has what the other waits for.
+                    execute(connection, "UPDATE host SET platform = platform WHERE id = ?", host);
+                    return prune(connection, host);
+                });
             }
         }
     }
