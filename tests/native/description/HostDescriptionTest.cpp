@@ -68,7 +68,7 @@ TEST(HostDescription, RefusesOutOfBoundsInFewWords) {
               "hba.adapters: 4097 elements do not fit in 4096");
     EXPECT_EQ(refusal(replay::loadHostText, R"({"disks": [)" + repeated("{},", 65536) + "{}]}"),
               "disks: 65537 elements do not fit in 65536");
-    for (const std::string &huge : {repeated("x", 1000000), repeated("\\u001b", 100000), repeated("é\\n", 100000)}) {
+    for (const std::string &huge : {repeated("x", 100000), repeated("\\u001b", 10000), repeated("é\\n", 20000)}) {
         for (const auto &[before, after] : std::vector<std::pair<std::string, std::string>>{
                  {"{\"", "\": 1}"},
                  {R"({"disks": [{"fails": {")", R"(": "EIO"}}]})"},
@@ -201,8 +201,8 @@ int memoryPerByte(const std::string &text) {
 
 // Much of little: structures of which nothing is said, or next to nothing. '#' is another number each time.
 TEST(HostDescription, TakesMemoryInProportionToItsText) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(__clang__)
-    GTEST_SKIP() << "a sanitizer takes memory of its own";
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || defined(__clang__) || defined(__sparc__)
+    GTEST_SKIP() << "a sanitizer takes memory of its own, and so does an emulator";
 #endif
     for (const auto &[before, unit, after] : std::vector<std::array<std::string, 3>>{
              {R"({"hba": {"adapters": [)", "{}", "]}}"},

@@ -180,7 +180,7 @@ TEST(ProcessorTest, IdsAreProbedUntilAllOr128HaveAnswered) {
     } cases[] = {
         {4, 31, {0, 1, 4, 5, 9}, 4, "processor_info 5"},
         {2, 31, {3}, 1, "processor_info 31 EINVAL"},
-        {3, 1'048'576, {0, 9}, 2, "processor_info 1048575 EINVAL"}, // nor is it believed
+        {4, 1'048'576, {0, 9, 1'048'575, 1'048'576}, 3, nullptr}, // nor is it believed; a journal of it would be long
         {0, 31, {0}, 0, "sysconf _SC_CPUID_MAX"},
         {-1, 31, {0}, 0, "sysconf _SC_CPUID_MAX"},
         {2, -1, {0, 4095, 4096}, 2, "processor_info 4095"}, // a system that does not tell its largest id
@@ -189,16 +189,20 @@ TEST(ProcessorTest, IdsAreProbedUntilAllOr128HaveAnswered) {
         {129, 511, many, 128, "processor_info 254"},
     };
     for (const auto &[configured, largest, present, found, lastProbed] : cases) {
-        SCOPED_TRACE(lastProbed);
+        SCOPED_TRACE(configured);
         json host = {{"sysconf", {{"_SC_CPUID_MAX", largest}, {"_SC_NPROCESSORS_CONF", configured}}}};
         for (const int id : present) {
             host["processors"].push_back({{"id", id}});
         }
         replay::loadHostText(host.dump());
         Ids ids;
-        replay::startJournal();
+        if (lastProbed != nullptr) {
+            replay::startJournal();
+        }
         std::ranges::transform(GetProcessors(), std::back_inserter(ids), &ProcessorInfo::processorId);
-        EXPECT_EQ(replay::stopJournal().back(), lastProbed);
+        if (lastProbed != nullptr) {
+            EXPECT_EQ(replay::stopJournal().back(), lastProbed);
+        }
         EXPECT_EQ(ids, Ids(present.begin(), present.begin() + found));
     }
     EXPECT_FALSE(GetProcessorInfo(256).has_value());
