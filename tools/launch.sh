@@ -193,13 +193,15 @@ terminal_size() {
     [ "${width:-0}" -gt 0 ] || width=80
 }
 
-# Prints where native libraries are: ours, and those that the jars of the system need.
-library_path() {
-    local dir path=$library_dir
+# Sets library_path to where native libraries are: ours, and those that the jars of the system need; and sqlite to where
+# the one of SQLite's driver is, which would run other programs to find that out.
+find_libraries() {
+    local dir
+    library_path=$library_dir sqlite=
     for dir in /usr/lib/jni /usr/lib/*/jni; do
-        [ ! -d "$dir" ] || path+=:$dir
+        [ ! -d "$dir" ] || library_path+=:$dir
+        [ ! -f "$dir/libsqlitejdbc.so" ] || sqlite=$dir
     done
-    printf '%s\n' "$path"
 }
 
 # Ends this process with the command line.
@@ -213,7 +215,9 @@ launch() {
     # One host after the other leaves garbage only, for which the room need not grow with their number.
     [[ " $* " != *" san "* || " $* " != *" load "* ]] || virtual_machine+=(-Xms64m -Xmn24m)
     [ "$java_major" -lt 22 ] || virtual_machine+=(--enable-native-access=ALL-UNNAMED)
-    classes=("-Djava.library.path=$(library_path)" "-Dtarn.recorder=$recorder" -cp "$class_path")
+    find_libraries
+    classes=("-Djava.library.path=$library_path" ${sqlite:+"-Dorg.sqlite.lib.path=$sqlite"} "-Dtarn.recorder=$recorder"
+        -cp "$class_path")
     find_archive
     if [ -t 1 ]; then # what Java cannot find out: how wide the terminal is
         terminal_size <&1

@@ -89,6 +89,8 @@ final class Network {
     /** Those that present units. */
     final Map<String, List<ArrayPort>> portsOfNode = new HashMap<>();
 
+    private static final String OF_HOST = " FROM reach r WHERE r.snapshot_id = s.snapshot_id)";
+
     private final Store store;
     private final Map<Long, Host> bySnapshot = new HashMap<>();
     private final Map<Long, Set<String>> nodes = new HashMap<>();
@@ -146,25 +148,7 @@ final class Network {
                  row.getString(5).equals(PortWords.ONLINE))));
     }
 
-    /** One of them where that has all; many units have the same. */
-    private static Set<String> union(Set<String> one, Set<String> other) {
-        if (one.containsAll(other)) {
-            return one;
-        }
-        Set<String> both = new HashSet<>(one);
-        both.addAll(other);
-        return both;
-    }
-
     private void readArrayPorts() {
-        each("SELECT r.nodes, " + store.joined("r.unit_id") + " FROM latest_snapshot s"
-             + " JOIN reach r ON r.snapshot_id = s.snapshot_id WHERE r.nodes <> '' GROUP BY r.nodes", row -> {
-            Set<String> presenting = Set.of(row.getString(1).split(" "));
-            for (long unit : Store.numbers(row.getString(2))) {
-                nodes.merge(unit, presenting, Network::union);
-            }
-            return null;
-        });
         each("SELECT g.fabric, g.remote_wwn, MAX(g.remote_node), MAX(g.remote_domain), SUM(g.initiators),"
              + " MAX(g.units), " + store.joined("g.snapshot_id")
              + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
@@ -181,18 +165,45 @@ final class Network {
         });
     }
 
+    private void addNodes(String names, long[] units) {
+        if (!names.isEmpty()) {
+            Set<String> presenting = Set.of(names.split(" "));
+            for (long unit : units) {
+                nodes.merge(unit, presenting, Network::union);
+            }
+        }
+    }
+
+    /** One of them where that has all; many units have the same. */
+    private static Set<String> union(Set<String> one, Set<String> other) {
+        if (one.containsAll(other)) {
+            return one;
+        }
+        Set<String> both = new HashSet<>(one);
+        both.addAll(other);
+        return both;
+    }
+
     /** Units are put together that the same hosts have: there are far fewer such groups than units. */
     private void readUnits() {
+        List<Long> mixed = new ArrayList<>(); // to which different nodes present different units
         Map<Host, Integer> numbers = new HashMap<>();
         hosts.forEach(host -> numbers.put(host, numbers.size()));
         Map<Long, Integer> places = new HashMap<>();
         List<Long> units = new ArrayList<>();
         // The unit's place above, the host's number below, so that sorting puts the hosts of a unit together.
         LongStream.Builder pairs = LongStream.builder();
-        each("SELECT s.snapshot_id, (SELECT " + store.joined("r.unit_id") + " FROM reach r"
-             + " WHERE r.snapshot_id = s.snapshot_id) FROM latest_snapshot s", row -> {
+        each("SELECT s.snapshot_id, (SELECT " + store.joined("r.unit_id") + OF_HOST + ", (SELECT MIN(r.nodes)" + OF_HOST
+             + ", (SELECT MAX(r.nodes)" + OF_HOST + " FROM latest_snapshot s", row -> {
             int host = numbers.get(host(row.getLong(1)));
-            for (long unit : Store.numbers(row.getString(2))) {
+            String presenting = row.getString(3);
+            long[] reached = Store.numbers(row.getString(2));
+            if (presenting != null && presenting.equals(row.getString(4))) {
+                addNodes(presenting, reached);
+            } else if (presenting != null) {
+                mixed.add(row.getLong(1));
+            }
+            for (long unit : reached) {
                 Integer place = places.putIfAbsent(unit, places.size());
                 if (place == null) {
                     place = units.size();
@@ -202,6 +213,11 @@ final class Network {
             }
             return null;
         });
+        store.queryAbout("SELECT nodes, " + store.joined("unit_id") + " FROM reach WHERE snapshot_id IN (:these)"
+                         + " GROUP BY nodes", row -> {
+            addNodes(row.getString(1), Store.numbers(row.getString(2)));
+            return null;
+        }, mixed);
         long[] seen = pairs.build().sorted().toArray();
         Map<IntBuffer, Sharing> byHosts = new LinkedHashMap<>();
         for (int from = 0, to = 0; from < seen.length; from = to) {
