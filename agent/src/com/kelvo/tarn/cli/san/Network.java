@@ -193,15 +193,17 @@ final class Network {
         List<Long> units = new ArrayList<>();
         // The unit's place above, the host's number below, so that sorting puts the hosts of a unit together.
         LongStream.Builder pairs = LongStream.builder();
-        each("SELECT s.snapshot_id, (SELECT " + store.joined("r.unit_id") + OF_HOST + ", (SELECT MIN(r.nodes)" + OF_HOST
-             + ", (SELECT MAX(r.nodes)" + OF_HOST + " FROM latest_snapshot s", row -> {
+        each("SELECT s.snapshot_id, (SELECT " + store.joined("r.unit_id") + OF_HOST
+             + ", (SELECT MIN(r.nodes) || ',' || MAX(r.nodes)" + OF_HOST + " FROM latest_snapshot s", row -> {
             int host = numbers.get(host(row.getLong(1)));
-            String presenting = row.getString(3);
             long[] reached = Store.numbers(row.getString(2));
-            if (presenting != null && presenting.equals(row.getString(4))) {
-                addNodes(presenting, reached);
-            } else if (presenting != null) {
-                mixed.add(row.getLong(1));
+            if (reached.length > 0) {
+                String[] firstAndLast = row.getString(3).split(",", -1);
+                if (firstAndLast[0].equals(firstAndLast[1])) {
+                    addNodes(firstAndLast[0], reached);
+                } else {
+                    mixed.add(row.getLong(1));
+                }
             }
             for (long unit : reached) {
                 Integer place = places.putIfAbsent(unit, places.size());
