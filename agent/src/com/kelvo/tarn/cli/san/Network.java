@@ -184,7 +184,6 @@ final class Network {
         return both;
     }
 
-    /** Units are put together that the same hosts have: there are far fewer such groups than units. */
     private void readUnits() {
         List<Long> mixed = new ArrayList<>(); // to which different nodes present different units
         Map<Host, Integer> numbers = new HashMap<>();
@@ -220,7 +219,11 @@ final class Network {
             addNodes(row.getString(1), Store.numbers(row.getString(2)));
             return null;
         }, mixed);
-        long[] seen = pairs.build().sorted().toArray();
+        findSharings(pairs.build().sorted().toArray(), units);
+    }
+
+    /** Units are put together that the same hosts have: there are far fewer such groups than units. */
+    private void findSharings(long[] seen, List<Long> units) {
         Map<IntBuffer, Sharing> byHosts = new LinkedHashMap<>();
         for (int from = 0, to = 0; from < seen.length; from = to) {
             long unit = seen[from] >> Integer.SIZE;
