@@ -16,6 +16,7 @@ import time
 import unittest
 import zipfile
 from concurrent.futures import ThreadPoolExecutor
+from contextlib import suppress
 from fcntl import ioctl
 from pathlib import Path
 
@@ -78,6 +79,15 @@ def begin(pool):
             waits[number] = pool.submit(run, case).result
     together = pool.submit(run_together, [CASES[number] for number in shared])
     return waits | {number: lambda place=place: together.result()[place] for place, number in enumerate(shared)}
+
+
+def threads(process):
+    """What its threads call themselves."""
+    names = []
+    for name in Path(f"/proc/{process}/task").glob("*/comm"):
+        with suppress(OSError):  # it has ended
+            names.append(name.read_text())
+    return names
 
 
 def pick(value, path):
@@ -221,7 +231,10 @@ class CommandLine(unittest.TestCase):
                               stderr=subprocess.PIPE, bufsize=0) as watching:
             first = watching.stdout.readline()
             watching.send_signal(signal.SIGINT)
-            time.sleep(0.5)  # in which it takes the signal: nobody empties its pipe, and it waits for that for a second
+            # Nobody empties its pipe until it takes the signal, and it waits for that for a second only.
+            end = time.monotonic() + 60
+            while "SIGINT handler\n" not in threads(watching.pid) and time.monotonic() < end:
+                time.sleep(0.01)
             rest, err = watching.communicate(timeout=120)
         shown = [json.loads(line) for line in (first + rest).splitlines()]
         self.assertEqual((watching.returncode, err), (0, b""))
