@@ -92,8 +92,8 @@ CREATE INDEX finding_snapshot ON finding (snapshot_id);
 
 -- The paths of a host to a unit, summed up: those that are online, each pair of ports once, and what they go through.
 -- A switch counts at either end. What all of them share is named, a switch by its fabric and its domain ("FABRIC/1"),
--- and else null; they may share a switch at either end. The nodes, which are arrays or their controllers, are those that
--- present the unit to the host, over whichever paths, with blanks between them. The size is the host's own.
+-- and else null; they may share a switch at either end. The nodes, which are arrays or their controllers, are those
+-- that present the unit to the host, over whichever paths, with blanks between them. The size is the host's own.
 CREATE TABLE reach (
     snapshot_id BIGINT NOT NULL REFERENCES snapshot (id) ON DELETE CASCADE,
     unit_id BIGINT NOT NULL REFERENCES unit (id),
@@ -177,8 +177,8 @@ WITH RECURSIVE split (unit_id, node, others) AS (
 )
 SELECT DISTINCT unit_id, node FROM split;
 
--- The ports that at least two hosts see which share a unit of that node with this one, and which it does not see on a
--- fabric where it has a port online.
+-- The ports that at least two hosts see online which share a unit of that node with this one, and which it does not see
+-- on a fabric where it has a port online.
 CREATE VIEW zoning_gap AS
 WITH seen AS (
     SELECT r.unit_id, g.fabric, g.remote_wwn, g.remote_node, COUNT(*) AS hosts
@@ -186,7 +186,7 @@ WITH seen AS (
     JOIN reach r ON r.snapshot_id = s.snapshot_id
     JOIN unit_node n ON n.unit_id = r.unit_id
     JOIN sight g ON g.snapshot_id = r.snapshot_id AND g.remote_node = n.node
-    WHERE g.fabric <> ''
+    WHERE g.fabric <> '' AND g.remote_state = 'online'
     GROUP BY r.unit_id, g.fabric, g.remote_wwn, g.remote_node
 )
 SELECT s.host, e.fabric, e.remote_wwn, e.remote_node, MAX(e.hosts) AS hosts

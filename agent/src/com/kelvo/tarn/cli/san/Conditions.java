@@ -31,6 +31,11 @@ final class Conditions {
                   pattern.replaceAll("[!%_]", "!$0").replace('*', '%').replace('?', '_'));
     }
 
+    /** The same for a world-wide name, which the user may write with colons. */
+    Conditions likeName(String column, String pattern) {
+        return like(column, pattern == null ? null : pattern.replace(":", ""));
+    }
+
     boolean isEmpty() {
         return values.isEmpty();
     }

@@ -49,7 +49,7 @@ public final class ListedArrayPort {
      * @param state only those that such a host sees in such a state; null for all
      */
     public static List<ListedArrayPort> of(Store store, PortFilter filter, String array, String state) {
-        Conditions seen = filter.ofHostWithPort("p.fabric = g.fabric").like("g.remote_node", array)
+        Conditions seen = filter.ofHostWithPort("p.fabric = g.fabric").likeName("g.remote_node", array)
             .like("g.remote_state", state);
         Conditions wanted = new Conditions().and("SUM(g.units) > 0")
             .andWhere("MAX(CASE WHEN ", seen, " THEN 1 ELSE 0 END) = 1");

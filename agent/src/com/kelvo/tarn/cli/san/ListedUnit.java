@@ -64,7 +64,7 @@ public final class ListedUnit {
         }
         if (array != null) {
             wanted.andWhere("r.unit_id IN (SELECT unit_id FROM unit_node WHERE ",
-                            new Conditions().like("node", array), ")");
+                            new Conditions().likeName("node", array), ")");
         }
         String units = "WITH wanted AS (SELECT r.unit_id, COUNT(*) AS hosts, MIN(r.paths) AS paths_min"
             + " FROM latest_snapshot s JOIN reach r ON r.snapshot_id = s.snapshot_id GROUP BY r.unit_id HAVING "

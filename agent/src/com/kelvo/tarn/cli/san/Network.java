@@ -22,6 +22,8 @@ final class Network {
         final List<Port> ports = new ArrayList<>();
         /** The array ports that it has discovered. */
         final Set<ArrayPort> seen = new HashSet<>();
+        /** Those of them that it does not see online. */
+        final Set<ArrayPort> seenOffline = new HashSet<>();
         /** What it shares with other hosts. */
         final List<Sharing> sharings = new ArrayList<>();
 
@@ -150,7 +152,8 @@ final class Network {
 
     private void readArrayPorts() {
         each("SELECT g.fabric, g.remote_wwn, MAX(g.remote_node), MAX(g.remote_domain), SUM(g.initiators),"
-             + " MAX(g.units), " + store.joined("g.snapshot_id")
+             + " MAX(g.units), " + store.joined("g.snapshot_id") + ", "
+             + store.joined("CASE WHEN g.remote_state <> '" + PortWords.ONLINE + "' THEN g.snapshot_id END")
              + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
              + " WHERE g.remote_node IN (SELECT o.remote_node FROM latest_snapshot l"
              + " JOIN sight o ON o.snapshot_id = l.snapshot_id WHERE o.units > 0)"
@@ -160,6 +163,9 @@ final class Network {
             for (long snapshot : Store.numbers(row.getString(7))) {
                 port.hosts.add(host(snapshot));
                 host(snapshot).seen.add(port);
+            }
+            for (long snapshot : Store.numbers(row.getString(8))) {
+                host(snapshot).seenOffline.add(port);
             }
             return portsOfNode.computeIfAbsent(port.node, none -> new ArrayList<>()).add(port);
         });

@@ -71,7 +71,7 @@ final class PathRules {
         }
     }
 
-    /** Where a host does not see an array port that two others see which share a unit of that array with it. */
+    /** Where a host does not see an array port that two others see online which share a unit of that array with it. */
     void findZoningGaps() {
         for (Network.Sharing sharing : network.sharings) {
             if (sharing.hosts.length > 2) {
@@ -85,7 +85,8 @@ final class PathRules {
     private void findZoningGaps(Collection<Network.Host> peers, Set<String> nodes) {
         Map<Network.ArrayPort, Integer> seers = new LinkedHashMap<>();
         for (Network.Host host : peers) {
-            host.seen.stream().filter(port -> !port.fabric.isEmpty() && nodes.contains(port.node))
+            host.seen.stream().filter(port -> !port.fabric.isEmpty() && nodes.contains(port.node)
+                                      && !host.seenOffline.contains(port))
                 .forEach(port -> seers.merge(port, 1, Integer::sum));
         }
         seers.forEach((port, count) -> {

@@ -18,7 +18,7 @@ public final class PortFilter {
 
     /** What holds of a port p with its adapter a, whatever the host is. */
     Conditions ofPort() {
-        return new Conditions().like("p.fabric", fabric).like("a.model", model).like("a.firmware", firmware);
+        return new Conditions().likeName("p.fabric", fabric).like("a.model", model).like("a.firmware", firmware);
     }
 
     /** What holds of a latest_snapshot s that has such a port, for which one more thing holds. */
