@@ -27,15 +27,12 @@ final class Training {
     private static void askStore(Path folder) throws IOException {
         Path host = folder.resolve("host.json");
         Path store = folder.resolve("network.db");
-        try {
-            Files.writeString(host, HOST);
-            Tarn.run("san", "load", "--db", store.toString(), host.toString());
-            Tarn.run("san", "check", "--db", store.toString());
-            Tarn.run("--json", "san", "who", "--db", store.toString(), "training");
-        } finally {
-            for (Path each : List.of(host, store, folder)) {
-                Files.deleteIfExists(each);
-            }
+        for (Path each : List.of(folder, host, store)) {
+            each.toFile().deleteOnExit(); // the last is deleted first; a signal is an exit, too
         }
+        Files.writeString(host, HOST);
+        Tarn.run("san", "load", "--db", store.toString(), host.toString());
+        Tarn.run("san", "check", "--db", store.toString());
+        Tarn.run("--json", "san", "who", "--db", store.toString(), "training");
     }
 }

@@ -35,6 +35,9 @@ public final class SanLoadCommand extends StoreCommand {
         if (keep != null && keep < 1) {
             throw refusal("--keep: '" + keep + "' is not 1 or more");
         }
+        if (files.contains(new File(""))) { // which would be the current folder
+            throw refusal("FILE|FOLDER: '' names none");
+        }
         List<Path> named = files.stream().map(File::toPath).collect(Collectors.toList());
         Progress progress = new Progress(spec().commandLine().getErr());
         if (progress.isSeen()) {

@@ -8,7 +8,7 @@ import java.util.regex.Pattern;
 
 /** What sets one database system apart from another. */
 abstract class Dialect {
-    private static final Pattern URL = Pattern.compile("\\s*((?:jdbc:)?[a-z][a-z0-9+.-]*:)//.*",
+    private static final Pattern URL = Pattern.compile("\\s*(jdbc:[a-z0-9]*:?|[a-z][a-z0-9+.-]*:(?=//)).*",
                                                        Pattern.CASE_INSENSITIVE | Pattern.DOTALL);
 
     /** The dialect of a store by the name that the user gives it: a URL of PostgreSQL, or else a file of SQLite. */
@@ -18,7 +18,7 @@ abstract class Dialect {
         }
         Matcher url = URL.matcher(store);
         if (url.matches()) { // it may tell a password
-            throw new StoreException(url.group(1) + "//...: a store is a file of SQLite or the URL of a database of "
+            throw new StoreException(url.group(1) + "...: a store is a file of SQLite or the URL of a database of "
                                      + "PostgreSQL, postgresql://SERVER/DATABASE, whose password PGPASSWORD or "
                                      + "~/.pgpass tells", null);
         }

@@ -278,6 +278,7 @@ public final class Load {
         } catch (IOException failed) {
             refuse(recording.path.toString(), Reasons.of(failed));
         } catch (StoreException ended) {
+            failure.compareAndSet(null, ended); // before another thread takes the writer, to wait as long for the same
             throw ended;
         } catch (RuntimeException unusable) { // whatever a host makes of those who ask it, the others can be asked
             refuse(recording.path.toString(), Objects.requireNonNullElse(unusable.getMessage(), unusable.toString()));

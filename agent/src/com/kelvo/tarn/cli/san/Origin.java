@@ -8,9 +8,13 @@ import java.io.InputStreamReader;
 import java.nio.charset.StandardCharsets;
 import java.time.Instant;
 import java.time.format.DateTimeParseException;
+import java.util.regex.Pattern;
 
 /** Which host a description is of, and when it was recorded: read from the text's beginning, where recorders put it. */
 final class Origin {
+    /** As descriptions tell it; what is no such time is for the library to refuse. */
+    private static final Pattern TIME = Pattern.compile("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ");
+
     /** Null where the description does not tell it in the usual form. */
     String host;
     /** Null where the description does not tell it in the usual form. */
@@ -31,7 +35,11 @@ final class Origin {
 
     private void read(String member, JsonReader reader) throws IOException {
         if (member.equals("recordedAt")) {
-            recordedAt = Instant.parse(reader.nextString());
+            String time = reader.nextString();
+            if (!TIME.matcher(time).matches()) {
+                throw new IllegalStateException(time);
+            }
+            recordedAt = Instant.parse(time);
         } else if (member.equals("sysinfo") && reader.peek() == JsonToken.BEGIN_OBJECT) {
             reader.beginObject();
             while (reader.hasNext()) {
