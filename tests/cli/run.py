@@ -228,7 +228,9 @@ class CommandLine(unittest.TestCase):
         host = {"kstat": [activity.record("sd0", "disk", "KSTAT_TYPE_IO", [
             {"reads": time, "ks_snaptime": time} for time in range(20000)])]}
         with subprocess.Popen([TARN, "--host", write_host(host), "--json", "watch", "1"], stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, bufsize=0) as watching:
+                              stderr=subprocess.PIPE, bufsize=0,
+                              # Whoever runs the tests in the background may have it ignored.
+                              preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL)) as watching:
             first = watching.stdout.readline()
             watching.send_signal(signal.SIGINT)
             # Nobody empties its pipe until it takes the signal, and it waits for that for a second only.
