@@ -10,7 +10,8 @@ def report(result):
         print(f"skipped: {test.id().split('.')[-1]}: {reason}")
     failed = len({test.id().partition(" ")[0] for test, _ in result.failures + result.errors})
     skipped = len(result.skipped)
-    print(f"{max(0, result.testsRun - failed - skipped)} passed, {failed} failed" + f", {skipped} skipped" * bool(skipped))
+    passed = max(0, result.testsRun - failed - skipped)  # what fails before its tests is none of those that were run
+    print(f"{passed} passed, {failed} failed" + f", {skipped} skipped" * bool(skipped))
     return 1 if failed else 0
 
 
