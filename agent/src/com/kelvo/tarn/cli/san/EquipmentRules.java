@@ -2,9 +2,10 @@ package com.kelvo.tarn.cli.san;
 
 import java.time.Duration;
 import java.time.Instant;
+import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.HashMap;
-import java.util.LinkedHashSet;
+import java.util.List;
 import java.util.Map;
 import java.util.Set;
 import java.util.TreeMap;
@@ -21,33 +22,26 @@ final class EquipmentRules {
     }
 
     /** The same name twice within one host is for the check of that host. */
-    void findDuplicateNames() {
-        Map<String, Network.Host> first = new HashMap<>();
-        Map<String, Set<Network.Host>> several = new HashMap<>();
-        for (Network.Host host : network.hosts) {
-            for (Network.Port port : host.ports) {
-                Network.Host other = port.wwn.isEmpty() ? null : first.putIfAbsent(port.wwn, host);
-                if (other != null && other != host) {
-                    Set<Network.Host> those = several.computeIfAbsent(port.wwn, none -> new LinkedHashSet<>());
-                    those.add(other);
-                    those.add(host);
-                }
-            }
-        }
-        several.forEach((wwn, hosts) -> findings.warn(
-            NetworkFault.DUPLICATE_WWN, wwn, hosts, String.valueOf(hosts.size())));
+    void findDuplicateNames(Store store) {
+        store.query("SELECT p.wwn, " + store.joined("p.snapshot_id") + " FROM latest_snapshot s"
+                    + " JOIN port p ON p.snapshot_id = s.snapshot_id WHERE p.wwn <> ''"
+                    + " GROUP BY p.wwn HAVING MIN(p.snapshot_id) < MAX(p.snapshot_id)", row -> {
+            Set<Network.Host> hosts = Set.copyOf(network.hosts(row.getString(2)));
+            findings.warn(NetworkFault.DUPLICATE_WWN, row.getString(1), hosts, String.valueOf(hosts.size()));
+            return null;
+        });
     }
 
     /** Where adapters of a model have several versions of the firmware or of the driver. */
     void findDrift(Store store) {
         Versions firmware = new Versions(NetworkFault.FIRMWARE_DRIFT);
         Versions drivers = new Versions(NetworkFault.DRIVER_DRIFT);
-        store.query("SELECT a.snapshot_id, a.model, a.firmware, a.driver FROM latest_snapshot s"
-                    + " JOIN adapter a ON a.snapshot_id = s.snapshot_id WHERE a.model <> ''", row -> {
-            Network.Host host = network.host(row.getLong(1));
-            String model = row.getString(2);
-            firmware.add(model, row.getString(3), host);
-            drivers.add(model, row.getString(4), host);
+        store.query("SELECT a.model, a.firmware, a.driver, " + store.joined("a.snapshot_id")
+                    + " FROM latest_snapshot s JOIN adapter a ON a.snapshot_id = s.snapshot_id WHERE a.model <> ''"
+                    + " GROUP BY a.model, a.firmware, a.driver", row -> {
+            List<Network.Host> hosts = network.hosts(row.getString(4));
+            firmware.add(row.getString(1), row.getString(2), hosts);
+            drivers.add(row.getString(1), row.getString(3), hosts);
             return null;
         });
         firmware.findDrift();
@@ -57,30 +51,29 @@ final class EquipmentRules {
     /** What the adapters of each model have of one kind. */
     private final class Versions {
         private final NetworkFault fault;
-        private final Map<String, Map<String, Integer>> adapters = new HashMap<>();
-        private final Map<String, Map<String, Set<Network.Host>>> hosts = new HashMap<>();
+        /** A host as often as it has such an adapter. */
+        private final Map<String, Map<String, List<Network.Host>>> hosts = new HashMap<>();
 
         private Versions(NetworkFault fault) {
             this.fault = fault;
         }
 
-        private void add(String model, String version, Network.Host host) {
+        private void add(String model, String version, List<Network.Host> those) {
             if (!version.isEmpty()) {
-                adapters.computeIfAbsent(model, none -> new TreeMap<>()).merge(version, 1, Integer::sum);
-                hosts.computeIfAbsent(model, none -> new HashMap<>())
-                    .computeIfAbsent(version, none -> new LinkedHashSet<>()).add(host);
+                hosts.computeIfAbsent(model, none -> new TreeMap<>())
+                    .computeIfAbsent(version, none -> new ArrayList<>()).addAll(those);
             }
         }
 
         private void findDrift() {
-            adapters.forEach((model, counts) -> {
+            hosts.forEach((model, versions) -> {
                 // Of equals, what is greater as a text is more likely the later one.
-                String usual = counts.entrySet().stream().max(
-                    Map.Entry.<String, Integer>comparingByValue().thenComparing(Map.Entry.comparingByKey(
-                        Comparator.naturalOrder()))).orElseThrow().getKey();
-                String all = counts.entrySet().stream().map(each -> each.getKey() + " on " + each.getValue())
+                String usual = versions.keySet().stream().max(
+                    Comparator.<String>comparingInt(version -> versions.get(version).size())
+                        .thenComparing(Comparator.naturalOrder())).orElseThrow();
+                String all = versions.entrySet().stream().map(each -> each.getKey() + " on " + each.getValue().size())
                     .collect(Collectors.joining(", ")) + " adapters";
-                hosts.get(model).forEach((version, those) -> {
+                versions.forEach((version, those) -> {
                     if (!version.equals(usual)) {
                         findings.warn(fault, model, those, all);
                     }

@@ -1,9 +1,9 @@
 package com.kelvo.tarn.cli.san;
 
 import com.kelvo.tarn.cli.output.PortWords;
-import java.nio.IntBuffer;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.Collection;
 import java.util.Comparator;
 import java.util.HashMap;
 import java.util.HashSet;
@@ -11,7 +11,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.Set;
-import java.util.stream.LongStream;
+import java.util.stream.Collectors;
 
 /** What the latest recordings tell, as far as hosts are held against each other. */
 final class Network {
@@ -19,36 +19,28 @@ final class Network {
     static final class Host {
         final String name;
         final String recordedAt;
-        final List<Port> ports = new ArrayList<>();
         /** The array ports that it has discovered. */
         final Set<ArrayPort> seen = new HashSet<>();
-        /** Those of them that it does not see online. */
-        final Set<ArrayPort> seenOffline = new HashSet<>();
         /** What it shares with other hosts. */
         final List<Sharing> sharings = new ArrayList<>();
 
-        private Host(String name, String recordedAt) {
+        private final long snapshot;
+
+        private Host(long snapshot, String name, String recordedAt) {
+            this.snapshot = snapshot;
             this.name = name;
             this.recordedAt = recordedAt;
         }
-
-        boolean isOnlineIn(String fabric) {
-            return ports.stream().anyMatch(port -> port.isOnline && port.fabric.equals(fabric));
-        }
     }
 
-    /** A port of a host. */
+    /** Where ports of a host are online. */
     static final class Port {
-        final String wwn;
         final String fabric;
         /** By fabric and domain; null for none. */
         final String throughSwitch;
-        final boolean isOnline;
 
-        private Port(String wwn, String fabric, int domain, boolean isOnline) {
-            this.wwn = wwn;
+        private Port(String fabric, int domain) {
             this.fabric = fabric;
-            this.isOnline = isOnline;
             throughSwitch = switchName(fabric, domain);
         }
     }
@@ -59,12 +51,17 @@ final class Network {
         final String wwn;
         final String node;
         final String throughSwitch;
-        final List<Host> hosts = new ArrayList<>();
+        /** Those that have discovered it, of which some may not see it online. */
+        final List<Host> hosts;
+        final Set<Host> offlineTo;
         final long initiators;
         /** Whether any host reaches units there. */
         final boolean isUsed;
 
-        private ArrayPort(String fabric, String wwn, String node, int domain, long initiators, boolean isUsed) {
+        private ArrayPort(String fabric, String wwn, String node, int domain, List<Host> hosts, List<Host> offlineTo,
+                          long initiators, boolean isUsed) {
+            this.hosts = hosts;
+            this.offlineTo = Set.copyOf(offlineTo);
             this.fabric = fabric;
             this.wwn = wwn;
             this.node = node;
@@ -78,10 +75,11 @@ final class Network {
     static final class Sharing {
         /** By their numbers in {@link #hosts}, in order. */
         final int[] hosts;
-        final List<Long> units = new ArrayList<>();
+        final List<Long> units;
 
-        private Sharing(int[] hosts) {
+        private Sharing(int[] hosts, List<Long> units) {
             this.hosts = hosts;
+            this.units = units;
         }
     }
 
@@ -91,17 +89,12 @@ final class Network {
     /** Those that present units. */
     final Map<String, List<ArrayPort>> portsOfNode = new HashMap<>();
 
-    private static final String OF_HOST = " FROM reach r WHERE r.snapshot_id = s.snapshot_id)";
-
     private final Store store;
     private final Map<Long, Host> bySnapshot = new HashMap<>();
-    private final Map<Long, Set<String>> nodes = new HashMap<>();
-    private Map<Long, String> identities;
 
     Network(Store store) {
         this.store = store;
         readHosts();
-        readPorts();
         readArrayPorts();
         readUnits();
     }
@@ -115,17 +108,39 @@ final class Network {
         return bySnapshot.get(snapshot);
     }
 
-    /** Those that present the unit. */
-    Set<String> nodes(long unit) {
-        return nodes.getOrDefault(unit, Set.of());
+    /** The hosts of which those are the latest recordings, put together by a query. */
+    List<Host> hosts(String snapshots) {
+        return Arrays.stream(Store.numbers(snapshots)).mapToObj(this::host).collect(Collectors.toList());
     }
 
-    String identity(long unit) {
-        if (identities == null) {
-            identities = new HashMap<>();
-            each("SELECT id, identity FROM unit", row -> identities.put(row.getLong(1), row.getString(2)));
-        }
-        return identities.get(unit);
+    /** What presents these units to any host; no set for a unit that nothing presents. */
+    Map<Long, Set<String>> nodes(Collection<Long> units) {
+        Map<Long, Set<String>> nodes = new HashMap<>();
+        store.queryAbout("SELECT DISTINCT r.unit_id, r.nodes FROM latest_snapshot s"
+                         + " JOIN reach r ON r.snapshot_id = s.snapshot_id"
+                         + " WHERE r.unit_id IN (:these) AND r.nodes <> ''",
+                         row -> nodes.computeIfAbsent(row.getLong(1), none -> new HashSet<>())
+                             .addAll(List.of(row.getString(2).split(" "))), units);
+        return nodes;
+    }
+
+    /** What these units are called. */
+    Map<Long, String> identities(Collection<Long> units) {
+        Map<Long, String> identities = new HashMap<>();
+        store.queryAbout("SELECT id, identity FROM unit WHERE id IN (:these)",
+                         row -> identities.put(row.getLong(1), row.getString(2)), units);
+        return identities;
+    }
+
+    /** Where these hosts have ports that are online; no list for a host that has none. */
+    Map<Host, List<Port>> online(Collection<Host> those) {
+        Map<Host, List<Port>> ports = new HashMap<>();
+        store.queryAbout("SELECT DISTINCT snapshot_id, fabric, domain FROM port WHERE snapshot_id IN (:these)"
+                         + " AND state = '" + PortWords.ONLINE + "'",
+                         row -> ports.computeIfAbsent(host(row.getLong(1)), none -> new ArrayList<>())
+                             .add(new Port(row.getString(2), row.getInt(3))),
+                         those.stream().map(host -> host.snapshot).collect(Collectors.toSet()));
+        return ports;
     }
 
     private void each(String sql, Store.Row<?> row) {
@@ -134,117 +149,58 @@ final class Network {
 
     private void readHosts() {
         each("SELECT snapshot_id, host, recorded_at FROM latest_snapshot", row -> {
-            Host host = new Host(row.getString(2), row.getString(3));
-            bySnapshot.put(row.getLong(1), host);
+            Host host = new Host(row.getLong(1), row.getString(2), row.getString(3));
+            bySnapshot.put(host.snapshot, host);
             return hosts.add(host);
         });
         hosts.sort(Comparator.comparing(host -> host.name));
     }
 
-    private void readPorts() {
-        Map<String, String> names = new HashMap<>();
-        each("SELECT p.snapshot_id, p.wwn, p.fabric, p.domain, p.state FROM latest_snapshot s"
-             + " JOIN port p ON p.snapshot_id = s.snapshot_id",
-             row -> host(row.getLong(1)).ports.add(new Port(
-                 row.getString(2), names.computeIfAbsent(row.getString(3), name -> name), row.getInt(4),
-                 row.getString(5).equals(PortWords.ONLINE))));
-    }
-
     private void readArrayPorts() {
-        each("SELECT g.fabric, g.remote_wwn, MAX(g.remote_node), MAX(g.remote_domain), SUM(g.initiators),"
-             + " MAX(g.units), " + store.joined("g.snapshot_id") + ", "
+        each("SELECT g.fabric, g.remote_wwn, MAX(g.remote_node), MAX(g.remote_domain), "
+             + store.joined("g.snapshot_id") + ", "
              + store.joined("CASE WHEN g.remote_state <> '" + PortWords.ONLINE + "' THEN g.snapshot_id END")
+             + ", SUM(g.initiators), MAX(g.units)"
              + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
-             + " WHERE g.remote_node IN (SELECT o.remote_node FROM latest_snapshot l"
-             + " JOIN sight o ON o.snapshot_id = l.snapshot_id WHERE o.units > 0)"
              + " GROUP BY g.fabric, g.remote_wwn", row -> {
             ArrayPort port = new ArrayPort(row.getString(1), row.getString(2), row.getString(3), row.getInt(4),
-                                           row.getLong(5), row.getLong(6) > 0);
-            for (long snapshot : Store.numbers(row.getString(7))) {
-                port.hosts.add(host(snapshot));
-                host(snapshot).seen.add(port);
-            }
-            for (long snapshot : Store.numbers(row.getString(8))) {
-                host(snapshot).seenOffline.add(port);
-            }
+                                           hosts(row.getString(5)), hosts(row.getString(6)), row.getLong(7),
+                                           row.getLong(8) > 0);
             return portsOfNode.computeIfAbsent(port.node, none -> new ArrayList<>()).add(port);
         });
-    }
-
-    private void addNodes(String names, long[] units) {
-        if (!names.isEmpty()) {
-            Set<String> presenting = Set.of(names.split(" "));
-            for (long unit : units) {
-                nodes.merge(unit, presenting, Network::union);
-            }
-        }
-    }
-
-    /** One of them where that has all; many units have the same. */
-    private static Set<String> union(Set<String> one, Set<String> other) {
-        if (one.containsAll(other)) {
-            return one;
-        }
-        Set<String> both = new HashSet<>(one);
-        both.addAll(other);
-        return both;
+        portsOfNode.values().removeIf(ports -> ports.stream().noneMatch(port -> port.isUsed));
+        portsOfNode.values().forEach(ports -> ports.forEach(
+            port -> port.hosts.forEach(host -> host.seen.add(port))));
     }
 
     private void readUnits() {
-        List<Long> mixed = new ArrayList<>(); // to which different nodes present different units
+        Map<String, List<Integer>> alike = new LinkedHashMap<>(); // the numbers of hosts that have the same units
         Map<Host, Integer> numbers = new HashMap<>();
         hosts.forEach(host -> numbers.put(host, numbers.size()));
-        Map<Long, Integer> places = new HashMap<>();
-        List<Long> units = new ArrayList<>();
-        // The unit's place above, the host's number below, so that sorting puts the hosts of a unit together.
-        LongStream.Builder pairs = LongStream.builder();
-        each("SELECT s.snapshot_id, (SELECT " + store.joined("r.unit_id") + OF_HOST
-             + ", (SELECT MIN(r.nodes) || ',' || MAX(r.nodes)" + OF_HOST + " FROM latest_snapshot s", row -> {
-            int host = numbers.get(host(row.getLong(1)));
-            long[] reached = Store.numbers(row.getString(2));
-            if (reached.length > 0) {
-                String[] firstAndLast = row.getString(3).split(",", -1);
-                if (firstAndLast[0].equals(firstAndLast[1])) {
-                    addNodes(firstAndLast[0], reached);
-                } else {
-                    mixed.add(row.getLong(1));
-                }
-            }
-            for (long unit : reached) {
-                Integer place = places.putIfAbsent(unit, places.size());
-                if (place == null) {
-                    place = units.size();
-                    units.add(unit);
-                }
-                pairs.add((long) place << Integer.SIZE | host);
-            }
-            return null;
+        each("SELECT s.snapshot_id, (SELECT " + store.joined("r.unit_id")
+             + " FROM reach r WHERE r.snapshot_id = s.snapshot_id) AS units FROM latest_snapshot s", row -> {
+            String units = row.getString(2);
+            return units != null && alike.computeIfAbsent(units, none -> new ArrayList<>())
+                .add(numbers.get(host(row.getLong(1))));
         });
-        store.queryAbout("SELECT nodes, " + store.joined("unit_id") + " FROM reach WHERE snapshot_id IN (:these)"
-                         + " GROUP BY nodes", row -> {
-            addNodes(row.getString(1), Store.numbers(row.getString(2)));
-            return null;
-        }, mixed);
-        findSharings(pairs.build().sorted().toArray(), units);
-    }
-
-    /** Units are put together that the same hosts have: there are far fewer such groups than units. */
-    private void findSharings(long[] seen, List<Long> units) {
-        Map<IntBuffer, Sharing> byHosts = new LinkedHashMap<>();
-        for (int from = 0, to = 0; from < seen.length; from = to) {
-            long unit = seen[from] >> Integer.SIZE;
-            while (to < seen.length && seen[to] >> Integer.SIZE == unit) {
-                to++;
-            }
-            if (to - from > 1) {
-                int[] those = Arrays.stream(seen, from, to).mapToInt(pair -> (int) pair).toArray();
-                byHosts.computeIfAbsent(IntBuffer.wrap(those), none -> new Sharing(those)).units
-                    .add(units.get((int) unit));
-            }
-        }
-        sharings.addAll(byHosts.values());
+        findSharings(alike);
         for (Sharing sharing : sharings) {
             Arrays.stream(sharing.hosts).forEach(host -> hosts.get(host).sharings.add(sharing));
         }
+    }
+
+    /** Units are put together that the same hosts have: there are far fewer such groups than units. */
+    private void findSharings(Map<String, List<Integer>> alike) {
+        Map<Long, List<List<Integer>>> having = new LinkedHashMap<>();
+        alike.forEach((units, those) -> Arrays.stream(Store.numbers(units)).forEach(
+            unit -> having.computeIfAbsent(unit, none -> new ArrayList<>()).add(those)));
+        Map<List<List<Integer>>, List<Long>> together = new LinkedHashMap<>();
+        having.forEach((unit, kinds) -> together.computeIfAbsent(kinds, none -> new ArrayList<>()).add(unit));
+        together.forEach((kinds, units) -> {
+            int[] those = kinds.stream().flatMap(List::stream).mapToInt(host -> host).sorted().toArray();
+            if (those.length > 1) {
+                sharings.add(new Sharing(those, units));
+            }
+        });
     }
 }

@@ -51,7 +51,7 @@ public final class NetworkCheck {
         peers.findLacking();
         peers.findSharedApart();
         EquipmentRules equipment = new EquipmentRules(network, findings);
-        equipment.findDuplicateNames();
+        equipment.findDuplicateNames(store);
         equipment.findDrift(store);
         if (maxAge != null) {
             equipment.findOld(now, maxAge);

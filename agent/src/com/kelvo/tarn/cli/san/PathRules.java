@@ -1,7 +1,8 @@
 package com.kelvo.tarn.cli.san;
 
+import java.sql.ResultSet;
+import java.sql.SQLException;
 import java.util.Arrays;
-import java.util.Collection;
 import java.util.HashMap;
 import java.util.HashSet;
 import java.util.LinkedHashMap;
@@ -16,10 +17,32 @@ import java.util.stream.Stream;
 /** Whether hosts reach units by what is theirs to use: the fabrics, the switches, the ports of the arrays. */
 final class PathRules {
     private static final int FEWEST_CROWDING = 8;
-    private static final String ONE_WAY = "SELECT r.snapshot_id, r.unit_id, r.one_fabric, r.one_switch,"
-        + " r.second_switch, r.one_array_port FROM latest_snapshot s JOIN reach r ON r.snapshot_id = s.snapshot_id"
+    private static final String ONE_WAY = "SELECT r.snapshot_id, r.unit_id, u.identity, r.one_fabric,"
+        + " r.one_switch, r.second_switch, r.one_array_port"
+        + " FROM latest_snapshot s JOIN reach r ON r.snapshot_id = s.snapshot_id JOIN unit u ON u.id = r.unit_id"
         + " WHERE r.paths >= 2 AND (r.one_fabric IS NOT NULL OR r.one_switch IS NOT NULL"
         + " OR r.one_array_port IS NOT NULL)";
+
+    /** What all paths of a host to a unit share; null for nothing. */
+    private static final class OneWay {
+        private final Network.Host host;
+        private final long unit;
+        private final String identity;
+        private final String fabric;
+        private final String oneSwitch;
+        private final String secondSwitch;
+        private final String arrayPort;
+
+        private OneWay(Network.Host host, ResultSet row) throws SQLException {
+            this.host = host;
+            unit = row.getLong(2);
+            identity = row.getString(3);
+            fabric = row.getString(4);
+            oneSwitch = row.getString(5);
+            secondSwitch = row.getString(6);
+            arrayPort = row.getString(7);
+        }
+    }
 
     private final Network network;
     private final NetworkFindings findings;
@@ -45,56 +68,61 @@ final class PathRules {
 
     /** Where all paths share something of which the host has, or the array shows to others, a second. */
     void findOneWay(Store store) {
-        store.query(ONE_WAY, row -> {
-            Network.Host host = network.host(row.getLong(1));
-            long unit = row.getLong(2);
-            require(NetworkFault.UNIT_ONE_FABRIC, unit, host, online(host, port -> port.fabric), fabrics,
-                    row.getString(3), null);
-            require(NetworkFault.UNIT_ONE_SWITCH, unit, host, online(host, port -> port.throughSwitch), switches,
-                    row.getString(4), row.getString(5));
-            require(NetworkFault.UNIT_ONE_ARRAY_PORT, unit, host, Stream.empty(), arrayPorts, row.getString(6), null);
-            return null;
-        });
+        List<OneWay> all = store.query(ONE_WAY, row -> new OneWay(network.host(row.getLong(1)), row));
+        Map<Long, Set<String>> nodes = network.nodes(all.stream().map(each -> each.unit).collect(Collectors.toSet()));
+        Map<Network.Host, List<Network.Port>> online =
+            network.online(all.stream().map(each -> each.host).collect(Collectors.toSet()));
+        for (OneWay each : all) {
+            List<Network.Port> ports = online.getOrDefault(each.host, List.of());
+            Set<String> presenting = nodes.getOrDefault(each.unit, Set.of());
+            require(NetworkFault.UNIT_ONE_FABRIC, each, each.fabric, null,
+                    Stream.concat(ports.stream().map(port -> port.fabric), shown(fabrics, presenting)));
+            require(NetworkFault.UNIT_ONE_SWITCH, each, each.oneSwitch, each.secondSwitch,
+                    Stream.concat(ports.stream().map(port -> port.throughSwitch), shown(switches, presenting)));
+            require(NetworkFault.UNIT_ONE_ARRAY_PORT, each, each.arrayPort, null, shown(arrayPorts, presenting));
+        }
     }
 
-    private static Stream<String> online(Network.Host host, Function<Network.Port, String> what) {
-        return host.ports.stream().filter(port -> port.isOnline).map(what)
-            .filter(name -> name != null && !name.isEmpty());
+    private static Stream<String> shown(Map<String, Set<String>> ofNode, Set<String> nodes) {
+        return nodes.stream().flatMap(node -> ofNode.getOrDefault(node, Set.of()).stream());
     }
 
-    private void require(NetworkFault fault, long unit, Network.Host host, Stream<String> ofHost,
-                         Map<String, Set<String>> ofNode, String shared, String sharedToo) {
-        if (shared != null && Stream.concat(ofHost, network.nodes(unit).stream().flatMap(
-                node -> ofNode.getOrDefault(node, Set.of()).stream()))
-            .anyMatch(other -> !other.equals(shared) && !other.equals(sharedToo))) {
-            findings.warn(fault, network.identity(unit), host, shared);
+    private void require(NetworkFault fault, OneWay found, String shared, String sharedToo, Stream<String> there) {
+        if (shared != null && there.anyMatch(
+                other -> other != null && !other.isEmpty() && !other.equals(shared) && !other.equals(sharedToo))) {
+            findings.warn(fault, found.identity, found.host, shared);
         }
     }
 
     /** Where a host does not see an array port that two others see online which share a unit of that array with it. */
     void findZoningGaps() {
-        for (Network.Sharing sharing : network.sharings) {
-            if (sharing.hosts.length > 2) {
-                findZoningGaps(Arrays.stream(sharing.hosts).mapToObj(network.hosts::get).collect(Collectors.toList()),
-                               sharing.units.stream().flatMap(unit -> network.nodes(unit).stream())
-                                   .collect(Collectors.toSet()));
-            }
-        }
+        Map<Network.Sharing, Set<Network.ArrayPort>> partly = new LinkedHashMap<>();
+        network.sharings.forEach(sharing -> partly.put(sharing, seenByTwoButNotAll(peers(sharing))));
+        partly.values().removeIf(Set::isEmpty);
+        Map<Long, Set<String>> nodes = network.nodes(
+            partly.keySet().stream().flatMap(sharing -> sharing.units.stream()).collect(Collectors.toSet()));
+        Map<Network.Host, List<Network.Port>> online = network.online(
+            partly.keySet().stream().flatMap(sharing -> peers(sharing).stream()).collect(Collectors.toSet()));
+        partly.forEach((sharing, ports) -> {
+            Set<String> presenting = sharing.units.stream()
+                .flatMap(unit -> nodes.getOrDefault(unit, Set.of()).stream()).collect(Collectors.toSet());
+            ports.stream().filter(port -> presenting.contains(port.node)).forEach(
+                port -> peers(sharing).stream().filter(host -> !host.seen.contains(port)
+                    && online.getOrDefault(host, List.of()).stream().anyMatch(own -> own.fabric.equals(port.fabric)))
+                    .forEach(host -> findings.warn(NetworkFault.ZONING_GAP, port.wwn, host, port.fabric)));
+        });
     }
 
-    private void findZoningGaps(Collection<Network.Host> peers, Set<String> nodes) {
+    private List<Network.Host> peers(Network.Sharing sharing) {
+        return Arrays.stream(sharing.hosts).mapToObj(network.hosts::get).collect(Collectors.toList());
+    }
+
+    private static Set<Network.ArrayPort> seenByTwoButNotAll(List<Network.Host> peers) {
         Map<Network.ArrayPort, Integer> seers = new LinkedHashMap<>();
-        for (Network.Host host : peers) {
-            host.seen.stream().filter(port -> !port.fabric.isEmpty() && nodes.contains(port.node)
-                                      && !host.seenOffline.contains(port))
-                .forEach(port -> seers.merge(port, 1, Integer::sum));
-        }
-        seers.forEach((port, count) -> {
-            if (count > 1 && count < peers.size()) {
-                peers.stream().filter(host -> !host.seen.contains(port) && host.isOnlineIn(port.fabric))
-                    .forEach(host -> findings.warn(NetworkFault.ZONING_GAP, port.wwn, host, port.fabric));
-            }
-        });
+        peers.forEach(host -> host.seen.stream().filter(port -> !port.fabric.isEmpty() && !port.offlineTo.contains(host))
+            .forEach(port -> seers.merge(port, 1, Integer::sum)));
+        seers.values().removeIf(count -> count < 2 || count == peers.size());
+        return seers.keySet();
     }
 
     /** Where an array port is seen by twice the initiators that are usual in its array. */

@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli.san;
 
+import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Comparator;
 import java.util.HashMap;
@@ -26,18 +27,23 @@ final class PeerRules {
 
     /** Where one host lacks units that all others have with which it shares three or more. */
     void findLacking() {
+        Map<Network.Sharing, Network.Host> lacking = new LinkedHashMap<>();
         for (Network.Sharing sharing : network.sharings) {
             Map<Integer, Integer> common = commonWithOthers(sharing);
             common.values().removeIf(units -> units < FEWEST_COMMON);
             if (common.size() == 1) { // of two groups, neither is the one that lacks
-                Network.Host lacking = network.hosts.get(common.keySet().iterator().next());
-                String others = hosts(sharing).stream().map(host -> host.name).limit(2)
-                    .collect(Collectors.joining(", "))
-                    + (sharing.hosts.length > 2 ? " and " + (sharing.hosts.length - 2) + " more" : "");
-                sharing.units.forEach(unit -> findings.warn(
-                    NetworkFault.HOST_LACKS_UNIT, network.identity(unit), lacking, others));
+                lacking.put(sharing, network.hosts.get(common.keySet().iterator().next()));
             }
         }
+        Map<Long, String> identities = network.identities(
+            lacking.keySet().stream().flatMap(sharing -> sharing.units.stream()).collect(Collectors.toList()));
+        lacking.forEach((sharing, host) -> {
+            String others = hosts(sharing).stream().map(other -> other.name).limit(2)
+                .collect(Collectors.joining(", "))
+                + (sharing.hosts.length > 2 ? " and " + (sharing.hosts.length - 2) + " more" : "");
+            sharing.units.forEach(unit -> findings.warn(
+                NetworkFault.HOST_LACKS_UNIT, identities.get(unit), host, others));
+        });
     }
 
     /** The other hosts by how many of the units they have that all hosts of this sharing have. */
@@ -71,6 +77,7 @@ final class PeerRules {
             .collect(Collectors.groupingBy(host -> host.sharings, LinkedHashMap::new, Collectors.toList()));
         alike.keySet().forEach(kind -> kind.forEach(
             sharing -> kinds.computeIfAbsent(sharing, none -> new HashSet<>()).add(kind)));
+        Map<Network.Sharing, List<Network.Host>> strangers = new LinkedHashMap<>();
         for (Network.Sharing sharing : network.sharings) {
             if (sharing.units.size() > 1) {
                 continue;
@@ -82,10 +89,14 @@ final class PeerRules {
                 }
                 kind.stream().filter(other -> other != sharing).forEach(other -> apart.removeAll(kinds.get(other)));
                 if (!apart.isEmpty()) {
-                    findings.warn(NetworkFault.UNIT_SHARED_APART, network.identity(sharing.units.get(0)),
-                                  alike.get(kind), String.valueOf(sharing.hosts.length));
+                    strangers.computeIfAbsent(sharing, none -> new ArrayList<>()).addAll(alike.get(kind));
                 }
             }
         }
+        Map<Long, String> identities = network.identities(
+            strangers.keySet().stream().map(sharing -> sharing.units.get(0)).collect(Collectors.toList()));
+        strangers.forEach((sharing, hosts) -> findings.warn(
+            NetworkFault.UNIT_SHARED_APART, identities.get(sharing.units.get(0)), hosts,
+            String.valueOf(sharing.hosts.length)));
     }
 }
