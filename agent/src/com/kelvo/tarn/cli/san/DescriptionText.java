@@ -7,9 +7,10 @@ import java.io.InputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.nio.file.attribute.BasicFileAttributes;
-import java.security.MessageDigest;
-import java.security.NoSuchAlgorithmException;
 import java.time.Instant;
+import java.util.zip.CRC32;
+import java.util.zip.CRC32C;
+import java.util.zip.Checksum;
 import java.util.zip.GZIPInputStream;
 import java.util.zip.ZipException;
 
@@ -59,18 +60,15 @@ final class DescriptionText {
     }
 
     /**
-     * MD5 in hexadecimal digits. It protects nothing, and tells recordings apart in a quarter of the time of SHA-256,
-     * of which there are no instructions of the processor's own for code that is compiled quickly.
+     * Two checksums in hexadecimal digits, 64 bits together. They protect nothing, and tell recordings apart in a
+     * twentieth of the time of MD5: for these, code that is compiled quickly has the processor's own instructions.
      */
     String digest() {
-        try {
-            StringBuilder digits = new StringBuilder();
-            for (byte each : MessageDigest.getInstance("MD5").digest(text)) {
-                digits.append(Character.forDigit(each >> 4 & 0xf, 16)).append(Character.forDigit(each & 0xf, 16));
-            }
-            return digits.toString();
-        } catch (NoSuchAlgorithmException impossible) {
-            throw new IllegalStateException(impossible);
-        }
+        return digits(new CRC32()) + digits(new CRC32C());
+    }
+
+    private String digits(Checksum checksum) {
+        checksum.update(text, 0, text.length);
+        return String.format("%08x", checksum.getValue());
     }
 }

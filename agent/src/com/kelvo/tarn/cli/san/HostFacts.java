@@ -50,9 +50,8 @@ public final class HostFacts {
     /** By identity: all that its rows are about. */
     public final Map<String, Unit> units = new HashMap<>();
 
-    private final Map<HostTable, List<Object[]>> rows = new EnumMap<>(HostTable.class);
-    /** By what the store has of the ports at their ends: the paths between these, of which there may be many. */
-    final Map<List<Object>, List<Object[]>> paths = new LinkedHashMap<>();
+    /** What rows that begin alike begin with, and the rest of each. */
+    private final Map<HostTable, Map<List<Object>, List<Object[]>>> rows = new EnumMap<>(HostTable.class);
 
     /**
      * A host without rows so far.
@@ -66,30 +65,31 @@ public final class HostFacts {
         this.platform = platform;
         this.recordedAt = recordedAt;
         for (HostTable table : HostTable.values()) {
-            rows.put(table, new ArrayList<>());
+            rows.put(table, new LinkedHashMap<>());
         }
     }
 
     /**
-     * Adds a row.
+     * Adds a row to a table whose rows do not begin alike.
      *
      * @param table to which table
      * @param values what stands in its columns but for the snapshot, in their order
      */
     public void add(HostTable table, Object... values) {
-        rows.get(table).add(values);
+        alike(table).add(values);
     }
 
     /**
-     * {@return the paths between two ports, to which those are added that a host has}
+     * {@return the rows that begin alike, to which those are added that a host has, without that beginning}
      *
-     * @param ends what stands in the first columns of {@link HostTable#PATH}; the others are each path's own
+     * @param table of which table
+     * @param beginning what stands in the first columns but for the snapshot
      */
-    public List<Object[]> pathsBetween(Object... ends) {
-        return paths.computeIfAbsent(Arrays.asList(ends), added -> new ArrayList<>());
+    public List<Object[]> alike(HostTable table, Object... beginning) {
+        return rows.get(table).computeIfAbsent(Arrays.asList(beginning), added -> new ArrayList<>());
     }
 
-    List<Object[]> rows(HostTable table) {
+    Map<List<Object>, List<Object[]>> rows(HostTable table) {
         return rows.get(table);
     }
 }

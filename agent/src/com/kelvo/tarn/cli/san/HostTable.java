@@ -9,40 +9,48 @@ import java.util.stream.IntStream;
 /** The tables whose rows are each of one snapshot, with their other columns. */
 public enum HostTable {
     /** The host bus adapters. */
-    ADAPTER("adapter", "model", "firmware", "driver", "node_wwn"),
+    ADAPTER(0, "adapter", "model", "firmware", "driver", "node_wwn"),
     /** Their ports. */
-    PORT("adapter", "port", "wwn", "fabric", "fc_address", "domain", "state", "speed"),
-    /** The target mappings. */
-    PATH("adapter", "port", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state",
+    PORT(0, "adapter", "port", "wwn", "fabric", "fc_address", "domain", "state", "speed"),
+    /** The target mappings; there are many between the same two ports. */
+    PATH(7, "adapter", "port", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state",
          "unit_id", "lun", "disk"),
     /** The file systems that tell their sizes. */
-    MOUNT("mount_point", "disk", "unit_id", "total_bytes", "available_bytes"),
+    MOUNT(0, "mount_point", "disk", "unit_id", "total_bytes", "available_bytes"),
     /** What the check of the host alone finds. */
-    FINDING("severity", "code", "subject"),
-    /** How each unit is reached over online paths. */
-    REACH("unit_id", "paths", "adapters", "fabrics", "switches", "array_ports", "one_fabric", "one_switch",
-          "second_switch", "one_array_port", "nodes", "size_bytes"),
+    FINDING(0, "severity", "code", "subject"),
+    /** How each unit is reached over online paths; most are reached alike. */
+    REACH(10, "paths", "adapters", "fabrics", "switches", "array_ports", "one_fabric", "one_switch", "second_switch",
+          "one_array_port", "nodes", "unit_id", "size_bytes"),
     /** The array ports that are seen, by fabric. */
-    SIGHT("fabric", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state", "initiators",
+    SIGHT(0, "fabric", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state", "initiators",
           "units");
 
     /** Where a row says which unit it is about: the unit's identity, of which the store makes the unit's number. */
     final int unit;
     /** The statement that adds a row to the snapshot that its first parameter names. */
     final String insertion;
+    /** The statement that adds several which begin alike: the snapshot, that beginning, each row's own; or null. */
+    final String together;
 
-    /** How many paths {@link #PATHS_TOGETHER} adds. */
+    /** How many rows {@link #together} adds. */
     static final int TOGETHER = 16;
-    /** With how many columns a path begins that all between the same two ports have alike. */
-    static final int ENDS = 7;
-    /** The statement that adds paths between the same two ports: the snapshot, the ports, each path's own columns. */
-    static final String PATHS_TOGETHER = PATH.insertion.replaceFirst("VALUES.*", "SELECT e.*, own.* FROM (SELECT ?"
-        + IntStream.rangeClosed(1, ENDS).mapToObj(column -> ", ? AS c" + column).collect(Collectors.joining())
-        + ") e CROSS JOIN (VALUES " + String.join(", ", Collections.nCopies(TOGETHER, "(?, ?, ?)")) + ") own");
 
-    HostTable(String... columns) {
+    /** With so many columns rows begin that many others have alike. */
+    HostTable(int alike, String... columns) {
+        List<String> own = List.of(columns).subList(alike, columns.length);
         unit = List.of(columns).indexOf("unit_id");
-        insertion = "INSERT INTO " + name().toLowerCase(Locale.ROOT) + " (snapshot_id, " + String.join(", ", columns)
-            + ") VALUES (?" + ", ?".repeat(columns.length) + ")";
+        String values = "INSERT INTO " + name().toLowerCase(Locale.ROOT) + " (snapshot_id, "
+            + String.join(", ", columns) + ") ";
+        insertion = values + "VALUES (?" + ", ?".repeat(columns.length) + ")";
+        String row = own.stream().map(HostTable::mark).collect(Collectors.joining(", ", "(", ")"));
+        together = alike == 0 ? null : values + "SELECT e.*, own.* FROM (SELECT ?"
+            + IntStream.rangeClosed(1, alike).mapToObj(column -> ", ? AS c" + column).collect(Collectors.joining())
+            + ") e CROSS JOIN (VALUES " + String.join(", ", Collections.nCopies(TOGETHER, row)) + ") own";
+    }
+
+    /** What is null in all rows has no type but one that is told. */
+    private static String mark(String column) {
+        return column.endsWith("_bytes") ? "CAST(? AS BIGINT)" : "?";
     }
 }

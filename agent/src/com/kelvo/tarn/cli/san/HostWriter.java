@@ -181,43 +181,30 @@ final class HostWriter implements AutoCloseable {
         for (HostTable table : HostTable.values()) {
             addRows(connection, table, snapshot, facts.rows(table), learned);
         }
-        addPaths(connection, snapshot, facts.paths, learned);
         if (prunes()) {
             prune(connection, host);
         }
         return true;
     }
 
-    private void addRows(Connection connection, HostTable table, long snapshot, List<Object[]> rows,
-                         Map<String, Stored> learned) throws SQLException {
+    private void addRows(Connection connection, HostTable table, long snapshot,
+                         Map<List<Object>, List<Object[]>> rows, Map<String, Stored> learned) throws SQLException {
         if (rows.isEmpty()) {
             return;
         }
-        PreparedStatement statement = prepared(connection, table.insertion);
-        for (Object[] row : rows) {
-            statement.setLong(1, snapshot);
-            bind(statement, 2, table, 0, row, learned);
-            statement.addBatch();
-        }
-        statement.executeBatch();
-    }
-
-    /** Many paths lead from one port to another, which are told once for several. */
-    private void addPaths(Connection connection, long snapshot, Map<List<Object>, List<Object[]>> paths,
-                          Map<String, Stored> learned) throws SQLException {
-        PreparedStatement together = prepared(connection, HostTable.PATHS_TOGETHER);
-        PreparedStatement single = prepared(connection, HostTable.PATH.insertion);
-        for (Map.Entry<List<Object>, List<Object[]>> each : paths.entrySet()) {
-            Object[] ends = each.getKey().toArray();
+        PreparedStatement single = prepared(connection, table.insertion);
+        PreparedStatement together = table.together == null ? single : prepared(connection, table.together);
+        int most = table.together == null ? 1 : HostTable.TOGETHER;
+        for (Map.Entry<List<Object>, List<Object[]>> each : rows.entrySet()) {
+            Object[] beginning = each.getKey().toArray();
             List<Object[]> left = each.getValue();
             while (!left.isEmpty()) {
-                boolean isMany = left.size() >= HostTable.TOGETHER;
-                PreparedStatement statement = isMany ? together : single;
-                int count = isMany ? HostTable.TOGETHER : 1;
+                int count = left.size() < most ? 1 : most;
+                PreparedStatement statement = count == 1 ? single : together;
                 statement.setLong(1, snapshot);
-                int parameter = bind(statement, 2, HostTable.PATH, 0, ends, learned);
-                for (Object[] path : left.subList(0, count)) {
-                    parameter = bind(statement, parameter, HostTable.PATH, ends.length, path, learned);
+                int parameter = bind(statement, 2, table, 0, beginning, learned);
+                for (Object[] own : left.subList(0, count)) {
+                    parameter = bind(statement, parameter, table, beginning.length, own, learned);
                 }
                 statement.addBatch();
                 left = left.subList(count, left.size());

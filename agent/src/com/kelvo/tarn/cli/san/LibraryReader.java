@@ -16,6 +16,7 @@ import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.HostBusAdapterProvider;
 import java.math.BigInteger;
 import java.util.ArrayList;
+import java.util.HashMap;
 import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.List;
@@ -100,8 +101,8 @@ public final class LibraryReader implements HostReader {
 
         private FarEnd(HostFacts facts, Fabric.RemotePort remote) {
             int domain = domain(remote.instance);
-            paths = facts.pathsBetween(
-                remote.port.adapter.index, remote.port.index, wwn(remote.instance), LogicalUnit.nodeOf(remote),
+            paths = facts.alike(
+                HostTable.PATH, remote.port.adapter.index, remote.port.index, wwn(remote.instance), LogicalUnit.nodeOf(remote),
                 address(remote.instance), domain, state(remote.instance));
             String fabric = remote.port.fabric();
             switches = fabric.isEmpty() ? List.of()
@@ -134,7 +135,7 @@ public final class LibraryReader implements HostReader {
                 farEnds.get(path.remote).paths.add(new Object[] {identity, unit.lun.longValue(), path.disk});
             }
         }
-        online.forEach((identity, paths) -> addReach(facts, identity, paths, farEnds));
+        addReach(facts, online, farEnds);
         asked.fileSystems.forEach((mountPoint, use) -> facts.add(
             HostTable.MOUNT, mountPoint, asked.diskAt(mountPoint), mounted.get(mountPoint),
             bytes(use, FileSystemUse::total), bytes(use, FileSystemUse::available)));
@@ -144,8 +145,23 @@ public final class LibraryReader implements HostReader {
         return use == null ? null : size.apply(use).min(MOST).longValue();
     }
 
-    private static void addReach(HostFacts facts, String identity, List<LogicalUnit.Path> paths,
+    /** Units that the same nodes present over the same ports are reached alike, and most are. */
+    private static void addReach(HostFacts facts, Map<String, List<LogicalUnit.Path>> online,
                                  Map<Fabric.RemotePort, FarEnd> farEnds) {
+        Map<List<Object>, List<Object[]>> alike = new HashMap<>();
+        online.forEach((identity, paths) -> {
+            HostFacts.Unit unit = facts.units.get(identity);
+            List<Object> through = new ArrayList<>(unit.nodes);
+            for (LogicalUnit.Path path : paths) {
+                through.add(path.remote);
+            }
+            alike.computeIfAbsent(through, added -> reach(facts, unit, paths, farEnds))
+                .add(new Object[] {identity, unit.sizeBytes});
+        });
+    }
+
+    private static List<Object[]> reach(HostFacts facts, HostFacts.Unit unit, List<LogicalUnit.Path> paths,
+                                        Map<Fabric.RemotePort, FarEnd> farEnds) {
         Set<String> ends = new HashSet<>();
         Set<Integer> adapters = new HashSet<>();
         Set<String> fabrics = new HashSet<>();
@@ -163,12 +179,11 @@ public final class LibraryReader implements HostReader {
         List<String> shared = switches.keySet().stream().filter(name -> switches.get(name) == paths.size())
             .collect(Collectors.toList());
         String oneFabric = only(fabrics);
-        HostFacts.Unit unit = facts.units.get(identity);
-        facts.add(HostTable.REACH, identity, ends.size(), adapters.size(),
-                  fabrics.size() - (fabrics.contains("") ? 1 : 0), switches.size(), arrayPorts.size(),
-                  "".equals(oneFabric) ? null : oneFabric,
-                  shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts),
-                  String.join(" ", unit.nodes), unit.sizeBytes);
+        return facts.alike(
+            HostTable.REACH, ends.size(), adapters.size(), fabrics.size() - (fabrics.contains("") ? 1 : 0),
+            switches.size(), arrayPorts.size(), "".equals(oneFabric) ? null : oneFabric,
+            shared.isEmpty() ? null : shared.get(0), shared.size() < 2 ? null : shared.get(1), only(arrayPorts),
+            String.join(" ", unit.nodes));
     }
 
     private static String only(Set<String> names) {
