@@ -1,5 +1,6 @@
 package com.kelvo.tarn.cli;
 
+import com.kelvo.tarn.cli.output.Resources;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -7,7 +8,9 @@ import java.util.List;
 
 /** Runs commands one after the other, so that a class-data archive made as the virtual machine ends serves them all. */
 final class Training {
-    private static final String HOST = "{\"sysinfo\": {\"SI_HOSTNAME\": \"training\"}}";
+    /** Hosts with most of what may be wrong with them: the name of each, its second array port, a unit of its own. */
+    private static final List<String[]> HOSTS = List.of(new String[] {"one", "200200a0b8000000", "1"},
+        new String[] {"two", "200200a0b8000000", "1"}, new String[] {"three", "200100a0b8000000", "2"});
 
     private Training() {
     }
@@ -25,14 +28,23 @@ final class Training {
     }
 
     private static void askStore(Path folder) throws IOException {
-        Path host = folder.resolve("host.json");
-        Path store = folder.resolve("network.db");
-        for (Path each : List.of(folder, host, store)) {
-            each.toFile().deleteOnExit(); // the last is deleted first; a signal is an exit, too
+        folder.toFile().deleteOnExit(); // a signal is an exit, too
+        String store = within(folder, "network.db").toString();
+        String template = Resources.text(Training.class, "training.json");
+        for (String[] host : HOSTS) {
+            Path description = within(folder, host[0] + ".json");
+            Files.writeString(description, template.replace("\"NAME\"", '"' + host[0] + '"')
+                              .replace("SECOND", host[1]).replace("\"OWN\"", host[2]));
+            Tarn.run("san", "load", "--db", store, description.toString());
         }
-        Files.writeString(host, HOST);
-        Tarn.run("san", "load", "--db", store.toString(), host.toString());
-        Tarn.run("san", "check", "--db", store.toString());
-        Tarn.run("--json", "san", "who", "--db", store.toString(), "training");
+        Tarn.run("san", "check", "--db", store);
+        Tarn.run("--json", "san", "who", "--db", store, HOSTS.get(0)[0]);
+    }
+
+    /** A file that is deleted before its folder is: the last one first. */
+    private static Path within(Path folder, String name) {
+        Path file = folder.resolve(name);
+        file.toFile().deleteOnExit();
+        return file;
     }
 }

@@ -1,10 +1,6 @@
 package com.kelvo.tarn.cli.anonymous;
 
-import java.io.BufferedReader;
-import java.io.IOException;
-import java.io.InputStreamReader;
-import java.io.UncheckedIOException;
-import java.nio.charset.StandardCharsets;
+import com.kelvo.tarn.cli.output.Resources;
 import java.util.Arrays;
 import java.util.HashMap;
 import java.util.HashSet;
@@ -20,12 +16,8 @@ final class Resource {
 
     /** {@return the lines of a table, without comments and empty ones} */
     static List<String> lines(String name) {
-        try (BufferedReader in = new BufferedReader(new InputStreamReader(Resource.class.getResourceAsStream(name),
-                                                                          StandardCharsets.UTF_8))) {
-            return in.lines().filter(line -> !line.isBlank() && !line.startsWith("#")).collect(Collectors.toList());
-        } catch (IOException unreadable) {
-            throw new UncheckedIOException(unreadable);
-        }
+        return Resources.text(Resource.class, name).lines().filter(line -> !line.isBlank() && !line.startsWith("#"))
+            .collect(Collectors.toList());
     }
 
     /** {@return the lists of words that stay, by their names} */

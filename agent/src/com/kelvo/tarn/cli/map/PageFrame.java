@@ -1,12 +1,10 @@
 package com.kelvo.tarn.cli.map;
 
 import com.kelvo.tarn.cli.output.Page;
-import java.io.IOException;
-import java.io.InputStream;
+import com.kelvo.tarn.cli.output.Resources;
 import java.nio.charset.StandardCharsets;
 import java.security.MessageDigest;
 import java.security.NoSuchAlgorithmException;
-import java.util.ArrayList;
 import java.util.Base64;
 import java.util.HashMap;
 import java.util.List;
@@ -14,6 +12,7 @@ import java.util.Map;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 import java.util.stream.Collectors;
+import java.util.stream.Stream;
 
 /**
  * What the pages have in common: each is one file that asks nothing of anywhere. The policy in its head lets a browser
@@ -30,12 +29,9 @@ final class PageFrame {
      *
      * @param parts by the names that the templates have for them; what is text is escaped already
      */
-    static String of(String template, Map<String, String> parts, String style, String... scripts) throws IOException {
+    static String of(String template, Map<String, String> parts, String style, String... scripts) {
         String rules = Palette.css() + resource("page.css") + (style == null ? "" : resource(style));
-        List<String> texts = new ArrayList<>();
-        for (String script : scripts) {
-            texts.add(resource(script));
-        }
+        List<String> texts = Stream.of(scripts).map(PageFrame::resource).collect(Collectors.toList());
         Map<String, String> all = new HashMap<>(parts);
         all.put("policy", "default-src 'none'; base-uri 'none'; form-action 'none'; style-src " + hash(rules)
                 + "; script-src " + texts.stream().map(PageFrame::hash).collect(Collectors.joining(" ")));
@@ -60,9 +56,7 @@ final class PageFrame {
         }
     }
 
-    private static String resource(String name) throws IOException {
-        try (InputStream in = PageFrame.class.getResourceAsStream(name)) {
-            return new String(in.readAllBytes(), StandardCharsets.UTF_8);
-        }
+    private static String resource(String name) {
+        return Resources.text(PageFrame.class, name);
     }
 }

@@ -1,9 +1,6 @@
 package com.kelvo.tarn.cli.san;
 
-import java.io.IOException;
-import java.io.InputStream;
-import java.io.UncheckedIOException;
-import java.nio.charset.StandardCharsets;
+import com.kelvo.tarn.cli.output.Resources;
 import java.sql.Connection;
 import java.sql.ResultSet;
 import java.sql.SQLException;
@@ -78,18 +75,10 @@ final class Schema {
     }
 
     private void apply(int version) throws SQLException {
-        String script = script("schema-" + version + ".sql").replace("${id}", dialect.numbering());
+        String script = Resources.text(Schema.class, "schema-" + version + ".sql").replace("${id}", dialect.numbering());
         Dialect.execute(connection, script.strip().split(";\n"));
         Dialect.execute(connection, "DELETE FROM " + TABLE,
                         "INSERT INTO " + TABLE + " (version) VALUES (" + version + ")");
-    }
-
-    private static String script(String name) {
-        try (InputStream in = Schema.class.getResourceAsStream(name)) {
-            return new String(in.readAllBytes(), StandardCharsets.UTF_8);
-        } catch (IOException damaged) {
-            throw new UncheckedIOException(damaged);
-        }
     }
 
     private StoreException refusal(String reason) {
