@@ -11,14 +11,14 @@ import java.util.Collection;
 import java.util.Comparator;
 import java.util.HashMap;
 import java.util.LinkedHashMap;
+import java.util.LinkedHashSet;
 import java.util.List;
 import java.util.Locale;
 import java.util.Map;
-import java.util.Objects;
 import java.util.Optional;
+import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.stream.Collectors;
-import java.util.stream.Stream;
 
 /** The disks of a host, and which of them a name leads to. */
 public final class Disks {
@@ -29,6 +29,9 @@ public final class Disks {
     public static final Disks NONE = new Disks(List.of(), List.of(), List.of(), List.of(), List.of());
 
     private static final String DEVICES = "/devices";
+    private static final List<TrProperty> GEOMETRY = List.of(
+        SolarisDiskDriveProvider.heads, SolarisDiskDriveProvider.sectorsPerTrack,
+        SolarisDiskDriveProvider.dataCylinders);
 
     /** The drives that can be opened, by name. */
     final Map<String, TrInstance> drives = new LinkedHashMap<>();
@@ -96,9 +99,11 @@ public final class Disks {
      * @param drive an instance
      */
     public static long capacity(TrInstance drive) {
-        return Stream.<TrProperty>of(SolarisDiskDriveProvider.heads, SolarisDiskDriveProvider.sectorsPerTrack,
-                                     SolarisDiskDriveProvider.dataCylinders)
-            .mapToLong(figure -> Instances.number(drive, figure).longValue()).reduce(SECTOR, (all, one) -> all * one);
+        long capacity = SECTOR;
+        for (TrProperty figure : GEOMETRY) {
+            capacity *= Instances.number(drive, figure).longValue();
+        }
+        return capacity;
     }
 
     /** There is a disk of that name, or a slice of one. */
@@ -110,8 +115,7 @@ public final class Disks {
     }
 
     private void know(String name) {
-        if (!name.isEmpty()) {
-            names.put(name, name);
+        if (!name.isEmpty() && !name.equals(names.put(name, name))) {
             names.putIfAbsent(name.toLowerCase(Locale.ROOT), name);
         }
     }
@@ -169,9 +173,15 @@ public final class Disks {
 
     /** What the first of these disks is that has a designator, or else the first of which anything is told; or null. */
     Identity identity(Collection<String> disks) {
-        List<Identity> told = disks.stream().map(identities::get).filter(Objects::nonNull).collect(Collectors.toList());
-        return told.stream().filter(identity -> identity.designator != null).findFirst()
-            .orElse(told.isEmpty() ? null : told.get(0));
+        Identity first = null;
+        for (String disk : disks) {
+            Identity told = identities.get(disk);
+            if (told != null && told.designator != null) {
+                return told;
+            }
+            first = first == null ? told : first;
+        }
+        return first;
     }
 
     /** The disks that are the same volume; none for null, or where no designator is told. */
@@ -187,8 +197,9 @@ public final class Disks {
 
     /** Where file systems on these disks are mounted. */
     List<String> mountPointsOn(Collection<String> disks) {
-        return disks.stream().flatMap(disk -> mountPoints.getOrDefault(disk, List.of()).stream()).distinct()
-            .collect(Collectors.toList());
+        Set<String> there = new LinkedHashSet<>();
+        disks.forEach(disk -> there.addAll(mountPoints.getOrDefault(disk, List.of())));
+        return new ArrayList<>(there);
     }
 
     /** The disk that the file system is on that is mounted there, or null. */

@@ -6,9 +6,9 @@ import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.HashSet;
 import java.util.Iterator;
 import java.util.List;
-import java.util.Objects;
 import java.util.Set;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
@@ -101,6 +101,8 @@ public final class Fabric {
         final String name;
         /** Both ports' names: those of all paths between them. */
         final String ends;
+        /** Whether both ports are online. */
+        final boolean isOnline;
         /** What people know the device of each as, and the drive that it leads to, or null. */
         private final List<String> devices = new ArrayList<>();
         private final List<String> disks = new ArrayList<>();
@@ -112,6 +114,7 @@ public final class Fabric {
             mappings = record == null ? List.of() : Arrays.asList(record.targetMappings());
             name = nameOf(instance, place());
             ends = port.name + " " + name;
+            isOnline = isOnline(port.instance) && isOnline(instance);
         }
 
         /** Names the mappings as another view of the same remote port does; null, or of another size, is none. */
@@ -154,15 +157,23 @@ public final class Fabric {
 
         /** {@return the numbers under which it exports the units that are reached through both ports} */
         public Set<UnsignedInt> exportedLuns() {
-            return mappings.stream().filter(Objects::nonNull)
-                .map(mapping -> Instances.number(mapping, TargetMappingProvider.exportedLUN))
-                .collect(Collectors.toSet());
+            Set<UnsignedInt> luns = new HashSet<>();
+            for (TrInstance mapping : mappings) {
+                if (mapping != null) {
+                    luns.add(LogicalUnit.lunOf(mapping));
+                }
+            }
+            return luns;
         }
 
         /** {@return what it is called, such as "adapter 0 port 1 remote port 2"} */
         public String place() {
             return port.place() + " remote port " + index;
         }
+    }
+
+    private static boolean isOnline(TrInstance port) {
+        return PortStates.isOnline(Instances.value(port, HbaPortProvider.portState));
     }
 
     private static String nameOf(TrInstance port, String place) {

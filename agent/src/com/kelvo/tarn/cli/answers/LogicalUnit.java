@@ -6,7 +6,6 @@ import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import com.kelvo.tarn.providers.hba.TargetMappingProvider;
 import com.kelvo.tarn.providers.solaris.SolarisDiskDriveProvider;
 import java.util.ArrayList;
-import java.util.HashSet;
 import java.util.LinkedHashMap;
 import java.util.LinkedHashSet;
 import java.util.List;
@@ -14,7 +13,6 @@ import java.util.Map;
 import java.util.Objects;
 import java.util.Set;
 import java.util.stream.Collectors;
-import java.util.stream.Stream;
 import javax.wbem.cim.UnsignedInt;
 
 /** A logical unit of an array with all its paths. */
@@ -100,7 +98,7 @@ public final class LogicalUnit {
 
         /** {@return whether the ports at both ends are online} */
         public boolean isOnline() {
-            return PortStates.isOnline(portState) && PortStates.isOnline(remotePortState);
+            return remote.isOnline;
         }
     }
 
@@ -186,10 +184,11 @@ public final class LogicalUnit {
         driveType = disk == null ? "" : Instances.text(known.drives.get(disk), SolarisDiskDriveProvider.diskType);
         identity = known.identity(drives);
         designator = identity == null ? null : identity.designator;
-        pseudoDevices = new ArrayList<>(known.sameVolume(identity));
-        pseudoDevices.removeAll(new HashSet<>(drives));
-        mounts = known.mountPointsOn(
-            Stream.concat(drives.stream(), pseudoDevices.stream()).collect(Collectors.toList()));
+        Set<String> all = new LinkedHashSet<>(drives);
+        all.addAll(known.sameVolume(identity));
+        mounts = known.mountPointsOn(all);
+        drives.forEach(all::remove);
+        pseudoDevices = new ArrayList<>(all);
     }
 
     /** {@return the drives that its paths lead to} */
