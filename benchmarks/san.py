@@ -21,7 +21,7 @@ LEAST = 200
 GROUP = 8  # hosts that share their units
 FEW = max(GROUP, HOSTS // 10 // GROUP * GROUP)
 TURNS = 3  # of what is short; the cheapest counts
-LONG_TURNS = 2  # of what is long, both sides one after the other
+LONG_TURNS = 3  # of what is long, both sides one after the other
 CHECKED = (0, 1, 2)  # the exit statuses of a check that was made
 
 
