@@ -15,11 +15,11 @@ def line_of(words):
     return " ".join(str(word).replace(" ", "\t") for word in words)
 
 
-def in_one_machine(class_path, lines):
-    """What each command line prints, with its exit status."""
+def in_one_machine(class_path, lines, folder=ROOT):
+    """What each command line prints in that folder, with its exit status."""
     libraries = ":".join([f"{ROOT}/build/release", *glob("/usr/lib/jni"), *glob("/usr/lib/*/jni")])
     done = subprocess.run([*JAVA, f"-Djava.library.path={libraries}", "-cp", class_path,
-                           ROOT / "tests/record/Commands.java", "both"], input="\n".join(lines).encode(), cwd=ROOT,
+                           ROOT / "tests/record/Commands.java", "both"], input="\n".join(lines).encode(), cwd=folder,
                           env={**os.environ, "LC_ALL": "C.UTF-8"}, capture_output=True, timeout=600)
     out, err = (re.findall(rb"(.*?)\0([^\n]*): (\d+)\n", stream, re.S) for stream in (done.stdout, done.stderr))
     for told in (out, err):

@@ -21,6 +21,7 @@ import run
 sys.path += [str(hosts.ROOT / "tests"), str(hosts.ROOT / "tests/cli"), str(hosts.ROOT / "tests/san")]
 import network
 import questions
+import together
 import verdict
 
 # What hangs together across hosts.
@@ -303,7 +304,6 @@ class Anonymous(unittest.TestCase):
                          json.loads(shown)["uname"])
 
     def test_what_is_refused_is_one_line_and_no_file(self):
-        os.chdir(self.folder)
         for name, data, mode in (("short", bytes(31), 0o600), ("open", bytes(range(40)), 0o644),
                                  ("zeros", bytes(64), 0o600), ("long", bytes(range(256)) * 17, 0o600)):
             key(self.folder, name, data, mode)
@@ -313,8 +313,8 @@ class Anonymous(unittest.TestCase):
                 ("latin.json", b'{"uname": {"nodename": "\xe9"}}'), ("no.gz", b"\x1f\x8bxyz"),
                 ("deep.json", b'{"x":' * 40), ("cut.gz", gzip.compress(text)[:900])):
             write(self.folder, name, data)
-        before = sorted(os.listdir())
-        for words, complaint in (
+        before = sorted(os.listdir(self.folder))
+        refused = (
                 ("short a.json", "'short' cannot be the key: it is shorter than 32 bytes"),
                 ("zeros a.json", "'zeros' cannot be the key: its bytes are not random"),
                 ("long a.json", "'long' cannot be the key: it is longer than 4096 bytes"),
@@ -332,11 +332,12 @@ class Anonymous(unittest.TestCase):
                 ("key a.json a.json --output a.json", "'a.json' cannot be a folder"),
                 ("key a.json --output no/where", "'no/where' cannot be written: there is no such directory"),
                 ("key a.json a.json", "--output names a folder for several descriptions"),
-                ("key a.json --json", "A description is JSON as it is; --host, --json, --csv and device names")):
-            done = self.tarn("anonymous", *words.split(), status=2)
-            self.assertEqual((done.stdout, done.stderr.count(b"\n")), (b"", 1), done.stderr)
+                ("key a.json --json", "A description is JSON as it is; --host, --json, --csv and device names"))
+        told = together.in_one_machine(run.CLASS_PATH, [f"anonymous {words}" for words, _ in refused], self.folder)
+        for (words, complaint), done in zip(refused, told, strict=True):
+            self.assertEqual((done.returncode, done.stdout, done.stderr.count(b"\n")), (2, b"", 1), words)
             self.assertIn(f"tarn: {complaint}", done.stderr.decode())
-            self.assertEqual(sorted(os.listdir()), before)
+        self.assertEqual(sorted(os.listdir(self.folder)), before)
 
     def test_a_host_is_recorded_with_pseudonyms_at_once(self):
         source, out = write(self.folder, "rill.json", {**RILL, "shadow": {}}), str(Path(self.folder, "out.json"))
