@@ -15,7 +15,7 @@ final class Training {
     private Training() {
     }
 
-    /** Each argument is a command, its words separated by single blanks; those that ask a store follow by themselves. */
+    /** Each argument is a command, its words separated by blanks; those that ask a store follow by themselves. */
     public static void main(String[] commands) {
         for (String command : commands) {
             Tarn.run(command.split(" "));

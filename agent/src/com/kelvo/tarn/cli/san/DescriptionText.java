@@ -60,8 +60,8 @@ final class DescriptionText {
     }
 
     /**
-     * Two checksums in hexadecimal digits, 64 bits together. They protect nothing, and tell recordings apart in a
-     * twentieth of the time of MD5: for these, code that is compiled quickly has the processor's own instructions.
+     * Two checksums in hexadecimal digits, 64 bits together. They protect nothing, and tell recordings apart in a tenth
+     * of the time of MD5: for these, code that is compiled quickly has the processor's own instructions.
      */
     String digest() {
         return digits(new CRC32()) + digits(new CRC32C());

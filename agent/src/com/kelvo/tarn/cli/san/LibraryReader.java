@@ -102,8 +102,8 @@ public final class LibraryReader implements HostReader {
         private FarEnd(HostFacts facts, Fabric.RemotePort remote) {
             int domain = domain(remote.instance);
             paths = facts.alike(
-                HostTable.PATH, remote.port.adapter.index, remote.port.index, wwn(remote.instance), LogicalUnit.nodeOf(remote),
-                address(remote.instance), domain, state(remote.instance));
+                HostTable.PATH, remote.port.adapter.index, remote.port.index, wwn(remote.instance),
+                LogicalUnit.nodeOf(remote), address(remote.instance), domain, state(remote.instance));
             String fabric = remote.port.fabric();
             switches = fabric.isEmpty() ? List.of()
                 : Stream.of(domain(remote.port.instance), domain).distinct().filter(each -> each != 0)

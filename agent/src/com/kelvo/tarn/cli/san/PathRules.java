@@ -119,7 +119,8 @@ final class PathRules {
 
     private static Set<Network.ArrayPort> seenByTwoButNotAll(List<Network.Host> peers) {
         Map<Network.ArrayPort, Integer> seers = new LinkedHashMap<>();
-        peers.forEach(host -> host.seen.stream().filter(port -> !port.fabric.isEmpty() && !port.offlineTo.contains(host))
+        peers.forEach(host -> host.seen.stream()
+            .filter(port -> !port.fabric.isEmpty() && !port.offlineTo.contains(host))
             .forEach(port -> seers.merge(port, 1, Integer::sum)));
         seers.values().removeIf(count -> count < 2 || count == peers.size());
         return seers.keySet();

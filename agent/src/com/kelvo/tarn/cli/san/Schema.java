@@ -75,7 +75,8 @@ final class Schema {
     }
 
     private void apply(int version) throws SQLException {
-        String script = Resources.text(Schema.class, "schema-" + version + ".sql").replace("${id}", dialect.numbering());
+        String script = Resources.text(Schema.class, "schema-" + version + ".sql")
+            .replace("${id}", dialect.numbering());
         Dialect.execute(connection, script.strip().split(";\n"));
         Dialect.execute(connection, "DELETE FROM " + TABLE,
                         "INSERT INTO " + TABLE + " (version) VALUES (" + version + ")");
