@@ -82,6 +82,15 @@ CHANGES = [
 
 # What was moved to another array is not missed at the one before, which some of its hosts still use.
 MOVING = "; ".join(BEFORE.strip().splitlines()) + "; array new naa A.1 A.2 B.3"
+MISNAMED = """
+fabric A 1
+array old naa A.1 A.1
+hosts db 3 FX-1100 A.1
+units db 1 0 old.1 old.2
+unzone db1 old.2
+hosts odd 1 FX-1100 A.1
+units odd 1 0 old.1 old.2
+"""
 
 
 class San(unittest.TestCase):
@@ -192,6 +201,20 @@ class San(unittest.TestCase):
         with sqlite3.connect(store) as database:
             self.assertEqual(database.execute("SELECT COUNT(*) FROM snapshot").fetchall(), [(6,)])
             self.assertEqual(database.execute("SELECT * FROM zoning_gap").fetchall(), [])
+
+    def test_who_tells_another_node_of_a_port_hides_no_gap(self):
+        folder, store = self.folder / "misnamed", self.folder / "misnamed.db"
+        folder.mkdir()
+        for name, host in network.Network(MISNAMED).descriptions():
+            if name == "odd1.json":
+                adapter = host["hba"]["adapters"][0]
+                adapter["targetMapping"] = []
+                for seen in adapter["ports"][0]["discovered"]:
+                    seen["attributes"]["NodeWWN"] = "5" * 16
+            Path(folder, name).write_text(json.dumps(host))
+        self.san("load", folder, store=store)
+        self.assertIn(("zoning-gap", ["db1"]), [(each["code"], each["hosts"]) for each in
+                                                self.check(status=1, store=store)[0]])
 
     def test_check_is_a_plugin_and_keeps_to_itself_what_it_is_told_to(self):
         ignored = self.folder / "ignored"

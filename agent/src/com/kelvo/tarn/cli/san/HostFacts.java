@@ -80,12 +80,15 @@ public final class HostFacts {
     }
 
     /**
-     * {@return the rows that begin alike, to which those are added that a host has, without that beginning}
+     * {@return what follows in each row that begins so; a row is added by adding to it}
      *
      * @param table of which table
-     * @param beginning what stands in the first columns but for the snapshot
+     * @param beginning what stands in as many first columns, but for the snapshot, as the table has alike
      */
     public List<Object[]> alike(HostTable table, Object... beginning) {
+        if (beginning.length != table.alike) {
+            throw new IllegalArgumentException(table + " has " + table.alike + " columns alike");
+        }
         return rows.get(table).computeIfAbsent(Arrays.asList(beginning), added -> new ArrayList<>());
     }
 

@@ -26,6 +26,8 @@ public enum HostTable {
     SIGHT(0, "fabric", "remote_wwn", "remote_node", "remote_fc_address", "remote_domain", "remote_state", "initiators",
           "units");
 
+    /** So many of its columns, the first, are the same in many rows of a host. */
+    final int alike;
     /** Where a row says which unit it is about: the unit's identity, of which the store makes the unit's number. */
     final int unit;
     /** The statement that adds a row to the snapshot that its first parameter names. */
@@ -36,8 +38,8 @@ public enum HostTable {
     /** How many rows {@link #together} adds. */
     static final int TOGETHER = 16;
 
-    /** With so many columns rows begin that many others have alike. */
     HostTable(int alike, String... columns) {
+        this.alike = alike;
         List<String> own = List.of(columns).subList(alike, columns.length);
         unit = List.of(columns).indexOf("unit_id");
         String values = "INSERT INTO " + name().toLowerCase(Locale.ROOT) + " (snapshot_id, "

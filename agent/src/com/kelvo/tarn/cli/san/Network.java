@@ -34,12 +34,12 @@ final class Network {
     }
 
     /** Where ports of a host are online. */
-    static final class Port {
+    static final class Attachment {
         final String fabric;
         /** By fabric and domain; null for none. */
         final String throughSwitch;
 
-        private Port(String fabric, int domain) {
+        private Attachment(String fabric, int domain) {
             this.fabric = fabric;
             throughSwitch = switchName(fabric, domain);
         }
@@ -133,14 +133,14 @@ final class Network {
     }
 
     /** Where these hosts have ports that are online; no list for a host that has none. */
-    Map<Host, List<Port>> online(Collection<Host> those) {
-        Map<Host, List<Port>> ports = new HashMap<>();
+    Map<Host, List<Attachment>> attachments(Collection<Host> those) {
+        Map<Host, List<Attachment>> attachments = new HashMap<>();
         store.queryAbout("SELECT DISTINCT snapshot_id, fabric, domain FROM port WHERE snapshot_id IN (:these)"
                          + " AND state = '" + PortWords.ONLINE + "'",
-                         row -> ports.computeIfAbsent(host(row.getLong(1)), none -> new ArrayList<>())
-                             .add(new Port(row.getString(2), row.getInt(3))),
+                         row -> attachments.computeIfAbsent(host(row.getLong(1)), none -> new ArrayList<>())
+                             .add(new Attachment(row.getString(2), row.getInt(3))),
                          those.stream().map(host -> host.snapshot).collect(Collectors.toSet()));
-        return ports;
+        return attachments;
     }
 
     private void each(String sql, Store.Row<?> row) {
@@ -157,8 +157,9 @@ final class Network {
     }
 
     private void readArrayPorts() {
-        each("SELECT g.fabric, g.remote_wwn, MAX(g.remote_node), MAX(g.remote_domain), "
-             + store.joined("g.snapshot_id") + ", "
+        // The node is that which presents units there, whatever hosts say of it that reach none.
+        each("SELECT g.fabric, g.remote_wwn, COALESCE(MAX(CASE WHEN g.units > 0 THEN NULLIF(g.remote_node, '') END),"
+             + " MAX(g.remote_node)), MAX(g.remote_domain), " + store.joined("g.snapshot_id") + ", "
              + store.joined("CASE WHEN g.remote_state <> '" + PortWords.ONLINE + "' THEN g.snapshot_id END")
              + ", SUM(g.initiators), MAX(g.units)"
              + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"

@@ -33,14 +33,19 @@ final class PathRules {
         private final String secondSwitch;
         private final String arrayPort;
 
-        private OneWay(Network.Host host, ResultSet row) throws SQLException {
+        /** Many rows have the same texts, which are kept once. */
+        private OneWay(Network.Host host, ResultSet row, Map<String, String> texts) throws SQLException {
             this.host = host;
             unit = row.getLong(2);
-            identity = row.getString(3);
-            fabric = row.getString(4);
-            oneSwitch = row.getString(5);
-            secondSwitch = row.getString(6);
-            arrayPort = row.getString(7);
+            identity = once(row.getString(3), texts);
+            fabric = once(row.getString(4), texts);
+            oneSwitch = once(row.getString(5), texts);
+            secondSwitch = once(row.getString(6), texts);
+            arrayPort = once(row.getString(7), texts);
+        }
+
+        private static String once(String text, Map<String, String> texts) {
+            return text == null ? null : texts.computeIfAbsent(text, added -> added);
         }
     }
 
@@ -68,17 +73,18 @@ final class PathRules {
 
     /** Where all paths share something of which the host has, or the array shows to others, a second. */
     void findOneWay(Store store) {
-        List<OneWay> all = store.query(ONE_WAY, row -> new OneWay(network.host(row.getLong(1)), row));
+        Map<String, String> texts = new HashMap<>();
+        List<OneWay> all = store.query(ONE_WAY, row -> new OneWay(network.host(row.getLong(1)), row, texts));
         Map<Long, Set<String>> nodes = network.nodes(all.stream().map(each -> each.unit).collect(Collectors.toSet()));
-        Map<Network.Host, List<Network.Port>> online =
-            network.online(all.stream().map(each -> each.host).collect(Collectors.toSet()));
+        Map<Network.Host, List<Network.Attachment>> attachments =
+            network.attachments(all.stream().map(each -> each.host).collect(Collectors.toSet()));
         for (OneWay each : all) {
-            List<Network.Port> ports = online.getOrDefault(each.host, List.of());
+            List<Network.Attachment> places = attachments.getOrDefault(each.host, List.of());
             Set<String> presenting = nodes.getOrDefault(each.unit, Set.of());
             require(NetworkFault.UNIT_ONE_FABRIC, each, each.fabric, null,
-                    Stream.concat(ports.stream().map(port -> port.fabric), shown(fabrics, presenting)));
+                    Stream.concat(places.stream().map(place -> place.fabric), shown(fabrics, presenting)));
             require(NetworkFault.UNIT_ONE_SWITCH, each, each.oneSwitch, each.secondSwitch,
-                    Stream.concat(ports.stream().map(port -> port.throughSwitch), shown(switches, presenting)));
+                    Stream.concat(places.stream().map(place -> place.throughSwitch), shown(switches, presenting)));
             require(NetworkFault.UNIT_ONE_ARRAY_PORT, each, each.arrayPort, null, shown(arrayPorts, presenting));
         }
     }
@@ -97,19 +103,26 @@ final class PathRules {
     /** Where a host does not see an array port that two others see online which share a unit of that array with it. */
     void findZoningGaps() {
         Map<Network.Sharing, Set<Network.ArrayPort>> partly = new LinkedHashMap<>();
-        network.sharings.forEach(sharing -> partly.put(sharing, seenByTwoButNotAll(peers(sharing))));
-        partly.values().removeIf(Set::isEmpty);
+        for (Network.Sharing sharing : network.sharings) {
+            Set<Network.ArrayPort> ports = sharing.hosts.length < 3 ? Set.of() : seenByTwoButNotAll(peers(sharing));
+            if (!ports.isEmpty()) {
+                partly.put(sharing, ports);
+            }
+        }
         Map<Long, Set<String>> nodes = network.nodes(
             partly.keySet().stream().flatMap(sharing -> sharing.units.stream()).collect(Collectors.toSet()));
-        Map<Network.Host, List<Network.Port>> online = network.online(
+        Map<Network.Host, List<Network.Attachment>> attachments = network.attachments(
             partly.keySet().stream().flatMap(sharing -> peers(sharing).stream()).collect(Collectors.toSet()));
         partly.forEach((sharing, ports) -> {
             Set<String> presenting = sharing.units.stream()
                 .flatMap(unit -> nodes.getOrDefault(unit, Set.of()).stream()).collect(Collectors.toSet());
-            ports.stream().filter(port -> presenting.contains(port.node)).forEach(
-                port -> peers(sharing).stream().filter(host -> !host.seen.contains(port)
-                    && online.getOrDefault(host, List.of()).stream().anyMatch(own -> own.fabric.equals(port.fabric)))
-                    .forEach(host -> findings.warn(NetworkFault.ZONING_GAP, port.wwn, host, port.fabric)));
+            for (Network.Host host : peers(sharing)) {
+                Set<String> fabrics = attachments.getOrDefault(host, List.of()).stream().map(place -> place.fabric)
+                    .collect(Collectors.toSet());
+                ports.stream().filter(port -> presenting.contains(port.node) && fabrics.contains(port.fabric)
+                                      && !host.seen.contains(port))
+                    .forEach(port -> findings.warn(NetworkFault.ZONING_GAP, port.wwn, host, port.fabric));
+            }
         });
     }
 
