@@ -82,6 +82,7 @@ CHANGES = [
 
 # What was moved to another array is not missed at the one before, which some of its hosts still use.
 MOVING = "; ".join(BEFORE.strip().splitlines()) + "; array new naa A.1 A.2 B.3"
+# One host calls the node of a port otherwise, and reaches nothing there.
 MISNAMED = """
 fabric A 1
 array old naa A.1 A.1

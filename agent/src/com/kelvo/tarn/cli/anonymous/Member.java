@@ -42,7 +42,7 @@ final class Member {
         Member description = new Member(Kind.UNKNOWN);
         Deque<Member> around = new ArrayDeque<>();
         around.push(description);
-        for (String line : Resource.lines("members.txt")) {
+        for (String line : Tables.lines("members.txt")) {
             String row = line.strip();
             int depth = (line.length() - row.length()) / 2;
             while (around.size() > depth + 1) {

@@ -17,7 +17,7 @@ import java.util.stream.Stream;
 
 /** What texts of each {@link Kind} become in one description. Whatever has not the form of its kind is replaced. */
 final class Pseudonyms {
-    private static final Map<String, Set<String>> LISTS = Resource.wordLists();
+    private static final Map<String, Set<String>> LISTS = Tables.wordLists();
 
     private static final Pattern TIME = Pattern.compile("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ");
     private static final Pattern SMALL_NUMBER = Pattern.compile("\\d{1,5}");

@@ -114,7 +114,7 @@ public final class Fabric {
             mappings = record == null ? List.of() : Arrays.asList(record.targetMappings());
             name = nameOf(instance, place());
             ends = port.name + " " + name;
-            isOnline = isOnline(port.instance) && isOnline(instance);
+            isOnline = PortStates.isOnline(port.instance) && PortStates.isOnline(instance);
         }
 
         /** Names the mappings as another view of the same remote port does; null, or of another size, is none. */
@@ -170,10 +170,6 @@ public final class Fabric {
         public String place() {
             return port.place() + " remote port " + index;
         }
-    }
-
-    private static boolean isOnline(TrInstance port) {
-        return PortStates.isOnline(Instances.value(port, HbaPortProvider.portState));
     }
 
     private static String nameOf(TrInstance port, String place) {

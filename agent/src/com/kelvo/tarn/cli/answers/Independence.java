@@ -1,6 +1,5 @@
 package com.kelvo.tarn.cli.answers;
 
-import com.kelvo.tarn.providers.hba.HbaPortProvider;
 import java.util.ArrayList;
 import java.util.Collection;
 import java.util.HashMap;
@@ -37,8 +36,8 @@ public final class Independence {
      * @param paths the same by unit
      */
     public Independence(Fabric fabric, Paths paths) {
-        List<Fabric.Port> online = fabric.ports().stream().filter(port -> PortStates.isOnline(
-            Instances.value(port.instance, HbaPortProvider.portState))).collect(Collectors.toList());
+        List<Fabric.Port> online = fabric.ports().stream().filter(port -> PortStates.isOnline(port.instance))
+            .collect(Collectors.toList());
         hasTwoAdapters = isSeveral(online, port -> port.adapter.index);
         hasTwoFabrics = online.stream().map(Fabric.Port::fabric).filter(name -> !name.isEmpty()).distinct().count() > 1;
         for (LogicalUnit unit : paths.units) {

@@ -19,6 +19,11 @@ public final class PortStates {
         return HbaPortProvider.PORT_STATE_ONLINE.equals(state);
     }
 
+    /** Whether its state is online; not for null. */
+    static boolean isOnline(TrInstance port) {
+        return isOnline(Instances.<UnsignedInt>value(port, HbaPortProvider.portState));
+    }
+
     /**
      * {@return whether the operational status is OK and nothing else}
      *

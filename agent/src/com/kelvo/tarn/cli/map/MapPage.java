@@ -5,7 +5,6 @@ import com.kelvo.tarn.cli.answers.Check;
 import com.kelvo.tarn.cli.output.FindingWords;
 import com.kelvo.tarn.cli.output.Json;
 import com.kelvo.tarn.cli.output.Page;
-import java.io.IOException;
 import java.util.ArrayList;
 import java.util.Comparator;
 import java.util.HashMap;
@@ -26,7 +25,7 @@ final class MapPage {
     }
 
     /** The page around a picture of the topology. With all, no path lacks a row. */
-    static String of(Topology topology, String svg, boolean all) throws IOException {
+    static String of(Topology topology, String svg, boolean all) {
         Map<String, String> parts = new HashMap<>();
         parts.put("title", PageFrame.escaped(topology.title));
         parts.put("find", "Filter");

@@ -8,7 +8,6 @@ import com.kelvo.tarn.cli.san.NetworkFinding;
 import com.kelvo.tarn.cli.san.NetworkTopology;
 import com.kelvo.tarn.cli.san.NetworkTopology.Host;
 import com.kelvo.tarn.cli.san.NetworkTopology.Reach;
-import java.io.IOException;
 import java.util.ArrayList;
 import java.util.HashMap;
 import java.util.List;
@@ -28,7 +27,7 @@ final class NetworkPage {
      *
      * @param origin where the network is known from
      */
-    static String of(NetworkPicture picture, String svg, String origin) throws IOException {
+    static String of(NetworkPicture picture, String svg, String origin) {
         NetworkTopology network = picture.network;
         Map<String, String> parts = new HashMap<>();
         parts.put("title", "Storage network");

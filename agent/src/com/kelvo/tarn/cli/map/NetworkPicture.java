@@ -4,7 +4,6 @@ import com.kelvo.tarn.cli.san.NetworkCheck;
 import com.kelvo.tarn.cli.san.NetworkFault;
 import com.kelvo.tarn.cli.san.NetworkFinding;
 import com.kelvo.tarn.cli.san.NetworkTopology;
-import java.io.IOException;
 import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
@@ -40,9 +39,8 @@ public final class NetworkPicture {
      * {@return a page that holds the drawing and all that is needed to ask it}
      *
      * @param origin where the network is known from, and what has drawn it
-     * @throws IOException when the program is not whole
      */
-    public String html(String origin) throws IOException {
+    public String html(String origin) {
         return NetworkPage.of(this, svg, origin);
     }
 

@@ -9,8 +9,6 @@ import com.kelvo.tarn.cli.san.NetworkCheck;
 import com.kelvo.tarn.cli.san.NetworkTopology;
 import com.kelvo.tarn.cli.san.NetworkVerdict;
 import com.kelvo.tarn.cli.san.Store;
-import java.io.IOException;
-import java.io.UncheckedIOException;
 import java.time.Instant;
 import java.util.function.Consumer;
 import java.util.function.Function;
@@ -73,13 +71,8 @@ final class NetworkAnswers extends Answers {
         }
 
         private String picture() {
-            NetworkPicture picture =
-                of(open -> new NetworkPicture(NetworkTopology.of(open), NetworkCheck.of(open)));
-            try {
-                return picture.html("drawn by " + program);
-            } catch (IOException failed) {
-                throw new UncheckedIOException(failed.getMessage(), failed);
-            }
+            return of(open -> new NetworkPicture(NetworkTopology.of(open), NetworkCheck.of(open)))
+                .html("drawn by " + program);
         }
     }
 

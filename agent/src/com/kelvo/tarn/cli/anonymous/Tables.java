@@ -10,13 +10,13 @@ import java.util.Set;
 import java.util.stream.Collectors;
 
 /** The tables beside this class. */
-final class Resource {
-    private Resource() {
+final class Tables {
+    private Tables() {
     }
 
     /** {@return the lines of a table, without comments and empty ones} */
     static List<String> lines(String name) {
-        return Resources.text(Resource.class, name).lines().filter(line -> !line.isBlank() && !line.startsWith("#"))
+        return Resources.text(Tables.class, name).lines().filter(line -> !line.isBlank() && !line.startsWith("#"))
             .collect(Collectors.toList());
     }
 
