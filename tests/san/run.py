@@ -82,7 +82,6 @@ CHANGES = [
 
 # What was moved to another array is not missed at the one before, which some of its hosts still use.
 MOVING = "; ".join(BEFORE.strip().splitlines()) + "; array new naa A.1 A.2 B.3"
-# One host calls the node of a port otherwise, and reaches nothing there.
 MISNAMED = """
 fabric A 1
 array old naa A.1 A.1
@@ -90,8 +89,9 @@ hosts db 3 FX-1100 A.1
 units db 1 0 old.1 old.2
 unzone db1 old.2
 hosts odd 1 FX-1100 A.1
-units odd 1 0 old.1 old.2
+units odd 0 1 old.1 old.2
 """
+OLD_1, OLD_2 = "200100a0b8000000", "200200a0b8000000"
 
 
 class San(unittest.TestCase):
@@ -203,19 +203,23 @@ class San(unittest.TestCase):
             self.assertEqual(database.execute("SELECT COUNT(*) FROM snapshot").fetchall(), [(6,)])
             self.assertEqual(database.execute("SELECT * FROM zoning_gap").fetchall(), [])
 
-    def test_who_tells_another_node_of_a_port_hides_no_gap(self):
-        folder, store = self.folder / "misnamed", self.folder / "misnamed.db"
-        folder.mkdir()
-        for name, host in network.Network(MISNAMED).descriptions():
-            if name == "odd1.json":
+    def test_what_a_port_is_tell_hosts_that_reach_units_there(self):
+        """One has another node for it, and where it reaches nothing, another switch."""
+        nowhere = {"odd1.json": (OLD_1, OLD_2)}
+        for case, unreached in enumerate(({}, nowhere, {**nowhere, "db2.json": (OLD_2,), "db3.json": (OLD_2,)})):
+            folder, store = self.folder / f"misnamed{case}", self.folder / f"misnamed{case}.db"
+            folder.mkdir()
+            for name, host in network.Network(MISNAMED).descriptions():
                 adapter = host["hba"]["adapters"][0]
-                adapter["targetMapping"] = []
-                for seen in adapter["ports"][0]["discovered"]:
-                    seen["attributes"]["NodeWWN"] = "5" * 16
-            Path(folder, name).write_text(json.dumps(host))
-        self.san("load", folder, store=store)
-        self.assertIn(("zoning-gap", ["db1"]), [(each["code"], each["hosts"]) for each in
-                                                self.check(status=1, store=store)[0]])
+                adapter["targetMapping"] = [each for each in adapter["targetMapping"]
+                                            if each["FcpId"]["PortWWN"] not in unreached.get(name, ())]
+                for seen in adapter["ports"][0]["discovered"] if name == "odd1.json" else ():
+                    seen["attributes"].update(NodeWWN="5" * 16, **({"PortFcId": 0x090000} if unreached else {}))
+                Path(folder, name).write_text(json.dumps(host))
+            self.san("load", folder, store=store)
+            self.assertEqual([(each["code"], each["subject"], each["hosts"])
+                              for each in self.check(status=1, store=store)[0] if "apart" not in each["code"]],
+                             [("zoning-gap", OLD_2, ["db1"])], case)
 
     def test_check_is_a_plugin_and_keeps_to_itself_what_it_is_told_to(self):
         ignored = self.folder / "ignored"

@@ -149,10 +149,12 @@ JOIN path p ON p.snapshot_id = s.snapshot_id
 JOIN port n ON n.snapshot_id = p.snapshot_id AND n.adapter = p.adapter AND n.port = p.port
 JOIN unit u ON u.id = p.unit_id;
 
--- The remote ports through which any host reaches units.
+-- The remote ports through which any host reaches units, as such hosts tell of them.
 CREATE VIEW array_port AS
-SELECT g.fabric, g.remote_wwn AS wwn, MAX(g.remote_node) AS node, MAX(g.remote_fc_address) AS fc_address,
-    MAX(g.remote_domain) AS domain, COUNT(*) AS hosts, SUM(g.initiators) AS initiators
+SELECT g.fabric, g.remote_wwn AS wwn, MAX(CASE WHEN g.units > 0 THEN g.remote_node END) AS node,
+    MAX(CASE WHEN g.units > 0 THEN g.remote_fc_address END) AS fc_address,
+    MAX(CASE WHEN g.units > 0 THEN g.remote_domain END) AS domain,
+    COUNT(*) AS hosts, SUM(g.initiators) AS initiators
 FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id
 GROUP BY g.fabric, g.remote_wwn
 HAVING SUM(g.units) > 0;

@@ -87,7 +87,7 @@ public final class HostFacts {
      */
     public List<Object[]> alike(HostTable table, Object... beginning) {
         if (beginning.length != table.alike) {
-            throw new IllegalArgumentException(table + " has " + table.alike + " columns alike");
+            throw new AssertionError(table + " has " + table.alike + " columns alike");
         }
         return rows.get(table).computeIfAbsent(Arrays.asList(beginning), added -> new ArrayList<>());
     }

@@ -6,8 +6,10 @@ import java.util.List;
 
 /** A remote port through which units are reached, as all hosts see it together. */
 public final class ListedArrayPort {
-    private static final String PORTS = "SELECT g.fabric, g.remote_wwn, MAX(g.remote_node) AS node,"
-        + " MAX(g.remote_domain) AS domain, MAX(g.remote_fc_address) AS fc_address, COUNT(*) AS hosts,"
+    private static final String PORTS = "SELECT g.fabric, g.remote_wwn,"
+        + " MAX(CASE WHEN g.units > 0 THEN g.remote_node END) AS node,"
+        + " MAX(CASE WHEN g.units > 0 THEN g.remote_domain END) AS domain,"
+        + " MAX(CASE WHEN g.units > 0 THEN g.remote_fc_address END) AS fc_address, COUNT(*) AS hosts,"
         + " SUM(CASE WHEN g.remote_state = 'online' THEN 1 ELSE 0 END) AS online, SUM(g.initiators) AS initiators"
         + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
         + " GROUP BY g.fabric, g.remote_wwn HAVING ";

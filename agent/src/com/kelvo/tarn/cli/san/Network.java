@@ -45,29 +45,40 @@ final class Network {
         }
     }
 
-    /** A port of a node that presents units, in a fabric; without a name, that may be any. */
+    /**
+     * A port of a node that presents units, in a fabric; without a name, that may be any. Its node and its switch are
+     * what hosts tell that reach units there; where none does, what all tell.
+     */
     static final class ArrayPort {
         final String fabric;
         final String wwn;
-        final String node;
-        final String throughSwitch;
+        /** Several where hosts do not agree. */
+        final Set<String> nodes = new HashSet<>();
         /** Those that have discovered it, of which some may not see it online. */
-        final List<Host> hosts;
-        final Set<Host> offlineTo;
-        final long initiators;
+        final List<Host> hosts = new ArrayList<>();
+        final Set<Host> offlineTo = new HashSet<>();
         /** Whether any host reaches units there. */
-        final boolean isUsed;
+        boolean isUsed;
+        long initiators;
+        private int domain;
 
-        private ArrayPort(String fabric, String wwn, String node, int domain, List<Host> hosts, List<Host> offlineTo,
-                          long initiators, boolean isUsed) {
-            this.hosts = hosts;
-            this.offlineTo = Set.copyOf(offlineTo);
+        private ArrayPort(String fabric, String wwn) {
             this.fabric = fabric;
             this.wwn = wwn;
-            this.node = node;
-            this.initiators = initiators;
-            this.isUsed = isUsed;
-            throughSwitch = switchName(fabric, domain);
+        }
+
+        /** Those that reach units there tell first. */
+        private void tell(String node, int itsDomain, boolean reachesUnits) {
+            isUsed |= reachesUnits;
+            if (reachesUnits == isUsed) {
+                nodes.add(node);
+                nodes.remove("");
+                domain = Math.max(domain, itsDomain);
+            }
+        }
+
+        String throughSwitch() {
+            return switchName(fabric, domain);
         }
     }
 
@@ -111,6 +122,10 @@ final class Network {
     /** The hosts of which those are the latest recordings, put together by a query. */
     List<Host> hosts(String snapshots) {
         return Arrays.stream(Store.numbers(snapshots)).mapToObj(this::host).collect(Collectors.toList());
+    }
+
+    List<Host> hosts(Sharing sharing) {
+        return Arrays.stream(sharing.hosts).mapToObj(hosts::get).collect(Collectors.toList());
     }
 
     /** What presents these units to any host; no set for a unit that nothing presents. */
@@ -157,20 +172,23 @@ final class Network {
     }
 
     private void readArrayPorts() {
-        // The node is that which presents units there, whatever hosts say of it that reach none.
-        each("SELECT g.fabric, g.remote_wwn, COALESCE(MAX(CASE WHEN g.units > 0 THEN NULLIF(g.remote_node, '') END),"
-             + " MAX(g.remote_node)), MAX(g.remote_domain), " + store.joined("g.snapshot_id") + ", "
+        Map<List<String>, ArrayPort> ports = new LinkedHashMap<>();
+        each("SELECT g.fabric, g.remote_wwn, g.remote_node, MAX(g.remote_domain), MAX(g.units) AS units,"
+             + " SUM(g.initiators), " + store.joined("g.snapshot_id") + ", "
              + store.joined("CASE WHEN g.remote_state <> '" + PortWords.ONLINE + "' THEN g.snapshot_id END")
-             + ", SUM(g.initiators), MAX(g.units)"
              + " FROM latest_snapshot s JOIN sight g ON g.snapshot_id = s.snapshot_id"
-             + " GROUP BY g.fabric, g.remote_wwn", row -> {
-            ArrayPort port = new ArrayPort(row.getString(1), row.getString(2), row.getString(3), row.getInt(4),
-                                           hosts(row.getString(5)), hosts(row.getString(6)), row.getLong(7),
-                                           row.getLong(8) > 0);
-            return portsOfNode.computeIfAbsent(port.node, none -> new ArrayList<>()).add(port);
+             + " GROUP BY g.fabric, g.remote_wwn, g.remote_node, g.units > 0 ORDER BY units DESC", row -> {
+            List<String> name = List.of(row.getString(1), row.getString(2));
+            ArrayPort port = ports.computeIfAbsent(name, added -> new ArrayPort(name.get(0), name.get(1)));
+            port.tell(row.getString(3), row.getInt(4), row.getLong(5) > 0);
+            port.initiators += row.getLong(6);
+            port.hosts.addAll(hosts(row.getString(7)));
+            return port.offlineTo.addAll(hosts(row.getString(8)));
         });
-        portsOfNode.values().removeIf(ports -> ports.stream().noneMatch(port -> port.isUsed));
-        portsOfNode.values().forEach(ports -> ports.forEach(
+        ports.values().forEach(port -> port.nodes.forEach(
+            node -> portsOfNode.computeIfAbsent(node, none -> new ArrayList<>()).add(port)));
+        portsOfNode.values().removeIf(those -> those.stream().noneMatch(port -> port.isUsed));
+        portsOfNode.values().forEach(those -> those.forEach(
             port -> port.hosts.forEach(host -> host.seen.add(port))));
     }
 

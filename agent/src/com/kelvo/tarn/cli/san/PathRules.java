@@ -2,7 +2,7 @@ package com.kelvo.tarn.cli.san;
 
 import java.sql.ResultSet;
 import java.sql.SQLException;
-import java.util.Arrays;
+import java.util.Collections;
 import java.util.HashMap;
 import java.util.HashSet;
 import java.util.LinkedHashMap;
@@ -33,7 +33,6 @@ final class PathRules {
         private final String secondSwitch;
         private final String arrayPort;
 
-        /** Many rows have the same texts, which are kept once. */
         private OneWay(Network.Host host, ResultSet row, Map<String, String> texts) throws SQLException {
             this.host = host;
             unit = row.getLong(2);
@@ -44,6 +43,7 @@ final class PathRules {
             arrayPort = once(row.getString(7), texts);
         }
 
+        /** The text as it is there: many rows have the same. */
         private static String once(String text, Map<String, String> texts) {
             return text == null ? null : texts.computeIfAbsent(text, added -> added);
         }
@@ -61,7 +61,7 @@ final class PathRules {
         this.findings = findings;
         network.portsOfNode.forEach((node, ports) -> {
             fabrics.put(node, used(ports, port -> port.fabric.isEmpty() ? null : port.fabric));
-            switches.put(node, used(ports, port -> port.throughSwitch));
+            switches.put(node, used(ports, Network.ArrayPort::throughSwitch));
             arrayPorts.put(node, used(ports, port -> port.wwn));
         });
     }
@@ -104,7 +104,7 @@ final class PathRules {
     void findZoningGaps() {
         Map<Network.Sharing, Set<Network.ArrayPort>> partly = new LinkedHashMap<>();
         for (Network.Sharing sharing : network.sharings) {
-            Set<Network.ArrayPort> ports = sharing.hosts.length < 3 ? Set.of() : seenByTwoButNotAll(peers(sharing));
+            Set<Network.ArrayPort> ports = seenByTwoButNotAll(network.hosts(sharing));
             if (!ports.isEmpty()) {
                 partly.put(sharing, ports);
             }
@@ -112,22 +112,17 @@ final class PathRules {
         Map<Long, Set<String>> nodes = network.nodes(
             partly.keySet().stream().flatMap(sharing -> sharing.units.stream()).collect(Collectors.toSet()));
         Map<Network.Host, List<Network.Attachment>> attachments = network.attachments(
-            partly.keySet().stream().flatMap(sharing -> peers(sharing).stream()).collect(Collectors.toSet()));
+            partly.keySet().stream().flatMap(sharing -> network.hosts(sharing).stream()).collect(Collectors.toSet()));
         partly.forEach((sharing, ports) -> {
             Set<String> presenting = sharing.units.stream()
                 .flatMap(unit -> nodes.getOrDefault(unit, Set.of()).stream()).collect(Collectors.toSet());
-            for (Network.Host host : peers(sharing)) {
-                Set<String> fabrics = attachments.getOrDefault(host, List.of()).stream().map(place -> place.fabric)
-                    .collect(Collectors.toSet());
-                ports.stream().filter(port -> presenting.contains(port.node) && fabrics.contains(port.fabric)
-                                      && !host.seen.contains(port))
+            ports.removeIf(port -> Collections.disjoint(port.nodes, presenting));
+            for (Network.Host host : network.hosts(sharing)) {
+                ports.stream().filter(port -> !host.seen.contains(port) && attachments.getOrDefault(host, List.of())
+                                      .stream().anyMatch(place -> place.fabric.equals(port.fabric)))
                     .forEach(port -> findings.warn(NetworkFault.ZONING_GAP, port.wwn, host, port.fabric));
             }
         });
-    }
-
-    private List<Network.Host> peers(Network.Sharing sharing) {
-        return Arrays.stream(sharing.hosts).mapToObj(network.hosts::get).collect(Collectors.toList());
     }
 
     private static Set<Network.ArrayPort> seenByTwoButNotAll(List<Network.Host> peers) {

@@ -38,7 +38,7 @@ final class PeerRules {
         Map<Long, String> identities = network.identities(
             lacking.keySet().stream().flatMap(sharing -> sharing.units.stream()).collect(Collectors.toList()));
         lacking.forEach((sharing, host) -> {
-            String others = hosts(sharing).stream().map(other -> other.name).limit(2)
+            String others = network.hosts(sharing).stream().map(other -> other.name).limit(2)
                 .collect(Collectors.joining(", "))
                 + (sharing.hosts.length > 2 ? " and " + (sharing.hosts.length - 2) + " more" : "");
             sharing.units.forEach(unit -> findings.warn(
@@ -49,7 +49,7 @@ final class PeerRules {
     /** The other hosts by how many of the units they have that all hosts of this sharing have. */
     private Map<Integer, Integer> commonWithOthers(Network.Sharing sharing) {
         Map<Integer, Integer> common = new HashMap<>();
-        List<Network.Sharing> fewest = hosts(sharing).stream().map(host -> host.sharings)
+        List<Network.Sharing> fewest = network.hosts(sharing).stream().map(host -> host.sharings)
             .min(Comparator.comparing(List::size)).orElseThrow();
         for (Network.Sharing larger : fewest) {
             if (larger.hosts.length > sharing.hosts.length) {
@@ -61,10 +61,6 @@ final class PeerRules {
             }
         }
         return common;
-    }
-
-    private List<Network.Host> hosts(Network.Sharing sharing) {
-        return Arrays.stream(sharing.hosts).mapToObj(network.hosts::get).collect(Collectors.toList());
     }
 
     /**
